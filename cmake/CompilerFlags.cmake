@@ -1,0 +1,19 @@
+# Warnings and hardening of everything that is built here.
+add_compile_options(-Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Wformat=2)
+if(ORVEL_WERROR)
+  add_compile_options(-Werror)
+endif()
+
+add_compile_options(-fstack-protector-strong)
+add_link_options(-Wl,-z,relro,-z,now,-z,noexecstack)
+if(ORVEL_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+else()
+  add_compile_options($<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE> $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
+endif()
+
+# A unique symbol keeps its library in memory for good, and dlclose must really unload the plug-in.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)
+endif()

@@ -1,0 +1,11 @@
+# export_only(TARGET LIST): the shared library shows the symbols of the file LIST (one mangled name a line, "#" begins
+# a comment) and no other, templates of other libraries that were instantiated in it included.
+function(export_only target list)
+  file(STRINGS ${list} symbols REGEX "^[^#]")
+  string(JOIN ";\n    " symbols ${symbols})
+  set(script ${CMAKE_CURRENT_BINARY_DIR}/${target}.map)
+  file(CONFIGURE OUTPUT ${script} CONTENT "{\n  global:\n    @symbols@;\n  local:\n    *;\n};\n" @ONLY)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
+  target_link_options(${target} PRIVATE -Wl,--version-script=${script})
+  set_target_properties(${target} PROPERTIES LINK_DEPENDS ${script})
+endfunction()
