@@ -1,0 +1,43 @@
+// Path guards and affix predicates.
+#include "util/platform_utils.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+
+#include "util/log.h"
+
+namespace {
+
+constexpr LogSource kLogSource{kUtilityTag, "platform_utils"};
+
+}  // namespace
+
+bool isRealPath(const std::string& path) {
+  if (path.empty()) {
+    LOG_ERROR("Path is empty");
+    return false;
+  }
+  struct stat status;
+  if (lstat(path.c_str(), &status) != 0) {
+    if (errno == ENOENT) {
+      LOG_DEBUG("File does not exist. No need to check symbolic links. ###");
+      return true;
+    }
+    LOG_ERROR("lstat error.");
+    return false;
+  }
+  if (S_ISLNK(status.st_mode)) {
+    LOG_ERROR("Symbolic link is detected : %s", path.c_str());
+    return false;
+  }
+  return true;
+}
+
+bool startWith(const std::string& str, const std::string& prefix) {
+  return str.size() >= prefix.size() && str.compare(0, prefix.size(), prefix) == 0;
+}
+
+bool endWith(const std::string& str, const std::string& suffix) {
+  return str.size() >= suffix.size() && str.compare(str.size() - suffix.size(), suffix.size(), suffix) == 0;
+}
