@@ -1,0 +1,108 @@
+// The launcher utility library.
+#include "quarnel_util/quarnel_util.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <boost/filesystem/operations.hpp>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <type_traits>
+
+#include "orvel/pkgmgr_info.h"
+#include "util/log.h"
+
+namespace {
+
+namespace fs = boost::filesystem;
+
+constexpr LogSource kLogSource{kUtilityTag, "quarnel_util"};
+constexpr char kListSeparator = ':';
+
+struct DestroyPackage {
+  void operator()(pkgmgrinfo_pkginfo_h handle) const { pkgmgrinfo_pkginfo_destroy_pkginfo(handle); }
+};
+struct DestroyApplication {
+  void operator()(pkgmgrinfo_appinfo_h handle) const { pkgmgrinfo_appinfo_destroy_appinfo(handle); }
+};
+using PackageRecord = std::unique_ptr<std::remove_pointer_t<pkgmgrinfo_pkginfo_h>, DestroyPackage>;
+using ApplicationRecord = std::unique_ptr<std::remove_pointer_t<pkgmgrinfo_appinfo_h>, DestroyApplication>;
+
+std::string WithoutTrailingSlash(std::string path) {
+  while (!path.empty() && path.back() == '/') path.pop_back();
+  return path;
+}
+
+bool IsAssemblyName(const std::string& name) {
+  const std::string suffix = ".dll";
+  return name.size() >= suffix.size() && name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0;
+}
+
+// The names in `directory` that stand for assemblies, sorted by byte.
+std::vector<std::string> AssemblyNames(const fs::path& directory) {
+  std::vector<std::string> names;
+  boost::system::error_code error;
+  for (fs::directory_iterator entry(directory, error), end; !error && entry != end; entry.increment(error)) {
+    boost::system::error_code unreadable;
+    std::string name = entry->path().filename().string();
+    if (IsAssemblyName(name) && fs::is_regular_file(entry->path(), unreadable)) names.push_back(std::move(name));
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+}  // namespace
+
+std::string getRootPath(const std::string& pkgId) {
+  pkgmgrinfo_pkginfo_h packageHandle = nullptr;
+  if (pkgmgrinfo_pkginfo_get_pkginfo(pkgId.c_str(), &packageHandle) != 0) return "";
+  const PackageRecord package(packageHandle);
+
+  char* mainAppId = nullptr;
+  if (pkgmgrinfo_pkginfo_get_mainappid(package.get(), &mainAppId) != 0 || mainAppId == nullptr) return "";
+  pkgmgrinfo_appinfo_h applicationHandle = nullptr;
+  if (pkgmgrinfo_appinfo_get_appinfo(mainAppId, &applicationHandle) != 0) return "";
+  const ApplicationRecord application(applicationHandle);
+
+  char* root = nullptr;
+  if (pkgmgrinfo_appinfo_get_root_path(application.get(), &root) != 0 || root == nullptr) return "";
+  return WithoutTrailingSlash(root);
+}
+
+std::string concatPath(const std::string& path1, const std::string& path2) {
+  if (path1.empty()) return path2;
+  if (path2.empty()) return path1;
+  return WithoutTrailingSlash(path1) + "/" + path2.substr(std::min(path2.find_first_not_of('/'), path2.size()));
+}
+
+std::string getAbsolutePath(const std::string& path) {
+  if (path.empty() || path.front() == '/') return path;
+  boost::system::error_code error;
+  const fs::path workingDirectory = fs::current_path(error);
+  return error ? path : concatPath(workingDirectory.string(), path);
+}
+
+void splitPath(const std::string& paths, std::vector<std::string>& out) {
+  std::size_t begin = 0;
+  while (begin < paths.size()) {
+    const std::size_t end = std::min(paths.find(kListSeparator, begin), paths.size());
+    if (end > begin) out.push_back(paths.substr(begin, end - begin));
+    begin = end + 1;
+  }
+}
+
+bool removeFile(const fs::path& path) {
+  if (unlink(path.c_str()) == 0 || errno == ENOENT) return true;
+  LOG_ERROR("Failed to remove %s : %s", path.c_str(), std::strerror(errno));
+  return false;
+}
+
+void addAssembliesFromDirectories(const std::vector<std::string>& directories, std::string& out) {
+  for (const std::string& directory : directories) {
+    for (const std::string& name : AssemblyNames(directory)) {
+      if (!out.empty()) out += kListSeparator;
+      out += concatPath(directory, name);
+    }
+  }
+}
