@@ -1,0 +1,27 @@
+// The assembly cache pass: catalogue what the platform provides, then offer every file of a package to the duplicate
+// policy. What a duplicate is, and what becomes of it, is in duplicates.
+#ifndef PLUGIN_ASSEMBLY_CACHE_H_
+#define PLUGIN_ASSEMBLY_CACHE_H_
+
+#include <string>
+
+#include "orvel/pkgmgr_info.h"
+#include "util/export.h"
+
+// Runs the pass over package `pkgId`. Returns 0 when no duplicate was found, or when the pass before was for the same
+// id; -1 when duplicates were found (each of them was dealt with) or the package has no root directory. Leaves the
+// catalogues filled.
+ORVEL_EXPORT int gac(const std::string& pkgId);
+
+// Tells whether the package declares the platform privilege.
+ORVEL_EXPORT bool HasPlatformPrivilege(const std::string& pkgId);
+
+// Calls `callback` for every installed application whose metadata holds `key` with the value "true". Failures are
+// logged.
+ORVEL_EXPORT void getPackageByMetadataTag(pkgmgrinfo_app_list_cb callback, const std::string& key);
+
+// Catalogues the shared assemblies of one CoBA application, given by its record. Always returns 1, so that the
+// enumeration goes on; `userData` is not used.
+ORVEL_EXPORT int cobaCallback(pkgmgrinfo_appinfo_h handle, void* userData);
+
+#endif

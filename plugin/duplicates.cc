@@ -1,0 +1,128 @@
+// The duplicate policy and the removal of a duplicate.
+#include "plugin/duplicates.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <boost/filesystem/operations.hpp>
+#include <cerrno>
+#include <cstdio>
+#include <map>
+
+#include "orvel/ovplatform.h"
+#include "plugin/catalogues.h"
+#include "plugin/log_source.h"
+#include "quarnel_util/quarnel_util.h"
+#include "util/platform_utils.h"
+#include "util/unique_fd.h"
+
+namespace {
+
+constexpr const char* kAssemblySuffix = ".dll";
+constexpr const char* kDpcDirectory = "/d.pc/";
+constexpr const char* kInformationFileSuffix = "_deleted";
+
+using Catalogue = std::map<std::string, std::string>;
+
+// The first catalogue, in the order of precedence, that holds `name`; null when none does.
+const Catalogue* CatalogueOf(const std::string& name) {
+  const std::array<const Catalogue*, 4> byPrecedence = {&coreFX, &orvelFX, &coBA, &appLib};
+  for (const Catalogue* catalogue : byPrecedence) {
+    if (isExistInList(*catalogue, name)) return catalogue;
+  }
+  return nullptr;
+}
+
+// An unknown root counts as being everywhere: what may be in the read-write area is not touched.
+bool IsInReadWriteArea(const std::string& path) {
+  const char* root = ovplatform_getenv(OVPLATFORM_RW_APPS_ROOT);
+  return root == nullptr || path.find(root) != std::string::npos;
+}
+
+// Opens the file for writing, empty. The name may be taken by whoever made the package: a symbolic link there is
+// removed, never followed, and a pipe must not hold up the installer.
+int OpenInformationFile(const std::string& path) {
+  const int flags = O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+  const mode_t mode = 0666;
+  const int file = open(path.c_str(), flags, mode);
+  if (file >= 0 || errno != ELOOP || unlink(path.c_str()) != 0) return file;
+  return open(path.c_str(), flags, mode);
+}
+
+bool WriteAll(int file, const std::string& text) {
+  std::size_t written = 0;
+  while (written < text.size()) {
+    const ssize_t count = write(file, text.data() + written, text.size() - written);
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return false;
+    written += static_cast<std::size_t>(count);
+  }
+  return true;
+}
+
+// Tells whoever looks into the package later what became of the DLL; without room for the text there is none.
+void LeaveInformationFile(const std::string& origin, const std::string& duplicated) {
+  const UniqueFd file(OpenInformationFile(duplicated + kInformationFileSuffix));
+  if (WriteAll(file.get(), duplicated + " was deleted because " + origin + " exists\n")) {
+    WriteAll(file.get(), "Remove " + duplicated + " from OPK\n");
+  }
+}
+
+}  // namespace
+
+int isUniqueDll(const std::string& path, const std::string& name) {
+  if (!endWith(path, kAssemblySuffix) || !isRealPath(path)) return 1;
+  const Catalogue* catalogue = CatalogueOf(name);
+  if (catalogue == nullptr) return 1;
+  const std::string& origin = catalogue->at(name);
+  if (!isDuplicatedDll(origin, path)) return 1;
+  removeFileAndLeaveInformationFile(origin, path);
+  return 0;
+}
+
+bool isDuplicatedDll(const std::string& origin, const std::string& duplicated) {
+  FunctionEntryExitTracker tracker("bool isDuplicatedDll(const std::string&, const std::string&)", kLogSource.unit,
+                                   __LINE__);
+  LOG_DEBUG("### Duplicated Checker ### Origin : %s, Duplicated : %s", origin.c_str(), duplicated.c_str());
+  if (origin == duplicated) return false;
+  for (const std::string* path : {&origin, &duplicated}) {
+    if (isDPCDll(*path)) {
+      // Said a second time, with its line break, as isDPCDll does: readers of the log count on both.
+      LOG_DEBUG("Is DPC DLL %s\n", path->c_str());
+      return false;
+    }
+  }
+  LOG_ERROR("### Duplicated DLL found ###");
+  LOG_ERROR("Origin : %s", origin.c_str());
+  LOG_ERROR("Duplicated : %s", duplicated.c_str());
+  std::fprintf(stderr, "### Duplicated DLL found!!! Please remove duplicated dll ### Origin : %s, Duplicated : %s\n",
+               origin.c_str(), duplicated.c_str());
+  return true;
+}
+
+bool isDPCDll(const std::string& path) {
+  FunctionEntryExitTracker tracker("bool isDPCDll(const std::string&)", kLogSource.unit, __LINE__);
+  if (path.find(kDpcDirectory) == std::string::npos) return false;
+  LOG_DEBUG("Is DPC DLL %s\n", path.c_str());
+  return true;
+}
+
+void removeFileAndLeaveInformationFile(const std::string& origin, const std::string& duplicated) {
+  FunctionEntryExitTracker tracker("void removeFileAndLeaveInformationFile(const std::string&, const std::string&)",
+                                   kLogSource.unit, __LINE__);
+  if (IsInReadWriteArea(origin)) {
+    LOG_ERROR("Origin file is in RW area. so doesn't remove duplicate file");
+    std::fputs("### INSTALL : morvath, org file is in rw \n", stderr);
+    return;
+  }
+  removeFile(duplicated);
+  LeaveInformationFile(origin, duplicated);
+}
+
+bool exist(const boost::filesystem::path& path) {
+  boost::system::error_code error;
+  const boost::filesystem::file_status status = boost::filesystem::status(path, error);
+  if (error) LOG_ERROR("Failed to check %s exists : %s", path.c_str(), error.message().c_str());
+  return boost::filesystem::exists(status);
+}
