@@ -1,0 +1,26 @@
+#!/bin/sh
+# lint.sh BUILD: format, clang-tidy, cppcheck and shellcheck over the sources; BUILD holds the compile commands.
+set -eu
+build=$1
+jobs=$(nproc)
+
+sources() {
+  git ls-files --cached --others --exclude-standard "$@"
+}
+
+echo "clang-format"
+sources '*.cc' '*.h' | xargs clang-format --dry-run -Werror
+
+echo "shellcheck"
+sources '*.sh' .ci/run | xargs shellcheck
+
+echo "cppcheck"
+cppcheck --quiet --error-exitcode=1 --enable=warning,performance,portability --inline-suppr --std=c++17 \
+  --suppressions-list=scripts/cppcheck-suppressions.txt -j "$jobs" -I . -I platform/include \
+  plugin util quarnel_util platform orvelbox
+
+echo "clang-tidy"
+sources 'plugin/*.cc' 'util/*.cc' 'quarnel_util/*.cc' 'platform/*.cc' 'orvelbox/*.cc' |
+  xargs -n 1 -P "$jobs" clang-tidy -p "$build" --quiet --warnings-as-errors='*'
+
+echo "lint passed"
