@@ -10,11 +10,11 @@
 #include <cstdio>
 #include <map>
 
-#include "orvel/ovplatform.h"
 #include "plugin/catalogues.h"
 #include "plugin/log_source.h"
 #include "quarnel_util/quarnel_util.h"
 #include "util/platform_utils.h"
+#include "util/read_write_area.h"
 #include "util/unique_fd.h"
 
 namespace {
@@ -32,12 +32,6 @@ const Catalogue* CatalogueOf(const std::string& name) {
     if (isExistInList(*catalogue, name)) return catalogue;
   }
   return nullptr;
-}
-
-// An unknown root counts as being everywhere: what may be in the read-write area is not touched.
-bool IsInReadWriteArea(const std::string& path) {
-  const char* root = ovplatform_getenv(OVPLATFORM_RW_APPS_ROOT);
-  return root == nullptr || path.find(root) != std::string::npos;
 }
 
 // Opens the file for writing, empty. The name may be taken by whoever made the package: a symbolic link there is

@@ -7,11 +7,9 @@
 #include <boost/filesystem/operations.hpp>
 #include <cerrno>
 #include <cstring>
-#include <memory>
-#include <type_traits>
 
-#include "orvel/pkgmgr_info.h"
 #include "util/log.h"
+#include "util/package_records.h"
 
 namespace {
 
@@ -19,15 +17,6 @@ namespace fs = boost::filesystem;
 
 constexpr LogSource kLogSource{kUtilityTag, "quarnel_util"};
 constexpr char kListSeparator = ':';
-
-struct DestroyPackage {
-  void operator()(pkgmgrinfo_pkginfo_h handle) const { pkgmgrinfo_pkginfo_destroy_pkginfo(handle); }
-};
-struct DestroyApplication {
-  void operator()(pkgmgrinfo_appinfo_h handle) const { pkgmgrinfo_appinfo_destroy_appinfo(handle); }
-};
-using PackageRecord = std::unique_ptr<std::remove_pointer_t<pkgmgrinfo_pkginfo_h>, DestroyPackage>;
-using ApplicationRecord = std::unique_ptr<std::remove_pointer_t<pkgmgrinfo_appinfo_h>, DestroyApplication>;
 
 std::string WithoutTrailingSlash(std::string path) {
   while (!path.empty() && path.back() == '/') path.pop_back();

@@ -46,7 +46,7 @@ std::string readFileToString(std::string path) {
   // Not blocking, so that a pipe in the file's place cannot hold up the caller.
   const UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
   std::string content;
-  std::array<char, 64 * 1024> buffer;
+  std::array<char, 65536> buffer;
   ssize_t count = 0;
   while ((count = read(file.get(), buffer.data(), buffer.size())) > 0) {
     content.append(buffer.data(), static_cast<std::size_t>(count));
