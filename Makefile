@@ -1,5 +1,5 @@
 # The commands of everyday work. Each installs what is missing first; CMakePresets.json holds the builds.
-.PHONY: build test demo lint format sanitize clean packages lint-packages
+.PHONY: build test demo coverage mutation lint format sanitize clean packages lint-packages
 
 JOBS ?= $(shell nproc)
 
@@ -18,6 +18,17 @@ sanitize: packages
 	cmake --preset sanitize
 	cmake --build --preset sanitize --parallel $(JOBS)
 	ctest --preset sanitize --parallel $(JOBS)
+
+# What the unit tests reach of plugin/ and util/.
+coverage: packages
+	@scripts/install-packages.sh scripts/coverage-packages.txt
+	cmake --preset coverage
+	cmake --build --preset coverage --parallel $(JOBS) --target unit_tests
+	scripts/coverage.sh build/coverage
+
+# What the unit tests notice of changes to plugin/ and util/ (an hour or so).
+mutation: packages
+	scripts/mutation.py
 
 lint: packages lint-packages
 	cmake --preset clang

@@ -3,13 +3,13 @@
 
 #include <cstdio>
 
+#include "morvath/metadata_utils.h"
+#include "morvath/platform_utils.h"
 #include "plugin/catalogues.h"
 #include "plugin/duplicates.h"
 #include "plugin/log_source.h"
 #include "plugin/package_paths.h"
 #include "quarnel_util/quarnel_util.h"
-#include "util/metadata_utils.h"
-#include "util/platform_utils.h"
 #include "util/privilege_checker.h"
 
 namespace {

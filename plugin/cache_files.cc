@@ -5,10 +5,10 @@
 
 #include <algorithm>
 
+#include "morvath/platform_utils.h"
 #include "plugin/log_source.h"
 #include "plugin/package_paths.h"
 #include "quarnel_util/quarnel_util.h"
-#include "util/platform_utils.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "util/export.h"
+#include "morvath/export.h"
 
 // A cache text after its editing, and what was erased from it, in order, separators included.
 struct CacheEdit {

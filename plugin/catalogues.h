@@ -6,7 +6,7 @@
 #include <map>
 #include <string>
 
-#include "util/export.h"
+#include "morvath/export.h"
 
 // Bare file name -> full path of the first file of that name. The tables only grow while the library is loaded.
 ORVEL_EXPORT extern std::map<std::string, std::string> coreFX;   // the core runtime

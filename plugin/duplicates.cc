@@ -10,10 +10,10 @@
 #include <cstdio>
 #include <map>
 
+#include "morvath/platform_utils.h"
 #include "plugin/catalogues.h"
 #include "plugin/log_source.h"
 #include "quarnel_util/quarnel_util.h"
-#include "util/platform_utils.h"
 #include "util/read_write_area.h"
 #include "util/unique_fd.h"
 

@@ -5,7 +5,7 @@
 #include <boost/filesystem/path.hpp>
 #include <string>
 
-#include "util/export.h"
+#include "morvath/export.h"
 
 // Judges the file `path` with bare name `name` by the catalogues. Returns 1 when it is kept; 0 when it is a duplicate
 // and its removal was attempted.

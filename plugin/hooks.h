@@ -7,7 +7,7 @@
 #include <map>
 #include <string>
 
-#include "util/export.h"
+#include "morvath/export.h"
 
 // What earlier events of this process said of a package id. Nothing is ever set back; reading an unknown id leaves a
 // false entry. cacheStateUninstall: it is being uninstalled, CLEAN leaves the cache files alone. aotStateUpgrade: it

@@ -6,8 +6,8 @@
 #include <memory>
 #include <string_view>
 
+#include "morvath/metadata_utils.h"
 #include "plugin/log_source.h"
-#include "util/metadata_utils.h"
 
 namespace {
 

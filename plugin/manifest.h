@@ -4,7 +4,7 @@
 
 #include <libxml/tree.h>
 
-#include "util/export.h"
+#include "morvath/export.h"
 
 // Does the manifest declare an application whose type contains "dotnet-" (and, unlike a sample app's, no "apitest")?
 // Once one did, every later manifest of this process that is not null counts as such. Null: false, with an error line.

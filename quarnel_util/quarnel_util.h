@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "util/export.h"
+#include "morvath/export.h"
 
 // The root directory of installed package `pkgId`, without a trailing "/"; empty when the package is not known, or
 // has no application.

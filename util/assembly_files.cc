@@ -1,5 +1,5 @@
 // Assembly file helpers.
-#include "util/assembly_files.h"
+#include "morvath/assembly_files.h"
 
 #include <strings.h>
 #include <sys/stat.h>
@@ -12,10 +12,10 @@
 #include <iterator>
 #include <memory>
 
+#include "morvath/platform_utils.h"
 #include "orvel/smack.h"
 #include "quarnel_util/quarnel_util.h"
 #include "util/log.h"
-#include "util/platform_utils.h"
 
 namespace {
 

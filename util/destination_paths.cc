@@ -1,5 +1,5 @@
 // Destination path managers.
-#include "util/destination_paths.h"
+#include "morvath/destination_paths.h"
 
 // All of these are defined here, not in the header, so that the library holds them and their tables for its users.
 AotPathManager::AotPathManager() = default;

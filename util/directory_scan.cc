@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
+#include "morvath/platform_utils.h"
 #include "quarnel_util/quarnel_util.h"
 #include "util/log.h"
-#include "util/platform_utils.h"
 
 namespace {
 

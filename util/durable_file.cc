@@ -7,8 +7,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "morvath/platform_utils.h"
 #include "util/log.h"
-#include "util/platform_utils.h"
 #include "util/unique_fd.h"
 
 namespace {

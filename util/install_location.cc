@@ -1,5 +1,5 @@
 // Install-location and environment probes.
-#include "util/install_location.h"
+#include "morvath/install_location.h"
 
 #include <unistd.h>
 

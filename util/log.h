@@ -5,8 +5,8 @@
 
 #include <string>
 
+#include "morvath/export.h"
 #include "orvel/dlog.h"
-#include "util/export.h"
 
 // Names a source unit in its log lines. Every file that logs has a constant `kLogSource` in scope.
 struct LogSource {

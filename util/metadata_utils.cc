@@ -1,5 +1,5 @@
 // The metadata vocabulary and its matchers.
-#include "util/metadata_utils.h"
+#include "morvath/metadata_utils.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,5 @@
 // Package-info queries.
-#include "util/package_queries.h"
+#include "morvath/package_queries.h"
 
 #include "util/package_records.h"
 

@@ -1,5 +1,5 @@
 // Path guards and affix predicates.
-#include "util/platform_utils.h"
+#include "morvath/platform_utils.h"
 
 #include <sys/stat.h>
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "util/export.h"
+#include "morvath/export.h"
 
 // Privileges that the plug-in asks for, as full URIs.
 inline constexpr const char* kAppDebuggingPrivilege = "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/appdebugging";

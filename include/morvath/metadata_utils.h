@@ -1,0 +1,41 @@
+// The metadata vocabulary: keys, values and the matchers that compare an entry with them. Reading entries out of a
+// manifest is the plug-in's business.
+#ifndef MORVATH_METADATA_UTILS_H_
+#define MORVATH_METADATA_UTILS_H_
+
+#include <string>
+
+#include "morvath/export.h"
+
+// One metadata entry; both texts are borrowed.
+struct Metadata {
+  const char* key;
+  const char* value;
+};
+
+namespace MetadataKey {
+ORVEL_EXPORT extern const std::string coBA;
+ORVEL_EXPORT extern const std::string viewPlugin;
+ORVEL_EXPORT extern const std::string viewPluginPage;
+ORVEL_EXPORT extern const std::string bpi;
+ORVEL_EXPORT extern const std::string dpcRequired;
+ORVEL_EXPORT extern const std::string dpcType;
+ORVEL_EXPORT extern const std::string preferDotnetAot;
+}  // namespace MetadataKey
+
+ORVEL_EXPORT extern const std::string metadataValueTrue;
+ORVEL_EXPORT extern const std::string metadataValueDpcorvelfxtv;
+
+// The matchers compare exactly, byte for byte, and log what they compare. An entry that is null, or has a null key or
+// value, matches nothing and is not logged.
+
+// True when the entry's key is `key` and its value is "true".
+ORVEL_EXPORT bool isMetadataInfoHasKey(Metadata* md, std::string key);
+// True when the entry is the DPC type key with the value "orvelfxtv".
+ORVEL_EXPORT bool isDpcKey(Metadata* md);
+// True when the entry is the ahead-of-time preference key with the value "true".
+ORVEL_EXPORT bool isPreferDotNETAOTKey(Metadata* md);
+// True when the entry is one of the four CoBA keys with the value "true".
+ORVEL_EXPORT bool isCobaKey(Metadata* md);
+
+#endif
