@@ -1,0 +1,117 @@
+// Running a function in a child process.
+#include "platform/host/child_process.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <exception>
+#include <iostream>
+#include <string>
+
+#include "platform/host/device.h"
+#include "platform/host/files.h"
+#include "platform/host/unique_fd.h"
+
+namespace host {
+namespace {
+
+void FlushOutput() {
+  std::cout.flush();
+  std::clog.flush();
+  std::fflush(nullptr);
+}
+
+// Runs `action`; the text of the exception that leaves it, or nothing.
+template <typename Action>
+std::string FaultOf(const Action& action) {
+  try {
+    action();
+    return "";
+  } catch (const std::exception& error) {
+    return *error.what() == '\0' ? "unknown error" : error.what();
+  } catch (...) {
+    return "unknown error";
+  }
+}
+
+[[noreturn]] void RunAsChild(UniqueFd report, const std::function<void()>& set_up, const std::function<int()>& body) {
+  const std::string obstacle = FaultOf(set_up);
+  if (!obstacle.empty()) {
+    WriteAll(report.get(), obstacle);
+    _exit(1);
+  }
+  report.Reset();  // tells the parent that the child is set up
+  int result = 1;
+  const std::string fault = FaultOf([&] { result = body(); });
+  if (!fault.empty()) std::cerr << "orvelbox: " << fault << std::endl;
+  FlushOutput();
+  _exit(result);
+}
+
+std::string ReadToEnd(int fd) {
+  std::string text;
+  std::array<char, 512> buffer;
+  for (;;) {
+    const ssize_t count = read(fd, buffer.data(), buffer.size());
+    if (count > 0) text.append(buffer.data(), static_cast<size_t>(count));
+    if (count == 0 || (count < 0 && errno != EINTR)) return text;
+  }
+}
+
+int WaitPassingSignalsOn(pid_t child, const sigset_t& held) {
+  for (;;) {
+    int status = 0;
+    const pid_t ended = waitpid(child, &status, WNOHANG);
+    if (ended == child) return status;
+    if (ended < 0 && errno != EINTR) throw DeviceError("cannot wait for the child process: " + ErrorText(errno));
+    // Another thread may take the news of the child's end; so look again now and then.
+    const timespec patience{0, 100'000'000};
+    const int signal = sigtimedwait(&held, nullptr, &patience);
+    if (signal > 0 && signal != SIGCHLD) kill(child, signal);
+  }
+}
+
+}  // namespace
+
+HeldSignals::HeldSignals() {
+  sigemptyset(&held_);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGCHLD}) sigaddset(&held_, signal);
+  struct sigaction wait_for_children {};
+  wait_for_children.sa_handler = SIG_DFL;  // where it is ignored, children leave no status
+  sigaction(SIGCHLD, &wait_for_children, &child_action_before_);
+  pthread_sigmask(SIG_BLOCK, &held_, &mask_before_);
+}
+
+HeldSignals::~HeldSignals() { Restore(); }
+
+void HeldSignals::Restore() const {
+  sigaction(SIGCHLD, &child_action_before_, nullptr);
+  pthread_sigmask(SIG_SETMASK, &mask_before_, nullptr);
+}
+
+ChildOutcome RunChild(const HeldSignals& signals, const std::function<void()>& set_up,
+                      const std::function<int()>& body) {
+  std::array<int, 2> ends{};
+  if (pipe2(ends.data(), O_CLOEXEC) != 0) throw DeviceError("cannot make a pipe: " + ErrorText(errno));
+  const UniqueFd from_child(ends[0]);
+  UniqueFd to_parent(ends[1]);
+  FlushOutput();
+  const pid_t child = fork();
+  if (child < 0) throw DeviceError("cannot start a process: " + ErrorText(errno));
+  if (child == 0) {
+    signals.Restore();
+    RunAsChild(std::move(to_parent), set_up, body);
+  }
+  to_parent.Reset();
+  const std::string obstacle = ReadToEnd(from_child.get());
+  const int status = WaitPassingSignalsOn(child, signals.held());
+  if (!obstacle.empty()) throw DeviceError(obstacle);
+  if (WIFSIGNALED(status)) return {true, WTERMSIG(status)};
+  return {false, WEXITSTATUS(status)};
+}
+
+}  // namespace host

@@ -1,0 +1,102 @@
+// Escaping of log texts.
+#include "platform/host/escape.h"
+
+#include <algorithm>
+
+namespace host {
+namespace {
+
+struct Escape {
+  char letter;
+  char meaning;
+};
+constexpr Escape kEscapes[] = {{'\\', '\\'}, {'a', '\a'}, {'b', '\b'}, {'t', '\t'},  {'n', '\n'},
+                               {'v', '\v'},  {'f', '\f'}, {'r', '\r'}, {'e', '\x1b'}};
+constexpr std::string_view kHexDigits = "0123456789abcdef";
+
+void AppendEscaped(char byte, std::string* out) {
+  const auto* escape =
+      std::find_if(std::begin(kEscapes), std::end(kEscapes), [&](const Escape& e) { return e.meaning == byte; });
+  *out += '\\';
+  if (escape != std::end(kEscapes)) {
+    *out += escape->letter;
+    return;
+  }
+  const auto value = static_cast<unsigned char>(byte);
+  *out += {'x', kHexDigits[value >> 4], kHexDigits[value & 15]};
+}
+
+// The code point whose `size` bytes stand at the front of `text`, or nothing when they are no UTF-8.
+std::optional<char32_t> Decode(std::string_view text, size_t size) {
+  if (text.size() < size) return std::nullopt;
+  const auto lead = static_cast<unsigned char>(text[0]);
+  char32_t code = lead & (0x7Fu >> size);
+  for (size_t i = 1; i < size; ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    if ((byte & 0xC0) != 0x80) return std::nullopt;
+    code = code << 6 | (byte & 0x3F);
+  }
+  return code;
+}
+
+// The number of bytes of the printable character at the front of `text`; 0 when none stands there.
+size_t PrintableLength(std::string_view text) {
+  constexpr char32_t kSmallest[] = {0, 0, 0xA0, 0x800, 0x10000};  // U+0080 to U+009F are control characters
+  const auto lead = static_cast<unsigned char>(text[0]);
+  if (lead < 0x80) return lead >= 0x20 && lead != 0x7F ? 1 : 0;
+  const size_t size = lead >= 0xF8 ? 0 : lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 0;
+  if (size == 0) return 0;
+  const auto code = Decode(text, size);
+  const bool surrogate = code && *code >= 0xD800 && *code <= 0xDFFF;
+  return code && *code >= kSmallest[size] && *code <= 0x10FFFF && !surrogate ? size : 0;
+}
+
+std::string EscapeAll(std::string_view text, std::string_view also) {
+  std::string out;
+  while (!text.empty()) {
+    const size_t length = also.find(text[0]) != std::string_view::npos ? 0 : PrintableLength(text);
+    if (length == 0) AppendEscaped(text[0], &out);
+    out += text.substr(0, length);
+    text.remove_prefix(std::max<size_t>(length, 1));
+  }
+  return out;
+}
+
+// Reads the escape at the front of `text` (after its backslash) and cuts it off.
+std::optional<char> ReadEscape(std::string_view& text) {
+  if (text.empty()) return std::nullopt;
+  const char letter = text[0];
+  text.remove_prefix(1);
+  for (const auto& escape : kEscapes) {
+    if (escape.letter == letter) return escape.meaning;
+  }
+  if (letter != 'x' || text.size() < 2) return std::nullopt;
+  const size_t high = kHexDigits.find(text[0]);
+  const size_t low = kHexDigits.find(text[1]);
+  if (high == std::string_view::npos || low == std::string_view::npos) return std::nullopt;
+  text.remove_prefix(2);
+  return static_cast<char>(high << 4 | low);
+}
+
+}  // namespace
+
+std::string EscapeText(std::string_view text) { return EscapeAll(text, "\\"); }
+
+std::string EscapeWord(std::string_view word) { return EscapeAll(word, "\\ "); }
+
+std::optional<std::string> UnescapeText(std::string_view text) {
+  std::string out;
+  while (!text.empty()) {
+    const size_t plain = std::min(text.find('\\'), text.size());
+    out += text.substr(0, plain);
+    text.remove_prefix(plain);
+    if (text.empty()) break;
+    text.remove_prefix(1);
+    const auto byte = ReadEscape(text);
+    if (!byte) return std::nullopt;
+    out += *byte;
+  }
+  return out;
+}
+
+}  // namespace host

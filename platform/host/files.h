@@ -1,0 +1,36 @@
+// Whole files, read and written with every error told as a DeviceError. What the files mean is not known here.
+#ifndef ORVEL_PLATFORM_HOST_FILES_H_
+#define ORVEL_PLATFORM_HOST_FILES_H_
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace host {
+
+// The system's text for `error`.
+std::string ErrorText(int error);
+
+// What usually helps against `error`, as the end of a sentence ("; free some space and try again"), or nothing.
+std::string_view UsualWayOut(int error);
+
+// Throws a DeviceError "FILE: cannot ACTION: TEXT OF ERROR", followed by the way out where there is a usual one.
+[[noreturn]] void ThrowFileError(const std::filesystem::path& file, std::string_view action, int error);
+
+// Reads the whole file. Throws DeviceError.
+std::string ReadFile(const std::filesystem::path& file);
+
+// Writes all of `data`, in as many writes as it takes. Returns 0, or the error number of the write that failed.
+int WriteAll(int fd, std::string_view data);
+
+// Makes a new file holding `content`. Throws DeviceError, also when the file exists already; a file that could not be
+// completed is removed again.
+void CreateFile(const std::filesystem::path& file, std::string_view content);
+
+// Puts `content` in the place of the file in one step: a reader sees the old file or the new one, also after a crash.
+// Throws DeviceError and then leaves the old file.
+void ReplaceFile(const std::filesystem::path& file, std::string_view content);
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,113 @@
+// Choosing the way to the fixed paths and running a child with it.
+#include "platform/host/fixed_paths.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <optional>
+
+#include "platform/host/child_process.h"
+#include "platform/host/device.h"
+#include "platform/host/fixed_paths_in_place.h"
+#include "platform/host/fixed_paths_mounts.h"
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kHowToAllow =
+    "allow user namespaces (sysctl user.max_user_namespaces; in a container, its security options)";
+
+// Why `method` does not work here, or nothing.
+std::optional<std::string> ObstacleTo(FixedPathsMethod method) {
+  try {
+    const HeldSignals signals;
+    const auto set_up = [&] {
+      EnterMountNamespace(method);
+      TryMounting();
+    };
+    RunChild(signals, set_up, [] { return 0; });
+    return std::nullopt;
+  } catch (const DeviceError& error) {
+    return error.what();
+  }
+}
+
+FixedPathsMethod Answer(FixedPathsMethod method, const std::string& text, std::string* reason) {
+  if (reason != nullptr) *reason = text;
+  return method;
+}
+
+FixedPathsMethod MethodWithoutNamespaces(const std::string& refusal, std::string* reason) {
+  const std::string start = "no private namespaces here (" + refusal + ")";
+  const std::string how = kHowToAllow;
+  if (geteuid() != 0) return Answer(FixedPathsMethod::kNone, start + ": " + how + ", or run as root", reason);
+  const auto obstacle = ObstacleInPlace();
+  if (!obstacle) {
+    return Answer(FixedPathsMethod::kInPlace, start + ", only working in place: to leave the machine alone, " + how,
+                  reason);
+  }
+  return Answer(FixedPathsMethod::kNone, start + ", and no working in place (" + *obstacle + "): mend that, or " + how,
+                reason);
+}
+
+void CheckRoot(const fs::path& root) {
+  if (!fs::is_directory(root)) throw DeviceError(root.string() + ": is no directory to take the fixed paths from");
+  for (const fs::path fixed : kFixedPaths) {
+    const fs::path relative = root.lexically_relative(fixed);
+    if (relative.empty() || *relative.begin() == "..") continue;
+    throw DeviceError(root.string() + ": lies under " + fixed.string() +
+                      ", which the device has to provide itself; use a device in another place");
+  }
+}
+
+ChildOutcome RunInNamespace(FixedPathsMethod method, const fs::path& root, const std::function<int()>& body) {
+  const HeldSignals signals;
+  const auto set_up = [&] {
+    EnterMountNamespace(method);
+    LayFixedPathsOver(root);
+    if (method == FixedPathsMethod::kUserNamespace) DropNamespacePrivileges();
+  };
+  return RunChild(signals, set_up, body);
+}
+
+ChildOutcome RunInPlace(const fs::path& root, const std::function<int()>& body) {
+  const InPlaceTurn turn;  // waits, and may be interrupted while it does
+  const HeldSignals signals;
+  std::fprintf(stderr, "orvelbox: no namespaces here: working in place on %s and %s\n", kPlatformAssemblies, kUserArea);
+  const InPlaceLinks links(turn, root);
+  return RunChild(
+      signals, [] {}, body);
+}
+
+}  // namespace
+
+FixedPathsMethod AvailableFixedPathsMethod(std::string* reason) {
+  std::optional<std::string> refusal;
+  for (const auto method : {FixedPathsMethod::kMountNamespace, FixedPathsMethod::kUserNamespace}) {
+    if (method == FixedPathsMethod::kMountNamespace && geteuid() != 0) continue;
+    refusal = ObstacleTo(method);
+    if (!refusal) return Answer(method, "", reason);
+  }
+  return MethodWithoutNamespaces(*refusal, reason);
+}
+
+ChildOutcome RunWithFixedPaths(const fs::path& root, const std::function<int()>& body) {
+  std::error_code error;
+  const fs::path canonical = fs::canonical(root, error);
+  CheckRoot(error ? root : canonical);
+  std::string reason;
+  const auto method = AvailableFixedPathsMethod(&reason);
+  switch (method) {
+    case FixedPathsMethod::kNone:
+      throw DeviceError(reason);
+    case FixedPathsMethod::kInPlace:
+      return RunInPlace(canonical, body);
+    default:
+      return RunInNamespace(method, canonical, body);
+  }
+}
+
+}  // namespace host

@@ -1,0 +1,162 @@
+// Working in place. The lock file holds what is made at the fixed paths, as JSON; it is empty between runs.
+#include "platform/host/fixed_paths_in_place.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <nlohmann/json.hpp>
+
+#include "platform/host/device.h"
+#include "platform/host/files.h"
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::json;
+
+// What a run makes: links (fixed path to target) and the directories above them, the outermost first.
+struct Made {
+  std::vector<std::pair<std::string, std::string>> links;
+  std::vector<std::string> directories;
+};
+
+fs::path LockFilePath() {
+  constexpr const char* kName = "orvelbox-in-place";
+  return access("/run/lock", W_OK) == 0 ? fs::path("/run/lock") / kName : fs::path("/tmp") / kName;
+}
+
+// Opens the lock file, which lies where everybody may write: only our own one is believed. Throws DeviceError.
+UniqueFd OpenLockFile() {
+  const fs::path path = LockFilePath();
+  UniqueFd fd(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+  if (!fd) ThrowFileError(path, "open", errno);
+  struct stat status {};
+  if (fstat(fd.get(), &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid()) return fd;
+  throw DeviceError(path.string() + ": is not root's own file; remove it");
+}
+
+std::string Recorded(int lock_file) {
+  std::string text;
+  std::array<char, 4096> buffer;
+  for (;;) {
+    const ssize_t count = pread(lock_file, buffer.data(), buffer.size(), static_cast<off_t>(text.size()));
+    if (count <= 0) return text;
+    text.append(buffer.data(), static_cast<size_t>(count));
+  }
+}
+
+Made ReadRecord(int lock_file) try {
+  const Json json = Json::parse(Recorded(lock_file));
+  return {json.at("links"), json.at("directories")};
+} catch (const Json::exception&) {
+  return {};  // empty, or cut short before anything was made
+}
+
+void WriteRecord(int lock_file, const Made& made) {
+  const std::string text = Json({{"links", made.links}, {"directories", made.directories}}).dump();
+  int error = lseek(lock_file, 0, SEEK_SET) == 0 && ftruncate(lock_file, 0) == 0 ? 0 : errno;
+  if (error == 0) error = WriteAll(lock_file, text);
+  if (error == 0) return;
+  [[maybe_unused]] const int result = ftruncate(lock_file, 0);
+  ThrowFileError(LockFilePath(), "write", error);
+}
+
+bool IsFixedPath(const std::string& path) {
+  return std::find(std::begin(kFixedPaths), std::end(kFixedPaths), path) != std::end(kFixedPaths);
+}
+
+// Removes what the lock file lists, provided that it still is what was made, and empties the file.
+void RemoveRecorded(int lock_file) {
+  const Made made = ReadRecord(lock_file);
+  std::error_code ignored;
+  for (const auto& [path, target] : made.links) {
+    if (IsFixedPath(path) && fs::read_symlink(path, ignored) == target) unlink(path.c_str());
+  }
+  for (auto path = made.directories.rbegin(); path != made.directories.rend(); ++path) rmdir(path->c_str());
+  [[maybe_unused]] const int result = ftruncate(lock_file, 0);
+}
+
+fs::path NearestDirectory(fs::path path) {
+  std::error_code ignored;
+  while (!fs::is_directory(path, ignored)) path = path.parent_path();
+  return path;
+}
+
+std::optional<std::string> ObstacleAtFixedPaths() {
+  for (const fs::path path : kFixedPaths) {
+    std::error_code ignored;
+    if (fs::symlink_status(path, ignored).type() != fs::file_type::not_found) return path.string() + " exists already";
+    const fs::path parent = NearestDirectory(path.parent_path());
+    if (access(parent.c_str(), W_OK) != 0) return parent.string() + " cannot be written";
+  }
+  return std::nullopt;
+}
+
+// What has to be made for `root`.
+Made Plan(const fs::path& root) {
+  Made made;
+  std::error_code ignored;
+  for (const fs::path path : kFixedPaths) {
+    const fs::path target = root / path.relative_path();
+    if (!fs::exists(target, ignored)) continue;
+    made.links.emplace_back(path, target);
+    fs::path above = NearestDirectory(path.parent_path());
+    for (const auto& name : path.parent_path().lexically_relative(above)) {
+      above /= name;
+      if (name != ".") made.directories.push_back(above);
+    }
+  }
+  return made;
+}
+
+void Make(const Made& made) {
+  for (const auto& directory : made.directories) {
+    if (mkdir(directory.c_str(), 0755) != 0) ThrowFileError(directory, "make the directory", errno);
+  }
+  for (const auto& [path, target] : made.links) {
+    if (symlink(target.c_str(), path.c_str()) != 0) ThrowFileError(path, "make the link", errno);
+  }
+}
+
+}  // namespace
+
+std::optional<std::string> ObstacleInPlace() try {
+  const UniqueFd lock = OpenLockFile();
+  // Another run has its turn: it got past the obstacles, and will have removed what it made when ours comes.
+  if (flock(lock.get(), LOCK_EX | LOCK_NB) != 0) return std::nullopt;
+  RemoveRecorded(lock.get());
+  return ObstacleAtFixedPaths();
+} catch (const DeviceError& error) {
+  return error.what();
+}
+
+InPlaceTurn::InPlaceTurn() : lock_(OpenLockFile()) {
+  while (flock(lock_.get(), LOCK_EX) != 0) {
+    if (errno != EINTR) ThrowFileError(LockFilePath(), "lock", errno);
+  }
+  RemoveRecorded(lock_.get());
+}
+
+InPlaceLinks::InPlaceLinks(const InPlaceTurn& turn, const fs::path& root) : lock_file_(turn.lock_file()) {
+  if (const auto obstacle = ObstacleAtFixedPaths()) {
+    throw DeviceError("cannot work in place: " + *obstacle + "; move it away, or allow namespaces");
+  }
+  const Made made = Plan(root);
+  WriteRecord(lock_file_, made);
+  try {
+    Make(made);
+  } catch (const DeviceError&) {
+    RemoveRecorded(lock_file_);
+    throw;
+  }
+}
+
+InPlaceLinks::~InPlaceLinks() { RemoveRecorded(lock_file_); }
+
+}  // namespace host

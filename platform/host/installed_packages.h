@@ -1,0 +1,32 @@
+// The packages of the device that the environment names, as the platform's libraries ask for them.
+#ifndef ORVEL_PLATFORM_HOST_INSTALLED_PACKAGES_H_
+#define ORVEL_PLATFORM_HOST_INSTALLED_PACKAGES_H_
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/host/package_store.h"
+
+namespace host {
+
+// An application together with what its record tells of its package.
+struct InstalledApplication {
+  Application application;
+  std::string package_id;
+  std::string package_root;
+};
+
+// Nothing when there is no such package, or no device. The functions throw DeviceError when the database refuses.
+std::optional<Package> FindInstalledPackage(const std::string& package_id);
+
+// Nothing when there is no such application, or no device.
+std::optional<InstalledApplication> FindInstalledApplication(const std::string& app_id);
+
+// Every application that has all of the metadata entries, in the order of PackageStore. Throws DeviceError also when
+// there is no device.
+std::vector<InstalledApplication> FindInstalledApplications(const std::vector<MetadataEntry>& entries);
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,32 @@
+// liborvel_package_info: a package's record, copied from the device's package database when it is created.
+#include "orvel/package_info.h"
+
+#include "platform/host/c_boundary.h"
+#include "platform/host/installed_packages.h"
+
+int package_info_create(const char* packageId, package_info_h* handle) {
+  if (packageId == nullptr || handle == nullptr) return -1;
+  return host::AnswerOr(-1, [&] {
+    auto package = host::FindInstalledPackage(packageId);
+    if (!package) return -1;
+    *handle = new host::Package(std::move(*package));
+    return 0;
+  });
+}
+
+int package_info_foreach_privilege_info(package_info_h handle, package_info_privilege_info_cb callback,
+                                        void* userData) {
+  if (handle == nullptr || callback == nullptr) return -1;
+  return host::AnswerOr(-1, [&] {
+    for (const auto& privilege : static_cast<const host::Package*>(handle)->privileges) {
+      if (!callback(privilege.c_str(), userData)) break;
+    }
+    return 0;
+  });
+}
+
+int package_info_destroy(package_info_h handle) {
+  if (handle == nullptr) return -1;
+  delete static_cast<host::Package*>(handle);
+  return 0;
+}

@@ -1,0 +1,84 @@
+// The candidate loader's start.
+#include "platform/host/loader.h"
+
+#include <nlohmann/json.hpp>
+
+#include "platform/host/files.h"
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kStart = "[START]";
+constexpr std::string_view kEnd = "[END]";
+
+bool StartsWith(std::string_view text, std::string_view prefix) { return text.substr(0, prefix.size()) == prefix; }
+
+bool EndsWith(std::string_view text, std::string_view suffix) {
+  return text.size() >= suffix.size() && text.substr(text.size() - suffix.size()) == suffix;
+}
+
+std::vector<std::string> Split(std::string_view list) {
+  std::vector<std::string> entries;
+  for (size_t begin = 0; begin <= list.size();) {
+    const size_t end = std::min(list.find(':', begin), list.size());
+    entries.emplace_back(list.substr(begin, end - begin));
+    begin = end + 1;
+  }
+  return entries;
+}
+
+void CheckEntry(const fs::path& file, const std::string& entry) {
+  if (entry.empty() || entry[0] != '/') throw DeviceError(file.string() + ": \"" + entry + "\" is no absolute path");
+  std::error_code error;
+  if (!fs::exists(entry, error)) throw DeviceError(file.string() + ": lists " + entry + ", which is not there");
+}
+
+// Reads one cache file into `entries`, then checks them.
+void Load(const fs::path& file, std::vector<std::string>* entries) {
+  *entries = ParseCache(file, ReadFile(file));
+  for (const auto& entry : *entries) CheckEntry(file, entry);
+}
+
+// How often a loader was started before; a record that is missing or damaged counts nothing.
+unsigned long EarlierStarts(const fs::path& record) {
+  std::error_code error;
+  if (!fs::exists(record, error)) return 0;
+  const auto json = nlohmann::json::parse(ReadFile(record), nullptr, false);
+  if (!json.is_object() || !json.contains("starts") || !json["starts"].is_number_unsigned()) return 0;
+  return json["starts"].get<unsigned long>();
+}
+
+}  // namespace
+
+std::vector<std::string> ParseCache(const fs::path& file, const std::string& text) {
+  if (!StartsWith(text, kStart)) throw DeviceError(file.string() + ": damaged, it does not begin with [START]");
+  if (!EndsWith(text, kEnd)) throw DeviceError(file.string() + ": damaged, it does not end with [END]");
+  const std::string_view all = text;
+  const auto list = all.substr(kStart.size(), all.size() - kStart.size() - kEnd.size());
+  auto entries = Split(list);
+  if (entries.front().empty()) entries.erase(entries.begin());
+  return entries;
+}
+
+LoaderStart StartLoader(const fs::path& directory) {
+  LoaderStart start;
+  try {
+    Load(directory / "TPA.txt", &start.tpa);
+    Load(directory / "CoBA.txt", &start.coba);
+  } catch (const DeviceError& error) {
+    start.error = error.what();
+  }
+  return start;
+}
+
+void RecordLoaderStart(const Device& device, const LoaderStart& start) {
+  nlohmann::ordered_json record = {{"TPA", start.tpa}, {"CoBA", start.coba}};
+  record["starts"] = EarlierStarts(device.LoaderRecord()) + 1;
+  record["error"] = start.error.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(start.error);
+  const auto replace = nlohmann::ordered_json::error_handler_t::replace;  // paths need not be UTF-8
+  ReplaceFile(device.LoaderRecord(), record.dump(2, ' ', false, replace) + "\n");
+}
+
+}  // namespace host

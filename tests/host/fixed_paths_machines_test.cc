@@ -1,0 +1,172 @@
+// The fixed paths on machines of several shapes.
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <functional>
+
+#include "platform/host/fixed_paths.h"
+#include "tests/host/machine.h"
+#include "tests/host/roots.h"
+#include "tests/host/samples.h"
+#include "tests/support/child.h"
+#include "tests/support/files.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using roots::ExpectDeviceAtFixedPaths;
+using roots::LayOutRoot;
+using roots::RunThere;
+using support::ReadFile;
+using support::WriteFile;
+using testing::ElementsAre;
+
+class FixedPathsOf : public testing::Test {
+ protected:
+  void SetUp() override {
+    const std::string obstacle = machine::ObstacleToEmptied();
+    if (!obstacle.empty()) GTEST_SKIP() << "no namespace for another machine: " << obstacle;
+  }
+  static void OnEmptiedMachine(const std::function<void()>& body) {
+    support::InFreshProcess([&] {
+      machine::EnterEmptied();
+      body();
+    });
+  }
+  const fs::path& root() const { return directory_.path(); }
+
+ private:
+  support::TempDir directory_;
+};
+
+TEST_F(FixedPathsOf, a_root_under_opt_itself) {
+  OnEmptiedMachine([] {
+    LayOutRoot("/opt/work/device/root");
+    WriteFile("/opt/other", "beside");
+    fs::current_path("/opt/work");
+    RunThere("/opt/work/device/root", [] {
+      ExpectDeviceAtFixedPaths();
+      EXPECT_EQ("beside", ReadFile("/opt/other"));
+      EXPECT_EQ("/opt/work", fs::current_path());
+      EXPECT_EQ("user area", ReadFile("../usr/globalapps/p/x"));  // by the path, within the new mounts
+      WriteFile("device/root/opt/usr/new", "1");
+      EXPECT_EQ("1", ReadFile("/opt/usr/new"));
+    });
+    EXPECT_EQ("1", ReadFile("/opt/work/device/root/opt/usr/new"));
+    EXPECT_THAT(support::NamesIn("/opt"), ElementsAre("other", "work"));
+  });
+}
+
+TEST_F(FixedPathsOf, a_root_under_usr_share_itself) {
+  OnEmptiedMachine([] {
+    LayOutRoot("/usr/share/work/root");
+    fs::current_path("/usr/share/work");
+    RunThere("root", [] {
+      ExpectDeviceAtFixedPaths();
+      EXPECT_EQ("/usr/share/work", fs::current_path());
+      EXPECT_EQ("platform", ReadFile("../dotnet.orvel/framework/F.dll"));
+    });
+  });
+}
+
+TEST_F(FixedPathsOf, a_root_under_a_fixed_path_is_refused) {
+  OnEmptiedMachine([] {
+    LayOutRoot("/opt/usr/device/root");
+    EXPECT_EQ(
+        "/opt/usr/device/root: lies under /opt/usr, which the device has to provide itself; use a device in another "
+        "place",
+        samples::ErrorOf([] { host::RunWithFixedPaths("/opt/usr/device/root", [] { return 0; }); }));
+  });
+}
+
+TEST_F(FixedPathsOf, a_machine_that_has_them_hides_its_own) {
+  LayOutRoot(root());
+  OnEmptiedMachine([this] {
+    WriteFile("/opt/usr/home/secret", "x");
+    WriteFile("/usr/share/dotnet.orvel/secret", "x");
+    WriteFile("/etc/release", "the machine's");
+    WriteFile("/etc/hosts", "stays");
+    RunThere(root(), [] {
+      ExpectDeviceAtFixedPaths();
+      EXPECT_FALSE(fs::exists("/opt/usr/home/secret"));
+      EXPECT_FALSE(fs::exists("/usr/share/dotnet.orvel/secret"));
+      EXPECT_FALSE(fs::exists("/etc/release"));
+      EXPECT_EQ("stays", ReadFile("/etc/hosts"));
+      WriteFile("/opt/usr/new", "1");
+    });
+    EXPECT_THAT(support::NamesIn("/opt/usr"), ElementsAre("home"));
+    EXPECT_EQ("the machine's", ReadFile("/etc/release"));
+  });
+}
+
+TEST_F(FixedPathsOf, a_machine_with_a_release_marker_shows_the_roots) {
+  LayOutRoot(root());
+  WriteFile(root() / "etc/release", "the device's");
+  OnEmptiedMachine([this] {
+    WriteFile("/etc/release", "the machine's");
+    RunThere(root(), [] { EXPECT_EQ("the device's", ReadFile("/etc/release")); });
+  });
+}
+
+TEST_F(FixedPathsOf, a_machine_without_opt) {
+  LayOutRoot(root());
+  support::InFreshProcess([this] {
+    machine::EnterEmptied();
+    machine::RemoveOpt();
+    ASSERT_FALSE(fs::exists("/opt"));
+    fs::current_path(root());
+    RunThere(root(), [this] {
+      ExpectDeviceAtFixedPaths();
+      EXPECT_EQ(root(), fs::current_path());
+      EXPECT_EQ(0, access("/proc/self/status", R_OK));
+      EXPECT_EQ("platform", ReadFile("usr/share/dotnet.orvel/framework/F.dll"));
+      WriteFile("/opt/usr/new", "1");
+    });
+    EXPECT_FALSE(fs::exists("/opt"));
+    EXPECT_EQ("1", ReadFile(root() / "opt/usr/new"));
+  });
+}
+
+TEST_F(FixedPathsOf, entries_of_every_kind_stay_beside_them) {
+  LayOutRoot(root());
+  OnEmptiedMachine([this] {
+    WriteFile("/opt/directory/file", "inside");
+    fs::create_symlink("directory/file", "/opt/link");
+    fs::create_symlink("nowhere", "/opt/dangling");
+    ASSERT_EQ(0, mkfifo("/opt/fifo", 0600));
+    ASSERT_EQ(0, chmod("/opt", 0711));
+    RunThere(root(), [] {
+      EXPECT_EQ("inside", ReadFile("/opt/link"));
+      EXPECT_EQ("nowhere", fs::read_symlink("/opt/dangling"));
+      EXPECT_TRUE(fs::is_fifo("/opt/fifo"));
+      EXPECT_EQ(static_cast<fs::perms>(0711), fs::status("/opt").permissions());
+      WriteFile("/opt/directory/file", "changed");
+    });
+    EXPECT_EQ("changed", ReadFile("/opt/directory/file"));
+  });
+}
+
+TEST_F(FixedPathsOf, nothing_written_beside_them_vanishes_silently) {
+  LayOutRoot(root());
+  OnEmptiedMachine([this] {
+    RunThere(root(), [] {
+      EXPECT_LT(open("/opt/new", O_WRONLY | O_CREAT | O_CLOEXEC, 0600), 0);
+      EXPECT_EQ(EROFS, errno);
+    });
+  });
+}
+
+TEST_F(FixedPathsOf, a_child_that_cannot_be_set_up_is_told) {
+  LayOutRoot(root());
+  OnEmptiedMachine([this] {
+    WriteFile("/opt/usr", "a file where a directory belongs");
+    EXPECT_EQ("cannot mount at /opt/usr: Not a directory",
+              samples::ErrorOf([this] { host::RunWithFixedPaths(root(), [] { return 0; }); }));
+  });
+}
+
+}  // namespace

@@ -1,0 +1,250 @@
+// The fixed paths on the machine at hand: what runs there, and how it ends.
+#include "platform/host/fixed_paths.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <iostream>
+#include <stdexcept>
+
+#include "platform/host/device.h"
+#include "tests/host/machine.h"
+#include "tests/host/roots.h"
+#include "tests/host/samples.h"
+#include "tests/support/child.h"
+#include "tests/support/files.h"
+#include "tests/support/standard_error.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using host::FixedPathsMethod;
+using roots::ExpectDeviceAtFixedPaths;
+using roots::LayOutRoot;
+using roots::RunThere;
+using support::ReadFile;
+using support::WriteFile;
+
+// Why an ordinary user cannot have the fixed paths here, or nothing.
+std::string OrdinaryUsersObstacle() {
+  const support::TempDir directory;
+  const fs::path file = directory / "obstacle";
+  WriteFile(file, "");
+  fs::permissions(file, fs::perms::all);
+  support::InFreshProcess([&] {
+    machine::BecomeOrdinaryUser();
+    std::string reason;
+    host::AvailableFixedPathsMethod(&reason);
+    WriteFile(file, reason);
+  });
+  return ReadFile(file);
+}
+
+// A root of a device; the tests run on the machine as it is, whatever the method.
+class FixedPaths : public testing::Test {
+ protected:
+  FixedPaths() { LayOutRoot(root()); }
+  void SetUp() override {
+    std::string reason;
+    if (host::AvailableFixedPathsMethod(&reason) == FixedPathsMethod::kNone) GTEST_SKIP() << reason;
+  }
+  const fs::path& root() const { return directory_.path(); }
+
+ private:
+  support::TempDir directory_;
+};
+
+TEST_F(FixedPaths, lead_into_the_root) { RunThere(root(), ExpectDeviceAtFixedPaths); }
+
+TEST_F(FixedPaths, what_is_written_there_lands_in_the_root_only) {
+  RunThere(root(), [] {
+    WriteFile("/opt/usr/new", "1");
+    WriteFile("/usr/share/dotnet.orvel/new", "2");
+    fs::remove_all("/opt/usr/globalapps");
+  });
+  EXPECT_EQ("1", ReadFile(root() / "opt/usr/new"));
+  EXPECT_EQ("2", ReadFile(root() / "usr/share/dotnet.orvel/new"));
+  EXPECT_FALSE(fs::exists(root() / "opt/usr/globalapps"));
+}
+
+TEST_F(FixedPaths, the_machine_is_as_before) {
+  const auto share = support::NamesIn("/usr/share");
+  const bool had_opt = fs::exists("/opt");
+  const auto opt = had_opt ? support::NamesIn("/opt") : std::vector<std::string>();
+  RunThere(root(), [] { WriteFile("/opt/usr/new", "1"); });
+  EXPECT_EQ(share, support::NamesIn("/usr/share"));
+  EXPECT_EQ(had_opt, fs::exists("/opt"));
+  if (had_opt) {
+    EXPECT_EQ(opt, support::NamesIn("/opt"));
+  }
+}
+
+TEST_F(FixedPaths, the_release_marker_is_there_only_where_the_root_has_it) {
+  RunThere(root(), [] { EXPECT_FALSE(support::IsThere("/etc/release")); });
+  WriteFile(root() / "etc/release", "r");
+  RunThere(root(), [] {
+    EXPECT_EQ("r", ReadFile("/etc/release"));
+    EXPECT_EQ(0, access("/etc/passwd", R_OK));  // the rest of the directory stays
+  });
+}
+
+TEST_F(FixedPaths, the_result_of_the_body_is_the_exit_status) {
+  const auto outcome = host::RunWithFixedPaths(root(), [] { return 7; });
+  EXPECT_FALSE(outcome.signalled);
+  EXPECT_EQ(7, outcome.code);
+}
+
+TEST_F(FixedPaths, a_crash_of_the_body_is_told_as_its_signal) {
+  const auto outcome = host::RunWithFixedPaths(root(), []() -> int {
+    signal(SIGSEGV, SIG_DFL);  // a sanitizer would catch it
+    raise(SIGSEGV);
+    return 0;
+  });
+  EXPECT_TRUE(outcome.signalled);
+  EXPECT_EQ(SIGSEGV, outcome.code);
+}
+
+TEST_F(FixedPaths, an_exception_becomes_one_line_and_exit_status_1) {
+  host::ChildOutcome outcome;
+  const auto errors = support::StandardErrorOf(
+      [&] { outcome = host::RunWithFixedPaths(root(), []() -> int { throw std::runtime_error("no luck"); }); });
+  EXPECT_FALSE(outcome.signalled);
+  EXPECT_EQ(1, outcome.code);
+  EXPECT_THAT(errors, testing::EndsWith("orvelbox: no luck\n"));
+}
+
+TEST_F(FixedPaths, output_is_neither_lost_nor_doubled) {
+  const fs::path file = root() / "output";
+  support::InFreshProcess([&] {
+    ASSERT_NE(nullptr, std::freopen(file.c_str(), "w", stdout));
+    std::cout << "before ";
+    std::printf("and ");
+    host::RunWithFixedPaths(root(), [] {
+      std::printf("inside ");
+      std::cout << "of it ";
+      return 0;
+    });
+    std::cout << "after";
+  });
+  EXPECT_EQ("before and inside of it after", ReadFile(file));
+}
+
+TEST_F(FixedPaths, the_working_directory_stays) {
+  const fs::path before = fs::current_path();
+  fs::current_path(root() / "opt");
+  RunThere(root(), [&] {
+    EXPECT_EQ(root() / "opt", fs::current_path());
+    EXPECT_EQ("user area", ReadFile("usr/globalapps/p/x"));
+  });
+  fs::current_path(before);
+}
+
+TEST_F(FixedPaths, a_working_directory_that_is_gone_does_no_harm) {
+  support::InFreshProcess([&] {
+    const fs::path gone = root() / "gone";
+    fs::create_directory(gone);
+    fs::current_path(gone);
+    fs::remove(gone);
+    RunThere(root(), ExpectDeviceAtFixedPaths);
+  });
+}
+
+TEST_F(FixedPaths, the_body_runs_as_the_same_user) {
+  const uid_t user = geteuid();
+  const gid_t group = getegid();
+  RunThere(root(), [&] {
+    EXPECT_EQ(user, geteuid());
+    EXPECT_EQ(group, getegid());
+  });
+}
+
+TEST_F(FixedPaths, an_ordinary_user_gains_no_rights) {
+  const std::string obstacle = OrdinaryUsersObstacle();
+  if (!obstacle.empty()) GTEST_SKIP() << obstacle;
+  ASSERT_EQ(0, chmod((root() / "opt/usr").c_str(), 0777));
+  support::InFreshProcess([&] {
+    machine::BecomeOrdinaryUser();
+    RunThere(root(), [] {
+      ExpectDeviceAtFixedPaths();
+      WriteFile("/opt/usr/locked", "x");
+      ASSERT_EQ(0, chmod("/opt/usr/locked", 0));
+      EXPECT_LT(open("/opt/usr/locked", O_RDONLY | O_CLOEXEC), 0);
+    });
+  });
+}
+
+TEST_F(FixedPaths, a_signal_to_this_process_reaches_the_child) {
+  support::InFreshProcess([&] {
+    const pid_t parent = getpid();
+    signal(SIGTERM, SIG_DFL);  // may have been ignored from the start
+    const auto outcome = host::RunWithFixedPaths(root(), [&] {
+      kill(parent, SIGTERM);
+      for (;;) pause();
+      return 0;
+    });
+    EXPECT_TRUE(outcome.signalled);
+    EXPECT_EQ(SIGTERM, outcome.code);
+  });
+}
+
+TEST_F(FixedPaths, signals_work_as_before_afterwards) {
+  host::RunWithFixedPaths(root(), [] { return 0; });
+  sigset_t mask;
+  ASSERT_EQ(0, pthread_sigmask(SIG_SETMASK, nullptr, &mask));
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGCHLD}) EXPECT_EQ(0, sigismember(&mask, signal)) << signal;
+}
+
+TEST_F(FixedPaths, an_exit_status_is_seen_by_those_who_ignore_their_children) {
+  const auto before = signal(SIGCHLD, SIG_IGN);
+  const auto outcome = host::RunWithFixedPaths(root(), [] { return 3; });
+  EXPECT_EQ(SIG_IGN, signal(SIGCHLD, before));
+  EXPECT_EQ(3, outcome.code);
+}
+
+TEST_F(FixedPaths, a_root_that_is_not_there_is_told) {
+  EXPECT_EQ((root() / "none").string() + ": is no directory to take the fixed paths from",
+            samples::ErrorOf([&] { host::RunWithFixedPaths(root() / "none", [] { return 0; }); }));
+}
+
+TEST(FixedPathsMethods, an_ordinary_user_uses_a_user_namespace) {
+  const std::string obstacle = OrdinaryUsersObstacle();
+  if (!obstacle.empty()) GTEST_SKIP() << obstacle;
+  support::InFreshProcess([] {
+    machine::BecomeOrdinaryUser();
+    std::string reason = "untouched";
+    EXPECT_EQ(FixedPathsMethod::kUserNamespace, host::AvailableFixedPathsMethod(&reason));
+    EXPECT_EQ("", reason);
+  });
+}
+
+TEST(FixedPathsMethods, root_uses_a_mount_namespace) {
+  const std::string obstacle = machine::ObstacleToEmptied();
+  if (!obstacle.empty()) GTEST_SKIP() << "no namespace for another machine: " << obstacle;
+  support::InFreshProcess([] {
+    machine::EnterEmptied();  // makes anybody root there
+    EXPECT_EQ(FixedPathsMethod::kMountNamespace, host::AvailableFixedPathsMethod(nullptr));
+  });
+}
+
+TEST(FixedPathsMethods, an_ordinary_user_without_namespaces_is_told_what_to_do) {
+  support::InFreshProcess([] {
+    machine::RefuseNamespaces();
+    machine::BecomeOrdinaryUser();
+    const std::string expected =
+        "no private namespaces here (cannot make a user namespace: Operation not permitted): allow user namespaces "
+        "(sysctl user.max_user_namespaces; in a container, its security options), or run as root";
+    std::string reason;
+    EXPECT_EQ(FixedPathsMethod::kNone, host::AvailableFixedPathsMethod(&reason));
+    EXPECT_EQ(expected, reason);
+    EXPECT_EQ(expected, samples::ErrorOf([] { host::RunWithFixedPaths("/", [] { return 0; }); }));
+  });
+}
+
+}  // namespace

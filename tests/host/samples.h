@@ -1,0 +1,40 @@
+// Devices and packages of the tests.
+#ifndef TESTS_HOST_SAMPLES_H_
+#define TESTS_HOST_SAMPLES_H_
+
+#include <functional>
+#include <string>
+
+#include "platform/host/device.h"
+#include "platform/host/package_store.h"
+#include "tests/support/files.h"
+
+namespace samples {
+
+// A new device, named by the environment while it lives.
+class EnvironmentDevice {
+ public:
+  EnvironmentDevice();
+  ~EnvironmentDevice();
+  EnvironmentDevice(const EnvironmentDevice&) = delete;
+  EnvironmentDevice& operator=(const EnvironmentDevice&) = delete;
+
+  const host::Device& device() const { return device_; }
+  // Adds packages to the device's database.
+  void Install(const std::vector<host::Package>& packages) const;
+
+ private:
+  support::TempDir directory_;
+  host::Device device_;
+};
+
+// A package "ID" with the applications "ID.main" (metadata, in this order: mark=first, mark=second, coba=true, and
+// one entry more) and "ID.service" (coba=false), and the privileges "z", "a", "z".
+host::Package SamplePackage(const std::string& id);
+
+// The text of the DeviceError that `action` throws; "no error" when it throws none.
+std::string ErrorOf(const std::function<void()>& action);
+
+}  // namespace samples
+
+#endif

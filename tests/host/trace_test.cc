@@ -1,0 +1,120 @@
+// The trace library: its file as Perfetto reads it.
+#include "orvel/trace.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <map>
+#include <nlohmann/json.hpp>
+
+#include "platform/host/device.h"
+#include "platform/host/trace_file.h"
+#include "tests/support/files.h"
+
+namespace {
+
+using nlohmann::json;
+using testing::ElementsAre;
+
+class Trace : public testing::Test {
+ protected:
+  Trace() { setenv(host::kTraceVariable, file().c_str(), 1); }
+  ~Trace() override { unsetenv(host::kTraceVariable); }
+
+  std::filesystem::path file() const { return directory_.path() / "trace.json"; }
+  // The array so far; its closing bracket may be missing in the file.
+  json Events() const { return json::parse(support::ReadFile(file()) + "]"); }
+  std::vector<std::string> Texts() const {
+    std::vector<std::string> texts;
+    for (const auto& event : Events()) {
+      texts.push_back(event["ph"].get<std::string>() + " " + event["name"].get<std::string>());
+    }
+    return texts;
+  }
+
+ private:
+  support::TempDir directory_;
+};
+
+TEST_F(Trace, spans_nest) {
+  trace_begin("outer(%d)", 7);
+  trace_begin("inner");
+  trace_end();
+  trace_end();
+  EXPECT_THAT(Texts(), ElementsAre("B outer(7)", "B inner", "E inner", "E outer(7)"));
+}
+
+TEST_F(Trace, events_carry_process_thread_and_rising_time) {
+  trace_begin("span");
+  trace_end();
+  const auto events = Events();
+  EXPECT_EQ(getpid(), events[0]["pid"]);
+  EXPECT_EQ(gettid(), events[0]["tid"]);
+  EXPECT_TRUE(events[0]["ts"].is_number_integer());
+  EXPECT_LE(events[0]["ts"], events[1]["ts"]);
+  EXPECT_GT(events[0]["ts"], 0);
+}
+
+TEST_F(Trace, an_end_without_an_open_span_writes_nothing) {
+  trace_end();
+  EXPECT_FALSE(std::filesystem::exists(file()));
+}
+
+TEST_F(Trace, the_file_is_loadable_after_every_event) {
+  trace_begin("one");
+  EXPECT_EQ(1u, Events().size());
+  trace_end();
+  EXPECT_EQ(2u, Events().size());
+}
+
+TEST_F(Trace, any_name_keeps_the_file_valid) {
+  trace_begin("%s", "\"quoted\"\\\n\x01");
+  trace_begin("%s", "not utf-8: \xff");
+  EXPECT_EQ("B \"quoted\"\\\n\x01", Texts().at(0));
+  EXPECT_EQ("B not utf-8: \xEF\xBF\xBD", Texts().at(1));
+  trace_end();
+  trace_end();
+}
+
+TEST_F(Trace, a_null_name_opens_no_span) {
+  const char* volatile null = nullptr;
+  trace_begin(null);
+  trace_end();
+  EXPECT_FALSE(std::filesystem::exists(file()));
+}
+
+TEST_F(Trace, without_a_file_nothing_is_written_and_spans_still_nest) {
+  unsetenv(host::kTraceVariable);
+  trace_begin("unseen");
+  setenv(host::kTraceVariable, file().c_str(), 1);
+  trace_begin("seen");
+  trace_end();
+  EXPECT_THAT(Texts(), ElementsAre("B seen", "E seen"));
+  trace_end();
+}
+
+TEST_F(Trace, several_processes_share_one_file) {
+  for (int writer = 0; writer < 4; ++writer) {
+    if (fork() != 0) continue;
+    for (int i = 0; i < 100; ++i) {
+      trace_begin("%s", std::string(2000, 'x').c_str());
+      trace_end();
+    }
+    _exit(0);
+  }
+  while (wait(nullptr) > 0) continue;
+  std::map<int, int> events;
+  for (const auto& event : Events()) ++events[event["pid"].get<int>()];
+  EXPECT_EQ(4u, events.size());
+  for (const auto& [pid, count] : events) EXPECT_EQ(200, count) << pid;
+}
+
+TEST(TraceFile, a_file_that_cannot_be_written_is_told) {
+  EXPECT_FALSE(host::AppendTraceEvent("/dev/full", 'B', "x"));
+  EXPECT_FALSE(host::AppendTraceEvent("/proc/none/x", 'B', "x"));
+}
+
+}  // namespace
