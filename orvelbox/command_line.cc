@@ -1,0 +1,135 @@
+// The command line, on CLI11.
+#include "orvelbox/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <sstream>
+#include <stdexcept>
+
+#include "orvelbox/output.h"
+
+namespace orvelbox {
+namespace {
+
+constexpr const char* kDescription =
+    "orvelbox: a TV device on a desk. It installs packages of .NET applications with the platform's own parser\n"
+    "plug-in, and tells what the plug-in did to them.";
+
+constexpr const char* kFooter =
+    "A package is a directory with an orvel-manifest.xml in it. A device is a directory too: --device, else\n"
+    "$ORVELBOX_DEVICE, else orvelbox/device in the XDG state directory. Begin with: orvelbox init\n"
+    "Exit status: 0 done, 1 the operation failed, 2 wrong usage.";
+
+void AddGlobalOptions(CLI::App& app, Options& options) {
+  app.add_option("--device", options.device, "The directory of the device")->type_name("DIR");
+  app.add_option("--plugin", options.plugin, "The parser plug-in to load, instead of the one built with this program")
+      ->type_name("FILE");
+  app.add_option("--trace", options.trace, "Write the plug-in's trace spans to FILE (Chrome trace-event format)")
+      ->type_name("FILE");
+}
+
+CLI::App* AddCommand(CLI::App& app, Options& options, const std::string& name, const std::string& description) {
+  CLI::App* command = app.add_subcommand(name, description);
+  command->callback([&options, name] { options.command = name; });
+  return command;
+}
+
+void AddTargetCommand(CLI::App& app, Options& options, const std::string& name, const std::string& target,
+                      const std::string& description) {
+  const char* meaning = target == "DIR" ? "The directory of the package" : "The package id";
+  AddCommand(app, options, name, description)->add_option(target, options.target, meaning)->required();
+}
+
+void AddChangingCommands(CLI::App& app, Options& options) {
+  AddCommand(app, options, "init", "Make a device")
+      ->add_option("--platform", options.platform,
+                   "Copy the platform's assemblies (netcoreapp/ framework/ d.pc/ tvappapi/) from DIR")
+      ->type_name("DIR");
+  AddTargetCommand(app, options, "install", "DIR", "Install a package: INSTALL, then CLEAN");
+  AddTargetCommand(app, options, "upgrade", "DIR", "Upgrade an installed package: UPGRADE, then CLEAN");
+  AddTargetCommand(app, options, "uninstall", "PKG", "Uninstall a package: UNINSTALL, then CLEAN");
+  for (const PackageEvent& event : PackageEvents()) {
+    AddTargetCommand(app, options, event.command, "PKG", event.explanation);
+  }
+}
+
+void AddEventsCommand(CLI::App& app, Options& options, std::vector<std::string>& texts) {
+  AddCommand(app, options, "events", "Call hooks one after the other in one process, and nothing else")
+      ->add_option("EVENT:PKG", texts,
+                   "install, upgrade, removed, uninstall, recoveruninstall, clean, cleanup or undo, and a package id")
+      ->required();
+}
+
+void AddReadingCommands(CLI::App& app, Options& options, std::string& priority) {
+  AddCommand(app, options, "list", "List the installed packages");
+  AddTargetCommand(app, options, "show", "PKG", "Show what is registered about a package");
+  AddCommand(app, options, "cache", "Show the candidate loader's cache files, one entry a line");
+  CLI::App* log = AddCommand(app, options, "log", "Show the device's log");
+  log->add_flag("--follow", options.follow, "Go on with every record that comes");
+  log->add_option("--tag", options.log_filter.tag, "Only records under this tag")->type_name("TAG");
+  log->add_option("--priority", priority, "Only records of this priority and above (D, I, E)")
+      ->type_name("P")
+      ->check(CLI::IsMember({"D", "I", "E"}));
+}
+
+// What CLI11 has no type for.
+void FinishOptions(const std::vector<std::string>& events, const std::string& priority, Options& options) {
+  options.log_filter.priority = priority.front();
+  for (const std::string& text : events) options.events.push_back(ParseRawEvent(text));
+}
+
+// Says what CLI11 has to say, help or an error.
+int Explain(const CLI::App& app, const CLI::ParseError& error) {
+  std::stringstream help;
+  std::stringstream complaint;
+  const bool usage = app.exit(error, help, complaint) != 0;
+  for (std::string line; std::getline(help, line);) Say(line);
+  for (std::string line; std::getline(complaint, line);) {
+    if (!line.empty()) Complain(line);
+  }
+  return usage ? kUsage : kDone;
+}
+
+std::string Absolute(const char* name, const char* directory) {
+  return (std::filesystem::path(directory) / name).string();
+}
+
+bool IsSet(const char* value) { return value != nullptr && *value != '\0'; }
+
+}  // namespace
+
+std::variant<Options, int> ParseCommandLine(int argc, const char* const* argv) {
+  Options options;
+  std::vector<std::string> events;
+  std::string priority = "D";
+  CLI::App app(kDescription, "orvelbox");
+  app.footer(kFooter);
+  app.require_subcommand(1);
+  app.fallthrough();
+  AddGlobalOptions(app, options);
+  AddChangingCommands(app, options);
+  AddEventsCommand(app, options, events);
+  AddReadingCommands(app, options, priority);
+  try {
+    app.parse(argc, argv);
+    FinishOptions(events, priority, options);
+    return options;
+  } catch (const CLI::ParseError& error) {
+    return Explain(app, error);
+  } catch (const std::invalid_argument& error) {
+    Complain(error.what());
+    return kUsage;
+  }
+}
+
+std::filesystem::path ChooseDevice(const std::string& option, const Environment& environment) {
+  if (!option.empty()) return option;
+  if (const char* device = environment(host::kDeviceVariable); IsSet(device)) return device;
+  // A relative XDG directory counts as none.
+  if (const char* state = environment("XDG_STATE_HOME"); IsSet(state) && *state == '/') {
+    return Absolute("orvelbox/device", state);
+  }
+  if (const char* home = environment("HOME"); IsSet(home)) return Absolute(".local/state/orvelbox/device", home);
+  throw host::DeviceError("no device named; name its directory with --device");
+}
+
+}  // namespace orvelbox

@@ -1,0 +1,45 @@
+// The command line: what may be asked for, and where the device lies that it is asked of. Nothing is carried out here.
+#ifndef ORVEL_ORVELBOX_COMMAND_LINE_H_
+#define ORVEL_ORVELBOX_COMMAND_LINE_H_
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "orvelbox/log_view.h"
+#include "orvelbox/operations.h"
+
+namespace orvelbox {
+
+// Exit statuses.
+inline constexpr int kDone = 0;
+inline constexpr int kFailed = 1;
+inline constexpr int kUsage = 2;
+
+struct Options {
+  std::string device;  // --device; empty: as the environment says
+  std::string plugin;  // --plugin; empty: the one built with this program
+  std::string trace;   // --trace; empty: as the environment says
+  std::string command;
+  std::string platform;          // init
+  std::string target;            // DIR or PKG
+  std::vector<RawEvent> events;  // events
+  LogFilter log_filter;          // log
+  bool follow = false;           // log
+};
+
+// Reads the command line. For help and for wrong usage it prints what there is to say and returns the exit status.
+std::variant<Options, int> ParseCommandLine(int argc, const char* const* argv);
+
+// The value of an environment variable, or null.
+using Environment = std::function<const char*(const char* name)>;
+
+// The directory of the device: `option`, else ORVELBOX_DEVICE, else "orvelbox/device" in the XDG state directory.
+// Throws host::DeviceError when none of them is there.
+std::filesystem::path ChooseDevice(const std::string& option, const Environment& environment);
+
+}  // namespace orvelbox
+
+#endif

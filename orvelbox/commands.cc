@@ -1,0 +1,124 @@
+// Each command by its name.
+#include "orvelbox/commands.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "orvelbox/observation.h"
+#include "orvelbox/output.h"
+#include "orvelbox/report.h"
+#include "orvelbox/tree.h"
+
+namespace fs = std::filesystem;
+
+namespace orvelbox {
+namespace {
+
+const char* FromEnvironment(const char* name) { return std::getenv(name); }
+
+// The plug-in that was built with this program: its directory lies beside this program's.
+fs::path OwnPlugin() {
+  return fs::read_symlink("/proc/self/exe").parent_path().parent_path() / "plugin" / "libmorvath.so";
+}
+
+HookSettings SettingsOf(const Options& options) {
+  HookSettings settings;
+  settings.device = host::OpenDevice(ChooseDevice(options.device, FromEnvironment));
+  settings.plugin = options.plugin.empty() ? OwnPlugin() : fs::absolute(options.plugin);
+  if (!options.trace.empty()) settings.trace = fs::absolute(options.trace);
+  return settings;
+}
+
+host::Device OpenForReading(const Options& options) {
+  return host::OpenDevice(ChooseDevice(options.device, FromEnvironment));
+}
+
+host::PackageStore ReadStore(const host::Device& device) {
+  return host::PackageStore(device.Database(), host::PackageStore::Mode::kReadOnly);
+}
+
+constexpr const char* kAssemblyDirectories[] = {"netcoreapp", "framework", "d.pc", "tvappapi"};
+
+void RequirePlatform(const fs::path& platform) {
+  const bool found = std::any_of(std::begin(kAssemblyDirectories), std::end(kAssemblyDirectories),
+                                 [&](const char* name) { return fs::is_directory(platform / name); });
+  if (found) return;
+  throw host::DeviceError(platform.string() +
+                          ": no platform assemblies; name a directory that holds netcoreapp/, framework/, d.pc/ or " +
+                          "tvappapi/");
+}
+
+// Takes back a device that could not be completed.
+void RemoveDevice(const fs::path& directory, bool keep_directory) {
+  if (!keep_directory) return RemoveTree(directory);
+  for (const fs::directory_entry& entry : fs::directory_iterator(directory)) RemoveTree(entry.path());
+}
+
+void CopyPlatform(const fs::path& platform, const host::Device& device) {
+  for (const char* name : kAssemblyDirectories) {
+    if (IsThere(platform / name)) CopyTree(platform / name, device.OnDesk(host::kPlatformAssemblies) / name);
+  }
+}
+
+int Init(const Options& options) {
+  if (!options.platform.empty()) RequirePlatform(options.platform);
+  const fs::path directory = ChooseDevice(options.device, FromEnvironment);
+  const bool was_there = IsThere(directory);
+  const host::Device device = host::CreateDevice(directory);
+  try {
+    if (!options.platform.empty()) CopyPlatform(options.platform, device);
+  } catch (const host::DeviceError&) {
+    RemoveDevice(device.directory, was_there);
+    throw;
+  }
+  Say("made the device " + device.directory.string());
+  return kDone;
+}
+
+int List(const Options& options) {
+  const host::Device device = OpenForReading(options);
+  SayAll(DescribePackages(ReadStore(device).List()));
+  return kDone;
+}
+
+int Show(const Options& options) {
+  const host::Device device = OpenForReading(options);
+  SayAll(DescribePackage(FindInstalled(ReadStore(device), options.target)));
+  return kDone;
+}
+
+int Cache(const Options& options) {
+  const host::Device device = OpenForReading(options);
+  for (const char* name : {"TPA.txt", "CoBA.txt"}) SayAll(DescribeCache(name, ReadCache(device, name)));
+  return kDone;
+}
+
+int Log(const Options& options) {
+  ShowLog(OpenForReading(options), {options.log_filter, options.follow, ColourWanted(std::getenv("NO_COLOR"))});
+  return kDone;
+}
+
+int RunChange(const Options& options) {
+  const Session session(SettingsOf(options));
+  if (options.command == "install") return Install(session, options.target);
+  if (options.command == "upgrade") return Upgrade(session, options.target);
+  if (options.command == "uninstall") return Uninstall(session, options.target);
+  if (options.command == "events") return RunRawEvents(session, options.events);
+  const auto& events = PackageEvents();
+  const auto event = std::find_if(events.begin(), events.end(),
+                                  [&](const PackageEvent& other) { return options.command == other.command; });
+  return RunPackageEvent(session, *event, options.target);
+}
+
+}  // namespace
+
+int RunCommand(const Options& options) {
+  if (options.command == "init") return Init(options);
+  if (options.command == "list") return List(options);
+  if (options.command == "show") return Show(options);
+  if (options.command == "cache") return Cache(options);
+  if (options.command == "log") return Log(options);
+  return RunChange(options);
+}
+
+}  // namespace orvelbox

@@ -1,0 +1,100 @@
+// A device on a disk that is full. The disk is a tiny tmpfs in a private mount namespace.
+#include <gmock/gmock.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+
+#include "tests/e2e/desk.h"
+#include "tests/support/child.h"
+
+namespace e2e {
+namespace {
+
+using testing::HasSubstr;
+
+void WriteLine(const char* file, const std::string& line) { std::ofstream(file) << line; }
+
+// Gives this process a mount namespace of its own. False, with `errno` set, where the machine refuses.
+bool EnterOwnNamespace() {
+  const std::string uid = std::to_string(geteuid());
+  const std::string gid = std::to_string(getegid());
+  if (unshare(CLONE_NEWNS | (uid == "0" ? 0 : CLONE_NEWUSER)) != 0) return false;
+  if (uid != "0") {
+    WriteLine("/proc/self/setgroups", "deny");
+    WriteLine("/proc/self/uid_map", uid + " " + uid + " 1");
+    WriteLine("/proc/self/gid_map", gid + " " + gid + " 1");
+  }
+  return mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+}
+
+class FullDiskE2e : public HookDesk {
+ protected:
+  // Runs `body` in a process in which the desk's device, new, lies on a disk of `size`. To be the last statement.
+  void OnSmallDisk(const std::string& size, const std::function<void()>& body) {
+    const std::string directory = device_.directory.string();
+    std::filesystem::remove_all(directory);
+    std::filesystem::create_directory(directory);
+    bool refused = false;
+    support::InFreshProcess([&] {
+      if (!EnterOwnNamespace() || mount("disk", directory.c_str(), "tmpfs", 0, ("size=" + size).c_str()) != 0) {
+        std::ofstream(dir_ / "refused") << std::strerror(errno);
+        return;
+      }
+      RunExpecting(0, {"init"});
+      body();
+    });
+    refused = support::IsThere(dir_ / "refused");
+    if (refused) GTEST_SKIP() << "no tmpfs can be mounted here: " << support::ReadFile(dir_ / "refused");
+  }
+};
+
+TEST_F(FullDiskE2e, an_install_that_does_not_fit_leaves_nothing) {
+  const std::string package =
+      MakePackage("big", ManifestText("org.example.big", "1"), {{"bin/Big.dll", std::string(4 << 20, 'x')}});
+  OnSmallDisk("2m", [&] {
+    const auto before = DeviceState();
+    const Result result = RunExpecting(1, {"install", package});
+    EXPECT_EQ(result.out, "");
+    EXPECT_THAT(result.err, HasSubstr("bin/Big.dll: cannot write: No space left on device; free some space"));
+    EXPECT_EQ(DeviceState(), before);
+  });
+}
+
+TEST_F(FullDiskE2e, an_upgrade_that_does_not_fit_keeps_the_version_before) {
+  const std::string small = MakePackage("small", ManifestText("a", "1"), {{"bin/A.dll", "first"}});
+  const std::string big = MakePackage("big", ManifestText("a", "2"), {{"bin/A.dll", std::string(4 << 20, 'x')}});
+  OnSmallDisk("2m", [&] {
+    RunExpecting(0, {"install", small});
+    const auto before = DeviceState();
+    const Result result = RunExpecting(1, {"upgrade", big});
+    EXPECT_THAT(result.err, HasSubstr("No space left on device"));
+    EXPECT_EQ(DeviceState(), before);
+  });
+}
+
+// The files fit to the last block; then the database has no room for the record.
+TEST_F(FullDiskE2e, an_install_whose_record_does_not_fit_leaves_nothing) {
+  const std::string package = MakePackage("a", ManifestText("a", "1"));
+  OnSmallDisk("2m", [&] {
+    const auto before = DeviceState();
+    std::ofstream filler(device_.directory / "root/filler", std::ios::binary);
+    const std::string block(4096, 'f');
+    std::uintmax_t left = std::filesystem::space(device_.directory).available / block.size();
+    for (; left > 2; --left) filler << block;
+    filler.close();
+    const Result result = RunExpecting(1, {"install", package});
+    EXPECT_EQ(result.out, "");
+    EXPECT_THAT(result.err, HasSubstr("orvelbox: "));
+    std::filesystem::remove(device_.directory / "root/filler");
+    EXPECT_EQ(RunExpecting(0, {"list"}).out, "");
+    EXPECT_FALSE(support::IsThere(OnDesk("/opt/usr/globalapps/a")));
+    RunExpecting(0, {"install", package});
+  });
+}
+
+}  // namespace
+}  // namespace e2e

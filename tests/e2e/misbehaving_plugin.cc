@@ -1,0 +1,57 @@
+// A parser plug-in for tests whose hooks do what the package id asks for: "….crash", "….throw", "….exit", "….wait",
+// "….spoil" (CLEAN spoils the cache file and crashes) or, for any other id, return 0.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <stdexcept>
+
+namespace {
+
+bool Asks(const char* package_id, const char* for_what) {
+  const std::size_t length = std::strlen(for_what);
+  const std::size_t whole = std::strlen(package_id);
+  return whole >= length && std::strcmp(package_id + whole - length, for_what) == 0;
+}
+
+void Crash() { raise(SIGSEGV); }
+
+// Says through one pipe that the hook runs, then waits for a byte out of the other one.
+void Wait() {
+  char byte = 0;
+  const int started = open(std::getenv("TEST_STARTED"), O_WRONLY);
+  if (write(started, &byte, 1) != 1) std::abort();
+  close(started);
+  const int going_on = open(std::getenv("TEST_GO_ON"), O_RDONLY);
+  if (read(going_on, &byte, 1) != 1) std::abort();
+  close(going_on);
+}
+
+void SpoilCache() {
+  unlink("/opt/usr/home/owner/share/dotnet/TPA.txt");
+  const int coba = open("/opt/usr/home/owner/share/dotnet/CoBA.txt", O_WRONLY | O_TRUNC);
+  if (coba < 0 || write(coba, "spoilt", 6) != 6) std::abort();
+  Crash();
+}
+
+int Behave(const char* package_id) {
+  if (Asks(package_id, ".crash")) Crash();
+  if (Asks(package_id, ".throw")) throw std::runtime_error("out of\ncheese");
+  if (Asks(package_id, ".exit")) std::_Exit(7);
+  if (Asks(package_id, ".wait")) Wait();
+  return 0;
+}
+
+}  // namespace
+
+#define EXPORT extern "C" __attribute__((visibility("default")))
+
+EXPORT int PKGMGR_PARSER_PLUGIN_INSTALL(void*, const char* package_id) { return Behave(package_id); }
+EXPORT int PKGMGR_PARSER_PLUGIN_UPGRADE(void*, const char* package_id) { return Behave(package_id); }
+EXPORT int PKGMGR_PARSER_PLUGIN_UNINSTALL(void*, const char*) { return 3; }
+EXPORT int PKGMGR_PARSER_PLUGIN_CLEAN(void*, const char* package_id) {
+  if (Asks(package_id, ".spoil")) SpoilCache();
+  return 0;
+}

@@ -1,0 +1,173 @@
+// Plug-ins that crash, throw, end the process or spoil what they touch; and orvelbox killed while one runs.
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <stdexcept>
+
+#include "platform/host/unique_fd.h"
+#include "tests/e2e/desk.h"
+
+namespace e2e {
+namespace {
+
+using testing::HasSubstr;
+
+class MisbehavingPluginE2e : public HookDesk {
+ protected:
+  Result RunPlugin(int status, std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), {"--plugin", MISBEHAVING_PLUGIN});
+    return RunExpecting(status, arguments);
+  }
+
+  std::string Package(const std::string& id, const std::string& version = "1") const {
+    return MakePackage(id + "-" + version, ManifestText(id, version), {{"bin/Main.dll", version}});
+  }
+
+  // Installing must fail with `reason` and leave the device as it was.
+  void ExpectFailedInstall(const std::string& id, const std::string& reason) const {
+    const auto before = DeviceState();
+    const Result result = RunPlugin(1, {"install", Package(id)});
+    EXPECT_THAT(result.out, HasSubstr("not installed: " + id + " 1\n"));
+    EXPECT_THAT(result.err, HasSubstr("orvelbox: " + id + ": install failed, " + reason));
+    const auto after = DeviceState();
+    EXPECT_EQ(after.size(), before.size());
+    EXPECT_EQ(RunExpecting(0, {"list"}).out, "");
+    EXPECT_EQ(CacheFile("TPA.txt"), "[START][END]");
+    EXPECT_EQ(CacheFile("CoBA.txt"), "[START][END]");
+  }
+};
+
+TEST_F(MisbehavingPluginE2e, a_crash_fails_the_install) {
+  ExpectFailedInstall("a.crash", "INSTALL was killed by signal 11 (Segmentation fault)");
+}
+
+TEST_F(MisbehavingPluginE2e, an_exception_fails_the_install) {
+  ExpectFailedInstall("a.throw", "INSTALL threw an exception: out of cheese");
+}
+
+TEST_F(MisbehavingPluginE2e, an_exit_fails_the_install) {
+  ExpectFailedInstall("a.exit", "INSTALL ended its process with exit status 7");
+}
+
+TEST_F(MisbehavingPluginE2e, cache_files_that_a_crashed_hook_spoilt_are_put_back) {
+  ExpectFailedInstall("a.spoil", "CLEAN was killed by signal 11");
+}
+
+TEST_F(MisbehavingPluginE2e, a_library_without_hooks_is_no_plug_in) {
+  const auto before = DeviceState();
+  const Result result = RunExpecting(1, {"--plugin", NO_PLUGIN, "install", Package("a")});
+  EXPECT_THAT(result.err, HasSubstr("no parser plug-in, it has no PKGMGR_PARSER_PLUGIN_INSTALL\n"));
+  EXPECT_EQ(DeviceState().size(), before.size());
+}
+
+TEST_F(MisbehavingPluginE2e, a_file_that_is_no_library_is_named) {
+  support::WriteFile(dir_ / "text.so", "no library");
+  const Result result = RunExpecting(1, {"--plugin", dir_ / "text.so", "install", Package("a")});
+  EXPECT_THAT(result.err, HasSubstr(dir_ / "text.so: "));
+  EXPECT_EQ(RunExpecting(0, {"list"}).out, "");
+}
+
+TEST_F(MisbehavingPluginE2e, a_failed_uninstall_keeps_the_package) {
+  RunPlugin(0, {"install", Package("a")});
+  const Result result = RunPlugin(1, {"uninstall", "a"});
+  EXPECT_THAT(result.out, HasSubstr("not uninstalled: a 1; it stays installed\n"
+                                    "    UNINSTALL returned 3, CLEAN returned 0\n"));
+  EXPECT_THAT(result.err, HasSubstr("orvelbox: a: uninstall failed, UNINSTALL returned 3; see: orvelbox log"));
+  EXPECT_TRUE(support::IsThere(OnDesk("/opt/usr/globalapps/a/bin/Main.dll")));
+  EXPECT_EQ(RunExpecting(0, {"list"}).out, "a  1  /opt/usr/globalapps/a\n");
+}
+
+TEST_F(MisbehavingPluginE2e, events_end_with_the_first_crash) {
+  RunPlugin(0, {"install", Package("a")});
+  RunExpecting(0, {"install", Package("b.crash")});
+  const Result result = RunPlugin(1, {"events", "clean:a", "install:b.crash", "clean:a", "clean:b.crash"});
+  EXPECT_THAT(result.out, HasSubstr("CLEAN a returned 0\nINSTALL b.crash was killed by signal 11"));
+  EXPECT_THAT(result.err, HasSubstr("(2 of the events were not told to the plug-in)\n"));
+}
+
+// A pipe with a name, of which both ends stay open.
+class NamedPipe {
+ public:
+  explicit NamedPipe(const std::string& path) : path_(path), ends_(Open(path)) {}
+
+  const std::string& path() const { return path_; }
+  void Send() const { ASSERT_EQ(write(ends_.get(), "!", 1), 1); }
+  // False when nothing comes.
+  bool Receive() const {
+    constexpr int kPatienceInMilliseconds = 20000;
+    pollfd waiting{ends_.get(), POLLIN, 0};
+    char byte = 0;
+    return poll(&waiting, 1, kPatienceInMilliseconds) == 1 && read(ends_.get(), &byte, 1) == 1;
+  }
+
+ private:
+  static host::UniqueFd Open(const std::string& path) {
+    if (mkfifo(path.c_str(), 0600) != 0) throw std::runtime_error("cannot make the pipe " + path);
+    return host::UniqueFd(open(path.c_str(), O_RDWR | O_CLOEXEC));
+  }
+
+  std::string path_;
+  host::UniqueFd ends_;
+};
+
+// A hook that waits: the pipes tell when it runs, and let it go on.
+class WaitingHookE2e : public MisbehavingPluginE2e {
+ protected:
+  WaitingHookE2e() : started_(dir_ / "started"), go_on_(dir_ / "go-on") {
+    environment_ = {{"TEST_STARTED", started_.path()}, {"TEST_GO_ON", go_on_.path()}};
+  }
+
+  // Starts orvelbox and comes back when its hook runs.
+  pid_t StartUntilHookRuns(const std::vector<std::string>& arguments) const {
+    std::vector<std::string> all = {"--plugin", MISBEHAVING_PLUGIN};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    const pid_t process = Start(all);
+    EXPECT_TRUE(started_.Receive()) << "the hook was not called";
+    return process;
+  }
+  void LetHookGoOn() const { go_on_.Send(); }
+
+ private:
+  NamedPipe started_;
+  NamedPipe go_on_;
+};
+
+TEST_F(WaitingHookE2e, a_second_process_is_told_of_the_first_one) {
+  const pid_t first = StartUntilHookRuns({"install", Package("a.wait")});
+  const Result second = RunPlugin(1, {"install", Package("b")});
+  LetHookGoOn();
+  EXPECT_EQ(WaitFor(first).status, 0);
+  EXPECT_THAT(second.err, HasSubstr(": in use by another orvelbox (process " + std::to_string(first) + "); wait for"));
+  EXPECT_EQ(RunExpecting(0, {"list"}).out, "a.wait  1  /opt/usr/globalapps/a.wait\n");
+}
+
+TEST_F(WaitingHookE2e, the_version_before_is_put_back_after_a_killed_upgrade) {
+  RunExpecting(0, {"install", Package("a.wait", "1")});
+  RunExpecting(0, {"install", Package("b")});
+  const pid_t upgrade = StartUntilHookRuns({"upgrade", Package("a.wait", "2")});
+  ASSERT_EQ(kill(upgrade, SIGKILL), 0);
+  EXPECT_EQ(WaitFor(upgrade).status, 128 + SIGKILL);
+  LetHookGoOn();
+  Result next = Run({"clean", "b"});
+  while (next.err.find("in use by") != std::string::npos) next = Run({"clean", "b"});  // the hook's process ends
+  EXPECT_THAT(next.out,
+              HasSubstr("mended a.wait: an upgrade was interrupted; the version before it is in place again\n"));
+  EXPECT_EQ(support::ReadFile(OnDesk("/opt/usr/globalapps/a.wait/bin/Main.dll")), "1");
+  EXPECT_THAT(RunExpecting(0, {"list"}).out, HasSubstr("a.wait  1  "));
+  EXPECT_FALSE(support::IsThere(OnDesk("/opt/usr/globalapps/.previous")));
+}
+
+TEST_F(WaitingHookE2e, an_interrupted_install_is_taken_back) {
+  const pid_t install = StartUntilHookRuns({"install", Package("a.wait")});
+  ASSERT_EQ(kill(install, SIGINT), 0);
+  EXPECT_NE(WaitFor(install).status, 0);
+  EXPECT_EQ(RunExpecting(0, {"list"}).out, "");
+  EXPECT_FALSE(support::IsThere(OnDesk("/opt/usr/globalapps/a.wait")));
+}
+
+}  // namespace
+}  // namespace e2e
