@@ -1,0 +1,115 @@
+// What a journal should hold, written as the call tree reads, and its comparison with what was recorded:
+//
+//   const Source kGac("morvath", "gac");
+//   Difference(Current().journal,
+//              {Traced("morvath", "int gac(const std::string&)",
+//                      {kGac.Debug("orvelFX size = %zu", size_t{2}),
+//                       kGac.At(12).Error("gone: %s", "x")})});
+#ifndef TESTS_DOUBLES_EXPECTED_JOURNAL_H_
+#define TESTS_DOUBLES_EXPECTED_JOURNAL_H_
+
+#include <functional>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+#include "tests/doubles/platform.h"
+
+namespace doubles {
+
+// What the format of every log line begins with.
+inline constexpr const char* kLineStart = "%s: %s(%d) > ";
+
+// Stands for any line number above zero.
+inline constexpr int kAnyLine = 0;
+
+// One event that is expected.
+struct Step {
+  std::string description;
+  std::function<bool(const Event&)> meets;
+};
+using Steps = std::vector<Step>;
+
+// The message of a log line: its text without position, colour and the closing reset.
+std::string MessageOf(const LogLine& line);
+
+// The text that printf would make.
+std::string Formatted(const char* format, ...);
+
+// A kind of message.
+struct MessageKind {
+  char letter;
+  int priority;
+  const char* colour;
+};
+inline constexpr MessageKind kDebug{'D', 3, "\033[0m"};
+inline constexpr MessageKind kInfo{'I', 4, "\033[36m"};
+inline constexpr MessageKind kError{'E', 6, "\033[31m"};
+inline constexpr MessageKind kTrace{'T', 3, "\033[90m"};
+
+// The function that logs, within its unit; the tag follows from the unit. A message is given by its own format and
+// arguments, and both the format and the text must be those of the line.
+class Source {
+ public:
+  Source(std::string unit, std::string function) : unit_(std::move(unit)), function_(std::move(function)) {}
+
+  // The same function, logging at that very line.
+  Source At(int line) const {
+    Source source = *this;
+    source.line_ = line;
+    return source;
+  }
+
+  template <typename... Arguments>
+  Steps Debug(const char* format, const Arguments&... arguments) const {
+    return Message(kDebug, format, Formatted(format, Plain(arguments)...));
+  }
+  template <typename... Arguments>
+  Steps Info(const char* format, const Arguments&... arguments) const {
+    return Message(kInfo, format, Formatted(format, Plain(arguments)...));
+  }
+  template <typename... Arguments>
+  Steps Error(const char* format, const Arguments&... arguments) const {
+    return Message(kError, format, Formatted(format, Plain(arguments)...));
+  }
+
+ private:
+  static const char* Plain(const std::string& text) { return text.c_str(); }
+  template <typename T>
+  static T Plain(const T& value) {
+    return value;
+  }
+  template <std::size_t kSize>
+  static const char* Plain(const char (&text)[kSize]) {
+    return text;
+  }
+
+  Steps Message(const MessageKind& kind, const std::string& format, const std::string& message) const;
+
+  std::string unit_;
+  std::string function_;
+  int line_ = kAnyLine;
+};
+
+// A traced function of the unit: the entry line and the span's begin, what happens inside, the exit line and the
+// span's end. `line` is the line in the label.
+Steps Traced(const std::string& unit, const std::string& signature, std::initializer_list<Steps> inside,
+             int line = kAnyLine);
+Steps Traced(const std::string& unit, const std::string& signature, const Steps& inside, int line = kAnyLine);
+
+// A restart of the candidate loader.
+Steps Restart(const std::string& loader);
+
+// Any other call, as the journal shows it.
+Steps Call(const std::string& text);
+
+// All steps in order.
+Steps Join(std::initializer_list<Steps> parts);
+
+// Compares a journal with what is expected; kCall events count only when calls are expected. Also checks that labels
+// pair up and spans nest. Returns an empty text when all is as expected, else what differs with the whole journal.
+std::string Difference(const std::vector<Event>& journal, const Steps& expected);
+
+}  // namespace doubles
+
+#endif

@@ -1,0 +1,44 @@
+// Doubles of the security-label library: labels are kept by path, a link has the label of its own path.
+#include <cstring>
+#include <string>
+
+#include "orvel/smack.h"
+#include "tests/doubles/platform.h"
+
+namespace {
+
+using doubles::Current;
+
+int SetLabel(const std::string& function, const std::string& path, const std::string& label) {
+  Current().RecordCall(function + "(" + path + ", " + label + ")");
+  if (const auto failure = Current().TakeFailure(function)) return *failure;
+  Current().labels[path] = label;
+  return 0;
+}
+
+ssize_t GetLabel(const std::string& function, const std::string& path, char** label) {
+  Current().RecordCall(function + "(" + path + ")");
+  if (const auto failure = Current().TakeFailure(function)) return *failure;
+  const auto found = Current().labels.find(path);
+  if (found == Current().labels.end()) return -1;
+  *label = strdup(found->second.c_str());
+  return static_cast<ssize_t>(found->second.size());
+}
+
+}  // namespace
+
+int smack_setlabel(const char* path, const char* label, enum smack_label_type) {
+  return SetLabel("smack_setlabel", path, label);
+}
+
+int smack_lsetlabel(const char* path, const char* label, enum smack_label_type) {
+  return SetLabel("smack_lsetlabel", path, label);
+}
+
+ssize_t smack_getlabel(const char* path, char** label, enum smack_label_type) {
+  return GetLabel("smack_getlabel", path, label);
+}
+
+ssize_t smack_lgetlabel(const char* path, char** label, enum smack_label_type) {
+  return GetLabel("smack_lgetlabel", path, label);
+}

@@ -1,0 +1,81 @@
+// Doubles of the log, the trace spans, the loader restart, the path configuration and the installer library.
+#include <cstdarg>
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "orvel/aul.h"
+#include "orvel/dlog.h"
+#include "orvel/ovplatform.h"
+#include "orvel/pkgmgr_installer.h"
+#include "orvel/trace.h"
+#include "tests/doubles/expected_journal.h"
+#include "tests/doubles/platform.h"
+
+namespace {
+
+using doubles::Current;
+using doubles::Event;
+using doubles::LogLine;
+
+std::string Text(const char* text) { return text == nullptr ? "(null)" : text; }
+
+// The first three arguments of a line of the common format.
+void ReadPosition(LogLine& line, va_list arguments) {
+  if (line.format.rfind(doubles::kLineStart, 0) != 0) return;
+  line.unit = Text(va_arg(arguments, const char*));
+  line.function = Text(va_arg(arguments, const char*));
+  line.line = va_arg(arguments, int);
+}
+
+}  // namespace
+
+int __dlog_print(int log_id, int priority, const char* tag, const char* format, ...) {
+  LogLine line;
+  line.log_id = log_id;
+  line.priority = priority;
+  line.tag = Text(tag);
+  line.format = Text(format);
+
+  va_list arguments;
+  va_start(arguments, format);
+  va_list position;
+  va_copy(position, arguments);
+  ReadPosition(line, position);
+  va_end(position);
+  va_list measured;
+  va_copy(measured, arguments);
+  const int length = std::vsnprintf(nullptr, 0, format, measured);
+  va_end(measured);
+  std::vector<char> text(static_cast<std::size_t>(length) + 1);
+  std::vsnprintf(text.data(), text.size(), format, arguments);
+  va_end(arguments);
+
+  line.text = text.data();
+  Current().journal.push_back({Event::Kind::kLog, "", line});
+  return Current().TakeFailure("__dlog_print").value_or(length);
+}
+
+// The name is kept as it was passed, not as a format.
+void trace_begin(const char* name, ...) { Current().journal.push_back({Event::Kind::kSpanBegin, Text(name), {}}); }
+
+void trace_end(void) { Current().journal.push_back({Event::Kind::kSpanEnd, "", {}}); }
+
+int aul_restart_loader(const char* loaderName) {
+  Current().journal.push_back({Event::Kind::kRestart, Text(loaderName), {}});
+  return Current().TakeFailure("aul_restart_loader").value_or(0);
+}
+
+const char* ovplatform_getenv(int variable) {
+  Current().RecordCall("ovplatform_getenv(" + std::to_string(variable) + ")");
+  const std::optional<std::string>& root = Current().read_write_root;
+  return variable == OVPLATFORM_RW_APPS_ROOT && root ? root->c_str() : nullptr;
+}
+
+int pkgmgr_installer_info_get_target_uid(uid_t* uid) {
+  Current().RecordCall("pkgmgr_installer_info_get_target_uid()");
+  if (const auto failure = Current().TakeFailure("pkgmgr_installer_info_get_target_uid")) return *failure;
+  *uid = Current().target_uid;
+  return 0;
+}

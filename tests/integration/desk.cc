@@ -1,0 +1,76 @@
+// A device for a test.
+#include "tests/integration/desk.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "tests/support/child.h"
+#include "tests/support/files.h"
+
+// Takes the C library's place: forcing the whole machine's data to disk is not what is tested here, and may take long.
+#pragma GCC visibility push(default)
+extern "C" void sync() noexcept {}
+#pragma GCC visibility pop
+
+std::string Desk::Register(const std::string& id, const std::vector<std::string>& privileges,
+                           const std::vector<host::MetadataEntry>& metadata) const {
+  host::Application application;
+  application.id = id + ".app";
+  application.kind = "ui-application";
+  application.type = "dotnet-inhouse";
+  application.metadata = metadata;
+  host::Package package;
+  package.id = id;
+  package.version = "1.0";
+  package.type = "opk";
+  package.root = std::string(host::kUserArea) + "/apps/" + id;
+  package.main_app_id = application.id;
+  package.applications = {application};
+  package.privileges = privileges;
+  host::PackageStore(device_.Database(), host::PackageStore::Mode::kReadWrite).Put(package);
+  std::filesystem::create_directories(package.root);
+  return package.root;
+}
+
+std::string Desk::RegisterCoba(const std::string& id) const { return Register(id, {}, {{kCobaKey, "true"}}); }
+
+std::vector<host::LogRecord> Desk::Log() const {
+  std::vector<host::LogRecord> records;
+  std::istringstream log(support::ReadFile(device_.Log()));
+  for (std::string line; std::getline(log, line);) {
+    if (auto record = host::ParseLogRecord(line)) records.push_back(*record);
+  }
+  return records;
+}
+
+std::vector<std::string> Desk::LogTexts(const std::string& part) const {
+  std::vector<std::string> texts;
+  for (const host::LogRecord& record : Log()) {
+    if (record.text.find(part) != std::string::npos) texts.push_back(record.text);
+  }
+  return texts;
+}
+
+LoaderRecord Desk::Loader() const {
+  LoaderRecord record;
+  if (!support::IsThere(device_.LoaderRecord())) return record;
+  const auto json = nlohmann::json::parse(support::ReadFile(device_.LoaderRecord()));
+  record.starts = json.at("starts");
+  record.tpa = json.at("TPA").get<std::vector<std::string>>();
+  record.coba = json.at("CoBA").get<std::vector<std::string>>();
+  record.error = json.at("error").is_null() ? "" : json.at("error");
+  return record;
+}
+
+void OnDesk(const std::function<void(const Desk&)>& body) {
+  const support::TempDir directory;
+  const host::Device device = host::CreateDevice(directory / "device");
+  support::WithFixedPaths(device.Root(), [&] {
+    setenv(host::kDeviceVariable, device.directory.c_str(), 1);
+    body(Desk(device));
+  });
+}

@@ -1,0 +1,51 @@
+// A device of the host platform in a temporary directory, and a test body on it with the fixed paths and the plug-in's
+// libraries looking at that device.
+#ifndef TESTS_INTEGRATION_DESK_H_
+#define TESTS_INTEGRATION_DESK_H_
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/host/device.h"
+#include "platform/host/log_file.h"
+#include "platform/host/package_store.h"
+
+// What the loader noted at its last start.
+struct LoaderRecord {
+  int starts = 0;
+  std::vector<std::string> tpa;
+  std::vector<std::string> coba;
+  std::string error;  // empty: it started
+};
+
+class Desk {
+ public:
+  explicit Desk(host::Device device) : device_(std::move(device)) {}
+
+  const host::Device& device() const { return device_; }
+
+  // Registers a package with one application; returns its root, "/opt/usr/apps/ID", which is made.
+  std::string Register(const std::string& id, const std::vector<std::string>& privileges = {},
+                       const std::vector<host::MetadataEntry>& metadata = {}) const;
+  // The same for a CoBA package.
+  std::string RegisterCoba(const std::string& id) const;
+
+  // All log records, and the texts of those whose message contains `part`.
+  std::vector<host::LogRecord> Log() const;
+  std::vector<std::string> LogTexts(const std::string& part) const;
+
+  LoaderRecord Loader() const;
+
+ private:
+  host::Device device_;
+};
+
+inline constexpr const char* kCobaKey = "http://" ORVEL_DEVELOPER_HOST "/orvel/metadata/support-fs-external-component";
+inline constexpr const char* kDebuggingPrivilege = "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/appdebugging";
+inline constexpr const char* kPlatformPrivilege = "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/default/platform";
+
+// Runs the body in a child process on a new device. To be the last statement of a test.
+void OnDesk(const std::function<void(const Desk&)>& body);
+
+#endif

@@ -1,0 +1,98 @@
+// Bodies of tests in child processes.
+#include "tests/support/child.h"
+
+#include <gtest/gtest.h>
+#include <linux/capability.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <iostream>
+#include <string>
+
+#include "platform/host/fixed_paths.h"
+
+#ifdef ORVEL_COVERAGE
+extern "C" void __gcov_dump(void);
+#endif
+
+namespace support {
+
+namespace {
+
+constexpr int kFailed = 1;
+
+// Before a fork: what this process has printed so far must not be printed again by the child.
+void FlushOutput() {
+  std::cout.flush();
+  std::fflush(nullptr);
+}
+
+// A child ends without the ways of an ordinary exit, so it hands in its coverage data itself.
+void LeaveCoverageData() {
+#ifdef ORVEL_COVERAGE
+  __gcov_dump();
+#endif
+}
+
+// Answers the exit status of the child.
+int RunBody(const std::function<void()>& body) {
+  prctl(PR_SET_PDEATHSIG, SIGKILL);  // a test that is ended for taking too long leaves nothing running
+  try {
+    body();
+  } catch (const std::exception& error) {
+    ADD_FAILURE() << "An exception left the body: " << error.what();
+  }
+  FlushOutput();
+  LeaveCoverageData();
+  return testing::Test::HasFailure() ? kFailed : 0;
+}
+
+void ExpectSuccess(const host::ChildOutcome& outcome) {
+  if (outcome.signalled) {
+    ADD_FAILURE() << "The child was ended by signal " << outcome.code;
+  } else if (outcome.code != 0) {
+    ADD_FAILURE() << "The child failed with exit status " << outcome.code << ", see above";
+  }
+}
+
+host::FixedPathsMethod Method(std::string* reason) {
+  static std::string found_reason;
+  static const host::FixedPathsMethod method = host::AvailableFixedPathsMethod(&found_reason);
+  *reason = found_reason;
+  return method;
+}
+
+}  // namespace
+
+void InFreshProcess(const std::function<void()>& body) {
+  FlushOutput();
+  const pid_t child = fork();
+  ASSERT_GE(child, 0) << "cannot fork";
+  if (child == 0) _exit(RunBody(body));
+  int status = 0;
+  ASSERT_EQ(child, waitpid(child, &status, 0));
+  host::ChildOutcome outcome;
+  outcome.signalled = WIFSIGNALED(status);
+  outcome.code = outcome.signalled ? WTERMSIG(status) : WEXITSTATUS(status);
+  ExpectSuccess(outcome);
+}
+
+void WithFixedPaths(const std::filesystem::path& root, const std::function<void()>& body) {
+  std::string reason;
+  if (Method(&reason) == host::FixedPathsMethod::kNone) GTEST_SKIP() << reason;
+  FlushOutput();
+  ExpectSuccess(host::RunWithFixedPaths(root, [&] { return RunBody(body); }));
+}
+
+bool GiveUpPrivileges() {
+  __user_cap_header_struct header = {_LINUX_CAPABILITY_VERSION_3, 0};
+  const __user_cap_data_struct nothing[_LINUX_CAPABILITY_U32S_3] = {};
+  return syscall(SYS_capset, &header, nothing) == 0;
+}
+
+}  // namespace support

@@ -1,0 +1,22 @@
+// Runs parts of a test in a process of their own, so that what is process-wide in the code under test is fresh.
+#ifndef TESTS_SUPPORT_CHILD_H_
+#define TESTS_SUPPORT_CHILD_H_
+
+#include <filesystem>
+#include <functional>
+
+namespace support {
+
+// Runs `body` in a forked child. Its failures are shown and fail this test, as does an exception or a crash.
+void InFreshProcess(const std::function<void()>& body);
+
+// The same with the platform's fixed paths laid over the device root `root`. Skips the test, with the reason, where
+// this machine cannot do that; to be the last statement of a test.
+void WithFixedPaths(const std::filesystem::path& root, const std::function<void()>& body);
+
+// Takes from this process for good what root may do beyond the permissions of files. False when that fails.
+bool GiveUpPrivileges();
+
+}  // namespace support
+
+#endif

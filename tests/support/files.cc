@@ -1,0 +1,59 @@
+// Files of a test.
+#include "tests/support/files.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <system_error>
+
+namespace support {
+
+namespace fs = std::filesystem;
+
+TempDir::TempDir() {
+  std::string pattern = testing::TempDir() + "orvel-test-XXXXXX";
+  if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("cannot make a directory like " + pattern);
+  path_ = pattern;
+  chmod(pattern.c_str(), 0755);
+}
+
+TempDir::~TempDir() {
+  std::error_code ignored;
+  fs::remove_all(path_, ignored);
+}
+
+void WriteFile(const fs::path& file, const std::string& content) {
+  fs::create_directories(file.parent_path());
+  std::ofstream stream(file, std::ios::binary);
+  stream << content;
+  stream.close();
+  if (!stream) throw std::runtime_error("cannot write " + file.string());
+}
+
+void WriteFiles(const std::vector<std::string>& files) {
+  for (const std::string& file : files) WriteFile(file);
+}
+
+std::string ReadFile(const fs::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  if (!stream) throw std::runtime_error("cannot read " + file.string());
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+bool IsThere(const fs::path& path) { return fs::symlink_status(path).type() != fs::file_type::not_found; }
+
+std::vector<std::string> NamesIn(const fs::path& directory) {
+  std::vector<std::string> names;
+  for (const fs::directory_entry& entry : fs::directory_iterator(directory)) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+}  // namespace support

@@ -1,0 +1,44 @@
+// Files of a test: a temporary directory and short ways to write, read and list.
+#ifndef TESTS_SUPPORT_FILES_H_
+#define TESTS_SUPPORT_FILES_H_
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace support {
+
+// A new directory that everyone may enter, removed with all it holds at the end.
+class TempDir {
+ public:
+  TempDir();
+  ~TempDir();
+  TempDir(const TempDir&) = delete;
+  TempDir& operator=(const TempDir&) = delete;
+
+  const std::filesystem::path& path() const { return path_; }
+  // The path of `name` inside, as a string.
+  std::string operator/(const std::string& name) const { return (path_ / name).string(); }
+
+ private:
+  std::filesystem::path path_;
+};
+
+// Writes the file with the directories above it. Throws std::runtime_error when that fails.
+void WriteFile(const std::filesystem::path& file, const std::string& content = "");
+
+// Writes empty files.
+void WriteFiles(const std::vector<std::string>& files);
+
+// The file's content. Throws std::runtime_error when it cannot be read.
+std::string ReadFile(const std::filesystem::path& file);
+
+// True when something stands at the path, a dangling link included.
+bool IsThere(const std::filesystem::path& path);
+
+// The names in the directory, sorted.
+std::vector<std::string> NamesIn(const std::filesystem::path& directory);
+
+}  // namespace support
+
+#endif

@@ -1,0 +1,318 @@
+// The editing of cache texts, held against the plainest form of it over many random texts, roots and lists.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <iterator>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "plugin/cache_files.h"
+#include "tests/support/files.h"
+#include "tests/unit/expected_lines.h"
+#include "tests/unit/unit_case.h"
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+constexpr unsigned kSeed = 20240229;
+
+// The plain form: after every erasure the search starts again at the front. `endless` where it would find the same
+// empty place for ever; `went_back` where an erasure made an entry that begins further at the front.
+struct PlainEdit {
+  std::string text;
+  Texts erased;
+  bool endless = false;
+  bool went_back = false;
+};
+
+std::size_t PlainFind(const std::string& text, const std::string& root) {
+  std::size_t pos = text.find(root, 0);
+  while (pos != std::string::npos) {
+    if (pos > 0 && (text[pos - 1] == ':' || text[pos - 1] == ']')) return pos;
+    pos = text.find(root, pos + 1);
+  }
+  return pos;
+}
+
+PlainEdit PlainErase(const std::string& text, const std::string& root) {
+  PlainEdit edit{text, {}};
+  std::size_t last = 0;
+  for (;;) {
+    const std::size_t pos = PlainFind(edit.text, root);
+    if (pos == std::string::npos) return edit;
+    if (pos < last) edit.went_back = true;
+    std::size_t begin = pos;
+    std::size_t end = edit.text.find(':', pos);
+    if (end != std::string::npos) {
+      ++end;
+    } else {
+      end = edit.text.find('[', pos);
+      if (end == std::string::npos) end = edit.text.size();
+      if (edit.text[pos - 1] == ':') --begin;
+    }
+    if (begin == end) return {text, {}, true};
+    edit.erased.push_back(edit.text.substr(begin, end - begin));
+    edit.text.erase(begin, end - begin);
+    last = begin;
+  }
+}
+
+// Random texts. The same seed gives the same ones everywhere.
+class Random {
+ public:
+  explicit Random(unsigned seed) : engine_(seed) {}
+
+  std::size_t Below(std::size_t count) { return engine_() % count; }
+  bool OneIn(std::size_t count) { return Below(count) == 0; }
+
+  std::string Text(const std::string& alphabet, std::size_t longest) {
+    std::string text;
+    for (std::size_t left = Below(longest + 1); left > 0; --left) text += alphabet[Below(alphabet.size())];
+    return text;
+  }
+
+  const std::string& OneOf(const Texts& texts) { return texts[Below(texts.size())]; }
+
+ private:
+  std::mt19937 engine_;
+};
+
+struct Case {
+  std::string text;
+  std::string root;
+};
+
+// Characters without order, few enough of them that everything overlaps with everything.
+Case AnyCharacters(Random& random) {
+  static const Texts alphabets = {"ab:[]/", "a:[]", "a:]", "ab:", ":[]", "a]:[/\n", {"a\0:]\xFF", 5}, "START[]END:/"};
+  const std::string& alphabet = random.OneOf(alphabets);
+  return {random.Text(alphabet, 24), random.Text(alphabet, 4)};
+}
+
+// The same, with the root put into the text here and there.
+Case AnyCharactersAroundTheRoot(Random& random) {
+  Case made = AnyCharacters(random);
+  for (std::size_t left = random.Below(6); left > 0; --left) {
+    made.text.insert(random.Below(made.text.size() + 1), random.OneOf({"", ":", "]", "["}) + made.root);
+  }
+  return made;
+}
+
+// Roots that hold a separator, wrapped around each other so that erasing one joins the halves of the next.
+Case NestedRoots(Random& random) {
+  const std::string front = random.Text("ab/[", 2) + random.OneOf({":", "]"});
+  const std::string back = random.Text("ab:[]", 2);
+  Case made{"", front + back};
+  for (std::size_t left = random.Below(4) + 1; left > 0; --left) {
+    made.text = front + made.text + random.OneOf({"", made.root}) + random.OneOf({"", ":", "x:", "["}) + back;
+  }
+  made.text = random.OneOf({"[START]", ":", "]"}) + made.text + random.OneOf({"", "[END]", ":a[END]"});
+  return made;
+}
+
+const Texts kPlainRoots = {"/r", "/r2", "/r/s", "/apps/pkg", "/apps/pkg2", "/apps/pk", "/a"};
+const Texts kPlainEnds = {"/shared/res/", "/shared/res/A.dll", "/shared/res/B.dll", "/x.dll", "", "/r/y.dll"};
+const Texts kHostileRoots = {"/r:s",    "/r[s",  "/r]s", "/r]",   "[", "]",    ":",
+                             "[START]", "[END]", "END]", "START", "",  "/r:/r"};
+const Texts kHostileEnds = {"/x[END]", "/[START]x", "/a:b", "]/r", ":", "[", "::", "/x[1].dll", "/y]:", "\n"};
+
+std::string Entry(Random& random, const Texts& roots, const Texts& ends) {
+  return random.OneOf(roots) + random.OneOf(ends);
+}
+
+std::string Joined(const Texts& entries) {
+  std::string joined;
+  for (const std::string& entry : entries) joined += (&entry == &entries.front() ? "" : ":") + entry;
+  return joined;
+}
+
+Texts PlainEntries(Random& random, std::size_t most) {
+  Texts entries;
+  for (std::size_t left = random.Below(most + 1); left > 0; --left) {
+    entries.push_back(Entry(random, kPlainRoots, kPlainEnds));
+  }
+  return entries;
+}
+
+// What the component that lays the files down and this one write.
+Case OrdinaryList(Random& random) {
+  const std::size_t most = random.OneIn(50) ? 300 : 8;
+  const std::string first = random.OneIn(4) ? "[START]:" : "[START]";
+  return {first + Joined(PlainEntries(random, most)) + "[END]", random.OneOf(kPlainRoots)};
+}
+
+// Lists with markers missing, doubled or inside of entries, and roots of all kinds.
+Case HostileList(Random& random) {
+  Texts entries = PlainEntries(random, 5);
+  for (std::size_t left = random.Below(4); left > 0; --left) {
+    entries.push_back(Entry(random, random.OneIn(2) ? kPlainRoots : kHostileRoots, kHostileEnds));
+  }
+  std::rotate(entries.begin(), entries.begin() + static_cast<std::ptrdiff_t>(random.Below(entries.size() + 1)),
+              entries.end());
+  const std::string text = (random.OneIn(3) ? "" : "[START]") + Joined(entries) + (random.OneIn(3) ? "" : "[END]");
+  return {text + random.OneOf({"", "", "\n", "[END]", ":"}),
+          random.OneOf(random.OneIn(3) ? kPlainRoots : kHostileRoots)};
+}
+
+Case AnyCase(Random& random) {
+  using Maker = Case (*)(Random&);
+  static constexpr Maker kMakers[] = {AnyCharacters, AnyCharactersAroundTheRoot, NestedRoots, OrdinaryList,
+                                      HostileList};
+  return kMakers[random.Below(std::size(kMakers))](random);
+}
+
+std::string Shown(const Texts& texts) { return testing::PrintToString(texts); }
+
+// Of which kinds the random cases were, so that no kind is missing unnoticed.
+struct Tally {
+  int untouched = 0;
+  int endless = 0;
+  int erased_once = 0;
+  int erased_often = 0;
+  int went_back = 0;
+
+  void Count(const PlainEdit& plain) {
+    endless += plain.endless ? 1 : 0;
+    untouched += plain.erased.empty() && !plain.endless ? 1 : 0;
+    erased_once += plain.erased.size() == 1 ? 1 : 0;
+    erased_often += plain.erased.size() > 1 ? 1 : 0;
+    went_back += plain.went_back ? 1 : 0;
+  }
+};
+
+TEST(CacheTextProperty, erasing_gives_what_the_plain_search_from_the_front_gives) {
+  constexpr int kCases = 120000;
+  constexpr int kAtLeast = kCases / 200;
+  Random random(kSeed);
+  Tally tally;
+  for (int i = 0; i < kCases && !HasFailure(); ++i) {
+    const Case made = AnyCase(random);
+    const PlainEdit plain = PlainErase(made.text, made.root);
+    const CacheEdit edit = EraseEntries(made.text, made.root);
+    if (edit.text == plain.text && edit.erased == plain.erased) {
+      tally.Count(plain);
+      continue;
+    }
+    ADD_FAILURE() << "seed " << kSeed << ", case " << i << ": text " << testing::PrintToString(made.text) << ", root "
+                  << testing::PrintToString(made.root) << "\nleft " << testing::PrintToString(edit.text) << ", erased "
+                  << Shown(edit.erased) << "\ninstead of " << testing::PrintToString(plain.text) << ", erased "
+                  << Shown(plain.erased);
+  }
+  for (const int count : {tally.untouched, tally.endless, tally.erased_once, tally.erased_often, tally.went_back}) {
+    EXPECT_GE(count, kAtLeast);
+  }
+}
+
+TEST(CacheTextProperty, what_is_left_holds_no_entry_of_the_root_any_more) {
+  Random random(kSeed + 1);
+  for (int i = 0; i < 10000 && !HasFailure(); ++i) {
+    const Case made = AnyCase(random);
+    if (PlainErase(made.text, made.root).endless) continue;
+    const CacheEdit edit = EraseEntries(made.text, made.root);
+    EXPECT_EQ(std::string::npos, PlainFind(edit.text, made.root))
+        << "seed " << kSeed + 1 << ", case " << i << ": " << made.text << " without " << made.root;
+    EXPECT_TRUE(EraseEntries(edit.text, made.root).erased.empty());
+  }
+}
+
+TEST(CacheTextProperty, a_file_is_edited_and_logged_like_its_text) {
+  Random random(kSeed + 2);
+  const support::TempDir directory;
+  const std::string file = directory / "TPA.txt";
+  for (int i = 0; i < 200 && !HasFailure(); ++i) {
+    Case made = AnyCase(random);
+    std::replace(made.text.begin(), made.text.end(), '\0', 'x');  // a log line would end there
+    support::WriteFile(file, made.text);
+    const PlainEdit plain = PlainErase(made.text, made.root);
+    const doubles::Platform& platform = doubles::Reset();
+    std::string text = "as it was";
+    const std::string which = "seed " + std::to_string(kSeed + 2) + ", case " + std::to_string(i) + ": " +
+                              testing::PrintToString(made.text) + " without " + testing::PrintToString(made.root);
+    EXPECT_EQ(!plain.erased.empty(), readCacheAndRemovePkg(file, made.root, text)) << which;
+    EXPECT_EQ(plain.text, text) << which;
+    EXPECT_TRUE(Holds(platform, expected::CacheRead(file, plain.erased, plain.text))) << which;
+    EXPECT_EQ(made.text, support::ReadFile(file)) << which;
+  }
+}
+
+// Adding to ordinary lists.
+
+bool BeginsWith(const std::string& text, const std::string& start) { return text.rfind(start, 0) == 0; }
+
+// What stands between the markers; the empty first element, which an add into an empty list leaves, does not count.
+Texts Elements(const std::string& text) {
+  const std::string list = text.substr(7, text.size() - 12);
+  Texts elements;
+  for (std::size_t begin = 0; begin <= list.size();) {
+    const std::size_t end = std::min(list.find(':', begin), list.size());
+    if (end > begin) elements.push_back(list.substr(begin, end - begin));
+    begin = end + 1;
+  }
+  return elements;
+}
+
+Texts Without(const Texts& elements, const std::string& root) {
+  Texts others;
+  std::copy_if(elements.begin(), elements.end(), std::back_inserter(others),
+               [&](const std::string& element) { return !BeginsWith(element, root); });
+  return others;
+}
+
+struct Addition {
+  std::string text;
+  std::string root;
+  Texts entries;
+
+  std::string Into(const std::string& list) const {
+    return AppendEntries(EraseEntries(list, root).text, Joined(entries));
+  }
+};
+
+Addition AnyAddition(Random& random) {
+  const Case made = OrdinaryList(random);
+  Addition addition{made.text, made.root, {}};
+  do {
+    addition.entries.push_back(made.root + random.OneOf(kPlainEnds));
+  } while (!random.OneIn(3));
+  return addition;
+}
+
+void ForManyAdditions(unsigned seed, void (*check)(const Addition&)) {
+  Random random(seed);
+  for (int i = 0; i < 4000 && !testing::Test::HasFailure(); ++i) {
+    const Addition addition = AnyAddition(random);
+    SCOPED_TRACE("seed " + std::to_string(seed) + ", case " + std::to_string(i) + ": " + addition.text + " with " +
+                 Joined(addition.entries));
+    check(addition);
+  }
+}
+
+TEST(CacheTextProperty, an_added_package_has_one_copy_at_the_end_and_the_others_keep_their_order) {
+  ForManyAdditions(kSeed + 3, [](const Addition& addition) {
+    const std::string text = addition.Into(addition.text);
+    EXPECT_EQ("[START]", text.substr(0, 7));
+    EXPECT_EQ("[END]", text.substr(text.size() - 5));
+    Texts expected = Without(Elements(addition.text), addition.root);
+    expected.insert(expected.end(), addition.entries.begin(), addition.entries.end());
+    EXPECT_EQ(expected, Elements(text));
+  });
+}
+
+TEST(CacheTextProperty, adding_a_package_again_changes_nothing) {
+  ForManyAdditions(kSeed + 4, [](const Addition& addition) {
+    const std::string once = addition.Into(addition.text);
+    EXPECT_EQ(once, addition.Into(once));
+  });
+}
+
+TEST(CacheTextProperty, erasing_an_added_package_leaves_the_text_as_if_it_had_never_been_added) {
+  ForManyAdditions(kSeed + 5, [](const Addition& addition) {
+    const std::string without = EraseEntries(addition.text, addition.root).text;
+    EXPECT_EQ(without, EraseEntries(addition.Into(addition.text), addition.root).text);
+  });
+}
+
+}  // namespace

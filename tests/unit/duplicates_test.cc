@@ -1,0 +1,248 @@
+// Which pair of files is a duplicate, the removal and the information file.
+#include "plugin/duplicates.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <string>
+
+#include "tests/support/child.h"
+#include "tests/support/files.h"
+#include "tests/support/removal_texts.h"
+#include "tests/support/standard_error.h"
+#include "tests/unit/expected_lines.h"
+#include "tests/unit/unit_case.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using doubles::Join;
+using doubles::Platform;
+using doubles::Source;
+using doubles::Steps;
+using expected::Compared;
+using expected::Dpc;
+using expected::NotDpc;
+using expected::Plugin;
+using expected::RemovalFrame;
+using expected::TracedPlugin;
+using support::DuplicateLine;
+using support::InformationText;
+using support::IsThere;
+using support::StandardErrorOf;
+using support::TempDir;
+using support::WriteFile;
+
+constexpr const char* kOrigin = "/usr/share/dotnet.orvel/framework/A.dll";
+
+struct DpcRow {
+  const char* path;
+  bool is_dpc;
+};
+
+TEST(Duplicates, a_dpc_path_has_a_directory_of_that_name) {
+  const DpcRow rows[] = {{"/usr/share/dotnet.orvel/d.pc/A.dll", true},
+                         {"/a/d.pc/b/A.dll", true},
+                         {"/d.pc/", true},
+                         {"d.pc/A.dll", false},
+                         {"/a/d.pc", false},
+                         {"/a/xd.pc/A.dll", false},
+                         {"/a/d.pcx/A.dll", false},
+                         {"/a/D.PC/A.dll", false},
+                         {"/a/dxpc/A.dll", false},
+                         {"", false}};
+  for (const DpcRow& row : rows) {
+    Platform& platform = doubles::Reset();
+    EXPECT_EQ(row.is_dpc, isDPCDll(row.path)) << row.path;
+    EXPECT_TRUE(
+        Holds(platform, {TracedPlugin("bool isDPCDll(const std::string&)",
+                                      row.is_dpc ? Plugin("isDPCDll").Debug("Is DPC DLL %s\n", row.path) : Steps{})}));
+  }
+}
+
+TEST(Duplicates, the_dpc_line_carries_its_own_line_break_before_the_reset) {
+  Platform& platform = doubles::Reset();
+  isDPCDll("/a/d.pc/A.dll");
+  const doubles::LogLine& line = platform.journal.at(2).log;
+  EXPECT_EQ("morvath: isDPCDll(" + std::to_string(line.line) + ") > \033[0mIs DPC DLL /a/d.pc/A.dll\n\033[0m\n",
+            line.text);
+}
+
+struct PairRow {
+  const char* what;
+  std::string origin;
+  std::string duplicated;
+  Steps inside;
+};
+
+TEST(Duplicates, the_same_path_and_dpc_paths_are_no_duplicates) {
+  const PairRow rows[] = {
+      {"the same path", "/p/A.dll", "/p/A.dll", {}},
+      {"the same DPC path", "/d.pc/A.dll", "/d.pc/A.dll", {}},
+      {"the platform's copy is DPC", "/usr/d.pc/A.dll", "/p/A.dll", Dpc("/usr/d.pc/A.dll")},
+      {"the package's copy is DPC", "/usr/A.dll", "/p/d.pc/A.dll", Join({NotDpc(), Dpc("/p/d.pc/A.dll")})},
+      {"both are DPC", "/usr/d.pc/A.dll", "/p/d.pc/A.dll", Dpc("/usr/d.pc/A.dll")},
+  };
+  for (const PairRow& row : rows) {
+    Platform& platform = doubles::Reset();
+    EXPECT_EQ("", StandardErrorOf([&] { EXPECT_FALSE(isDuplicatedDll(row.origin, row.duplicated)) << row.what; }));
+    EXPECT_TRUE(Holds(platform, {Compared(row.origin, row.duplicated, row.inside)})) << row.what;
+  }
+}
+
+TEST(Duplicates, any_other_pair_is_a_duplicate_told_in_the_log_and_on_standard_error) {
+  const std::pair<std::string, std::string> pairs[] = {
+      {kOrigin, "/p/A.dll"}, {"/p/A.dll", "/p//A.dll"}, {"/p/A.dll", "/p/A.DLL"}, {"/%s%n/A.dll", "/p/%d.dll"}};
+  for (const auto& [origin, duplicated] : pairs) {
+    Platform& platform = doubles::Reset();
+    EXPECT_EQ(DuplicateLine(origin, duplicated),
+              StandardErrorOf([&, o = origin, d = duplicated] { EXPECT_TRUE(isDuplicatedDll(o, d)); }));
+    const Source source = Plugin("isDuplicatedDll");
+    EXPECT_TRUE(Holds(platform, {Compared(origin, duplicated,
+                                          Join({NotDpc(), NotDpc(), source.Error("### Duplicated DLL found ###"),
+                                                source.Error("Origin : %s", origin),
+                                                source.Error("Duplicated : %s", duplicated)}))}));
+  }
+}
+
+TEST(Duplicates, a_duplicate_is_replaced_by_an_information_file) {
+  const TempDir package;
+  const std::string dll = package / "bin/Foo.dll";
+  WriteFile(dll, "MZ");
+  Platform& platform = doubles::Reset();
+  EXPECT_EQ("", StandardErrorOf([&] { removeFileAndLeaveInformationFile(kOrigin, dll); }));
+  EXPECT_FALSE(IsThere(dll));
+  EXPECT_EQ(InformationText(kOrigin, dll), support::ReadFile(dll + "_deleted"));
+  EXPECT_EQ((std::vector<std::string>{"Foo.dll_deleted"}), support::NamesIn(package / "bin"));
+  EXPECT_TRUE(Holds(platform, {RemovalFrame(doubles::Call("ovplatform_getenv(27)"))}));
+}
+
+TEST(Duplicates, the_information_file_has_the_default_permissions_of_the_process) {
+  support::InFreshProcess([] {
+    const TempDir package;
+    doubles::Reset();
+    umask(0027);
+    removeFileAndLeaveInformationFile(kOrigin, package / "A.dll");
+    EXPECT_EQ(fs::perms(0640), fs::status(package / "A.dll_deleted").permissions());
+  });
+}
+
+TEST(Duplicates, paths_go_into_the_information_file_as_they_are) {
+  const TempDir package;
+  doubles::Reset();
+  const std::string dll = package.path().string() + "//./A b%s\".dll";
+  WriteFile(dll);
+  removeFileAndLeaveInformationFile("../x //y", dll);
+  EXPECT_EQ(InformationText("../x //y", dll), support::ReadFile(package / "A b%s\".dll_deleted"));
+}
+
+TEST(Duplicates, a_second_removal_rewrites_the_information_file) {
+  const TempDir package;
+  const std::string dll = package / "A.dll";
+  WriteFile(dll);
+  WriteFile(dll + "_deleted", std::string(1000, 'x'));
+  Platform& platform = doubles::Reset();
+  for (int i = 0; i < 2; ++i) {
+    platform.journal.clear();
+    removeFileAndLeaveInformationFile(kOrigin, dll);
+    EXPECT_FALSE(IsThere(dll));
+    EXPECT_EQ(InformationText(kOrigin, dll), support::ReadFile(dll + "_deleted"));
+    EXPECT_TRUE(Holds(platform, {RemovalFrame()}));
+  }
+}
+
+TEST(Duplicates, a_link_in_the_information_files_place_is_replaced_not_followed) {
+  const TempDir package;
+  const std::string dll = package / "A.dll";
+  WriteFile(dll);
+  WriteFile(package / "precious", "mine");
+  fs::create_symlink("precious", dll + "_deleted");
+  doubles::Reset();
+  removeFileAndLeaveInformationFile(kOrigin, dll);
+  EXPECT_EQ("mine", support::ReadFile(package / "precious"));
+  EXPECT_FALSE(fs::is_symlink(dll + "_deleted"));
+  EXPECT_EQ(InformationText(kOrigin, dll), support::ReadFile(dll + "_deleted"));
+}
+
+TEST(Duplicates, nothing_is_removed_when_the_origin_path_contains_the_read_write_root) {
+  const char* origins[] = {"/opt/usr/globalapps/x/A.dll", "/mnt/opt/usr/globalapps/A.dll",
+                           "/opt/usr/globalappsx/A.dll"};
+  for (const char* origin : origins) {
+    const TempDir package;
+    const std::string dll = package / "A.dll";
+    WriteFile(dll, "MZ");
+    Platform& platform = doubles::Reset();
+    EXPECT_EQ("### INSTALL : morvath, org file is in rw \n",
+              StandardErrorOf([&] { removeFileAndLeaveInformationFile(origin, dll); }));
+    EXPECT_EQ((std::vector<std::string>{"A.dll"}), support::NamesIn(package.path()));
+    EXPECT_TRUE(
+        Holds(platform, {RemovalFrame(Plugin("removeFileAndLeaveInformationFile")
+                                          .Error("Origin file is in RW area. so doesn't remove duplicate file"))}));
+  }
+}
+
+TEST(Duplicates, the_read_write_root_is_the_one_that_the_platform_names) {
+  const TempDir package;
+  const std::string dll = package / "A.dll";
+  WriteFile(dll);
+  doubles::Reset().read_write_root = "/data/apps";
+  removeFileAndLeaveInformationFile("/opt/usr/globalapps/x/A.dll", dll);
+  EXPECT_FALSE(IsThere(dll));
+  WriteFile(dll);
+  StandardErrorOf([&] { removeFileAndLeaveInformationFile("/data/apps/x/A.dll", dll); });
+  EXPECT_TRUE(IsThere(dll));
+}
+
+TEST(Duplicates, a_duplicate_that_lies_in_the_read_write_area_itself_is_removed) {
+  const TempDir package;
+  const std::string dll = package / "opt/usr/globalapps/A.dll";
+  WriteFile(dll);
+  doubles::Reset();
+  removeFileAndLeaveInformationFile(kOrigin, dll);
+  EXPECT_FALSE(IsThere(dll));
+}
+
+TEST(Duplicates, nothing_is_removed_while_the_platform_names_no_read_write_root) {
+  const TempDir package;
+  const std::string dll = package / "A.dll";
+  WriteFile(dll);
+  doubles::Reset().read_write_root.reset();
+  StandardErrorOf([&] { removeFileAndLeaveInformationFile(kOrigin, dll); });
+  EXPECT_TRUE(IsThere(dll));
+}
+
+TEST(Duplicates, the_information_file_is_left_although_the_removal_failed) {
+  const TempDir package;
+  const std::string dll = package / "A.dll";
+  WriteFile(dll + "/inside");  // a directory, which removeFile refuses
+  doubles::Reset();
+  removeFileAndLeaveInformationFile(kOrigin, dll);
+  EXPECT_TRUE(IsThere(dll + "/inside"));
+  EXPECT_EQ(InformationText(kOrigin, dll), support::ReadFile(dll + "_deleted"));
+}
+
+TEST(Duplicates, an_information_file_that_cannot_be_made_is_no_matter) {
+  Platform& platform = doubles::Reset();
+  EXPECT_EQ("", StandardErrorOf([] { removeFileAndLeaveInformationFile(kOrigin, "/proc/nowhere/A.dll"); }));
+  EXPECT_TRUE(Holds(platform, {RemovalFrame()}));
+}
+
+TEST(Duplicates, in_a_read_only_directory_the_removal_is_tried_and_nothing_else_happens) {
+  const TempDir package;
+  const std::string dll = package / "closed/A.dll";
+  WriteFile(dll, "MZ");
+  fs::permissions(package / "closed", fs::perms(0555));
+  support::InFreshProcess([&] {
+    ASSERT_TRUE(support::GiveUpPrivileges());
+    Platform& platform = doubles::Reset();
+    removeFileAndLeaveInformationFile(kOrigin, dll);
+    EXPECT_TRUE(Holds(platform, {RemovalFrame(Source("quarnel_util", "removeFile")
+                                                  .Error("Failed to remove %s : %s", dll, "Permission denied"))}));
+  });
+  EXPECT_EQ((std::vector<std::string>{"A.dll"}), support::NamesIn(package / "closed"));
+  fs::permissions(package / "closed", fs::perms::owner_all);
+}
+
+}  // namespace

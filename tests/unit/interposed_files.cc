@@ -1,0 +1,81 @@
+// Interposed functions about files. They are visible, so that shared libraries call them as well.
+#include "tests/unit/interposed_files.h"
+
+#include <dlfcn.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include "tests/doubles/platform.h"
+
+namespace interposed {
+
+FileSettings& Files() {
+  static FileSettings settings;
+  return settings;
+}
+
+namespace {
+
+using ChangeOwner = int(const char*, uid_t, gid_t);
+
+int Change(const char* function, const char* path, uid_t user, gid_t group) {
+  doubles::Current().RecordCall(std::string(function) + "(" + path + ", " + std::to_string(user) + ", " +
+                                std::to_string(group) + ")");
+  if (const auto error = Files().owner_change_error) {
+    errno = *error;
+    return *error == 0 ? 0 : -1;
+  }
+  return reinterpret_cast<ChangeOwner*>(dlsym(RTLD_NEXT, function))(path, user, group);
+}
+
+// As the kernel does it: no NUL is added, and what lies behind the text in the buffer is anybody's guess.
+ssize_t Give(const std::string& target, char* buffer, std::size_t size) {
+  std::memset(buffer, '?', size);
+  const std::size_t length = std::min(target.size(), size);
+  std::memcpy(buffer, target.data(), length);
+  return static_cast<ssize_t>(length);
+}
+
+}  // namespace
+
+}  // namespace interposed
+
+#pragma GCC visibility push(default)
+extern "C" {
+
+int stat(const char* path, struct stat* status) noexcept {
+  static auto* const next = reinterpret_cast<int (*)(const char*, struct stat*)>(dlsym(RTLD_NEXT, "stat"));
+  const int result = next(path, status);
+  if (result != 0) return result;
+  const auto& owners = interposed::Files().owners;
+  const auto owner = owners.find(path);
+  if (owner != owners.end()) {
+    status->st_uid = owner->second.user;
+    status->st_gid = owner->second.group;
+  }
+  return 0;
+}
+
+int chown(const char* path, uid_t user, gid_t group) noexcept { return interposed::Change("chown", path, user, group); }
+
+int lchown(const char* path, uid_t user, gid_t group) noexcept {
+  return interposed::Change("lchown", path, user, group);
+}
+
+ssize_t readlink(const char* path, char* buffer, size_t size) noexcept {
+  static auto* const next = reinterpret_cast<ssize_t (*)(const char*, char*, size_t)>(dlsym(RTLD_NEXT, "readlink"));
+  const interposed::FileSettings& settings = interposed::Files();
+  if (std::strcmp(path, "/proc/self/exe") != 0) return next(path, buffer, size);
+  if (settings.self_path_error) {
+    errno = *settings.self_path_error;
+    return -1;
+  }
+  return settings.self_target ? interposed::Give(*settings.self_target, buffer, size) : next(path, buffer, size);
+}
+
+}  // extern "C"
+#pragma GCC visibility pop

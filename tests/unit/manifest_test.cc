@@ -1,0 +1,293 @@
+// The two walks over a manifest: is it dotnet-inhouse, is it CoBA-related?
+#include "plugin/manifest.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/support/manifests.h"
+#include "tests/unit/expected_lines.h"
+#include "tests/unit/interposed.h"
+#include "tests/unit/unit_case.h"
+
+namespace {
+
+using doubles::Join;
+using doubles::Platform;
+using doubles::Source;
+using doubles::Steps;
+using expected::kCobaKey;
+using expected::Names;
+using expected::Plugin;
+using support::ApplicationElement;
+using support::DotnetManifest;
+using support::ManifestOf;
+using support::MetadataElement;
+using support::Parse;
+
+// A document whose second element has no name, as no parsed text has.
+class NamelessManifest {
+ public:
+  explicit NamelessManifest(const std::string& elements_behind)
+      : document_(ManifestOf("<x/>" + elements_behind)), node_(xmlDocGetRootElement(document_.get())->children) {
+    name_ = node_->name;
+    node_->name = nullptr;
+  }
+  ~NamelessManifest() { node_->name = name_; }
+  NamelessManifest(const NamelessManifest&) = delete;
+  NamelessManifest& operator=(const NamelessManifest&) = delete;
+
+  xmlDocPtr get() const { return document_.get(); }
+
+ private:
+  support::Document document_;
+  xmlNode* node_;
+  const xmlChar* name_;
+};
+
+Steps CobaWalk(const Steps& inside) { return expected::TracedPlugin("bool isAppCoBARelated(xmlDocPtr)", inside); }
+
+Steps LocalNames(const std::vector<std::string>& names) {
+  Steps steps;
+  for (const std::string& name : names) {
+    steps = Join({steps, Plugin("isAppCoBARelated").Debug("Local name %s", name)});
+  }
+  return steps;
+}
+
+// isCobaKey comparing an entry with the first `count` CoBA keys.
+Steps Compared(const std::string& key, const std::string& value, std::size_t count = 4) {
+  const std::string start = "http://" ORVEL_DEVELOPER_HOST "/orvel/metadata/support-";
+  const std::string ends[] = {"fs-external-component", "view-plugin", "view-plugin-page", "bpi"};
+  Steps steps;
+  for (std::size_t i = 0; i < count; ++i) {
+    steps = Join({steps, Source("metadata_utils", "isMetadataInfoHasKey")
+                             .Debug("%s compare to %s, value : %s", key, value, start + ends[i])});
+  }
+  return steps;
+}
+
+struct Row {
+  const char* what;
+  std::string xml;
+  bool inhouse;
+  Steps journal;
+};
+
+std::vector<Row> DotnetRows() {
+  const Steps dotnet = Plugin("isAppDotnetInhouse").Info("App is dotnet-*");
+  const Steps sample = Plugin("isAppDotnetInhouse").Info("### Is sample app ###");
+  const auto application = [](const char* name, const char* type) {
+    return "<manifest>" + ApplicationElement(name, type) + "</manifest>";
+  };
+  return {
+      {"a ui application", application("ui-application", "dotnet-inhouse"), true,
+       Join({Names({"manifest", "ui-application"}), dotnet})},
+      {"a service application", application("service-application", "dotnet-x"), true,
+       Join({Names({"manifest", "service-application"}), dotnet})},
+      {"a widget application", application("widget-application", "dotnet-"), true,
+       Join({Names({"manifest", "widget-application"}), dotnet})},
+      {"the text within the type", application("ui-application", "x-dotnet-y"), true,
+       Join({Names({"manifest", "ui-application"}), dotnet})},
+      {"the manifest itself", "<ui-application type='dotnet-inhouse'/>", true,
+       Join({Names({"ui-application"}), dotnet})},
+      {"the type without its dash", application("ui-application", "dotnet"), false,
+       Names({"manifest", "ui-application", "manifest"})},
+      {"other letter case", application("ui-application", "Dotnet-inhouse"), false,
+       Names({"manifest", "ui-application", "manifest"})},
+      {"an empty type", application("ui-application", ""), false, Names({"manifest", "ui-application", "manifest"})},
+      {"a sample app", application("ui-application", "apitest"), false,
+       Join({Names({"manifest", "ui-application"}), sample})},
+      {"a dotnet sample app", application("ui-application", "dotnet-apitest"), false,
+       Join({Names({"manifest", "ui-application"}), sample})},
+      {"a sample app before a dotnet one",
+       "<manifest>" + ApplicationElement("ui-application", "apitests") +
+           ApplicationElement("ui-application", "dotnet-inhouse") + "</manifest>",
+       false, Join({Names({"manifest", "ui-application"}), sample})},
+      {"a dotnet app before a sample one",
+       "<manifest>" + ApplicationElement("ui-application", "dotnet-inhouse") +
+           ApplicationElement("ui-application", "apitest") + "</manifest>",
+       true, Join({Names({"manifest", "ui-application"}), dotnet})},
+      {"no type before a dotnet one",
+       "<manifest><service-application/>" + ApplicationElement("widget-application", "dotnet-inhouse") + "</manifest>",
+       true, Join({Names({"manifest", "service-application", "widget-application"}), dotnet})},
+      {"another type before a dotnet one",
+       "<manifest>" + ApplicationElement("ui-application", "capp") +
+           ApplicationElement("ui-application", "dotnet-inhouse") + "</manifest>",
+       true, Join({Names({"manifest", "ui-application", "ui-application"}), dotnet})},
+      {"another attribute", "<manifest><ui-application Type='dotnet-x' kind='dotnet-x'/></manifest>", false,
+       Names({"manifest", "ui-application", "manifest"})},
+      {"a longer name", application("ui-applications", "dotnet-inhouse"), false,
+       Names({"manifest", "ui-applications", "manifest"})},
+      {"a shorter name", application("ui-applicatio", "dotnet-inhouse"), false,
+       Names({"manifest", "ui-applicatio", "manifest"})},
+      {"a name in other letter case", application("UI-application", "dotnet-inhouse"), false,
+       Names({"manifest", "UI-application", "manifest"})},
+      {"a qualified name", "<manifest xmlns:a='u'><a:ui-application type='dotnet-inhouse'/></manifest>", false,
+       Names({"manifest", "a:ui-application", "manifest"})},
+      {"nodes of every kind and end tags",
+       "<manifest> <!--c--><?p i?><label>x</label><ui-application type='dotnet-x'/></manifest>", true,
+       Join({Names({"manifest", "#text", "#comment", "p", "label", "#text", "label", "ui-application"}), dotnet})},
+      {"an application deep inside", "<manifest><a><b><ui-application type='dotnet-x'/></b></a></manifest>", true,
+       Join({Names({"manifest", "a", "b", "ui-application"}), dotnet})},
+  };
+}
+
+TEST(Manifest, the_first_application_element_that_decides_makes_it_dotnet_inhouse_or_not) {
+  for (const Row& row : DotnetRows()) {
+    Fresh([&](Platform& platform) {
+      EXPECT_EQ(row.inhouse, isAppDotnetInhouse(Parse(row.xml).get())) << row.what;
+      EXPECT_TRUE(Holds(platform, row.journal)) << row.what;
+    });
+  }
+}
+
+TEST(Manifest, a_null_manifest_is_not_dotnet_inhouse) {
+  Fresh([](Platform& platform) {
+    EXPECT_FALSE(isAppDotnetInhouse(nullptr));
+    EXPECT_TRUE(Holds(platform, {Plugin("isAppDotnetInhouse").Error("xml provided is null")}));
+  });
+}
+
+TEST(Manifest, after_a_dotnet_inhouse_manifest_every_one_that_is_not_null_is_one) {
+  Fresh([](Platform& platform) {
+    EXPECT_FALSE(isAppDotnetInhouse(Parse("<manifest/>").get()));
+    EXPECT_TRUE(isAppDotnetInhouse(DotnetManifest().get()));
+    platform.journal.clear();
+    EXPECT_TRUE(isAppDotnetInhouse(Parse("<manifest/>").get()));
+    EXPECT_TRUE(Holds(platform, {Names({"manifest"})}));
+    EXPECT_TRUE(isAppDotnetInhouse(ManifestOf(ApplicationElement("ui-application", "apitest")).get()));
+    EXPECT_FALSE(isAppDotnetInhouse(nullptr));
+    EXPECT_TRUE(isAppDotnetInhouse(Parse("<manifest/>").get()));
+  });
+}
+
+TEST(Manifest, a_walker_that_cannot_be_made_answers_false_without_a_line) {
+  Fresh([](Platform& platform) {
+    interposed::Now().walker_fails = true;
+    EXPECT_FALSE(isAppDotnetInhouse(DotnetManifest().get()));
+    EXPECT_TRUE(Holds(platform, Steps{}));
+    EXPECT_FALSE(isAppCoBARelated(ManifestOf(MetadataElement(kCobaKey, "true")).get()));
+    EXPECT_TRUE(Holds(platform, {CobaWalk({})}));
+  });
+}
+
+TEST(Manifest, a_walker_that_cannot_be_made_answers_false_even_after_a_dotnet_inhouse_manifest) {
+  Fresh([](Platform&) {
+    EXPECT_TRUE(isAppDotnetInhouse(DotnetManifest().get()));
+    interposed::Now().walker_fails = true;
+    EXPECT_FALSE(isAppDotnetInhouse(DotnetManifest().get()));
+  });
+}
+
+TEST(Manifest, a_node_without_a_name_ends_the_walk_with_an_error_line) {
+  Fresh([](Platform& platform) {
+    const NamelessManifest manifest(ApplicationElement("ui-application", "dotnet-inhouse"));
+    EXPECT_FALSE(isAppDotnetInhouse(manifest.get()));
+    EXPECT_TRUE(Holds(
+        platform, {Names({"manifest"}), Plugin("isAppDotnetInhouse").Error("Error: Failed xmlTextReaderConstName")}));
+    EXPECT_TRUE(isAppDotnetInhouse(DotnetManifest().get()));
+    EXPECT_TRUE(isAppDotnetInhouse(manifest.get()));  // what was seen before
+  });
+}
+
+TEST(Manifest, an_empty_document_declares_nothing) {
+  Fresh([](Platform& platform) {
+    const support::Document document(xmlNewDoc(nullptr));
+    EXPECT_FALSE(isAppDotnetInhouse(document.get()));
+    EXPECT_FALSE(isAppCoBARelated(document.get()));
+    EXPECT_TRUE(Holds(platform, {CobaWalk({})}));
+  });
+}
+
+TEST(Manifest, the_document_is_left_as_it_was) {
+  Fresh([](Platform&) {
+    const support::Document document =
+        ManifestOf(ApplicationElement("ui-application", "dotnet-inhouse") + MetadataElement(kCobaKey, "true"));
+    isAppDotnetInhouse(document.get());
+    isAppCoBARelated(document.get());
+    xmlChar* text = nullptr;
+    int size = 0;
+    xmlDocDumpMemory(document.get(), &text, &size);
+    EXPECT_EQ("<?xml version=\"1.0\"?>\n<manifest><ui-application type=\"dotnet-inhouse\"/><metadata key=\"" +
+                  std::string(kCobaKey) + "\" value=\"true\"/></manifest>\n",
+              std::string(reinterpret_cast<const char*>(text)));
+    xmlFree(text);
+  });
+}
+
+std::vector<Row> CobaRows() {
+  const std::string bpi = "http://" ORVEL_DEVELOPER_HOST "/orvel/metadata/support-bpi";
+  const std::string coba = kCobaKey;
+  const Steps matched_line = Plugin("isAppCoBARelated").Info("App has CoBA metadata");
+  const auto matched = [](const std::string& key) {
+    return Source("metadata_utils", "isMetadataInfoHasKey").Debug("%s matched", key);
+  };
+  const Steps found = Join({Compared(coba, "true", 1), matched(coba), matched_line});
+  return {
+      {"the CoBA key", "<manifest>" + MetadataElement(coba, "true") + "</manifest>", true,
+       Join({LocalNames({"manifest", "metadata"}), found})},
+      {"the last of the four keys", "<manifest>" + MetadataElement(bpi, "true") + "</manifest>", true,
+       Join({LocalNames({"manifest", "metadata"}), Compared(bpi, "true"), matched(bpi), matched_line})},
+      {"the value false", "<manifest>" + MetadataElement(coba, "false") + "</manifest>", false,
+       Join({LocalNames({"manifest", "metadata"}), Compared(coba, "false"), LocalNames({"manifest"})})},
+      {"no value, then a whole entry",
+       "<manifest><metadata key='" + coba + "'/>" + MetadataElement(coba, "true") + "</manifest>", true,
+       Join({LocalNames({"manifest", "metadata", "metadata"}), found})},
+      {"no key", "<manifest><metadata value='true'/></manifest>", false,
+       LocalNames({"manifest", "metadata", "manifest"})},
+      {"another name", "<manifest><metadatas key='" + coba + "' value='true'/></manifest>", false,
+       LocalNames({"manifest", "metadatas", "manifest"})},
+      {"another letter case", "<manifest><Metadata key='" + coba + "' value='true'/></manifest>", false,
+       LocalNames({"manifest", "Metadata", "manifest"})},
+      {"a foreign entry before",
+       "<manifest>" + MetadataElement("k", "true") + MetadataElement(coba, "true") + "</manifest>", true,
+       Join({LocalNames({"manifest", "metadata"}), Compared("k", "true"), LocalNames({"metadata"}), found})},
+      {"nothing after the entry is read",
+       "<manifest>" + MetadataElement(coba, "true") + MetadataElement(coba, "true") + "</manifest>", true,
+       Join({LocalNames({"manifest", "metadata"}), found})},
+      {"an element with content is met twice",
+       "<manifest><metadata key='" + coba + "' value='no'>x</metadata></manifest>", false,
+       Join({LocalNames({"manifest", "metadata"}), Compared(coba, "no"), LocalNames({"#text", "metadata"}),
+             Compared(coba, "no"), LocalNames({"manifest"})})},
+      {"inside an application",
+       "<manifest><ui-application>" + MetadataElement(coba, "true") + "</ui-application></manifest>", true,
+       Join({LocalNames({"manifest", "ui-application", "metadata"}), found})},
+  };
+}
+
+TEST(Manifest, the_first_coba_entry_makes_it_coba_related) {
+  for (const Row& row : CobaRows()) {
+    Fresh([&](Platform& platform) {
+      EXPECT_EQ(row.inhouse, isAppCoBARelated(Parse(row.xml).get())) << row.what;
+      EXPECT_TRUE(Holds(platform, CobaWalk(row.journal))) << row.what;
+    });
+  }
+}
+
+TEST(Manifest, coba_relation_is_not_kept_between_calls) {
+  Fresh([](Platform&) {
+    EXPECT_TRUE(isAppCoBARelated(ManifestOf(MetadataElement(kCobaKey, "true")).get()));
+    EXPECT_FALSE(isAppCoBARelated(DotnetManifest().get()));
+  });
+}
+
+TEST(Manifest, a_null_manifest_is_not_coba_related) {
+  Fresh([](Platform& platform) {
+    EXPECT_FALSE(isAppCoBARelated(nullptr));
+    EXPECT_TRUE(Holds(platform, {CobaWalk(Plugin("isAppCoBARelated").Error("xml provided is null"))}));
+  });
+}
+
+TEST(Manifest, a_node_without_a_name_ends_the_search_for_coba_entries) {
+  Fresh([](Platform& platform) {
+    const NamelessManifest manifest(MetadataElement(kCobaKey, "true"));
+    EXPECT_FALSE(isAppCoBARelated(manifest.get()));
+    EXPECT_TRUE(
+        Holds(platform, {CobaWalk(Join({LocalNames({"manifest"}),
+                                        Plugin("isAppCoBARelated").Error("Error: Failed xmlTextReaderConstName")}))}));
+  });
+}
+
+}  // namespace

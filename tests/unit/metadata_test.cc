@@ -1,0 +1,145 @@
+// The metadata vocabulary and its matchers.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/unit/unit_case.h"
+#include "util/metadata_utils.h"
+
+namespace {
+
+using doubles::Join;
+using doubles::Platform;
+using doubles::Source;
+using doubles::Steps;
+
+const Source kHasKey("metadata_utils", "isMetadataInfoHasKey");
+const Source kIsDpc("metadata_utils", "isDpcKey");
+
+// The keys' texts, apart from the constants under test.
+std::string DeveloperKey(const std::string& end) { return "http://" ORVEL_DEVELOPER_HOST "/orvel/metadata/" + end; }
+std::string TvKey(const std::string& end) { return "http://" ORVEL_TV_HOST "/tv/metadata/" + end; }
+const std::string& AotKey() {
+  static const std::string key = "http://" ORVEL_NAMESPACE_HOST "/metadata/prefer_dotnet_aot";
+  return key;
+}
+
+std::vector<std::string> CobaKeys() {
+  return {DeveloperKey("support-fs-external-component"), DeveloperKey("support-view-plugin"),
+          DeveloperKey("support-view-plugin-page"), DeveloperKey("support-bpi")};
+}
+
+Steps Compared(const std::string& entry_key, const std::string& value, const std::string& key) {
+  return kHasKey.Debug("%s compare to %s, value : %s", entry_key, value, key);
+}
+
+Steps Matched(const std::string& key) { return kHasKey.Debug("%s matched", key); }
+
+Metadata Entry(const std::string& key, const std::string& value) { return {key.c_str(), value.c_str()}; }
+
+TEST(MetadataVocabulary, the_constants_hold_their_uris_and_values) {
+  EXPECT_EQ(DeveloperKey("support-fs-external-component"), MetadataKey::coBA);
+  EXPECT_EQ(DeveloperKey("support-view-plugin"), MetadataKey::viewPlugin);
+  EXPECT_EQ(DeveloperKey("support-view-plugin-page"), MetadataKey::viewPluginPage);
+  EXPECT_EQ(DeveloperKey("support-bpi"), MetadataKey::bpi);
+  EXPECT_EQ(TvKey("d.pc/required"), MetadataKey::dpcRequired);
+  EXPECT_EQ(TvKey("d.pc/type"), MetadataKey::dpcType);
+  EXPECT_EQ(AotKey(), MetadataKey::preferDotnetAot);
+  EXPECT_EQ("true", metadataValueTrue);
+  EXPECT_EQ("orvelfxtv", metadataValueDpcorvelfxtv);
+}
+
+struct HasKeyRow {
+  std::string entry_key;
+  std::string value;
+  std::string key;
+  bool matches;
+};
+
+TEST(MetadataMatchers, an_entry_has_a_key_when_key_and_the_value_true_are_equal_byte_by_byte) {
+  const HasKeyRow rows[] = {
+      {"k", "true", "k", true},       {"k", "True", "k", false}, {"k", "1", "k", false},     {"k", "", "k", false},
+      {"k", "true ", "k", false},     {"k", "tru", "k", false},  {"k", "trues", "k", false}, {"k/", "true", "k", false},
+      {"k", "true", "k/", false},     {"K", "true", "k", false}, {"", "true", "", true},     {"k", "true", "", false},
+      {"%s%n", "true", "%s%n", true},
+  };
+  for (const HasKeyRow& row : rows) {
+    Platform& platform = doubles::Reset();
+    Metadata entry = Entry(row.entry_key, row.value);
+    EXPECT_EQ(row.matches, isMetadataInfoHasKey(&entry, row.key)) << row.entry_key << " = " << row.value;
+    EXPECT_TRUE(
+        Holds(platform, {Compared(row.entry_key, row.value, row.key), row.matches ? Matched(row.key) : Steps{}}));
+  }
+}
+
+TEST(MetadataMatchers, a_coba_entry_is_compared_until_its_key_is_met) {
+  const std::vector<std::string> keys = CobaKeys();
+  for (std::size_t met = 0; met < keys.size(); ++met) {
+    Platform& platform = doubles::Reset();
+    Metadata entry = Entry(keys[met], "true");
+    EXPECT_TRUE(isCobaKey(&entry));
+    Steps journal;
+    for (std::size_t i = 0; i <= met; ++i) journal = Join({journal, Compared(keys[met], "true", keys[i])});
+    EXPECT_TRUE(Holds(platform, {journal, Matched(keys[met])}));
+  }
+}
+
+TEST(MetadataMatchers, any_other_entry_is_compared_with_all_four_coba_keys) {
+  const std::vector<std::string> keys = CobaKeys();
+  const std::pair<std::string, std::string> entries[] = {{keys[0], "True"},
+                                                         {keys[0], "1"},
+                                                         {keys[0], "false"},
+                                                         {keys[0] + "/", "true"},
+                                                         {keys[3] + "/", "true"},
+                                                         {TvKey("d.pc/required"), "true"},
+                                                         {TvKey("d.pc/type"), "orvelfxtv"},
+                                                         {AotKey(), "true"}};
+  for (const auto& [key, value] : entries) {
+    Platform& platform = doubles::Reset();
+    Metadata entry = Entry(key, value);
+    EXPECT_FALSE(isCobaKey(&entry)) << key << " = " << value;
+    EXPECT_TRUE(Holds(platform, {Compared(key, value, keys[0]), Compared(key, value, keys[1]),
+                                 Compared(key, value, keys[2]), Compared(key, value, keys[3])}));
+  }
+}
+
+TEST(MetadataMatchers, only_the_dpc_type_with_its_own_value_is_a_dpc_entry) {
+  const HasKeyRow rows[] = {
+      {TvKey("d.pc/type"), "orvelfxtv", "", true},   {TvKey("d.pc/type"), "true", "", false},
+      {TvKey("d.pc/type"), "Orvelfxtv", "", false},  {TvKey("d.pc/type"), "orvelfxtv2", "", false},
+      {TvKey("d.pc/type/"), "orvelfxtv", "", false}, {TvKey("d.pc/required"), "orvelfxtv", "", false},
+      {TvKey("d.pc/required"), "true", "", false},
+  };
+  for (const HasKeyRow& row : rows) {
+    Platform& platform = doubles::Reset();
+    Metadata entry = Entry(row.entry_key, row.value);
+    EXPECT_EQ(row.matches, isDpcKey(&entry)) << row.entry_key << " = " << row.value;
+    EXPECT_TRUE(
+        Holds(platform, {kIsDpc.Debug("%s compare to %s, value : %s", row.entry_key, TvKey("d.pc/type"), row.value),
+                         row.matches ? kIsDpc.Debug("%s matched", TvKey("d.pc/type")) : Steps{}}));
+  }
+}
+
+TEST(MetadataMatchers, the_ahead_of_time_preference_is_asked_like_any_key) {
+  const HasKeyRow rows[] = {
+      {AotKey(), "true", "", true}, {AotKey(), "TRUE", "", false}, {TvKey("d.pc/required"), "true", "", false}};
+  for (const HasKeyRow& row : rows) {
+    Platform& platform = doubles::Reset();
+    Metadata entry = Entry(row.entry_key, row.value);
+    EXPECT_EQ(row.matches, isPreferDotNETAOTKey(&entry));
+    EXPECT_TRUE(
+        Holds(platform, {Compared(row.entry_key, row.value, AotKey()), row.matches ? Matched(AotKey()) : Steps{}}));
+  }
+}
+
+TEST(MetadataMatchers, the_dpc_requirement_matches_nothing_whatever_its_value) {
+  for (const char* value : {"true", "orvelfxtv", ""}) {
+    Metadata entry = {MetadataKey::dpcRequired.c_str(), value};
+    EXPECT_FALSE(isCobaKey(&entry));
+    EXPECT_FALSE(isDpcKey(&entry));
+    EXPECT_FALSE(isPreferDotNETAOTKey(&entry));
+  }
+}
+
+}  // namespace

@@ -1,0 +1,288 @@
+// The two directory walkers.
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <climits>
+#include <filesystem>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/support/child.h"
+#include "tests/support/files.h"
+#include "tests/unit/interposed.h"
+#include "tests/unit/unit_case.h"
+#include "util/platform_utils.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using doubles::Platform;
+using doubles::Steps;
+using doubles::Traced;
+using support::TempDir;
+using support::WriteFile;
+
+using Seen = std::vector<std::pair<std::string, std::string>>;
+
+FileReader Into(Seen& seen) {
+  return [&seen](const std::string& path, const std::string& name) { seen.emplace_back(path, name); };
+}
+
+Seen ScanFiles(const std::string& path, unsigned int depth = 10) {
+  Seen seen;
+  scanFilesInDirExcludeSymlink(path, Into(seen), depth);
+  return seen;
+}
+
+Seen Sorted(Seen seen) {
+  std::sort(seen.begin(), seen.end());
+  return seen;
+}
+
+// The paths below `root`, sorted.
+std::vector<std::string> PathsBelow(const TempDir& root, const Seen& seen) {
+  std::vector<std::string> paths;
+  for (const auto& [path, name] : Sorted(seen)) paths.push_back(path.substr(root.path().string().size() + 1));
+  return paths;
+}
+
+using Paths = std::vector<std::string>;
+
+TEST(Scan, files_are_reported_with_full_path_and_bare_name) {
+  Fresh([](Platform& platform) {
+    const TempDir root;
+    WriteFile(root / "A.dll");
+    WriteFile(root / "b.JSON");
+    const Seen expected = {{root / "A.dll", "A.dll"}, {root / "b.JSON", "b.JSON"}};
+    EXPECT_EQ(expected, Sorted(ScanFiles(root.path().string())));
+    EXPECT_EQ(expected, Sorted(ScanFiles(root.path().string() + "/"))) << "a trailing slash changes no path";
+    EXPECT_TRUE(Holds(platform, Steps{}));
+  });
+}
+
+TEST(Scan, the_depth_counts_levels_the_first_one_included) {
+  const TempDir root;
+  std::string level;
+  for (int i = 0; i < 13; ++i) {
+    WriteFile(root / (level + "f"));
+    level += "d/";
+  }
+  const std::pair<unsigned int, std::size_t> rows[] = {{0, 1},   {1, 1},   {2, 2},        {3, 3},
+                                                       {10, 10}, {13, 13}, {UINT_MAX, 13}};
+  for (const auto& [depth, files] : rows) {
+    const Seen seen = ScanFiles(root.path().string(), depth);
+    ASSERT_EQ(files, seen.size()) << depth;
+    EXPECT_EQ(std::count(seen.back().first.begin(), seen.back().first.end(), '/'),
+              std::count(seen.front().first.begin(), seen.front().first.end(), '/') + static_cast<long>(files) - 1);
+  }
+}
+
+TEST(Scan, depth_two_sees_a_file_and_then_that_of_the_subdirectory) {
+  const TempDir root;
+  WriteFile(root / "sub/f2");
+  WriteFile(root / "f1");
+  EXPECT_EQ((Seen{{root / "f1", "f1"}, {root / "sub/f2", "f2"}}), ScanFiles(root.path().string(), 2));
+  EXPECT_EQ((Seen{{root / "f1", "f1"}}), ScanFiles(root.path().string(), 1));
+}
+
+// Files of a directory in the order of its listing, then its subdirectories in that order.
+void WalkInListingOrder(const fs::path& directory, Seen& seen) {
+  std::vector<fs::path> subdirectories;
+  for (const fs::directory_entry& entry : fs::directory_iterator(directory)) {
+    if (entry.is_directory()) {
+      subdirectories.push_back(entry.path());
+    } else {
+      seen.emplace_back(entry.path().string(), entry.path().filename().string());
+    }
+  }
+  for (const fs::path& subdirectory : subdirectories) WalkInListingOrder(subdirectory, seen);
+}
+
+TEST(Scan, all_files_of_a_directory_come_before_its_subdirectories_depth_first_in_listing_order) {
+  const TempDir root;
+  for (const char* file : {"z", "a", "m", "d1/f", "d1/e/f", "d1/e/g", "d2/f", "d2/e/f", "d3/x/y/f", "d3/f", "d0/f"}) {
+    WriteFile(root / file);
+  }
+  Seen expected;
+  WalkInListingOrder(root.path(), expected);
+  ASSERT_EQ(11u, expected.size());
+  EXPECT_EQ(expected, ScanFiles(root.path().string()));
+}
+
+TEST(Scan, a_link_is_reported_under_its_own_name_and_never_walked) {
+  const TempDir root;
+  const TempDir elsewhere;
+  WriteFile(elsewhere / "A.dll");
+  fs::create_symlink(elsewhere / "A.dll", root / "link.dll");
+  fs::create_symlink(elsewhere.path(), root / "directory");
+  fs::create_symlink(elsewhere / "gone", root / "dangling");
+  fs::create_symlink("loop", root / "loop");
+  EXPECT_EQ((Seen{{root / "directory", "directory"}, {root / "link.dll", "link.dll"}}),
+            Sorted(ScanFiles(root.path().string())));
+}
+
+void MakeSocket(const std::string& path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  ASSERT_LT(path.size(), sizeof address.sun_path);
+  path.copy(address.sun_path, path.size());
+  const int file = socket(AF_UNIX, SOCK_STREAM, 0);
+  EXPECT_EQ(0, bind(file, reinterpret_cast<const sockaddr*>(&address), sizeof address));
+  close(file);
+}
+
+TEST(Scan, pipes_and_sockets_and_links_to_them_are_passed_over) {
+  const TempDir root;
+  ASSERT_EQ(0, mkfifo((root / "pipe").c_str(), 0600));
+  MakeSocket(root / "socket");
+  fs::create_symlink("pipe", root / "link to pipe");
+  WriteFile(root / "file");
+  EXPECT_EQ((Paths{"file"}), PathsBelow(root, ScanFiles(root.path().string())));
+}
+
+TEST(Scan, directories_that_begin_with_a_dot_are_walked) {
+  const TempDir root;
+  for (const char* file : {".hidden/f", "..more/f", ".../f", ".file"}) WriteFile(root / file);
+  EXPECT_EQ((Paths{".../f", "..more/f", ".file", ".hidden/f"}), PathsBelow(root, ScanFiles(root.path().string())));
+}
+
+TEST(Scan, a_path_with_the_assembly_cache_link_text_is_not_entered) {
+  const TempDir root;
+  for (const char* file : {".sac_symlink/f", "a/.sac_symlink/y/f", "x.sac_symlinky/f", "a/f", ".SAC_SYMLINK/f",
+                           "sac_symlink/f", "f.sac_symlink.dll"}) {
+    WriteFile(root / file);
+  }
+  EXPECT_EQ((Paths{".SAC_SYMLINK/f", "a/f", "f.sac_symlink.dll", "sac_symlink/f"}),
+            PathsBelow(root, ScanFiles(root.path().string())));
+  EXPECT_TRUE(ScanFiles(root / ".sac_symlink").empty());
+  EXPECT_TRUE(ScanFiles(root / "a/.sac_symlink/y").empty());
+}
+
+TEST(Scan, without_entry_types_every_entry_is_reported_and_none_descended_into) {
+  Fresh([](Platform&) {
+    const TempDir root;
+    WriteFile(root / "f");
+    WriteFile(root / "sub/f2");
+    fs::create_symlink("gone", root / "dangling");
+    fs::create_symlink("f", root / "link");
+    ASSERT_EQ(0, mkfifo((root / "pipe").c_str(), 0600));
+    interposed::Now().entry_types_unknown = true;
+    EXPECT_EQ(
+        (Seen{
+            {root / ".", "."}, {root / "..", ".."}, {root / "f", "f"}, {root / "link", "link"}, {root / "sub", "sub"}}),
+        Sorted(ScanFiles(root.path().string())));
+  });
+}
+
+TEST(Scan, a_directory_that_cannot_be_opened_yields_nothing_and_no_message) {
+  Fresh([](Platform& platform) {
+    const TempDir root;
+    WriteFile(root / "file");
+    EXPECT_TRUE(ScanFiles(root / "missing").empty());
+    EXPECT_TRUE(ScanFiles(root / "file").empty());
+    EXPECT_TRUE(ScanFiles("").empty());
+    EXPECT_TRUE(Holds(platform, Steps{}));
+  });
+}
+
+TEST(Scan, a_subdirectory_that_may_not_be_read_is_passed_over) {
+  const TempDir root;
+  for (const char* file : {"closed/f", "open/f"}) WriteFile(root / file);
+  fs::permissions(root / "closed", fs::perms::none);
+  Fresh([&](Platform& platform) {
+    ASSERT_TRUE(support::GiveUpPrivileges());
+    EXPECT_EQ((Paths{"open/f"}), PathsBelow(root, ScanFiles(root.path().string())));
+    EXPECT_TRUE(Holds(platform, Steps{}));
+  });
+  fs::permissions(root / "closed", fs::perms::owner_all);
+}
+
+TEST(Scan, what_the_reader_throws_leaves_the_walk) {
+  const TempDir root;
+  WriteFile(root / "sub/f");
+  int calls = 0;
+  const FileReader reader = [&](const std::string&, const std::string&) {
+    ++calls;
+    throw std::runtime_error("no more");
+  };
+  EXPECT_THROW(scanFilesInDirExcludeSymlink(root.path().string(), reader, 10), std::runtime_error);
+  EXPECT_EQ(1, calls);
+}
+
+TEST(Scan, an_empty_reader_raises_on_the_first_entry_it_should_report) {
+  const TempDir root;
+  fs::create_directories(root / "sub");
+  EXPECT_NO_THROW(scanFilesInDirExcludeSymlink(root.path().string(), FileReader(), 10));
+  WriteFile(root / "sub/f");
+  EXPECT_NO_THROW(scanFilesInDirExcludeSymlink(root.path().string(), FileReader(), 1));
+  EXPECT_THROW(scanFilesInDirExcludeSymlink(root.path().string(), FileReader(), 10), std::bad_function_call);
+}
+
+std::size_t OpenFiles() { return support::NamesIn("/proc/self/fd").size(); }
+
+TEST(Scan, one_directory_per_level_is_open_while_its_subdirectories_are_walked) {
+  const TempDir root;
+  for (const char* file : {"f", "d/f", "d/d/f"}) WriteFile(root / file);
+  const std::size_t before = OpenFiles();
+  std::vector<std::size_t> open;
+  scanFilesInDirExcludeSymlink(
+      root.path().string(), [&](const std::string&, const std::string&) { open.push_back(OpenFiles() - before); }, 10);
+  EXPECT_EQ((std::vector<std::size_t>{1, 2, 3}), open);
+  EXPECT_EQ(before, OpenFiles());
+}
+
+Steps ScanDirsFrame() {
+  return Traced("platform_utils", "void scanDirsInDirectory(const std::string&, FileReader)", Steps{});
+}
+
+TEST(ScanDirs, the_immediate_subdirectories_are_reported) {
+  Fresh([](Platform& platform) {
+    const TempDir root;
+    for (const char* file : {"f", "sub/f", "sub/deep/f", ".hidden/f", ".sac_symlink/f"}) WriteFile(root / file);
+    fs::create_symlink("sub", root / "link");
+    Seen seen;
+    scanDirsInDirectory(root.path().string(), Into(seen));
+    EXPECT_EQ((Seen{{root / ".hidden", ".hidden"}, {root / ".sac_symlink", ".sac_symlink"}, {root / "sub", "sub"}}),
+              Sorted(seen));
+    EXPECT_TRUE(Holds(platform, {ScanDirsFrame()}));
+  });
+}
+
+TEST(ScanDirs, a_directory_that_cannot_be_opened_has_none) {
+  Fresh([](Platform& platform) {
+    Seen seen;
+    scanDirsInDirectory("/proc/nowhere/at/all", Into(seen));
+    EXPECT_TRUE(seen.empty());
+    EXPECT_TRUE(Holds(platform, {ScanDirsFrame()}));
+  });
+}
+
+TEST(ScanDirs, without_entry_types_nothing_is_reported) {
+  Fresh([](Platform&) {
+    const TempDir root;
+    fs::create_directories(root / "sub");
+    interposed::Now().entry_types_unknown = true;
+    Seen seen;
+    scanDirsInDirectory(root.path().string(), Into(seen));
+    EXPECT_TRUE(seen.empty());
+  });
+}
+
+TEST(ScanDirs, an_empty_reader_raises_after_the_exit_line) {
+  Fresh([](Platform& platform) {
+    const TempDir root;
+    fs::create_directories(root / "sub");
+    EXPECT_THROW(scanDirsInDirectory(root.path().string(), FileReader()), std::bad_function_call);
+    EXPECT_TRUE(Holds(platform, {ScanDirsFrame()}));
+  });
+}
+
+}  // namespace
