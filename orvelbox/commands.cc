@@ -16,9 +16,12 @@ namespace {
 
 const char* FromEnvironment(const char* name) { return std::getenv(name); }
 
-// The plug-in that was built with this program: its directory lies beside this program's.
+// The plug-in that belongs to this program. Installed, it lies among the libraries; built, its directory lies beside
+// this program's.
 fs::path OwnPlugin() {
-  return fs::read_symlink("/proc/self/exe").parent_path().parent_path() / "plugin" / "libmorvath.so";
+  const fs::path programs = fs::read_symlink("/proc/self/exe").parent_path();
+  const fs::path installed = (programs / ORVELBOX_INSTALLED_PLUGIN).lexically_normal();
+  return fs::exists(installed) ? installed : programs.parent_path() / "plugin" / "libmorvath.so";
 }
 
 HookSettings SettingsOf(const Options& options) {
@@ -37,11 +40,10 @@ host::PackageStore ReadStore(const host::Device& device) {
   return host::PackageStore(device.Database(), host::PackageStore::Mode::kReadOnly);
 }
 
-constexpr const char* kAssemblyDirectories[] = {"netcoreapp", "framework", "d.pc", "tvappapi"};
-
 void RequirePlatform(const fs::path& platform) {
-  const bool found = std::any_of(std::begin(kAssemblyDirectories), std::end(kAssemblyDirectories),
-                                 [&](const char* name) { return fs::is_directory(platform / name); });
+  const bool found =
+      std::any_of(std::begin(host::kPlatformAssemblyDirectories), std::end(host::kPlatformAssemblyDirectories),
+                  [&](const char* name) { return fs::is_directory(platform / name); });
   if (found) return;
   throw host::DeviceError(platform.string() +
                           ": no platform assemblies; name a directory that holds netcoreapp/, framework/, d.pc/ or " +
@@ -55,7 +57,7 @@ void RemoveDevice(const fs::path& directory, bool keep_directory) {
 }
 
 void CopyPlatform(const fs::path& platform, const host::Device& device) {
-  for (const char* name : kAssemblyDirectories) {
+  for (const char* name : host::kPlatformAssemblyDirectories) {
     if (IsThere(platform / name)) CopyTree(platform / name, device.OnDesk(host::kPlatformAssemblies) / name);
   }
 }

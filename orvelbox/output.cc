@@ -46,14 +46,22 @@ std::size_t CharacterLength(std::string_view text) {
   return length;
 }
 
+unsigned ByteAt(std::string_view text, std::size_t index) { return static_cast<unsigned char>(text[index]); }
+
+// U+202A to U+202E and U+2066 to U+2069.
+bool TurnsLineAround(std::string_view character) {
+  if (character.size() != 3 || ByteAt(character, 0) != 0xe2) return false;
+  const unsigned last = ByteAt(character, 2);
+  if (ByteAt(character, 1) == 0x80) return last >= 0xaa && last <= 0xae;
+  return ByteAt(character, 1) == 0x81 && last >= 0xa6 && last <= 0xa9;
+}
+
 // C0, DEL, C1, and the marks that turn the direction of a line around.
 bool IsControl(std::string_view character) {
-  const auto byte = static_cast<unsigned char>(character.front());
-  if (character.size() == 1) return byte < 0x20 || byte == 0x7f;
-  if (character.size() == 2) return byte == 0xc2 && static_cast<unsigned char>(character[1]) < 0xa0;
-  // U+202A to U+202E and U+2066 to U+2069.
-  return (character >= "\xe2\x80\xaa" && character <= "\xe2\x80\xae") ||
-         (character >= "\xe2\x81\xa6" && character <= "\xe2\x81\xa9");
+  const unsigned first = ByteAt(character, 0);
+  if (character.size() == 1) return first < 0x20 || first == 0x7f;
+  if (character.size() == 2) return first == 0xc2 && ByteAt(character, 1) < 0xa0;
+  return TurnsLineAround(character);
 }
 
 }  // namespace

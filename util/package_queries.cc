@@ -17,7 +17,7 @@ MainApplication FindMainApplication(const std::string& pkgId) {
   if (pkgmgrinfo_pkginfo_get_pkginfo(pkgId.c_str(), &packageHandle) != 0) return {};
   PackageRecord package(packageHandle);
   char* mainAppId = nullptr;
-  if (pkgmgrinfo_pkginfo_get_mainappid(package.get(), &mainAppId) != 0) return {};
+  if (pkgmgrinfo_pkginfo_get_mainappid(package.get(), &mainAppId) != 0 || mainAppId == nullptr) return {};
   pkgmgrinfo_appinfo_h applicationHandle = nullptr;
   if (pkgmgrinfo_appinfo_get_appinfo(mainAppId, &applicationHandle) != 0) return {};
   return {std::move(package), ApplicationRecord(applicationHandle)};

@@ -35,8 +35,9 @@ ORVEL_EXPORT std::string readSelfPath();
 // The size of the file in bytes; 0 when there is none.
 ORVEL_EXPORT uint64_t getFileSize(const std::string& path);
 
-// Writes the decimal digits of `value` and a NUL into `buf`, the caller's, large enough for both. For use in a signal
-// handler: it allocates nothing and calls nothing. 0 gives no digit at all; negative values are not meant to be passed.
+// Writes the decimal digits of `value` and a NUL into `buf`, the caller's, large enough for both; nothing into a null
+// one. For use in a signal handler: it allocates nothing and calls nothing. 0 gives no digit at all; negative values
+// are not meant to be passed.
 ORVEL_EXPORT void itoaForSignalHandler(int value, char* buf);
 
 #endif

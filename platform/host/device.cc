@@ -68,11 +68,11 @@ DeviceConfig ReadConfig(const Device& device) {
 
 std::optional<Device> DeviceOfEnvironment() {
   const char* directory = std::getenv(kDeviceVariable);
-  if (directory == nullptr || *directory == '\0') return std::nullopt;
+  if (directory == nullptr) return std::nullopt;
   try {
     return Device{AbsoluteDirectory(directory)};
   } catch (const std::exception&) {
-    return std::nullopt;  // a relative name in a working directory that is gone
+    return std::nullopt;  // no name, or a relative one in a working directory that is gone
   }
 }
 

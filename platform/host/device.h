@@ -38,6 +38,7 @@ struct Device {
 
 // Paths of the device, as the plug-in sees them.
 inline constexpr const char* kPlatformAssemblies = "/usr/share/dotnet.orvel";
+inline constexpr const char* kPlatformAssemblyDirectories[] = {"netcoreapp", "framework", "d.pc", "tvappapi"};
 inline constexpr const char* kUserArea = "/opt/usr";
 inline constexpr const char* kCacheDirectory = "/opt/usr/home/owner/share/dotnet";
 inline constexpr const char* kReleaseMarker = "/etc/release";

@@ -15,7 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kAssemblyDirectories[] = {"netcoreapp", "framework", "d.pc", "tvappapi"};
 constexpr const char* kEmptyCache = "[START][END]";
 
 void MakeDirectories(const fs::path& directory) {
@@ -76,7 +75,7 @@ class Undo {
 };
 
 void MakeRoot(const Device& device, const DeviceConfig& config) {
-  for (const char* name : kAssemblyDirectories) MakeDirectories(device.OnDesk(kPlatformAssemblies) / name);
+  for (const char* name : kPlatformAssemblyDirectories) MakeDirectories(device.OnDesk(kPlatformAssemblies) / name);
   const fs::path cache = device.OnDesk(kCacheDirectory);
   MakeDirectories(cache);
   for (const char* name : {"TPA.txt", "CoBA.txt"}) CreateFile(cache / name, kEmptyCache);

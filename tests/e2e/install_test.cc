@@ -157,6 +157,12 @@ TEST_F(InstallE2e, a_trace_file_holds_the_spans_of_the_hooks) {
   EXPECT_THAT(support::ReadFile(dir_ / "trace.json"), HasSubstr("PKGMGR_PARSER_PLUGIN_INSTALL"));
 }
 
+TEST_F(InstallE2e, the_device_option_reaches_the_plug_in) {
+  environment_ = {{"ORVELBOX_DEVICE", dir_ / "elsewhere"}};
+  RunExpecting(0, {"--device", device_.directory.string(), "install", Component()});
+  EXPECT_EQ(CacheFile("CoBA.txt"), "[START]:/opt/usr/globalapps/org.example.component/shared/res/[END]");
+}
+
 TEST_F(InstallE2e, the_longest_package_id_installs_upgrades_and_goes) {
   const std::string id(255, 'x');
   RunExpecting(0, {"install", MakePackage("long", ManifestText(id, "1"))});

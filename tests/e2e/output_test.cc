@@ -14,7 +14,10 @@ TEST(Printable, control_characters_are_escaped) {
 
 TEST(Printable, the_upper_control_characters_are_escaped) { EXPECT_EQ(Printable("\xc2\x9b"), "\\xc2\\x9b"); }
 
-TEST(Printable, marks_that_turn_a_line_around_are_escaped) { EXPECT_EQ(Printable("a\u202eb"), "a\\xe2\\x80\\xaeb"); }
+TEST(Printable, marks_that_turn_a_line_around_are_escaped) {
+  EXPECT_EQ(Printable("a\u202eb\u2066"), "a\\xe2\\x80\\xaeb\\xe2\\x81\\xa6");
+  EXPECT_EQ(Printable("\u2029\u2065"), "\u2029\u2065");
+}
 
 TEST(Printable, bytes_that_are_no_utf_8_are_escaped) {
   EXPECT_EQ(Printable("\xff\xc3"), "\\xff\\xc3");

@@ -139,6 +139,14 @@ TEST_F(DeviceDirectory, a_damaged_configuration_is_told_in_one_line) {
   }
 }
 
+TEST_F(DeviceDirectory, damage_is_told_as_what_it_is) {
+  const auto device = DeviceSaying("[]");
+  EXPECT_THAT(ErrorOf([&] { host::OpenDevice(device.directory); }), HasSubstr("damaged (it is no JSON object);"));
+  support::WriteFile(device.ConfigFile(), R"({"format": 1, "read_write_root": "/etc"})");
+  EXPECT_THAT(ErrorOf([&] { host::OpenDevice(device.directory); }),
+              HasSubstr("damaged (read_write_root \"/etc\" must be a plain absolute path below /opt/usr/);"));
+}
+
 TEST_F(DeviceDirectory, a_configuration_that_cannot_be_read_is_named) {
   const auto device = host::CreateDevice(NewDirectory());
   fs::remove(device.ConfigFile());

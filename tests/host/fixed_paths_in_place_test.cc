@@ -1,4 +1,6 @@
 // Working in place, on a machine where the kernel refuses namespaces.
+#include "platform/host/fixed_paths_in_place.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -135,6 +137,17 @@ TEST_F(InPlace, is_refused_where_a_fixed_path_exists) {
                 HasSubstr("no working in place (/opt/usr exists already): mend that, or allow user namespaces"));
     EXPECT_EQ(reason, ErrorOf([this] { host::RunWithFixedPaths(root(), [] { return 0; }); }));
     EXPECT_THAT(support::NamesIn("/opt/usr"), ElementsAre("mine"));
+    EXPECT_FALSE(IsThere("/usr/share/dotnet.orvel"));
+  });
+}
+
+TEST_F(InPlace, what_appeared_since_the_check_is_not_touched) {
+  OnMachine([this] {
+    const host::InPlaceTurn turn;
+    WriteFile("/opt/usr", "mine");
+    EXPECT_EQ("cannot work in place: /opt/usr exists already; move it away, or allow namespaces",
+              ErrorOf([&] { host::InPlaceLinks(turn, root()); }));
+    EXPECT_EQ("mine", ReadFile("/opt/usr"));
     EXPECT_FALSE(IsThere("/usr/share/dotnet.orvel"));
   });
 }

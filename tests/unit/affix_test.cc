@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "util/platform_utils.h"
+#include "morvath/platform_utils.h"
 
 namespace {
 

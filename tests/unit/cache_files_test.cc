@@ -246,6 +246,19 @@ TEST(CacheFiles, a_root_that_begins_anothers_takes_that_ones_entries_too) {
   });
 }
 
+// Assemblies are listed by absolute paths, the directory as the root gives it.
+TEST(CacheFiles, of_a_relative_root_only_the_assemblies_paths_are_made_absolute) {
+  FreshOnDevice([](Platform& platform) {
+    Put(platform, "[START][END]", "[START][END]");
+    platform.packages[0].applications[0].root = "apps/pkg";
+    PutAssemblies({"A.dll"});
+    fs::current_path("/opt/usr");
+    addPkgToTPACacheFile("pkg");
+    ExpectCaches("[START]:" + fs::current_path().string() + "/apps/pkg/shared/res/A.dll[END]",
+                 "[START]:apps/pkg/shared/res/[END]");
+  });
+}
+
 struct FailingWrite {
   const char* what;
   std::function<void()> prepare;

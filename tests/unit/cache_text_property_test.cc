@@ -184,7 +184,7 @@ struct Tally {
 };
 
 TEST(CacheTextProperty, erasing_gives_what_the_plain_search_from_the_front_gives) {
-  constexpr int kCases = 120000;
+  constexpr int kCases = 100000;
   constexpr int kAtLeast = kCases / 200;
   Random random(kSeed);
   Tally tally;

@@ -6,12 +6,12 @@
 #include <filesystem>
 #include <string>
 
+#include "morvath/platform_utils.h"
 #include "tests/support/child.h"
 #include "tests/support/files.h"
 #include "tests/unit/expected_lines.h"
 #include "tests/unit/interposed.h"
 #include "tests/unit/unit_case.h"
-#include "util/platform_utils.h"
 
 namespace {
 

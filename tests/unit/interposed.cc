@@ -47,6 +47,13 @@ xmlTextReaderPtr xmlReaderWalker(xmlDocPtr document) {
   return interposed::Now().walker_fails ? nullptr : next(document);
 }
 
+int xmlTextReaderRead(xmlTextReaderPtr reader) {
+  static auto* const next = interposed::Next<int(xmlTextReaderPtr)>("xmlTextReaderRead");
+  std::optional<int>& nodes_to_read = interposed::Now().nodes_to_read;
+  if (nodes_to_read && (*nodes_to_read)-- == 0) return -1;
+  return next(reader);
+}
+
 int rename(const char* from, const char* to) noexcept {
   static auto* const next = interposed::Next<int(const char*, const char*)>("rename");
   doubles::Current().RecordCall(std::string("rename(") + from + ", " + to + ")");

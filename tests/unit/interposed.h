@@ -10,6 +10,7 @@ namespace interposed {
 struct Settings {
   bool entry_types_unknown = false;  // readdir64 reports no entry types, as some file systems do
   bool walker_fails = false;         // xmlReaderWalker gives null
+  std::optional<int> nodes_to_read;  // xmlTextReaderRead fails, as on a parse error, after that many nodes
   std::optional<int> rename_error;   // rename fails with this errno and does nothing
 };
 

@@ -5,6 +5,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 
 #include "tests/unit/unit_case.h"
 
@@ -123,6 +124,10 @@ TEST(Tracker, the_result_of_the_log_is_not_looked_at) {
   platform.FailNext("__dlog_print", -1);
   { FunctionEntryExitTracker tracker("void f()", "morvath", 1); }
   EXPECT_TRUE(Holds(platform, {Traced("morvath", "void f()", {}, 1)}));
+}
+
+TEST(Tracker, the_end_of_a_scope_never_throws) {
+  EXPECT_TRUE(std::is_nothrow_destructible_v<FunctionEntryExitTracker>);
 }
 
 TEST(Log, each_kind_has_its_priority_and_colour) {

@@ -192,6 +192,18 @@ TEST(Manifest, a_node_without_a_name_ends_the_walk_with_an_error_line) {
   });
 }
 
+TEST(Manifest, a_parse_error_ends_the_walk_as_the_end_of_the_document_does) {
+  Fresh([](Platform& platform) {
+    const support::Document document =
+        ManifestOf(ApplicationElement("ui-application", "dotnet-inhouse") + MetadataElement(kCobaKey, "true"));
+    interposed::Now().nodes_to_read = 1;
+    EXPECT_FALSE(isAppDotnetInhouse(document.get()));
+    interposed::Now().nodes_to_read = 2;
+    EXPECT_FALSE(isAppCoBARelated(document.get()));
+    EXPECT_TRUE(Holds(platform, {Names({"manifest"}), CobaWalk(LocalNames({"manifest", "ui-application"}))}));
+  });
+}
+
 TEST(Manifest, an_empty_document_declares_nothing) {
   Fresh([](Platform& platform) {
     const support::Document document(xmlNewDoc(nullptr));

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "morvath/metadata_utils.h"
 #include "tests/unit/unit_case.h"
-#include "util/metadata_utils.h"
 
 namespace {
 
@@ -36,7 +36,10 @@ Steps Compared(const std::string& entry_key, const std::string& value, const std
 
 Steps Matched(const std::string& key) { return kHasKey.Debug("%s matched", key); }
 
-Metadata Entry(const std::string& key, const std::string& value) { return {key.c_str(), value.c_str()}; }
+// An entry that borrows both texts.
+Metadata Entry(const std::string& key, const char* value) { return {key.c_str(), value}; }
+Metadata Entry(const std::string& key, const std::string& value) { return Entry(key, value.c_str()); }
+Metadata Entry(std::string&& key, const char* value) = delete;
 
 TEST(MetadataVocabulary, the_constants_hold_their_uris_and_values) {
   EXPECT_EQ(DeveloperKey("support-fs-external-component"), MetadataKey::coBA);

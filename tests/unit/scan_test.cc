@@ -14,11 +14,11 @@
 #include <utility>
 #include <vector>
 
+#include "morvath/platform_utils.h"
 #include "tests/support/child.h"
 #include "tests/support/files.h"
 #include "tests/unit/interposed.h"
 #include "tests/unit/unit_case.h"
-#include "util/platform_utils.h"
 
 namespace {
 

@@ -6,13 +6,25 @@
 #include "tests/support/child.h"
 #include "tests/support/device_root.h"
 
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/lsan_interface.h>
+#endif
+
 namespace {
+
+// The child ends without the sanitizer's own look for leaks.
+void ExpectNoLeaks() {
+#if defined(__SANITIZE_ADDRESS__)
+  EXPECT_EQ(0, __lsan_do_recoverable_leak_check()) << "memory was leaked";
+#endif
+}
 
 std::function<void()> OverFreshDoubles(const Body& body) {
   return [&body] {
     doubles::Platform& platform = doubles::Reset();
     body(platform);
     for (const std::string& function : platform.misuses) ADD_FAILURE() << function << " was given a wrong handle";
+    ExpectNoLeaks();
   };
 }
 

@@ -15,7 +15,8 @@ typedef void* pkgmgrinfo_appinfo_h;
 typedef void* pkgmgrinfo_pkginfo_h;
 typedef void* pkgmgrinfo_appinfo_metadata_filter_h;
 
-/* Called once per application; `handle` lives until the call returns. Returns a negative value to end the enumeration. */
+/* Called once per application; `handle` lives until the call returns. Returns a negative value to end the enumeration.
+ */
 typedef int (*pkgmgrinfo_app_list_cb)(pkgmgrinfo_appinfo_h handle, void* userData);
 
 /* A filter over all installed applications; the caller destroys what `create` gave. */

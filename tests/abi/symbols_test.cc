@@ -1,0 +1,93 @@
+// The built libraries against their lists, and the lists against the released prototypes.
+#include "tests/abi/symbols.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/files.h"
+
+namespace abi_guard {
+
+// How a failing test names its library.
+static void PrintTo(const Library& library, std::ostream* stream) { *stream << library.name; }
+
+namespace {
+
+const Library kMorvath = {"libmorvath.so", MORVATH_LIBRARY, MORVATH_LIST, OBJECT_LISTS "/morvath_objects.txt"};
+const Library kQuarnelUtil = {"libquarnel_util.so", QUARNEL_UTIL_LIBRARY, QUARNEL_UTIL_LIST,
+                              OBJECT_LISTS "/quarnel_util_objects.txt"};
+
+// Nobody can call the complete constructor of an abstract class, so clang makes none.
+Names LeftOutByTheCompiler() {
+#ifdef __clang__
+  return {"_ZN14AotPathManagerC1Ev"};
+#else
+  return {};
+#endif
+}
+
+// The names in `expected` that should be in `present` and are not.
+Names Lost(const Names& expected, const Names& present) {
+  return Without(Without(expected, present), LeftOutByTheCompiler());
+}
+
+class Interface : public testing::TestWithParam<Library> {
+ protected:
+  const Library& library() const { return GetParam(); }
+  const Versions& versions() const { return versions_; }
+
+  // Everything that was released in the library.
+  Names Released() const {
+    if (library().name == kQuarnelUtil.name) return Mentioned("quarnel_util_prototypes");
+    Names names = Mentioned("morvath_prototypes");
+    names.merge(TrackerMembers());
+    for (const char* type : {"AotPathManager", "AppApiPath", "CoBAComponentPath", "DpcPath"}) {
+      names.merge(PathManagerMembers(type));
+    }
+    return names;
+  }
+
+ private:
+  Versions versions_ = ReadVersions(support::ReadFile(MORVATH_LIST));
+};
+
+TEST_P(Interface, has_a_version) {
+  EXPECT_FALSE(versions().now.empty()) << MORVATH_LIST ": no line \"# interface 1.0\"";
+}
+
+TEST_P(Interface, the_library_shows_all_that_is_listed) {
+  const Names lost = Lost(Listed(library()), Shown(library()));
+  EXPECT_TRUE(lost.empty()) << TellLost(lost, library().name, versions());
+}
+
+TEST_P(Interface, the_library_shows_nothing_that_is_not_listed) {
+  const Names added = Without(Shown(library()), Listed(library()));
+  EXPECT_TRUE(added.empty()) << TellAdded(added, library().name, versions());
+}
+
+TEST_P(Interface, nothing_that_the_sources_export_was_forgotten_in_the_list) {
+  const Names forgotten = Without(Defined(library()).strong, Listed(library()));
+  EXPECT_TRUE(forgotten.empty()) << TellForgotten(forgotten, library().name, versions());
+}
+
+TEST_P(Interface, the_sources_export_all_that_is_listed) {
+  const Definitions defined = Defined(library());
+  const Names lost = Lost(Without(Listed(library()), defined.strong), defined.weak);
+  EXPECT_TRUE(lost.empty()) << TellLost(lost, library().name, versions());
+}
+
+TEST_P(Interface, every_released_prototype_is_there_under_its_name) {
+  const Names lost = Lost(Released(), Shown(library()));
+  EXPECT_TRUE(lost.empty()) << TellLost(lost, library().name, versions());
+}
+
+TEST_P(Interface, everything_listed_has_its_prototype_kept) {
+  const Names unguarded = Without(Listed(library()), Released());
+  EXPECT_TRUE(unguarded.empty()) << TellUnguarded(unguarded, library().name, versions());
+}
+
+INSTANTIATE_TEST_SUITE_P(Libraries, Interface, testing::Values(kMorvath, kQuarnelUtil), [](const auto& test) {
+  return test.param.name == kMorvath.name ? "morvath" : "quarnel_util";
+});
+
+}  // namespace
+}  // namespace abi_guard

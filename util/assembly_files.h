@@ -1,1 +1,0 @@
-#include "morvath/assembly_files.h"

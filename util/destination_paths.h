@@ -1,1 +1,0 @@
-#include "morvath/destination_paths.h"

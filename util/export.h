@@ -1,1 +1,0 @@
-#include "morvath/export.h"

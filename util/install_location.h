@@ -1,1 +1,0 @@
-#include "morvath/install_location.h"

@@ -1,1 +1,0 @@
-#include "morvath/metadata_utils.h"

@@ -1,1 +1,0 @@
-#include "morvath/package_queries.h"

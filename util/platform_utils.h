@@ -1,1 +1,0 @@
-#include "morvath/platform_utils.h"
