@@ -4,6 +4,7 @@
 set -eu
 
 missing=
+# shellcheck disable=SC2013  # the names of packages have no blanks
 for package in $(grep -v '^#' "$1"); do
   status=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null || true)
   [ "$status" = installed ] || missing="$missing $package"

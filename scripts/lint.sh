@@ -16,7 +16,7 @@ sources '*.sh' .ci/run | xargs shellcheck
 
 echo "cppcheck"
 cppcheck --quiet --error-exitcode=1 --enable=warning,performance,portability --inline-suppr --std=c++17 \
-  --suppressions-list=scripts/cppcheck-suppressions.txt -j "$jobs" -I . -I platform/include \
+  --suppressions-list=scripts/cppcheck-suppressions.txt -j "$jobs" -I . -I include -I platform/include \
   plugin util quarnel_util platform orvelbox
 
 echo "clang-tidy"

@@ -45,29 +45,29 @@ class FixedPathsOf : public testing::Test {
 
 TEST_F(FixedPathsOf, a_root_under_opt_itself) {
   OnEmptiedMachine([] {
-    LayOutRoot("/opt/work/device/root");
+    LayOutRoot("/opt/desk/device/root");
     WriteFile("/opt/other", "beside");
-    fs::current_path("/opt/work");
-    RunThere("/opt/work/device/root", [] {
+    fs::current_path("/opt/desk");
+    RunThere("/opt/desk/device/root", [] {
       ExpectDeviceAtFixedPaths();
       EXPECT_EQ("beside", ReadFile("/opt/other"));
-      EXPECT_EQ("/opt/work", fs::current_path());
+      EXPECT_EQ("/opt/desk", fs::current_path());
       EXPECT_EQ("user area", ReadFile("../usr/globalapps/p/x"));  // by the path, within the new mounts
       WriteFile("device/root/opt/usr/new", "1");
       EXPECT_EQ("1", ReadFile("/opt/usr/new"));
     });
-    EXPECT_EQ("1", ReadFile("/opt/work/device/root/opt/usr/new"));
-    EXPECT_THAT(support::NamesIn("/opt"), ElementsAre("other", "work"));
+    EXPECT_EQ("1", ReadFile("/opt/desk/device/root/opt/usr/new"));
+    EXPECT_THAT(support::NamesIn("/opt"), ElementsAre("desk", "other"));
   });
 }
 
 TEST_F(FixedPathsOf, a_root_under_usr_share_itself) {
   OnEmptiedMachine([] {
-    LayOutRoot("/usr/share/work/root");
-    fs::current_path("/usr/share/work");
+    LayOutRoot("/usr/share/desk/root");
+    fs::current_path("/usr/share/desk");
     RunThere("root", [] {
       ExpectDeviceAtFixedPaths();
-      EXPECT_EQ("/usr/share/work", fs::current_path());
+      EXPECT_EQ("/usr/share/desk", fs::current_path());
       EXPECT_EQ("platform", ReadFile("../dotnet.orvel/framework/F.dll"));
     });
   });

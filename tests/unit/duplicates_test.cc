@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <string>
@@ -164,6 +165,18 @@ TEST(Duplicates, a_link_in_the_information_files_place_is_replaced_not_followed)
   EXPECT_EQ("mine", support::ReadFile(package / "precious"));
   EXPECT_FALSE(fs::is_symlink(dll + "_deleted"));
   EXPECT_EQ(InformationText(kOrigin, dll), support::ReadFile(dll + "_deleted"));
+}
+
+TEST(Duplicates, a_pipe_in_the_information_files_place_does_not_hold_up_the_installer) {
+  support::InFreshProcess([] {
+    const TempDir package;
+    WriteFile(package / "A.dll");
+    ASSERT_EQ(0, mkfifo((package / "A.dll_deleted").c_str(), 0600));
+    doubles::Reset();
+    alarm(20);
+    removeFileAndLeaveInformationFile(kOrigin, package / "A.dll");
+    EXPECT_FALSE(IsThere(package / "A.dll"));
+  });
 }
 
 TEST(Duplicates, nothing_is_removed_when_the_origin_path_contains_the_read_write_root) {

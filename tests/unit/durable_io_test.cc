@@ -1,6 +1,7 @@
 // writeStringToFile and readFileToString.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
@@ -264,6 +265,15 @@ TEST(DurableRead, what_cannot_be_read_is_empty_without_a_line) {
   EXPECT_EQ("", readFileToString(root.path().string()));
   EXPECT_EQ("", readFileToString(""));
   EXPECT_TRUE(Holds(platform, Steps{}));
+}
+
+TEST(DurableRead, a_pipe_is_empty_and_not_waited_for) {
+  support::InFreshProcess([] {
+    const TempDir root;
+    ASSERT_EQ(0, mkfifo((root / "pipe").c_str(), 0600));
+    alarm(20);
+    EXPECT_EQ("", readFileToString(root / "pipe"));
+  });
 }
 
 TEST(DurableRead, a_file_that_may_not_be_read_is_empty) {
