@@ -75,6 +75,9 @@ TEST_F(FixedPaths, what_is_written_there_lands_in_the_root_only) {
 }
 
 TEST_F(FixedPaths, the_machine_is_as_before) {
+  if (host::AvailableFixedPathsMethod(nullptr) == host::FixedPathsMethod::kInPlace) {
+    GTEST_SKIP() << "working in place here: what other runs make comes and goes meanwhile";
+  }
   const auto share = support::NamesIn("/usr/share");
   const bool had_opt = fs::exists("/opt");
   const auto opt = had_opt ? support::NamesIn("/opt") : std::vector<std::string>();
