@@ -9,15 +9,18 @@ namespace {
 
 using doubles::Current;
 
-int SetLabel(const std::string& function, const std::string& path, const std::string& label) {
+// Only access labels are known here, as their name says in the platform's interface.
+int SetLabel(const std::string& function, const std::string& path, const std::string& label, smack_label_type type) {
   Current().RecordCall(function + "(" + path + ", " + label + ")");
+  if (type != SMACK_LABEL_ACCESS) return -1;
   if (const auto failure = Current().TakeFailure(function)) return *failure;
   Current().labels[path] = label;
   return 0;
 }
 
-ssize_t GetLabel(const std::string& function, const std::string& path, char** label) {
+ssize_t GetLabel(const std::string& function, const std::string& path, char** label, smack_label_type type) {
   Current().RecordCall(function + "(" + path + ")");
+  if (type != SMACK_LABEL_ACCESS) return -1;
   if (const auto failure = Current().TakeFailure(function)) return *failure;
   const auto found = Current().labels.find(path);
   if (found == Current().labels.end()) return -1;
@@ -27,18 +30,18 @@ ssize_t GetLabel(const std::string& function, const std::string& path, char** la
 
 }  // namespace
 
-int smack_setlabel(const char* path, const char* label, enum smack_label_type) {
-  return SetLabel("smack_setlabel", path, label);
+int smack_setlabel(const char* path, const char* label, enum smack_label_type type) {
+  return SetLabel("smack_setlabel", path, label, type);
 }
 
-int smack_lsetlabel(const char* path, const char* label, enum smack_label_type) {
-  return SetLabel("smack_lsetlabel", path, label);
+int smack_lsetlabel(const char* path, const char* label, enum smack_label_type type) {
+  return SetLabel("smack_lsetlabel", path, label, type);
 }
 
-ssize_t smack_getlabel(const char* path, char** label, enum smack_label_type) {
-  return GetLabel("smack_getlabel", path, label);
+ssize_t smack_getlabel(const char* path, char** label, enum smack_label_type type) {
+  return GetLabel("smack_getlabel", path, label, type);
 }
 
-ssize_t smack_lgetlabel(const char* path, char** label, enum smack_label_type) {
-  return GetLabel("smack_lgetlabel", path, label);
+ssize_t smack_lgetlabel(const char* path, char** label, enum smack_label_type type) {
+  return GetLabel("smack_lgetlabel", path, label, type);
 }

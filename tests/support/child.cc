@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <linux/capability.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -93,6 +94,12 @@ bool GiveUpPrivileges() {
   __user_cap_header_struct header = {_LINUX_CAPABILITY_VERSION_3, 0};
   const __user_cap_data_struct nothing[_LINUX_CAPABILITY_U32S_3] = {};
   return syscall(SYS_capset, &header, nothing) == 0;
+}
+
+void LeaveNoRoomInFiles() {
+  std::signal(SIGXFSZ, SIG_IGN);
+  const rlimit none{0, RLIM_INFINITY};
+  ASSERT_EQ(0, setrlimit(RLIMIT_FSIZE, &none));
 }
 
 }  // namespace support

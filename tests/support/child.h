@@ -17,6 +17,9 @@ void WithFixedPaths(const std::filesystem::path& root, const std::function<void(
 // Takes from this process for good what root may do beyond the permissions of files. False when that fails.
 bool GiveUpPrivileges();
 
+// Lets this process write nothing into files any more: what it writes fails as on a full disk. For a child process.
+void LeaveNoRoomInFiles();
+
 }  // namespace support
 
 #endif

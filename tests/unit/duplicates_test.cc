@@ -242,6 +242,20 @@ TEST(Duplicates, an_information_file_that_cannot_be_made_is_no_matter) {
   EXPECT_TRUE(Holds(platform, {RemovalFrame()}));
 }
 
+TEST(Duplicates, a_disk_without_room_leaves_an_empty_information_file_silently) {
+  const TempDir package;
+  const std::string dll = package / "A.dll";
+  WriteFile(dll, "MZ");
+  support::InFreshProcess([&] {
+    support::LeaveNoRoomInFiles();
+    Platform& platform = doubles::Reset();
+    removeFileAndLeaveInformationFile(kOrigin, dll);
+    EXPECT_TRUE(Holds(platform, {RemovalFrame()}));
+  });
+  EXPECT_FALSE(IsThere(dll));
+  EXPECT_EQ("", support::ReadFile(dll + "_deleted"));
+}
+
 TEST(Duplicates, in_a_read_only_directory_the_removal_is_tried_and_nothing_else_happens) {
   const TempDir package;
   const std::string dll = package / "closed/A.dll";

@@ -66,6 +66,19 @@ TEST(DurableWrite, an_existing_file_is_replaced_whole) {
   EXPECT_EQ("abc", ReadFile(file.target));
 }
 
+TEST(DurableWrite, what_cannot_be_written_is_not_noticed_and_the_short_file_takes_the_place) {
+  const Target file;
+  WriteFile(file.target, "before");
+  Fresh([&](Platform& platform) {
+    support::LeaveNoRoomInFiles();
+    file.Write("abc");
+    EXPECT_TRUE(Holds(platform, {NotThereYet(), Call("fsync(0)"), file.SaveFile(), file.Renamed(),
+                                 kWrite.At(177).Debug("Saved"), Call("sync()")}));
+  });
+  EXPECT_EQ("", ReadFile(file.target));
+  EXPECT_FALSE(IsThere(file.temporary));
+}
+
 TEST(DurableWrite, a_temporary_file_that_was_left_behind_is_used_again) {
   const Target file;
   WriteFile(file.temporary, "a much longer content than before\n");

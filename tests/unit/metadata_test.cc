@@ -76,6 +76,19 @@ TEST(MetadataMatchers, an_entry_has_a_key_when_key_and_the_value_true_are_equal_
   }
 }
 
+TEST(MetadataMatchers, an_entry_without_key_or_value_matches_nothing_and_is_not_logged) {
+  Metadata without_key{nullptr, "true"};
+  Metadata without_value{"k", nullptr};
+  for (Metadata* entry : {static_cast<Metadata*>(nullptr), &without_key, &without_value}) {
+    Platform& platform = doubles::Reset();
+    EXPECT_FALSE(isMetadataInfoHasKey(entry, "k"));
+    EXPECT_FALSE(isDpcKey(entry));
+    EXPECT_FALSE(isPreferDotNETAOTKey(entry));
+    EXPECT_FALSE(isCobaKey(entry));
+    EXPECT_TRUE(Holds(platform, Steps{}));
+  }
+}
+
 TEST(MetadataMatchers, a_coba_entry_is_compared_until_its_key_is_met) {
   const std::vector<std::string> keys = CobaKeys();
   for (std::size_t met = 0; met < keys.size(); ++met) {

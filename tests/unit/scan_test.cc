@@ -217,6 +217,16 @@ TEST(Scan, what_the_reader_throws_leaves_the_walk) {
   EXPECT_EQ(1, calls);
 }
 
+TEST(Scan, what_the_reader_throws_leaves_no_directory_open) {
+  const TempDir root;
+  WriteFile(root / "sub/f");
+  const FileReader reader = [](const std::string&, const std::string&) { throw std::runtime_error("no more"); };
+  const auto open_before = support::NamesIn("/proc/self/fd");
+  EXPECT_THROW(scanFilesInDirExcludeSymlink(root.path().string(), reader, 10), std::runtime_error);
+  EXPECT_THROW(scanDirsInDirectory(root.path().string(), reader), std::runtime_error);
+  EXPECT_EQ(open_before, support::NamesIn("/proc/self/fd"));
+}
+
 TEST(Scan, an_empty_reader_raises_on_the_first_entry_it_should_report) {
   const TempDir root;
   fs::create_directories(root / "sub");
