@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/child.h"
 #include "tests/support/files.h"
 #include "tests/unit/allocation_limit.h"
 #include "tests/unit/interposed_files.h"
@@ -325,6 +326,10 @@ TEST(AllocationLimit, the_allocation_after_the_last_one_allowed_throws) {
   EXPECT_TRUE(RunsOutOfMemoryAfter(0, allocate_twice));
   EXPECT_TRUE(RunsOutOfMemoryAfter(1, allocate_twice));
   EXPECT_FALSE(RunsOutOfMemoryAfter(2, allocate_twice));
+}
+
+TEST(SignalSafeDigits, nothing_is_written_into_a_null_buffer) {
+  support::InFreshProcess([] { itoaForSignalHandler(42, nullptr); });
 }
 
 }  // namespace

@@ -167,6 +167,27 @@ TEST(Duplicates, a_link_in_the_information_files_place_is_replaced_not_followed)
   EXPECT_EQ(InformationText(kOrigin, dll), support::ReadFile(dll + "_deleted"));
 }
 
+TEST(Duplicates, a_link_that_cannot_be_removed_is_not_followed_either) {
+  const TempDir package;
+  const TempDir elsewhere;
+  const std::string dll = package / "closed/A.dll";
+  WriteFile(dll, "MZ");
+  WriteFile(elsewhere / "victim", "untouched");
+  fs::create_symlink(elsewhere / "victim", dll + "_deleted");
+  fs::permissions(elsewhere / "victim", fs::perms::all);
+  for (const fs::path& open : {package.path(), elsewhere.path()}) fs::permissions(open, fs::perms::all);
+  fs::permissions(package / "closed", fs::perms(0555));
+  support::InFreshProcess([&] {
+    ASSERT_TRUE(support::GiveUpPrivileges());
+    ASSERT_EQ("untouched", support::ReadFile(dll + "_deleted"));
+    doubles::Reset();
+    removeFileAndLeaveInformationFile(kOrigin, dll);
+  });
+  EXPECT_TRUE(fs::is_symlink(dll + "_deleted"));
+  EXPECT_EQ("untouched", support::ReadFile(elsewhere / "victim"));
+  fs::permissions(package / "closed", fs::perms::owner_all);
+}
+
 TEST(Duplicates, a_pipe_in_the_information_files_place_does_not_hold_up_the_installer) {
   support::InFreshProcess([] {
     const TempDir package;
