@@ -103,7 +103,7 @@ std::variant<Options, int> ParseCommandLine(int argc, const char* const* argv) {
   std::string priority = "D";
   CLI::App app(kDescription, "orvelbox");
   app.footer(kFooter);
-  app.require_subcommand(1);
+  app.require_subcommand(0, 1);  // none at all is told below, so that an unknown one is told by its name
   app.fallthrough();
   AddGlobalOptions(app, options);
   AddChangingCommands(app, options);
@@ -111,6 +111,7 @@ std::variant<Options, int> ParseCommandLine(int argc, const char* const* argv) {
   AddReadingCommands(app, options, priority);
   try {
     app.parse(argc, argv);
+    if (app.get_subcommands().empty()) throw CLI::RequiredError::Subcommand(1);
     FinishOptions(events, priority, options);
     return options;
   } catch (const CLI::ParseError& error) {

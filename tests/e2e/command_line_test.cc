@@ -35,6 +35,22 @@ TEST(CommandLine, a_command_has_its_target) {
   EXPECT_EQ(options.trace, "t.json");
 }
 
+std::string ComplaintAbout(std::vector<const char*> arguments) {
+  arguments.insert(arguments.begin(), "orvelbox");
+  testing::internal::CaptureStderr();
+  const auto parsed = ParseCommandLine(static_cast<int>(arguments.size()), arguments.data());
+  EXPECT_TRUE(std::holds_alternative<int>(parsed) && std::get<int>(parsed) == 2);
+  return testing::internal::GetCapturedStderr();
+}
+
+TEST(CommandLine, an_unknown_command_is_named) {
+  EXPECT_THAT(ComplaintAbout({"frob"}), testing::HasSubstr("not expected: frob"));
+}
+
+TEST(CommandLine, a_missing_command_is_told) {
+  EXPECT_THAT(ComplaintAbout({}), testing::HasSubstr("A subcommand is required"));
+}
+
 TEST(CommandLine, events_are_read_in_order_and_any_case) {
   const Options options = Parse({"events", "Install:a", "CLEANUP:b:c"});
   ASSERT_EQ(options.events.size(), 2U);
