@@ -1,5 +1,5 @@
 # The commands of everyday work. Each installs what is missing first; CMakePresets.json holds the builds.
-.PHONY: build test demo coverage mutation lint format sanitize clean packages lint-packages
+.PHONY: build test test-heavy demo coverage mutation lint format sanitize clean packages lint-packages
 
 JOBS ?= $(shell nproc)
 
@@ -9,6 +9,10 @@ build: packages
 
 test: build
 	ctest --preset release --parallel $(JOBS)
+
+# The tests that take more than a few seconds each.
+test-heavy: build
+	ctest --preset heavy --parallel $(JOBS)
 
 demo: build
 	scripts/demo.sh build/release
