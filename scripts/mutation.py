@@ -92,13 +92,14 @@ class Worker:
     def judge(self, mutant):
         """'invalid', 'killed' or 'survived'."""
         file = self.tree / mutant.path
+        text = file.read_text()
         file.write_text(mutant.mutated_text)
         try:
             if not self.builds():
                 return "invalid"
             return "survived" if self.tests_pass(mutant.path) else "killed"
         finally:
-            shutil.copy(ROOT / mutant.path, file)
+            file.write_text(text)
 
 
 def judge_all(mutants, jobs):
