@@ -32,14 +32,19 @@ def blank(match):
     return re.sub(r"[^\n]", " ", match.group(0))
 
 
+STRING = r'"(?:\\.|[^"\\])*"|\'(?:\\.|[^\'\\])+\''
+
+
 def code_only(text):
-    """The text with comments and preprocessor lines blanked out, offsets kept."""
-    text = re.sub(r"//[^\n]*", blank, text)
-    return re.sub(r"^#[^\n]*(?:\\\n[^\n]*)*", blank, text, flags=re.M)
+    """The text, offsets kept, with everything blanked out that does not run: comments, preprocessor lines other than
+    the bodies of macros, and the declarations of functions."""
+    text = re.sub(STRING + r"|//[^\n]*", lambda found: blank(found) if found[0][0] == "/" else found[0], text)
+    text = re.sub(r"^#(?!define)[^\n]*", blank, text, flags=re.M)
+    return re.sub(r"^\w[^;{}=()]*\([^;{}]*\);|^.*= delete;", blank, text, flags=re.M)
 
 
 def without_strings(code):
-    return re.sub(r'"(?:\\.|[^"\\])*"|\'(?:\\.|[^\'\\])+\'', blank, code)
+    return re.sub(STRING, blank, code)
 
 
 def closing(code, opening):
@@ -109,7 +114,7 @@ def condition_mutants(code, bare):
 def statement_mutants(bare):
     for match in re.finditer(r"(?<=[;{})])(\s*)([A-Za-z_:][^;{}]*;)", bare):
         statement = match.group(2)
-        if re.match(r"(return|using|namespace|constexpr|const|struct|class|static_assert|extern|else|case|default)\b",
+        if re.match(r"(return|using|namespace|constexpr|const|struct|class|static_assert|extern|else|case|default|public|private)\b",
                     statement):
             continue
         yield match.start(2), match.end(2), ";", "dropped statement"

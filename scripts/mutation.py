@@ -23,15 +23,20 @@ from mutants import ROOT, mutants_of
 WORK = ROOT / "build" / "mutation"
 VERDICTS = WORK / "verdicts.txt"
 EQUIVALENTS = ROOT / "scripts" / "mutation-equivalents.txt"
+SOURCES = ["plugin", "util"]
 TEST_PROGRAM = "unit_tests"
 # Enough for several runs of all tests. A mutant that never ends is told by its processor time, whatever else the
 # machine does; one that waits for ever only by the clock; one that collects without end by its memory.
 PROCESSOR_SECONDS, CLOCK_SECONDS, MEMORY_KB = 5, 60, 4_000_000
 
 
-def sources(*paths):
+def files(*paths):
     listed = subprocess.check_output(["git", "ls-files", "-co", "--exclude-standard", *paths], cwd=ROOT, text=True)
     return [name for name in listed.splitlines() if (ROOT / name).is_file()]
+
+
+def all_mutants(*paths):
+    return [mutant for name in files(*paths) if name.endswith((".cc", ".h")) for mutant in mutants_of(name)]
 
 
 def copy_if_changed(origin, copy):
@@ -47,7 +52,7 @@ class Worker:
     def __init__(self, number):
         self.tree = WORK / f"worker-{number}"
         self.killers = collections.defaultdict(dict)  # by source file, the tests that have killed mutants of it
-        for name in sources():
+        for name in files():
             copy_if_changed(ROOT / name, self.tree / name)
         linker = "-fuse-ld=gold" if shutil.which("ld.gold") else ""
         subprocess.run(["cmake", "-S", ".", "-B", "build", "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug",
@@ -176,7 +181,7 @@ def report(mutants, verdicts, known):
 
 def stale_equivalents(mutants, verdicts, known):
     """What is wrong with the list of equivalents: entries that name no mutant, or one that a test does tell apart."""
-    existing = {mutant.title for name in sources("plugin", "util") if name.endswith(".cc") for mutant in mutants_of(name)}
+    existing = {mutant.title for mutant in all_mutants(*SOURCES)}
     killed = {mutant.title for mutant in mutants if verdicts[mutant.digest()] != "survived"}
     return [f"{EQUIVALENTS.name}: no such mutant: {title}" for title in sorted(known - existing)] + \
            [f"{EQUIVALENTS.name}: not equivalent: {title}" for title in sorted(known & killed)]
@@ -184,15 +189,14 @@ def stale_equivalents(mutants, verdicts, known):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--only", nargs="+", default=["plugin", "util"], help="files or directories to mutate")
+    parser.add_argument("--only", nargs="+", default=SOURCES, help="files or directories to mutate")
     parser.add_argument("--every", type=int, default=1, help="take every Nth mutant only")
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
     parser.add_argument("--resume", action="store_true",
                         help="take over what earlier runs killed or could not compile; judge only the other mutants")
     options = parser.parse_args()
 
-    mutants = [mutant for name in sources(*options.only) if name.endswith(".cc") for mutant in mutants_of(name)]
-    mutants = mutants[::options.every]
+    mutants = all_mutants(*options.only)[::options.every]
     verdicts = verdicts_of(mutants, options.resume, options.jobs)
     known = equivalents()
     share = report(mutants, verdicts, known)

@@ -1,6 +1,7 @@
 // Which pair of files is a duplicate, the removal and the information file.
 #include "plugin/duplicates.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -201,6 +202,14 @@ TEST(Duplicates, a_pipe_in_the_information_files_place_does_not_hold_up_the_inst
     removeFileAndLeaveInformationFile(kOrigin, package / "A.dll");
     EXPECT_FALSE(IsThere(package / "A.dll"));
   });
+}
+
+TEST(Duplicates, the_open_information_file_is_neither_inherited_nor_made_the_terminal) {
+  const TempDir package;
+  doubles::Reset();
+  removeFileAndLeaveInformationFile(kOrigin, package / "A.dll");
+  EXPECT_NE(0, interposed::Files().open_flags & O_CLOEXEC);
+  EXPECT_NE(0, interposed::Files().open_flags & O_NOCTTY);
 }
 
 TEST(Duplicates, nothing_is_removed_when_the_origin_path_contains_the_read_write_root) {

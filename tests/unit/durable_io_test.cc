@@ -1,4 +1,5 @@
 // writeStringToFile and readFileToString.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -12,6 +13,7 @@
 #include "tests/support/files.h"
 #include "tests/unit/expected_lines.h"
 #include "tests/unit/interposed.h"
+#include "tests/unit/interposed_files.h"
 #include "tests/unit/unit_case.h"
 
 namespace {
@@ -297,6 +299,14 @@ TEST(DurableRead, a_file_that_may_not_be_read_is_empty) {
     ASSERT_TRUE(support::GiveUpPrivileges());
     EXPECT_EQ("", readFileToString(root / "file"));
   });
+}
+
+TEST(DurableRead, the_open_file_is_neither_inherited_nor_made_the_terminal) {
+  const TempDir root;
+  WriteFile(root / "file", "abc");
+  readFileToString(root / "file");
+  EXPECT_NE(0, interposed::Files().open_flags & O_CLOEXEC);
+  EXPECT_NE(0, interposed::Files().open_flags & O_NOCTTY);
 }
 
 TEST(DurableRead, no_file_stays_open) {

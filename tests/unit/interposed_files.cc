@@ -5,11 +5,13 @@
 #include "tests/unit/interposed_files.h"
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdarg>
 #include <cstring>
 
 #include "tests/doubles/platform.h"
@@ -67,6 +69,19 @@ int stat64(const char* path, struct stat64* status) noexcept {
   static auto* const next = reinterpret_cast<int (*)(const char*, struct stat64*)>(dlsym(RTLD_NEXT, "stat64"));
   doubles::Current().RecordCall(std::string("stat64(") + path + ")");
   return next(path, status);
+}
+
+int open(const char* path, int flags, ...) {
+  static auto* const next = reinterpret_cast<int (*)(const char*, int, ...)>(dlsym(RTLD_NEXT, "open"));
+  mode_t mode = 0;
+  if ((flags & O_CREAT) != 0) {
+    va_list arguments;
+    va_start(arguments, flags);
+    mode = va_arg(arguments, mode_t);
+    va_end(arguments);
+  }
+  interposed::Files().open_flags = flags;
+  return next(path, flags, mode);
 }
 
 ssize_t write(int file, const void* data, size_t size) {

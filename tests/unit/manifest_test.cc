@@ -204,6 +204,7 @@ TEST(Manifest, a_walker_that_cannot_be_made_answers_false_without_a_line) {
     EXPECT_TRUE(Holds(platform, Steps{}));
     EXPECT_FALSE(isAppCoBARelated(ManifestOf(MetadataElement(kCobaKey, "true")).get()));
     EXPECT_TRUE(Holds(platform, {CobaWalk({})}));
+    EXPECT_TRUE(platform.Calls("xmlTextReaderRead").empty());
   });
 }
 
