@@ -212,6 +212,20 @@ TEST(Duplicates, the_open_information_file_is_neither_inherited_nor_made_the_ter
   EXPECT_NE(0, interposed::Files().open_flags & O_NOCTTY);
 }
 
+TEST(Duplicates, the_descriptor_of_a_closed_standard_input_is_as_good_as_any) {
+  Fresh([](Platform&) {
+    const TempDir package;
+    const std::string dll = package / "A.dll";
+    WriteFile(dll, "MZ");
+    close(STDIN_FILENO);
+    const std::size_t before = support::NamesIn("/proc/self/fd").size();
+    errno = ELOOP;  // as a failure long before leaves it
+    removeFileAndLeaveInformationFile(kOrigin, dll);
+    EXPECT_EQ(InformationText(kOrigin, dll), support::ReadFile(dll + "_deleted"));
+    EXPECT_EQ(before, support::NamesIn("/proc/self/fd").size());
+  });
+}
+
 TEST(Duplicates, nothing_is_removed_when_the_origin_path_contains_the_read_write_root) {
   const char* origins[] = {"/opt/usr/globalapps/x/A.dll", "/mnt/opt/usr/globalapps/A.dll",
                            "/opt/usr/globalappsx/A.dll"};

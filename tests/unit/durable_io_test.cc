@@ -318,4 +318,15 @@ TEST(DurableRead, no_file_stays_open) {
   EXPECT_EQ(before, support::NamesIn("/proc/self/fd").size());
 }
 
+TEST(DurableRead, the_descriptor_of_a_closed_standard_input_is_as_good_as_any) {
+  support::InFreshProcess([] {
+    const TempDir root;
+    WriteFile(root / "file", "abc");
+    close(STDIN_FILENO);
+    const std::size_t before = support::NamesIn("/proc/self/fd").size();
+    EXPECT_EQ("abc", readFileToString(root / "file"));
+    EXPECT_EQ(before, support::NamesIn("/proc/self/fd").size());
+  });
+}
+
 }  // namespace
