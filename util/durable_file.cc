@@ -1,5 +1,6 @@
 // Whole files read, and replaced durably.
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -20,6 +21,19 @@ constexpr int kOpenErrorLine = 163;
 constexpr int kSaveFileLine = 173;
 constexpr int kSavedLine = 177;
 
+// The temporary file's name may be taken by what would take the text elsewhere: a file that has another name as well,
+// a pipe or a device. Such a thing is removed; what is left of an earlier write stays and is used again.
+void FreeTemporaryName(const std::string& path) {
+  struct stat status;
+  if (lstat(path.c_str(), &status) != 0) return;
+  if (!S_ISREG(status.st_mode) || status.st_nlink > 1) unlink(path.c_str());
+}
+
+bool IsFile(int file) {
+  struct stat status;
+  return fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+}
+
 }  // namespace
 
 void writeStringToFile(std::string dirPath, std::string fileName, std::string content) {
@@ -27,6 +41,7 @@ void writeStringToFile(std::string dirPath, std::string fileName, std::string co
   const std::string target = dirPath + fileName;
   if (!isRealPath(temporary) || !isRealPath(target)) return;
 
+  FreeTemporaryName(temporary);
   FILE* file = std::fopen(temporary.c_str(), "w+e");
   if (file == nullptr) {
     LOG_ERROR_AT(kOpenErrorLine, "Fail to write string to file - open error(%s)", std::strerror(errno));
@@ -46,6 +61,7 @@ std::string readFileToString(std::string path) {
   // Not blocking, so that a pipe in the file's place cannot hold up the caller.
   const UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
   std::string content;
+  if (!IsFile(file.get())) return content;
   std::array<char, 65536> buffer;
   ssize_t count = 0;
   while ((count = read(file.get(), buffer.data(), buffer.size())) > 0) {
