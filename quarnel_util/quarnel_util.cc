@@ -23,7 +23,9 @@ std::string WithoutTrailingSlash(std::string path) {
   return path;
 }
 
+// A name that holds a separator, or what begins the end marker of the loader's lists, would fall apart in them.
 bool IsAssemblyName(const std::string& name) {
+  if (name.find_first_of(":[") != std::string::npos) return false;
   const std::string suffix = ".dll";
   return name.size() >= suffix.size() && name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0;
 }
