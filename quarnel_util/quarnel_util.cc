@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "util/affix.h"
 #include "util/log.h"
 #include "util/package_records.h"
 
@@ -21,11 +22,6 @@ constexpr char kListSeparator = ':';
 std::string WithoutTrailingSlash(std::string path) {
   while (!path.empty() && path.back() == '/') path.pop_back();
   return path;
-}
-
-bool IsAssemblyName(const std::string& name) {
-  const std::string suffix = ".dll";
-  return name.size() >= suffix.size() && name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0;
 }
 
 // The names in `directory` that stand for assemblies, sorted by byte.

@@ -1,5 +1,6 @@
 // Whole files read, and replaced durably.
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -46,6 +47,8 @@ std::string readFileToString(std::string path) {
   // Not blocking, so that a pipe in the file's place cannot hold up the caller.
   const UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
   std::string content;
+  struct stat64 status;
+  if (fstat64(file.get(), &status) == 0) content.reserve(static_cast<std::size_t>(status.st_size));
   std::array<char, 65536> buffer;
   ssize_t count = 0;
   while ((count = read(file.get(), buffer.data(), buffer.size())) > 0) {
