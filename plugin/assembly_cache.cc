@@ -16,10 +16,7 @@
 
 namespace {
 
-constexpr const char* kCoreAssemblies = "/usr/share/dotnet.orvel/netcoreapp/";
-constexpr const char* kFrameworkAssemblies = "/usr/share/dotnet.orvel/framework/";
-constexpr const char* kDpcAssemblies = "/usr/share/dotnet.orvel/d.pc/";
-constexpr const char* kTvAppApiAssemblies = "/usr/share/dotnet.orvel/tvappapi/";
+constexpr const char* kPlatformRoot = "/usr/share/dotnet.orvel/";
 constexpr const char* kLibrarySuffix = "/lib/";
 
 // How many levels of directories are walked, the first one included.
@@ -39,6 +36,28 @@ bool IsLink(const std::string& path) {
 
 }  // namespace
 
+void CataloguePlatform(const std::string& platformRoot) {
+  scanFilesInDirExcludeSymlink(platformRoot + "netcoreapp/", Filler(coreFX), kDirectoryOnly);
+  scanFilesInDirExcludeSymlink(platformRoot + "framework/", Filler(orvelFX), kDirectoryOnly);
+  scanFilesInDirExcludeSymlink(platformRoot + "d.pc/", Filler(orvelFX), kWithSubdirectories);
+}
+
+void CatalogueTvAppApi(const std::string& platformRoot) {
+  scanFilesInDirExcludeSymlink(platformRoot + "tvappapi/", Filler(orvelFX), kDirectoryOnly);
+}
+
+void CatalogueSharedResources(const std::string& packageRoot) {
+  scanFilesInDirExcludeSymlink(packageRoot + kSharedResourceSuffix, Filler(coBA), kDirectoryOnly);
+}
+
+void CatalogueLibrary(const std::string& packageRoot) {
+  scanFilesInDirExcludeSymlink(packageRoot + kLibrarySuffix, Filler(appLib), kDirectoryOnly);
+}
+
+void VisitPackage(const std::string& packageRoot, const FileVisitor& visit) {
+  WalkFiles(packageRoot, visit, kWholePackage);
+}
+
 int gac(const std::string& pkgId) {
   FunctionEntryExitTracker tracker("int gac(const std::string&)", kLogSource.unit, __LINE__);
   // UPGRADE and REMOVED both end in INSTALL: the same package in a row has been dealt with.
@@ -51,12 +70,10 @@ int gac(const std::string& pkgId) {
   prevInstallPkgId = pkgId;
 
   // The order counts: a name keeps the path under which it is catalogued first.
-  scanFilesInDirExcludeSymlink(kCoreAssemblies, Filler(coreFX), kDirectoryOnly);
-  scanFilesInDirExcludeSymlink(kFrameworkAssemblies, Filler(orvelFX), kDirectoryOnly);
-  scanFilesInDirExcludeSymlink(kDpcAssemblies, Filler(orvelFX), kWithSubdirectories);
+  CataloguePlatform(kPlatformRoot);
   if (HasPlatformPrivilege(pkgId)) {
     LOG_DEBUG("This package has platform privilege. So add tvappapi path");
-    scanFilesInDirExcludeSymlink(kTvAppApiAssemblies, Filler(orvelFX), kDirectoryOnly);
+    CatalogueTvAppApi(kPlatformRoot);
   } else {
     LOG_DEBUG("This package does not have platform privilege. So skip tvappapi path");
   }
@@ -74,13 +91,13 @@ int gac(const std::string& pkgId) {
     LOG_ERROR("Symbolic link is detected : %s", pkgRoot.c_str());
     return 0;
   }
-  scanFilesInDirExcludeSymlink(pkgRoot + kLibrarySuffix, Filler(appLib), kDirectoryOnly);
+  CatalogueLibrary(pkgRoot);
 
   int result = 0;
-  const auto removeDuplicate = [&result](const std::string& path, const std::string& name) {
-    if (isUniqueDll(path, name) == 0) result = -1;
-  };
-  scanFilesInDirExcludeSymlink(pkgRoot, removeDuplicate, kWholePackage);
+  const PackageJudge packageJudge;
+  VisitPackage(pkgRoot, [&](const ListedFile& file) {
+    if (packageJudge.Judge(file) == 0) result = -1;
+  });
   return result;
 }
 
@@ -115,6 +132,6 @@ int cobaCallback(pkgmgrinfo_appinfo_h handle, void*) {
   char* root = nullptr;
   if (pkgmgrinfo_appinfo_get_root_path(handle, &root) != 0 || root == nullptr) return 1;
   LOG_DEBUG("Path : %s", root);
-  scanFilesInDirExcludeSymlink(std::string(root) + kSharedResourceSuffix, Filler(coBA), kDirectoryOnly);
+  CatalogueSharedResources(root);
   return 1;
 }

@@ -4,6 +4,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstring>
+#include <utility>
 
 #include "morvath/platform_utils.h"
 #include "plugin/log_source.h"
@@ -37,30 +39,69 @@ struct Span {
 
 // Where the first entry of `root` at or after `from` begins; npos when there is none.
 std::size_t FindEntry(const std::string& text, const std::string& root, std::size_t from) {
-  std::size_t pos = text.find(root, from);
-  while (pos != std::string::npos && (pos == 0 || (text[pos - 1] != ':' && text[pos - 1] != ']'))) {
-    pos = text.find(root, pos + 1);
+  while (from <= text.size()) {
+    const void* const match = memmem(text.data() + from, text.size() - from, root.data(), root.size());
+    if (match == nullptr) break;
+    const std::size_t pos = static_cast<std::size_t>(static_cast<const char*>(match) - text.data());
+    if (pos > 0 && (text[pos - 1] == ':' || text[pos - 1] == ']')) return pos;
+    from = pos + 1;
   }
-  return pos;
+  return std::string::npos;
 }
 
-// What goes with the entry at `pos`: the separator behind it, or, for the last entry, the one before it.
-Span SpanOfEntry(const std::string& text, std::size_t pos) {
-  const std::size_t separator = text.find(':', pos);
+// What goes with the entry at `pos`, behind which the next separator is at `separator`: that separator, or, for the
+// last entry, the one before it, if `before` is one.
+Span SpanOfEntry(const std::string& text, std::size_t pos, std::size_t separator, char before) {
   if (separator != std::string::npos) return {pos, separator + 1};
-  return {text[pos - 1] == ':' ? pos - 1 : pos, std::min(text.find('[', pos), text.size())};
+  return {before == ':' ? pos - 1 : pos, std::min(text.find('[', pos), text.size())};
 }
 
-void ReplaceCacheFile(const char* fileName, const std::string& text) {
+// For roots that hold neither a separator nor part of a marker: erasing an entry then neither makes nor undoes another,
+// so that one pass forward finds them all.
+CacheEdit EraseInOnePass(const std::string& text, const std::string& pkgRoot) {
+  CacheEdit edit;
+  edit.text.reserve(text.size());
+  std::size_t copied = 0;
+  std::size_t separator = 0;
+  std::size_t pos = 0;
+  while ((pos = FindEntry(text, pkgRoot, copied)) != std::string::npos) {
+    edit.text.append(text, copied, pos - copied);
+    if (separator != std::string::npos) separator = text.find(':', pos);
+    const Span span = SpanOfEntry(text, pos, separator, edit.text.back());
+    edit.erased.push_back(text.substr(span.begin, span.end - span.begin));
+    edit.text.resize(edit.text.size() - (pos - span.begin));
+    copied = span.end;
+  }
+  edit.text.append(text, copied);
+  return edit;
+}
+
+// For any root, erasing one entry after the other.
+CacheEdit EraseOneByOne(const std::string& text, const std::string& pkgRoot) {
+  CacheEdit edit{text, {}};
+  std::size_t from = 0;
+  std::size_t pos = 0;
+  while ((pos = FindEntry(edit.text, pkgRoot, from)) != std::string::npos) {
+    const Span span = SpanOfEntry(edit.text, pos, edit.text.find(':', pos), edit.text[pos - 1]);
+    if (span.begin == span.end) return {text, {}};
+    edit.erased.push_back(edit.text.substr(span.begin, span.end - span.begin));
+    edit.text.erase(span.begin, span.end - span.begin);
+    // What lies further back than this is as it was when it held no entry.
+    from = span.begin - std::min(span.begin, pkgRoot.size());
+  }
+  return edit;
+}
+
+void ReplaceCacheFile(const char* fileName, std::string text) {
   // The old file goes first: a failure to write leaves no cache file rather than an outdated one.
   removeFile(std::string(kCacheDirectory) + fileName);
-  writeStringToFile(kCacheDirectory, fileName, text);
+  writeStringToFile(kCacheDirectory, fileName, std::move(text));
 }
 
 bool RemoveFromFile(const char* fileName, const std::string& pkgRoot) {
   std::string cacheText;
   const bool erased = readCacheAndRemovePkg(std::string(kCacheDirectory) + fileName, pkgRoot, cacheText);
-  if (erased && !cacheText.empty()) ReplaceCacheFile(fileName, cacheText);
+  if (erased && !cacheText.empty()) ReplaceCacheFile(fileName, std::move(cacheText));
   return erased;
 }
 
@@ -72,39 +113,29 @@ std::string TextWithoutPackage(const char* fileName, const std::string& pkgRoot)
 }
 
 void AddAssemblies(const std::string& pkgRoot, const std::string& sharedResources) {
-  const std::string cacheText = TextWithoutPackage(kTpaFile, pkgRoot);
+  std::string cacheText = TextWithoutPackage(kTpaFile, pkgRoot);
   if (cacheText.empty()) return;
   std::string assemblies;
   addAssembliesFromDirectories({getAbsolutePath(sharedResources)}, assemblies);
   // Without assemblies the file is not rewritten, and what it held of the package stays.
-  if (!assemblies.empty()) ReplaceCacheFile(kTpaFile, AppendEntries(cacheText, assemblies));
+  if (!assemblies.empty()) ReplaceCacheFile(kTpaFile, AppendEntries(std::move(cacheText), assemblies));
 }
 
 void AddSharedResources(const std::string& pkgRoot, const std::string& sharedResources) {
-  const std::string cacheText = TextWithoutPackage(kCobaFile, pkgRoot);
-  if (!cacheText.empty()) ReplaceCacheFile(kCobaFile, AppendEntries(cacheText, sharedResources));
+  std::string cacheText = TextWithoutPackage(kCobaFile, pkgRoot);
+  if (!cacheText.empty()) ReplaceCacheFile(kCobaFile, AppendEntries(std::move(cacheText), sharedResources));
 }
 
 }  // namespace
 
 CacheEdit EraseEntries(const std::string& text, const std::string& pkgRoot) {
-  CacheEdit edit{text, {}};
-  std::size_t from = 0;
-  std::size_t pos = 0;
-  while ((pos = FindEntry(edit.text, pkgRoot, from)) != std::string::npos) {
-    const Span span = SpanOfEntry(edit.text, pos);
-    if (span.begin == span.end) return {text, {}};
-    edit.erased.push_back(edit.text.substr(span.begin, span.end - span.begin));
-    edit.text.erase(span.begin, span.end - span.begin);
-    // What lies further back than this is as it was when it held no entry.
-    from = span.begin - std::min(span.begin, pkgRoot.size());
-  }
-  return edit;
+  const bool plain = !pkgRoot.empty() && pkgRoot.find_first_of(":[]") == std::string::npos;
+  return plain ? EraseInOnePass(text, pkgRoot) : EraseOneByOne(text, pkgRoot);
 }
 
-std::string AppendEntries(const std::string& text, const std::string& entries) {
-  const std::size_t kept = text.size() < kEndMarkerLength ? text.size() : text.size() - kEndMarkerLength;
-  return text.substr(0, kept) + kSeparator + entries + kEndMarker;
+std::string AppendEntries(std::string text, const std::string& entries) {
+  if (text.size() >= kEndMarkerLength) text.resize(text.size() - kEndMarkerLength);
+  return std::move(text.append(kSeparator).append(entries).append(kEndMarker));
 }
 
 bool readCacheAndRemovePkg(std::string cachePath, std::string pkgRoot, std::string& cacheText) {

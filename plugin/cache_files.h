@@ -21,7 +21,7 @@ CacheEdit EraseEntries(const std::string& text, const std::string& pkgRoot);
 
 // A cache text with `entries` (":"-separated) put before the end marker, whose place, the last five characters, is
 // taken unseen.
-std::string AppendEntries(const std::string& text, const std::string& entries);
+std::string AppendEntries(std::string text, const std::string& entries);
 
 // Reads the cache file into `cacheText` and erases the entries of `pkgRoot` from the text; the file stays as it is.
 // True when an entry was erased. A file that cannot be accessed leaves `cacheText` untouched.

@@ -5,34 +5,39 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <boost/filesystem/operations.hpp>
 #include <cerrno>
 #include <cstdio>
-#include <map>
+#include <string>
 
 #include "morvath/platform_utils.h"
 #include "plugin/catalogues.h"
+#include "plugin/duplicate_policy.h"
 #include "plugin/log_source.h"
 #include "quarnel_util/quarnel_util.h"
+#include "util/affix.h"
+#include "util/directory_walk.h"
 #include "util/read_write_area.h"
 #include "util/unique_fd.h"
 
 namespace {
 
-constexpr const char* kAssemblySuffix = ".dll";
-constexpr const char* kDpcDirectory = "/d.pc/";
 constexpr const char* kInformationFileSuffix = "_deleted";
 
-using Catalogue = std::map<std::string, std::string>;
-
-// The first catalogue, in the order of precedence, that holds `name`; null when none does.
-const Catalogue* CatalogueOf(const std::string& name) {
-  const std::array<const Catalogue*, 4> byPrecedence = {&coreFX, &orvelFX, &coBA, &appLib};
-  for (const Catalogue* catalogue : byPrecedence) {
-    if (isExistInList(*catalogue, name)) return catalogue;
+// The catalogued path that decides about files called `name`; null when there is none.
+const std::string* FindOrigin(const std::string& name) {
+  for (const auto* catalogue : CataloguesByPrecedence()) {
+    if (isExistInList(*catalogue, name)) return &catalogue->at(name);
   }
   return nullptr;
+}
+
+// isUniqueDll for what is known to be a DLL and no link.
+int JudgeRealDll(const std::string& path, const std::string& name) {
+  const std::string* const origin = FindOrigin(name);
+  if (origin == nullptr || !isDuplicatedDll(*origin, path)) return 1;
+  removeFileAndLeaveInformationFile(*origin, path);
+  return 0;
 }
 
 // May the information file's text go into what stands at its name? Not into what is known under another name as well,
@@ -72,13 +77,20 @@ void LeaveInformationFile(const std::string& origin, const std::string& duplicat
 }  // namespace
 
 int isUniqueDll(const std::string& path, const std::string& name) {
-  if (!endWith(path, kAssemblySuffix) || !isRealPath(path)) return 1;
-  const Catalogue* catalogue = CatalogueOf(name);
-  if (catalogue == nullptr) return 1;
-  const std::string& origin = catalogue->at(name);
-  if (!isDuplicatedDll(origin, path)) return 1;
-  removeFileAndLeaveInformationFile(origin, path);
-  return 0;
+  if (!IsAssemblyName(path) || !isRealPath(path)) return 1;
+  return JudgeRealDll(path, name);
+}
+
+PackageJudge::PackageJudge() {
+  for (const auto* catalogue : CataloguesByPrecedence()) {
+    for (const auto& [name, path] : *catalogue) catalogued_.Add(name);
+  }
+}
+
+int PackageJudge::Judge(const ListedFile& file) const {
+  if (!IsAssemblyName(file.name())) return 1;
+  if (!file.regular()) return isUniqueDll(file.path(), std::string(file.name()));
+  return catalogued_.MayHold(file.name()) ? JudgeRealDll(file.path(), std::string(file.name())) : 1;
 }
 
 bool isDuplicatedDll(const std::string& origin, const std::string& duplicated) {
@@ -103,7 +115,7 @@ bool isDuplicatedDll(const std::string& origin, const std::string& duplicated) {
 
 bool isDPCDll(const std::string& path) {
   FunctionEntryExitTracker tracker("bool isDPCDll(const std::string&)", kLogSource.unit, __LINE__);
-  if (path.find(kDpcDirectory) == std::string::npos) return false;
+  if (!IsOnDpcPath(path)) return false;
   LOG_DEBUG("Is DPC DLL %s\n", path.c_str());
   return true;
 }

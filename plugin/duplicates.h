@@ -1,4 +1,5 @@
-// The duplicate policy: is a file of a package a duplicate of a catalogued one, and what becomes of it if so.
+// Duplicates dealt with: a file of a package is judged by the catalogues, reported and removed. What makes a duplicate
+// is in duplicate_policy.
 #ifndef PLUGIN_DUPLICATES_H_
 #define PLUGIN_DUPLICATES_H_
 
@@ -6,10 +7,24 @@
 #include <string>
 
 #include "morvath/export.h"
+#include "plugin/name_filter.h"
+#include "util/directory_walk.h"
 
 // Judges the file `path` with bare name `name` by the catalogues. Returns 1 when it is kept; 0 when it is a duplicate
 // and its removal was attempted.
 ORVEL_EXPORT int isUniqueDll(const std::string& path, const std::string& name);
+
+// isUniqueDll for the files of one walk, during which the catalogues stay as they are. Asks neither the file system for
+// what the listing tells already, nor the catalogues for names that none of them holds.
+class PackageJudge {
+ public:
+  PackageJudge();
+  // Does what isUniqueDll would do for the file, and returns what it would return.
+  int Judge(const ListedFile& file) const;
+
+ private:
+  NameFilter catalogued_;
+};
 
 // Is the file `duplicated` a duplicate that must go, `origin` being the catalogued copy? Not when both are the same
 // path, nor when either lies on a DPC path. A duplicate is reported in the log and on standard error.

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "util/affix.h"
 #include "util/log.h"
 #include "util/package_records.h"
 
@@ -24,11 +25,7 @@ std::string WithoutTrailingSlash(std::string path) {
 }
 
 // A name that holds a separator, or what begins the end marker of the loader's lists, would fall apart in them.
-bool IsAssemblyName(const std::string& name) {
-  if (name.find_first_of(":[") != std::string::npos) return false;
-  const std::string suffix = ".dll";
-  return name.size() >= suffix.size() && name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0;
-}
+bool CanBeListed(const std::string& name) { return name.find_first_of(":[") == std::string::npos; }
 
 // The names in `directory` that stand for assemblies, sorted by byte.
 std::vector<std::string> AssemblyNames(const fs::path& directory) {
@@ -37,7 +34,8 @@ std::vector<std::string> AssemblyNames(const fs::path& directory) {
   for (fs::directory_iterator entry(directory, error), end; !error && entry != end; entry.increment(error)) {
     boost::system::error_code unreadable;
     std::string name = entry->path().filename().string();
-    if (IsAssemblyName(name) && fs::is_regular_file(entry->path(), unreadable)) names.push_back(std::move(name));
+    if (!IsAssemblyName(name) || !CanBeListed(name)) continue;
+    if (fs::is_regular_file(entry->path(), unreadable)) names.push_back(std::move(name));
   }
   std::sort(names.begin(), names.end());
   return names;

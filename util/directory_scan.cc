@@ -1,13 +1,18 @@
-// The two directory walkers.
+// The walk over files and the two directory walkers.
 #include <dirent.h>
 #include <sys/stat.h>
 
+#include <cerrno>
+#include <climits>
 #include <memory>
+#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "morvath/platform_utils.h"
 #include "quarnel_util/quarnel_util.h"
+#include "util/directory_walk.h"
 #include "util/log.h"
 
 namespace {
@@ -17,9 +22,25 @@ constexpr LogSource kLogSource{kUtilityTag, "platform_utils"};
 constexpr const char* kAssemblyCacheLinks = ".sac_symlink";
 
 struct CloseDirectory {
-  void operator()(DIR* directory) const { closedir(directory); }
+  void operator()(DIR* listing) const { closedir(listing); }
 };
-using Directory = std::unique_ptr<DIR, CloseDirectory>;
+using Listing = std::unique_ptr<DIR, CloseDirectory>;
+
+Listing OpenListing(const std::string& path) { return Listing(opendir(path.c_str())); }
+
+struct Directory {
+  Listing listing;
+  bool searchable;  // its entries can be reached by path
+};
+
+// A directory that may be listed need not let anybody reach its entries. Going through "." asks for that as well, in
+// the one call that opens it.
+Directory OpenDirectory(const std::string& path) {
+  if (path.empty()) return {nullptr, false};
+  Listing listing = OpenListing(path + "/.");
+  if (listing != nullptr || (errno != EACCES && errno != ENAMETOOLONG)) return {std::move(listing), true};
+  return {OpenListing(path), false};
+}
 
 bool IsDotOrDotDot(std::string_view name) { return name == "." || name == ".."; }
 
@@ -36,54 +57,81 @@ bool LeadsToFileOrDirectory(const std::string& path) {
   return stat64(path.c_str(), &status) == 0 && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
 }
 
-void ScanSubdirectory(const std::string& path, const FileReader& reader, unsigned int depth);
+bool IsAmongCacheLinks(const std::string& path) { return path.find(kAssemblyCacheLinks) != std::string::npos; }
 
-void ScanOpened(const Directory& directory, const std::string& path, const FileReader& reader, unsigned int depth) {
+// `directory` with what concatPath puts between it and an entry's name.
+std::string WithJoint(const std::string& directory) {
+  const std::string anyName = "x";
+  std::string joined = concatPath(directory, anyName);
+  joined.resize(joined.size() - anyName.size());
+  return joined;
+}
+
+void WalkSubdirectory(const std::string& path, FileVisitor visit, unsigned int depth);
+
+void WalkOpened(const Directory& directory, const std::string& path, const FileVisitor& visit, unsigned int depth) {
+  std::string place = WithJoint(path);
   std::vector<std::string> subdirectories;
-  while (const dirent64* entry = readdir64(directory.get())) {
-    const std::string name = entry->d_name;
-    const std::string fullPath = concatPath(path, name);
+  while (const dirent64* entry = readdir64(directory.listing.get())) {
+    const std::string_view name = entry->d_name;
+    const bool reachable = directory.searchable && place.size() + name.size() < PATH_MAX;
+    const ListedFile file(place, name, entry->d_type == DT_REG && reachable);
     switch (entry->d_type) {
       case DT_REG:
-        reader(fullPath, name);
+        visit(file);
         break;
       case DT_LNK:
       case DT_UNKNOWN:
-        if (LeadsToFileOrDirectory(fullPath)) reader(fullPath, name);
+        if (LeadsToFileOrDirectory(file.path())) visit(file);
         break;
       case DT_DIR:
-        if (depth >= 2 && !IsDotOrDotDot(name)) subdirectories.push_back(fullPath);
+        if (depth >= 2 && !IsDotOrDotDot(name)) subdirectories.push_back(file.path());
         break;
       default:
         break;
     }
   }
-  for (const std::string& subdirectory : subdirectories) ScanSubdirectory(subdirectory, reader, depth - 1);
+  for (const std::string& subdirectory : subdirectories) WalkSubdirectory(subdirectory, visit, depth - 1);
 }
 
-bool IsAmongCacheLinks(const std::string& path) { return path.find(kAssemblyCacheLinks) != std::string::npos; }
-
 // Between the listing and now a stranger may have put a link in the directory's place.
-void ScanSubdirectory(const std::string& path, const FileReader& reader, unsigned int depth) {
+void WalkSubdirectory(const std::string& path, FileVisitor visit, unsigned int depth) {
   if (IsAmongCacheLinks(path)) return;
-  const Directory directory(opendir(path.c_str()));
-  if (directory != nullptr && StandsAt(path, directory.get())) ScanOpened(directory, path, reader, depth);
+  const Directory directory = OpenDirectory(path);
+  if (directory.listing != nullptr && StandsAt(path, directory.listing.get())) {
+    WalkOpened(directory, path, visit, depth);
+  }
 }
 
 }  // namespace
 
-void scanFilesInDirExcludeSymlink(const std::string& path, FileReader reader, unsigned int depth) {
+ListedFile::ListedFile(std::string& directory, std::string_view name, bool regular)
+    : directory_(directory), directoryLength_(directory.size()), name_(name), regular_(regular) {}
+
+ListedFile::~ListedFile() { directory_.resize(directoryLength_); }
+
+const std::string& ListedFile::path() const {
+  if (directory_.size() == directoryLength_) directory_ += name_;
+  return directory_;
+}
+
+void WalkFiles(const std::string& path, FileVisitor visit, unsigned int depth) {
   if (IsAmongCacheLinks(path)) return;
-  const Directory directory(opendir(path.c_str()));
-  if (directory != nullptr) ScanOpened(directory, path, reader, depth);
+  const Directory directory = OpenDirectory(path);
+  if (directory.listing != nullptr) WalkOpened(directory, path, visit, depth);
+}
+
+void scanFilesInDirExcludeSymlink(const std::string& path, FileReader reader, unsigned int depth) {
+  auto read = [reader = std::move(reader)](const ListedFile& file) { reader(file.path(), std::string(file.name())); };
+  WalkFiles(path, std::move(read), depth);
 }
 
 void scanDirsInDirectory(const std::string& path, FileReader reader) {
   FunctionEntryExitTracker tracker("void scanDirsInDirectory(const std::string&, FileReader)", kLogSource.unit,
                                    __LINE__);
-  const Directory directory(opendir(path.c_str()));
-  if (directory == nullptr) return;
-  while (const dirent64* entry = readdir64(directory.get())) {
+  const Listing listing = OpenListing(path);
+  if (listing == nullptr) return;
+  while (const dirent64* entry = readdir64(listing.get())) {
     if (entry->d_type != DT_DIR || IsDotOrDotDot(entry->d_name)) continue;
     reader(concatPath(path, entry->d_name), entry->d_name);
   }

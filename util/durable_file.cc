@@ -29,11 +29,6 @@ void FreeTemporaryName(const std::string& path) {
   if (!S_ISREG(status.st_mode) || status.st_nlink > 1) unlink(path.c_str());
 }
 
-bool IsFile(int file) {
-  struct stat status;
-  return fstat(file, &status) == 0 && S_ISREG(status.st_mode);
-}
-
 }  // namespace
 
 void writeStringToFile(std::string dirPath, std::string fileName, std::string content) {
@@ -61,7 +56,9 @@ std::string readFileToString(std::string path) {
   // Not blocking, so that a pipe in the file's place cannot hold up the caller.
   const UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
   std::string content;
-  if (!IsFile(file.get())) return content;
+  struct stat64 status;
+  if (fstat64(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return content;
+  content.reserve(static_cast<std::size_t>(status.st_size));
   std::array<char, 65536> buffer;
   ssize_t count = 0;
   while ((count = read(file.get(), buffer.data(), buffer.size())) > 0) {

@@ -13,7 +13,9 @@ std::string BaseName(const std::string& path) { return path.substr(path.rfind('/
 
 FunctionEntryExitTracker::FunctionEntryExitTracker(const char* signature, const char* filePath, int line)
     : signature_(signature), fileName_(BaseName(filePath)), filePath_(filePath), line_(line) {
-  label_ = fileName_ + "(" + std::to_string(line_) + ") " + signature_;
+  const std::string line_text = std::to_string(line_);
+  label_.reserve(fileName_.size() + line_text.size() + signature_.size() + 3);
+  label_.append(fileName_).append("(").append(line_text).append(") ").append(signature_);
   LOG_TRACE(" +DotNETLog:%s", label_.c_str());
   trace_begin(label_.c_str());
 }

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 
+#include "util/affix.h"
 #include "util/log.h"
 
 namespace {
@@ -38,6 +39,4 @@ bool startWith(const std::string& str, const std::string& prefix) {
   return str.size() >= prefix.size() && str.compare(0, prefix.size(), prefix) == 0;
 }
 
-bool endWith(const std::string& str, const std::string& suffix) {
-  return str.size() >= suffix.size() && str.compare(str.size() - suffix.size(), suffix.size(), suffix) == 0;
-}
+bool endWith(const std::string& str, const std::string& suffix) { return HasSuffix(str, suffix); }

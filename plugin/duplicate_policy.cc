@@ -1,0 +1,34 @@
+// The duplicate policy.
+#include "plugin/duplicate_policy.h"
+
+#include "plugin/catalogues.h"
+#include "util/affix.h"
+#include "util/read_write_area.h"
+
+namespace {
+
+constexpr const char* kDpcDirectory = "/d.pc/";
+
+const std::string* OriginOf(const std::string& name) {
+  for (const auto* catalogue : CataloguesByPrecedence()) {
+    const auto entry = catalogue->find(name);
+    if (entry != catalogue->end()) return &entry->second;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+std::array<const std::map<std::string, std::string>*, 4> CataloguesByPrecedence() {
+  return {&coreFX, &orvelFX, &coBA, &appLib};
+}
+
+bool IsOnDpcPath(const std::string& path) { return path.find(kDpcDirectory) != std::string::npos; }
+
+Judgement Judge(const std::string& path, const std::string& name) {
+  const std::string* const origin = IsAssemblyName(path) ? OriginOf(name) : nullptr;
+  if (origin == nullptr || *origin == path || IsOnDpcPath(*origin) || IsOnDpcPath(path)) {
+    return {Verdict::kKept, origin};
+  }
+  return {IsInReadWriteArea(*origin) ? Verdict::kReportedOnly : Verdict::kRemoved, origin};
+}

@@ -1,0 +1,15 @@
+// Comparisons of the ends of texts, whatever holds them.
+#ifndef UTIL_AFFIX_H_
+#define UTIL_AFFIX_H_
+
+#include <string_view>
+
+// Does `text` end with `suffix`, byte for byte? An empty suffix always matches.
+inline bool HasSuffix(std::string_view text, std::string_view suffix) {
+  return text.size() >= suffix.size() && text.substr(text.size() - suffix.size()) == suffix;
+}
+
+// Is this the name, or the path, of an assembly? Case counts.
+inline bool IsAssemblyName(std::string_view name) { return HasSuffix(name, ".dll"); }
+
+#endif
