@@ -30,8 +30,9 @@ coverage: packages
 	cmake --build --preset coverage --parallel $(JOBS) --target unit_tests
 	scripts/coverage.sh build/coverage
 
-# What the unit tests notice of changes to plugin/ and util/ (an hour or so).
+# What the unit tests notice of changes to plugin/ and util/ (half an hour or so).
 mutation: packages
+	@scripts/install-packages.sh scripts/mutation-packages.txt
 	scripts/mutation.py
 
 # What the plug-in costs beside lean programs that do the same work (some ten minutes), and beside what a person would

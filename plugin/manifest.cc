@@ -70,7 +70,7 @@ bool HoldsCobaEntry(const Reader& reader, std::string_view name) {
   if (name != "metadata") return false;
   const Text key = Attribute(reader, "key");
   const Text value = Attribute(reader, "value");
-  if (key == nullptr || value == nullptr) return false;
+  // An attribute that is not there is a null text, which no key matches.
   Metadata entry{AsChars(key.get()), AsChars(value.get())};
   return isCobaKey(&entry);
 }
