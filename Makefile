@@ -1,5 +1,5 @@
 # The commands of everyday work. Each installs what is missing first; CMakePresets.json holds the builds.
-.PHONY: build test test-heavy demo coverage mutation lint format sanitize clean packages lint-packages
+.PHONY: build test test-heavy demo bench bench-compare bench-programs coverage mutation lint format sanitize clean packages lint-packages
 
 JOBS ?= $(shell nproc)
 
@@ -34,6 +34,19 @@ coverage: packages
 mutation: packages
 	@scripts/install-packages.sh scripts/mutation-packages.txt
 	scripts/mutation.py
+
+# What the plug-in costs beside lean programs that do the same work (some ten minutes), and beside what a person would
+# use to find duplicates by name.
+bench: bench-programs
+	bench/run.py build/release build/bench
+
+bench-compare: bench-programs
+	bench/compare.py build/release build/bench
+
+bench-programs: packages
+	@scripts/install-packages.sh scripts/bench-packages.txt
+	cmake --preset release
+	cmake --build --preset release --parallel $(JOBS) --target bench_programs
 
 lint: packages lint-packages
 	cmake --preset clang

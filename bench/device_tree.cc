@@ -27,7 +27,8 @@ std::string Numbered(const std::string& front, int number, const std::string& en
 
 std::string PlatformName(int number) { return Numbered("Orvel.Platform.Assembly", number, ".dll"); }
 
-void WriteEmpty(const fs::path& path) { std::ofstream{path}; }
+// Files of one name have the same content, for those who compare that.
+void WriteFile(const fs::path& path) { std::ofstream(path) << path.filename().string(); }
 
 fs::path Below(const fs::path& root, const std::string& device_path) { return root / device_path.substr(1); }
 
@@ -36,7 +37,7 @@ void MakePlatform(const fs::path& root, int assemblies) {
   for (const PlatformDirectory& directory : kPlatform) {
     const fs::path path = Below(root, std::string("/usr/share/dotnet.orvel/") + directory.path);
     fs::create_directories(path);
-    for (int left = assemblies * directory.percent / 100; left > 0; --left) WriteEmpty(path / PlatformName(number++));
+    for (int left = assemblies * directory.percent / 100; left > 0; --left) WriteFile(path / PlatformName(number++));
   }
 }
 
@@ -45,7 +46,7 @@ void MakeCobaPackages(const fs::path& root) {
     const fs::path path = Below(root, CobaRoot(package) + kSharedResources);
     fs::create_directories(path);
     for (int file = 0; file < 4; ++file) {
-      WriteEmpty(path / Numbered("Orvel.Component" + std::to_string(package) + ".", file, ".dll"));
+      WriteFile(path / Numbered("Orvel.Component" + std::to_string(package) + ".", file, ".dll"));
     }
   }
 }
@@ -87,9 +88,9 @@ void MakePackage(const fs::path& root, const TreeShape& shape) {
   for (int file = 0; file < shape.files - shape.duplicates; ++file) {
     const bool assembly = file * 37 % 100 < shape.assembly_percent;
     const std::string name = Numbered("Org.Example.Module", file, assembly ? ".dll" : ".json");
-    WriteEmpty(Below(root, directories[static_cast<std::size_t>(file) % directories.size()]) / name);
+    WriteFile(Below(root, directories[static_cast<std::size_t>(file) % directories.size()]) / name);
   }
-  for (const std::string& path : Duplicates(shape, directories)) WriteEmpty(Below(root, path));
+  for (const std::string& path : Duplicates(shape, directories)) WriteFile(Below(root, path));
 }
 
 }  // namespace
@@ -109,7 +110,7 @@ void MakeTree(const fs::path& root, const TreeShape& shape) {
 
 void Restore(const fs::path& root, const TreeShape& shape) {
   for (const std::string& path : Duplicates(shape, Directories(shape))) {
-    WriteEmpty(Below(root, path));
+    WriteFile(Below(root, path));
     fs::remove(Below(root, path + "_deleted"));
   }
 }

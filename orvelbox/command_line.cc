@@ -15,8 +15,9 @@ constexpr const char* kDescription =
     "plug-in, and tells what the plug-in did to them.";
 
 constexpr const char* kFooter =
-    "A package is a directory with an orvel-manifest.xml in it. A device is a directory too: --device, else\n"
-    "$ORVELBOX_DEVICE, else orvelbox/device in the XDG state directory. Begin with: orvelbox init\n"
+    "A package is a directory with an orvel-manifest.xml in it, or a zip archive of one (.opk). A device is a\n"
+    "directory too: --device, else $ORVELBOX_DEVICE, else orvelbox/device in the XDG state directory. Begin with:\n"
+    "orvelbox init\n"
     "Exit status: 0 done, 1 the operation failed, 2 wrong usage.";
 
 void AddGlobalOptions(CLI::App& app, Options& options) {
@@ -35,7 +36,7 @@ CLI::App* AddCommand(CLI::App& app, Options& options, const std::string& name, c
 
 void AddTargetCommand(CLI::App& app, Options& options, const std::string& name, const std::string& target,
                       const std::string& description) {
-  const char* meaning = target == "DIR" ? "The directory of the package" : "The package id";
+  const char* meaning = target == "PACKAGE" ? "The directory or the .opk archive of the package" : "The package id";
   AddCommand(app, options, name, description)->add_option(target, options.target, meaning)->required();
 }
 
@@ -44,8 +45,8 @@ void AddChangingCommands(CLI::App& app, Options& options) {
       ->add_option("--platform", options.platform,
                    "Copy the platform's assemblies (netcoreapp/ framework/ d.pc/ tvappapi/) from DIR")
       ->type_name("DIR");
-  AddTargetCommand(app, options, "install", "DIR", "Install a package: INSTALL, then CLEAN");
-  AddTargetCommand(app, options, "upgrade", "DIR", "Upgrade an installed package: UPGRADE, then CLEAN");
+  AddTargetCommand(app, options, "install", "PACKAGE", "Install a package: INSTALL, then CLEAN");
+  AddTargetCommand(app, options, "upgrade", "PACKAGE", "Upgrade an installed package: UPGRADE, then CLEAN");
   AddTargetCommand(app, options, "uninstall", "PKG", "Uninstall a package: UNINSTALL, then CLEAN");
   for (const PackageEvent& event : PackageEvents()) {
     AddTargetCommand(app, options, event.command, "PKG", event.explanation);

@@ -24,7 +24,7 @@ struct Options {
   std::string trace;   // --trace; empty: as the environment says
   std::string command;
   std::string platform;          // init
-  std::string target;            // DIR or PKG
+  std::string target;            // PACKAGE or PKG
   std::vector<RawEvent> events;  // events
   LogFilter log_filter;          // log
   bool follow = false;           // log

@@ -6,6 +6,7 @@
 
 #include "orvelbox/observation.h"
 #include "orvelbox/output.h"
+#include "orvelbox/package_source.h"
 #include "orvelbox/report.h"
 #include "orvelbox/tree.h"
 
@@ -100,10 +101,15 @@ int Log(const Options& options) {
   return kDone;
 }
 
+int ChangeWithPackage(const Session& session, const fs::path& package, int (*change)(const Session&, const fs::path&)) {
+  const Scratch scratch{session.area().Unpacking(), [&] { session.area().RemoveUnpacked(); }};
+  return WithPackage(package, scratch, [&](const fs::path& directory) { return change(session, directory); });
+}
+
 int RunChange(const Options& options) {
   const Session session(SettingsOf(options));
-  if (options.command == "install") return Install(session, options.target);
-  if (options.command == "upgrade") return Upgrade(session, options.target);
+  if (options.command == "install") return ChangeWithPackage(session, options.target, Install);
+  if (options.command == "upgrade") return ChangeWithPackage(session, options.target, Upgrade);
   if (options.command == "uninstall") return Uninstall(session, options.target);
   if (options.command == "events") return RunRawEvents(session, options.events);
   const auto& events = PackageEvents();

@@ -1,6 +1,6 @@
 // Reads the manifest of a package directory. What is registered or copied because of it is decided elsewhere.
 //
-// A package, in this version, is a directory with an `orvel-manifest.xml` in its root:
+// A package is a directory, or an archive of it (archive.h), with an `orvel-manifest.xml` in its root:
 //
 //   <manifest package="org.example.app" version="1.2.0" type="opk" mainapp="org.example.app.main">
 //     <ui-application appid="org.example.app.main" exec="App.dll" type="dotnet-inhouse">

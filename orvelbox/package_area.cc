@@ -12,6 +12,9 @@ namespace fs = std::filesystem;
 namespace orvelbox {
 namespace {
 
+// In the staging area; no package id begins with ".".
+constexpr const char* kUnpacked = ".unpacked";
+
 // The names of what lies in `directory`; none when there is no such directory.
 std::vector<std::string> NamesIn(const fs::path& directory) {
   std::vector<std::string> names;
@@ -36,6 +39,8 @@ fs::path PackageArea::Place(const host::Package& package) const { return device_
 
 fs::path PackageArea::StagingArea() const { return device_.OnDesk(root_) / ".staging"; }
 
+fs::path PackageArea::Unpacking() const { return Staging(kUnpacked); }
+
 fs::path PackageArea::PreviousArea() const { return device_.OnDesk(root_) / ".previous"; }
 
 fs::path PackageArea::Staging(const std::string& package_id) const { return StagingArea() / package_id; }
@@ -55,9 +60,12 @@ void PackageArea::RemoveStaged(const std::string& package_id) const {
   RemoveIfEmpty(StagingArea());
 }
 
+void PackageArea::RemoveUnpacked() const { RemoveStaged(kUnpacked); }
+
 void PackageArea::Stage(const fs::path& source, const std::string& package_id) const {
   MakeDirectory(StagingArea());
-  Attempt([&] { CopyTree(source, Staging(package_id)); }, [&] { RemoveStaged(package_id); });
+  const auto stage = source == Unpacking() ? Move : CopyTree;
+  Attempt([&] { stage(source, Staging(package_id)); }, [&] { RemoveStaged(package_id); });
 }
 
 // Takes the tree out of its place in one step; RemoveStaged then takes its time.

@@ -28,6 +28,11 @@ class PackageArea {
   // Where the package's tree stands on the desk.
   std::filesystem::path Place(const host::Package& package) const;
 
+  // Where a package may be unpacked before Add or Replace take it from there; RemoveUnpacked removes it,
+  // and Mend after a killed run.
+  std::filesystem::path Unpacking() const;
+  void RemoveUnpacked() const;
+
   // Puts a copy of `source` in place and registers `package` (PlacedAt its root). Leaves nothing when it fails.
   void Add(const std::filesystem::path& source, const host::Package& package) const;
   // Takes the package's tree and record away.
