@@ -174,7 +174,7 @@ def report(mutants, verdicts, known):
     for name, row in [*counts.items(), ("all", total)]:
         print(f"{name:28}" + "".join(f"{row[column]:12}" for column in columns))
     valid = total["killed"] + total["survived"]
-    share = 100 * total["killed"] / valid if valid else 0
+    share = 100 * total["killed"] / valid if valid else 100
     print(f"{total['killed']} of {valid} mutants killed ({share:.1f} %), {total['equivalent']} known to be equivalent, "
           f"{total['invalid']} that do not compile")
     return share
