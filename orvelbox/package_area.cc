@@ -219,6 +219,7 @@ std::vector<std::string> PackageArea::Mend() const {
     RemoveStaged(id);
     mended.push_back("mended " + id + ": the files that an interrupted command left behind were removed");
   }
+  for (const fs::path& area : {PreviousArea(), StagingArea()}) RemoveIfEmpty(area);
   for (const std::string& id : Unplaced()) {
     Forget(id);
     mended.push_back("mended " + id + ": its files are gone, so it is no longer installed");

@@ -61,12 +61,14 @@ void PendingNote::Decide() const {
   if (IsThere(Directory())) Move(Directory() / kBegun, Directory() / kDecided);
 }
 
+// The copies themselves go there: that takes one step each, and no disk space. A copy that is gone has done its work.
 void PendingNote::RestoreCaches() const {
-  Snapshot before;
-  for (const auto& [name, text] : {std::pair("TPA.txt", &before.tpa), std::pair("CoBA.txt", &before.coba)}) {
-    if (IsThere(Directory() / name)) *text = host::ReadFile(Directory() / name);
+  for (const char* name : kCacheNames) {
+    const fs::path copy = Directory() / name;
+    if (IsThere(copy) && ReadCache(device_, name) != host::ReadFile(copy)) {
+      Move(copy, device_.OnDesk(host::kCacheDirectory) / name);
+    }
   }
-  orvelbox::RestoreCaches(device_, before);
 }
 
 void PendingNote::End() const {

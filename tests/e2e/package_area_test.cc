@@ -174,6 +174,14 @@ TEST_F(PackageAreaTest, a_note_that_was_not_completed_says_nothing) {
   EXPECT_FALSE(support::IsThere(device_.directory / "pending.new"));
 }
 
+TEST_F(PackageAreaTest, empty_directories_on_the_way_are_removed_without_a_word) {
+  Install("1");
+  std::filesystem::create_directory(Installed(".staging"));
+  std::filesystem::create_directory(Installed(".previous"));
+  EXPECT_THAT(area_.Mend(), IsEmpty());
+  ExpectInPlace("1");
+}
+
 TEST_F(PackageAreaTest, a_damaged_note_is_named) {
   support::WriteFile(device_.directory / "pending/begun", "something a");
   try {
