@@ -2,6 +2,7 @@
 #include "orvelbox/command_line.h"
 
 #include <CLI/CLI.hpp>
+#include <map>
 #include <sstream>
 #include <stdexcept>
 
@@ -60,6 +61,42 @@ void AddEventsCommand(CLI::App& app, Options& options, std::vector<std::string>&
       ->required();
 }
 
+void AddCheckCommand(CLI::App& app, Options& options) {
+  CheckOptions& check = options.check;
+  CLI::App* command = AddCommand(app, options, "check",
+                                 "Say which DLLs of packages an install would remove, and because of what; nothing is "
+                                 "installed");
+  command->add_option("PACKAGE", check.packages, "Directories or .opk archives of packages")->required();
+  command
+      ->add_option("--platform", check.platform,
+                   "Check against the platform in this directory (netcoreapp/ framework/ d.pc/ tvappapi/) or list "
+                   "file (paths of a device, one a line), instead of a device")
+      ->type_name("DIR|LIST");
+  command->add_option("--coba", check.coba, "A CoBA package (directory or .opk) that is there as well")
+      ->type_name("PACKAGE")
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->expected(1);
+  command
+      ->add_option("--privilege", check.privileges,
+                   "A privilege that the packages hold beside those of their manifests: a URI, \"platform\" or "
+                   "\"appdebugging\"")
+      ->type_name("URI")
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->expected(1);
+  const std::map<std::string, CheckOptions::Format> formats = {{"table", CheckOptions::Format::kTable},
+                                                               {"json", CheckOptions::Format::kJson},
+                                                               {"sarif", CheckOptions::Format::kSarif}};
+  command->add_option("--format", check.format, "table, json (one line per package) or sarif (2.1.0)")
+      ->type_name("FORMAT")
+      ->transform(CLI::Transformer(formats));
+  command->add_option("--jobs", check.jobs, "How many packages are checked at a time (one per core)")
+      ->type_name("N")
+      ->check(CLI::Range(1U, 1024U));
+  command->footer(
+      "Exit status: 0 no duplicates, 1 duplicates, 2 wrong usage, or something could not be read.\n"
+      "Example: orvelbox check --platform tv-assemblies shop.opk");
+}
+
 void AddReadingCommands(CLI::App& app, Options& options, std::string& priority) {
   AddCommand(app, options, "list", "List the installed packages");
   AddTargetCommand(app, options, "show", "PKG", "Show what is registered about a package");
@@ -76,6 +113,10 @@ void AddReadingCommands(CLI::App& app, Options& options, std::string& priority) 
 void FinishOptions(const std::vector<std::string>& events, const std::string& priority, Options& options) {
   options.log_filter.priority = priority.front();
   for (const std::string& text : events) options.events.push_back(ParseRawEvent(text));
+  for (std::string& privilege : options.check.privileges) privilege = PrivilegeUri(privilege);
+  if (!options.check.platform.empty() && !options.device.empty()) {
+    throw std::invalid_argument("--platform and --device exclude each other; name what to check against once");
+  }
 }
 
 // Says what CLI11 has to say, help or an error.
@@ -109,6 +150,7 @@ std::variant<Options, int> ParseCommandLine(int argc, const char* const* argv) {
   AddGlobalOptions(app, options);
   AddChangingCommands(app, options);
   AddEventsCommand(app, options, events);
+  AddCheckCommand(app, options);
   AddReadingCommands(app, options, priority);
   try {
     app.parse(argc, argv);

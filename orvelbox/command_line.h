@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "orvelbox/check.h"
 #include "orvelbox/log_view.h"
 #include "orvelbox/operations.h"
 
@@ -28,6 +29,7 @@ struct Options {
   std::vector<RawEvent> events;  // events
   LogFilter log_filter;          // log
   bool follow = false;           // log
+  CheckOptions check;            // check
 };
 
 // Reads the command line. For help and for wrong usage it prints what there is to say and returns the exit status.

@@ -7,6 +7,7 @@
 #include "orvelbox/observation.h"
 #include "orvelbox/output.h"
 #include "orvelbox/package_source.h"
+#include "orvelbox/platform_set.h"
 #include "orvelbox/report.h"
 #include "orvelbox/tree.h"
 
@@ -39,16 +40,6 @@ host::Device OpenForReading(const Options& options) {
 
 host::PackageStore ReadStore(const host::Device& device) {
   return host::PackageStore(device.Database(), host::PackageStore::Mode::kReadOnly);
-}
-
-void RequirePlatform(const fs::path& platform) {
-  const bool found =
-      std::any_of(std::begin(host::kPlatformAssemblyDirectories), std::end(host::kPlatformAssemblyDirectories),
-                  [&](const char* name) { return fs::is_directory(platform / name); });
-  if (found) return;
-  throw host::DeviceError(platform.string() +
-                          ": no platform assemblies; name a directory that holds netcoreapp/, framework/, d.pc/ or " +
-                          "tvappapi/");
 }
 
 // Takes back a device that could not be completed.
@@ -101,6 +92,11 @@ int Log(const Options& options) {
   return kDone;
 }
 
+int CheckPackages(const Options& options) {
+  const bool without_device = !options.check.platform.empty();
+  return Check(options.check, without_device ? fs::path() : ChooseDevice(options.device, FromEnvironment));
+}
+
 int ChangeWithPackage(const Session& session, const fs::path& package, int (*change)(const Session&, const fs::path&)) {
   const Scratch scratch{session.area().Unpacking(), [&] { session.area().RemoveUnpacked(); }};
   return WithPackage(package, scratch, [&](const fs::path& directory) { return change(session, directory); });
@@ -121,6 +117,7 @@ int RunChange(const Options& options) {
 }  // namespace
 
 int RunCommand(const Options& options) {
+  if (options.command == "check") return CheckPackages(options);
   if (options.command == "init") return Init(options);
   if (options.command == "list") return List(options);
   if (options.command == "show") return Show(options);
