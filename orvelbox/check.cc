@@ -95,7 +95,6 @@ class Teller {
     progress_.Clear();
     if (!package.problem.empty()) Complain(package.problem);
     status_ = std::max(status_, StatusOf(package));
-    if (options_.quiet) return;
     if (options_.format == CheckOptions::Format::kJson) SayColoured(ToJson(package));
     if (options_.format == CheckOptions::Format::kTable && package.problem.empty()) SayAll(DescribeCheck(package));
     if (options_.format == CheckOptions::Format::kSarif) kept_.push_back(std::move(package));
@@ -105,7 +104,7 @@ class Teller {
 
   int Finish() {
     progress_.Clear();
-    if (!options_.quiet && options_.format == CheckOptions::Format::kSarif) SayColoured(ToSarif(kept_));
+    if (options_.format == CheckOptions::Format::kSarif) SayColoured(ToSarif(kept_));
     return status_;
   }
 

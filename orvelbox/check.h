@@ -17,8 +17,8 @@ struct CheckOptions {
   std::vector<std::string> coba;        // further CoBA packages
   std::vector<std::string> privileges;  // URIs, beside those of the manifests
   Format format = Format::kTable;
-  unsigned jobs = 0;  // processes at a time; 0: one per core
-  bool quiet = false;
+  unsigned jobs = 0;   // processes at a time; 0: one per core
+  bool quiet = false;  // no progress bar
 };
 
 // The URI of a privilege, which may be given by its short name ("platform", "appdebugging"). Throws

@@ -23,12 +23,15 @@ struct Options {
   std::string device;  // --device; empty: as the environment says
   std::string plugin;  // --plugin; empty: the one built with this program
   std::string trace;   // --trace; empty: as the environment says
+  bool quiet = false;  // --quiet
   std::string command;
   std::string platform;          // init
   std::string target;            // PACKAGE or PKG
   std::vector<RawEvent> events;  // events
   LogFilter log_filter;          // log
   bool follow = false;           // log
+  bool verify = false;           // cache
+  bool json = false;             // listings
   CheckOptions check;            // check
 };
 

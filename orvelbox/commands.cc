@@ -4,12 +4,16 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "orvelbox/cache_verify.h"
+#include "orvelbox/check_package.h"
+#include "orvelbox/listing_json.h"
 #include "orvelbox/observation.h"
 #include "orvelbox/output.h"
 #include "orvelbox/package_source.h"
 #include "orvelbox/platform_set.h"
 #include "orvelbox/report.h"
 #include "orvelbox/tree.h"
+#include "orvelbox/why.h"
 
 namespace fs = std::filesystem;
 
@@ -29,6 +33,7 @@ fs::path OwnPlugin() {
 HookSettings SettingsOf(const Options& options) {
   HookSettings settings;
   settings.device = host::OpenDevice(ChooseDevice(options.device, FromEnvironment));
+  settings.quiet = options.quiet;
   settings.plugin = options.plugin.empty() ? OwnPlugin() : fs::absolute(options.plugin);
   if (!options.trace.empty()) settings.trace = fs::absolute(options.trace);
   return settings;
@@ -71,30 +76,83 @@ int Init(const Options& options) {
 
 int List(const Options& options) {
   const host::Device device = OpenForReading(options);
-  SayAll(DescribePackages(ReadStore(device).List()));
+  const std::vector<host::Package> packages = ReadStore(device).List();
+  if (options.json) {
+    SayColoured(PackagesJson(packages));
+  } else {
+    SayAll(DescribePackages(packages));
+  }
   return kDone;
 }
 
 int Show(const Options& options) {
   const host::Device device = OpenForReading(options);
-  SayAll(DescribePackage(FindInstalled(ReadStore(device), options.target)));
+  const host::Package package = FindInstalled(ReadStore(device), options.target);
+  if (options.json) {
+    SayColoured(PackageJson(package));
+  } else {
+    SayAll(DescribePackage(package));
+  }
   return kDone;
+}
+
+int VerifyCaches(const host::Device& device, bool json) {
+  const std::vector<host::Package> packages = ReadStore(device).List();
+  std::vector<CacheFinding> findings = FindPrefixHazards(packages);
+  for (const char* name : {"TPA.txt", "CoBA.txt"}) {
+    const auto more = VerifyCache(name, ReadCache(device, name), packages,
+                                  [&](const std::string& path) { return IsThere(device.OnDesk(path)); });
+    findings.insert(findings.end(), more.begin(), more.end());
+  }
+  if (json) {
+    SayColoured(ToJson(findings));
+  } else {
+    for (const CacheFinding& finding : findings) Say(finding.text);
+    if (findings.empty()) Say("both cache files are sound");
+  }
+  return findings.empty() ? kDone : kFailed;
 }
 
 int Cache(const Options& options) {
   const host::Device device = OpenForReading(options);
-  for (const char* name : {"TPA.txt", "CoBA.txt"}) SayAll(DescribeCache(name, ReadCache(device, name)));
+  if (options.verify) return VerifyCaches(device, options.json);
+  const CacheText tpa = ReadCache(device, "TPA.txt");
+  const CacheText coba = ReadCache(device, "CoBA.txt");
+  if (options.json) {
+    SayColoured(CachesJson(tpa, coba));
+  } else {
+    SayAll(DescribeCache("TPA.txt", tpa));
+    SayAll(DescribeCache("CoBA.txt", coba));
+  }
+  return kDone;
+}
+
+int Why(const Options& options) {
+  const host::Device device = OpenForReading(options);
+  const WhyQuestion question = ReadQuestion(device, ReadStore(device), options.target);
+  const std::vector<Removal> removals = AskedFor(question, RemovalsOf(device, question.package));
+  CheckedPackage today;
+  if (!question.path.empty())
+    today = PackageChecker(SetOfDevice(device), {}).Check(device.OnDesk(question.package.root));
+  if (options.json) {
+    SayColoured(WhyJson(question, removals, today));
+  } else {
+    SayAll(DescribeWhy(question, removals, today));
+  }
   return kDone;
 }
 
 int Log(const Options& options) {
-  ShowLog(OpenForReading(options), {options.log_filter, options.follow, ColourWanted(std::getenv("NO_COLOR"))});
+  const bool colour = ColourWanted(std::getenv("NO_COLOR"));
+  ShowLog(OpenForReading(options), {options.log_filter, options.follow, colour, options.json});
   return kDone;
 }
 
 int CheckPackages(const Options& options) {
   const bool without_device = !options.check.platform.empty();
-  return Check(options.check, without_device ? fs::path() : ChooseDevice(options.device, FromEnvironment));
+  CheckOptions check = options.check;
+  check.quiet = options.quiet;
+  return Check(check, without_device ? fs::path() : ChooseDevice(options.device, FromEnvironment));
 }
 
 int ChangeWithPackage(const Session& session, const fs::path& package, int (*change)(const Session&, const fs::path&)) {
@@ -117,11 +175,13 @@ int RunChange(const Options& options) {
 }  // namespace
 
 int RunCommand(const Options& options) {
+  if (options.quiet) BeQuiet();
   if (options.command == "check") return CheckPackages(options);
   if (options.command == "init") return Init(options);
   if (options.command == "list") return List(options);
   if (options.command == "show") return Show(options);
   if (options.command == "cache") return Cache(options);
+  if (options.command == "why") return Why(options);
   if (options.command == "log") return Log(options);
   return RunChange(options);
 }

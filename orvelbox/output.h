@@ -13,6 +13,9 @@ namespace orvelbox {
 // can steer a terminal or forge a line. A backslash stays as it is: the result is for eyes, not for reading back.
 std::string Printable(std::string_view text);
 
+// From here on nothing is printed but complaints.
+void BeQuiet();
+
 // Prints `line`, made printable, and a line feed on standard output.
 void Say(std::string_view line);
 void SayAll(const std::vector<std::string>& lines);

@@ -22,10 +22,10 @@ TEST_F(ParallelE2e, two_workers_check_every_package_once) {
     expected.insert(name + (i % 2 == 0 ? " 1" : " 0"));
   }
   // The exit status is how many of the jobs found something: here, with two packages a job, all five.
-  const std::string output = support::OutputOf(
-      "ls -d " + (dir_ / "packages") + "/* | PARALLEL_HOME=" + (dir_ / "home") +
-      " parallel --will-cite -j 2 -N 2 " ORVELBOX_PROGRAM " --device " + device_.directory.string() +
-      " check --format json --jobs 1; [ $? = 5 ]");
+  const std::string output =
+      support::OutputOf("ls -d " + (dir_ / "packages") + "/* | PARALLEL_HOME=" + (dir_ / "home") +
+                        " parallel --will-cite -j 2 -N 2 " ORVELBOX_PROGRAM " --device " + device_.directory.string() +
+                        " check --format json --jobs 1; [ $? = 5 ]");
   std::multiset<std::string> told;
   std::istringstream lines(output);
   for (std::string line; std::getline(lines, line);) {
