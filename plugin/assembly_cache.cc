@@ -2,6 +2,8 @@
 #include "plugin/assembly_cache.h"
 
 #include <cstdio>
+#include <filesystem>
+#include <system_error>
 
 #include "morvath/metadata_utils.h"
 #include "morvath/platform_utils.h"
@@ -25,6 +27,11 @@ constexpr unsigned int kWholePackage = 10;
 // A reader that records what it is given in `table`.
 FileReader Filler(std::map<std::string, std::string>& table) {
   return [&table](const std::string& path, const std::string& name) { insertItem(table, name, path); };
+}
+
+bool IsLink(const std::string& path) {
+  std::error_code ignored;
+  return std::filesystem::is_symlink(std::filesystem::symlink_status(path, ignored));
 }
 
 }  // namespace
@@ -78,6 +85,11 @@ int gac(const std::string& pkgId) {
   if (pkgRoot.empty()) {
     std::fprintf(stderr, "### INSTALL : morvath, pkgRoot is empty : %s\n", pkgId.c_str());
     return -1;
+  }
+  if (IsLink(pkgRoot)) {
+    // What a link in the root's place leads to is not the package's own, and nothing there may be deleted.
+    LOG_ERROR("Symbolic link is detected : %s", pkgRoot.c_str());
+    return 0;
   }
   CatalogueLibrary(pkgRoot);
 

@@ -2,6 +2,7 @@
 #include "plugin/duplicates.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <boost/filesystem/operations.hpp>
@@ -39,14 +40,19 @@ int JudgeRealDll(const std::string& path, const std::string& name) {
   return 0;
 }
 
-// Opens the file for writing, empty. The name may be taken by whoever made the package: a symbolic link there is
-// removed, never followed, and a pipe must not hold up the installer.
+// May the information file's text go into what stands at its name? Not into what is known under another name as well,
+// nor into anything but a file.
+bool IsOwnFile(const struct stat& status) { return S_ISREG(status.st_mode) && status.st_nlink == 1; }
+
+// Opens the file for writing, empty; a negative result when something that is no file keeps its name. The name may be
+// taken by whoever made the package: a link there, symbolic or hard, is removed, never written through.
 int OpenInformationFile(const std::string& path) {
-  const int flags = O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-  const mode_t mode = 0666;
-  const int file = open(path.c_str(), flags, mode);
-  if (file >= 0 || errno != ELOOP || unlink(path.c_str()) != 0) return file;
-  return open(path.c_str(), flags, mode);
+  struct stat status;
+  if (lstat(path.c_str(), &status) == 0 && !IsOwnFile(status)) {
+    if (!S_ISLNK(status.st_mode) && !S_ISREG(status.st_mode)) return -1;
+    if (unlink(path.c_str()) != 0) return -1;
+  }
+  return open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666);
 }
 
 bool WriteAll(int file, const std::string& text) {

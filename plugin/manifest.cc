@@ -4,6 +4,7 @@
 #include <libxml/xmlreader.h>
 
 #include <memory>
+#include <optional>
 #include <string_view>
 
 #include "morvath/metadata_utils.h"
@@ -23,9 +24,39 @@ using Text = std::unique_ptr<xmlChar, FreeText>;
 
 const char* AsChars(const xmlChar* text) { return reinterpret_cast<const char*>(text); }
 
-// The current node's attribute; null when it has none of that name.
-Text Attribute(const Reader& reader, const char* name) {
-  return Text(xmlTextReaderGetAttribute(reader.get(), reinterpret_cast<const xmlChar*>(name)));
+// The most that an attribute with entity references in it may stand for: far more than any type, key or value takes,
+// and little enough to be put together in no time.
+constexpr std::size_t kMostExpanded = 100000;
+
+// What is left of `budget` when the nodes of an attribute's value or of an entity are taken from it, a reference
+// counting as at least one byte; nothing when it is not enough.
+std::optional<std::size_t> Left(std::size_t budget, const xmlNode* nodes) {
+  std::optional<std::size_t> left = budget;
+  for (const xmlNode* node = nodes; node != nullptr && left; node = node->next) {
+    const bool is_reference = node->type == XML_ENTITY_REF_NODE;
+    const xmlEntity* entity = is_reference ? xmlGetDocEntity(node->doc, node->name) : nullptr;
+    const std::size_t size = is_reference ? 1 : static_cast<std::size_t>(xmlStrlen(node->content));
+    if (size > *left) return std::nullopt;
+    *left -= size;
+    if (entity != nullptr) left = Left(*left, entity->children);
+  }
+  return left;
+}
+
+// Entities can stand for entities, and a few lines of them for more text than there is memory.
+bool IsEntityBomb(const Reader& reader, const xmlChar* name) {
+  const xmlAttr* attribute = xmlHasNsProp(xmlTextReaderCurrentNode(reader.get()), name, nullptr);
+  if (attribute == nullptr || attribute->type != XML_ATTRIBUTE_NODE || attribute->children == nullptr) return false;
+  const bool is_plain = attribute->children->next == nullptr && attribute->children->type == XML_TEXT_NODE;
+  return !is_plain && !Left(kMostExpanded, attribute->children);
+}
+
+// The current node's attribute; null when it has none of that name, or one that is not to be expanded.
+Text Attribute(const Reader& reader, const char* attribute) {
+  const auto* name = reinterpret_cast<const xmlChar*>(attribute);
+  if (!IsEntityBomb(reader, name)) return Text(xmlTextReaderGetAttribute(reader.get(), name));
+  LOG_ERROR("Attribute %s is too long when its entities are expanded", attribute);
+  return nullptr;
 }
 
 bool IsApplicationElement(std::string_view name) {
@@ -39,7 +70,7 @@ bool HoldsCobaEntry(const Reader& reader, std::string_view name) {
   if (name != "metadata") return false;
   const Text key = Attribute(reader, "key");
   const Text value = Attribute(reader, "value");
-  if (key == nullptr || value == nullptr) return false;
+  // An attribute that is not there is a null text, which no key matches.
   Metadata entry{AsChars(key.get()), AsChars(value.get())};
   return isCobaKey(&entry);
 }

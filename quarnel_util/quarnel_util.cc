@@ -24,6 +24,9 @@ std::string WithoutTrailingSlash(std::string path) {
   return path;
 }
 
+// A name that holds a separator, or what begins the end marker of the loader's lists, would fall apart in them.
+bool CanBeListed(const std::string& name) { return name.find_first_of(":[") == std::string::npos; }
+
 // The names in `directory` that stand for assemblies, sorted by byte.
 std::vector<std::string> AssemblyNames(const fs::path& directory) {
   std::vector<std::string> names;
@@ -31,7 +34,8 @@ std::vector<std::string> AssemblyNames(const fs::path& directory) {
   for (fs::directory_iterator entry(directory, error), end; !error && entry != end; entry.increment(error)) {
     boost::system::error_code unreadable;
     std::string name = entry->path().filename().string();
-    if (IsAssemblyName(name) && fs::is_regular_file(entry->path(), unreadable)) names.push_back(std::move(name));
+    if (!IsAssemblyName(name) || !CanBeListed(name)) continue;
+    if (fs::is_regular_file(entry->path(), unreadable)) names.push_back(std::move(name));
   }
   std::sort(names.begin(), names.end());
   return names;

@@ -27,7 +27,8 @@ ORVEL_EXPORT void splitPath(const std::string& paths, std::vector<std::string>& 
 ORVEL_EXPORT bool removeFile(const boost::filesystem::path& path);
 
 // Appends the full paths of the files ending in ".dll" in each of the directories to `out`, separated by ":", the
-// directories in their order and the files of each sorted by byte. A directory that cannot be read has none.
+// directories in their order and the files of each sorted by byte. Names that hold ":" or "[" are left out, because
+// such lists could not hold them. A directory that cannot be read has none.
 ORVEL_EXPORT void addAssembliesFromDirectories(const std::vector<std::string>& directories, std::string& out);
 
 #endif

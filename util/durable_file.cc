@@ -21,6 +21,14 @@ constexpr int kOpenErrorLine = 163;
 constexpr int kSaveFileLine = 173;
 constexpr int kSavedLine = 177;
 
+// The temporary file's name may be taken by what would take the text elsewhere: a file that has another name as well,
+// a pipe or a device. Such a thing is removed; what is left of an earlier write stays and is used again.
+void FreeTemporaryName(const std::string& path) {
+  struct stat status;
+  if (lstat(path.c_str(), &status) != 0) return;
+  if (!S_ISREG(status.st_mode) || status.st_nlink > 1) unlink(path.c_str());
+}
+
 }  // namespace
 
 void writeStringToFile(std::string dirPath, std::string fileName, std::string content) {
@@ -28,6 +36,7 @@ void writeStringToFile(std::string dirPath, std::string fileName, std::string co
   const std::string target = dirPath + fileName;
   if (!isRealPath(temporary) || !isRealPath(target)) return;
 
+  FreeTemporaryName(temporary);
   FILE* file = std::fopen(temporary.c_str(), "w+e");
   if (file == nullptr) {
     LOG_ERROR_AT(kOpenErrorLine, "Fail to write string to file - open error(%s)", std::strerror(errno));
@@ -48,7 +57,8 @@ std::string readFileToString(std::string path) {
   const UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
   std::string content;
   struct stat64 status;
-  if (fstat64(file.get(), &status) == 0) content.reserve(static_cast<std::size_t>(status.st_size));
+  if (fstat64(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return content;
+  content.reserve(static_cast<std::size_t>(status.st_size));
   std::array<char, 65536> buffer;
   ssize_t count = 0;
   while ((count = read(file.get(), buffer.data(), buffer.size())) > 0) {

@@ -27,10 +27,11 @@ ORVEL_EXPORT bool isRealPath(const std::string& path);
 // Replaces the content of `dirPath` + `fileName` by `content` (up to its first NUL) through the temporary file
 // `dirPath` + "temp_" + `fileName`, and returns when it is on disk; a reader sees the old content or the new.
 // `dirPath` ends in "/". Failures show only in the log; nothing is written when either path is a symbolic link, and a
-// failed rename leaves the temporary file behind.
+// failed rename leaves the temporary file behind. A pipe, a device or a hard link in the temporary file's place is
+// removed first.
 ORVEL_EXPORT void writeStringToFile(std::string dirPath, std::string fileName, std::string content);
 
-// The whole content of the file, byte for byte; empty when it cannot be read.
+// The whole content of the file, byte for byte; empty when it cannot be read, or is a pipe or device.
 ORVEL_EXPORT std::string readFileToString(std::string path);
 
 // Does `str` begin with `prefix`, end with `suffix`? Byte by byte; an empty affix always matches.

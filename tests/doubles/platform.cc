@@ -48,7 +48,13 @@ std::optional<int> Platform::TakeFailure(const std::string& function) {
 
 bool Platform::TakeNull(const std::string& function) { return nulls_.erase(function) > 0; }
 
-void Platform::RecordCall(const std::string& text) { journal.push_back({Event::Kind::kCall, text, {}}); }
+void Platform::RecordEvent(const Event& event) {
+  journal.push_back(event);
+  const auto callee = on_event;
+  if (callee) callee(event);
+}
+
+void Platform::RecordCall(const std::string& text) { RecordEvent({Event::Kind::kCall, text, {}}); }
 
 std::vector<std::string> Platform::Calls(const std::string& prefix) const {
   std::vector<std::string> calls;

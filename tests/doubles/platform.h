@@ -5,6 +5,7 @@
 
 #include <sys/types.h>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -75,6 +76,9 @@ class Platform {
 
   // Everything that was asked, in order.
   std::vector<Event> journal;
+  // Called (if set) with every event of the journal before its caller goes on: the moment to change things in the
+  // middle of what is tested. It may set itself anew.
+  std::function<void(const Event&)> on_event;
   // Every misuse of a handle: one that is null, of another kind or destroyed before.
   std::vector<std::string> misuses;
 
@@ -96,6 +100,7 @@ class Platform {
   std::vector<std::string> Messages() const;
 
   // For the doubles themselves.
+  void RecordEvent(const Event& event);
   void RecordCall(const std::string& text);
   std::optional<int> TakeFailure(const std::string& function);
   bool TakeNull(const std::string& function);

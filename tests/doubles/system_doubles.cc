@@ -53,17 +53,17 @@ int __dlog_print(int log_id, int priority, const char* tag, const char* format, 
   va_end(arguments);
 
   line.text = text.data();
-  Current().journal.push_back({Event::Kind::kLog, "", line});
+  Current().RecordEvent({Event::Kind::kLog, "", line});
   return Current().TakeFailure("__dlog_print").value_or(length);
 }
 
 // The name is kept as it was passed, not as a format.
-void trace_begin(const char* name, ...) { Current().journal.push_back({Event::Kind::kSpanBegin, Text(name), {}}); }
+void trace_begin(const char* name, ...) { Current().RecordEvent({Event::Kind::kSpanBegin, Text(name), {}}); }
 
-void trace_end(void) { Current().journal.push_back({Event::Kind::kSpanEnd, "", {}}); }
+void trace_end(void) { Current().RecordEvent({Event::Kind::kSpanEnd, "", {}}); }
 
 int aul_restart_loader(const char* loaderName) {
-  Current().journal.push_back({Event::Kind::kRestart, Text(loaderName), {}});
+  Current().RecordEvent({Event::Kind::kRestart, Text(loaderName), {}});
   return Current().TakeFailure("aul_restart_loader").value_or(0);
 }
 

@@ -19,6 +19,17 @@ using Texts = std::vector<std::string>;
 
 constexpr unsigned kSeed = 20240229;
 
+struct CacheEdit {
+  std::string text;
+  Texts erased;
+};
+
+CacheEdit Erase(const std::string& text, const std::string& root) {
+  CacheEdit edit;
+  edit.text = EraseEntries(text, root, [&edit](const std::string& span) { edit.erased.push_back(span); });
+  return edit;
+}
+
 // The plain form: after every erasure the search starts again at the front. `endless` where it would find the same
 // empty place for ever; `went_back` where an erasure made an entry that begins further at the front.
 struct PlainEdit {
@@ -191,7 +202,7 @@ TEST(CacheTextProperty, erasing_gives_what_the_plain_search_from_the_front_gives
   for (int i = 0; i < kCases && !HasFailure(); ++i) {
     const Case made = AnyCase(random);
     const PlainEdit plain = PlainErase(made.text, made.root);
-    const CacheEdit edit = EraseEntries(made.text, made.root);
+    const CacheEdit edit = Erase(made.text, made.root);
     if (edit.text == plain.text && edit.erased == plain.erased) {
       tally.Count(plain);
       continue;
@@ -211,10 +222,10 @@ TEST(CacheTextProperty, what_is_left_holds_no_entry_of_the_root_any_more) {
   for (int i = 0; i < 10000 && !HasFailure(); ++i) {
     const Case made = AnyCase(random);
     if (PlainErase(made.text, made.root).endless) continue;
-    const CacheEdit edit = EraseEntries(made.text, made.root);
+    const CacheEdit edit = Erase(made.text, made.root);
     EXPECT_EQ(std::string::npos, PlainFind(edit.text, made.root))
         << "seed " << kSeed + 1 << ", case " << i << ": " << made.text << " without " << made.root;
-    EXPECT_TRUE(EraseEntries(edit.text, made.root).erased.empty());
+    EXPECT_TRUE(Erase(edit.text, made.root).erased.empty());
   }
 }
 
@@ -266,9 +277,7 @@ struct Addition {
   std::string root;
   Texts entries;
 
-  std::string Into(const std::string& list) const {
-    return AppendEntries(EraseEntries(list, root).text, Joined(entries));
-  }
+  std::string Into(const std::string& list) const { return AppendEntries(Erase(list, root).text, Joined(entries)); }
 };
 
 Addition AnyAddition(Random& random) {
@@ -310,8 +319,8 @@ TEST(CacheTextProperty, adding_a_package_again_changes_nothing) {
 
 TEST(CacheTextProperty, erasing_an_added_package_leaves_the_text_as_if_it_had_never_been_added) {
   ForManyAdditions(kSeed + 5, [](const Addition& addition) {
-    const std::string without = EraseEntries(addition.text, addition.root).text;
-    EXPECT_EQ(without, EraseEntries(addition.Into(addition.text), addition.root).text);
+    const std::string without = Erase(addition.text, addition.root).text;
+    EXPECT_EQ(without, Erase(addition.Into(addition.text), addition.root).text);
   });
 }
 

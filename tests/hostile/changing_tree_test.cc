@@ -1,0 +1,158 @@
+// Files that vanish or become something else between two looks of the plug-in at them: every event of the journal is
+// such a moment.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "plugin/hooks.h"
+#include "tests/hostile/watched_device.h"
+#include "tests/support/device_root.h"
+#include "tests/support/files.h"
+
+namespace hostile {
+namespace {
+
+namespace fs = std::filesystem;
+
+using support::IsThere;
+using support::kTpaFile;
+using support::WriteFile;
+
+using Names = std::vector<std::string>;
+
+const std::string kComparing = "### Duplicated Checker ###";
+const std::string kFound = "### Duplicated DLL found ###";
+const std::string kRemoving = "ovplatform_getenv";  // the last look before the removal
+const std::string kMoments[] = {kComparing, kFound, kRemoving};
+
+TEST(ChangingTree, a_dll_that_vanishes_before_its_removal_counts_and_is_told_of) {
+  for (const std::string& moment : kMoments) {
+    OnWatchedDevice([&](const WatchedDevice& device) {
+      WriteFile(InPackage("A.dll"));
+      device.At(moment, [] { fs::remove(InPackage("A.dll")); });
+      device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+      EXPECT_EQ((Names{"A.dll_deleted"}), NamesInRoot());
+    });
+  }
+}
+
+TEST(ChangingTree, a_dll_that_becomes_a_link_loses_the_link_only) {
+  for (const std::string& moment : kMoments) {
+    OnWatchedDevice([&](const WatchedDevice& device) {
+      WriteFile(InPackage("A.dll"));
+      device.At(moment, [] {
+        fs::remove(InPackage("A.dll"));
+        fs::create_symlink(Victim("A.dll"), InPackage("A.dll"));
+      });
+      device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+      EXPECT_EQ((Names{"A.dll_deleted"}), NamesInRoot());
+    });
+  }
+}
+
+TEST(ChangingTree, a_dll_that_becomes_a_directory_stays) {
+  for (const std::string& moment : kMoments) {
+    OnWatchedDevice([&](const WatchedDevice& device) {
+      WriteFile(InPackage("A.dll"));
+      device.At(moment, [] {
+        fs::remove(InPackage("A.dll"));
+        WriteFile(InPackage("A.dll/inside"));
+      });
+      device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+      EXPECT_TRUE(IsThere(InPackage("A.dll/inside")));
+      EXPECT_TRUE(device.Logged("Failed to remove " + InPackage("A.dll") + " : Is a directory"));
+    });
+  }
+}
+
+TEST(ChangingTree, an_information_files_name_that_is_taken_in_the_last_moment_is_never_followed) {
+  for (const std::string& moment : kMoments) {
+    OnWatchedDevice([&](const WatchedDevice& device) {
+      WriteFile(InPackage("A.dll"));
+      device.At(moment, [] { fs::create_symlink(Victim("notes.txt"), InPackage("A.dll_deleted")); });
+      device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+      EXPECT_EQ((Names{"A.dll_deleted"}), NamesInRoot());
+      EXPECT_FALSE(fs::is_symlink(InPackage("A.dll_deleted")));
+    });
+  }
+}
+
+TEST(ChangingTree, a_directory_that_becomes_a_link_before_it_is_entered_is_not_entered) {
+  for (const char* target : {kVictims, support::kCoreDirectory, ".."}) {
+    OnWatchedDevice([&](const WatchedDevice& device) {
+      WriteFile(InPackage("A.dll"));
+      WriteFile(InPackage("sub/B.dll"));
+      device.At(kFound, [&] {
+        fs::remove_all(InPackage("sub"));
+        fs::create_directory_symlink(target, InPackage("sub"));
+      });
+      device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+      EXPECT_EQ((Names{"A.dll_deleted", "sub"}), NamesInRoot());
+      EXPECT_TRUE(fs::is_symlink(InPackage("sub")));
+    });
+  }
+}
+
+TEST(ChangingTree, a_directory_that_vanishes_or_becomes_a_file_is_passed_over) {
+  for (const bool leaves_a_file : {false, true}) {
+    OnWatchedDevice([&](const WatchedDevice& device) {
+      WriteFile(InPackage("A.dll"));
+      WriteFile(InPackage("sub/B.dll"));
+      device.At(kFound, [&] {
+        fs::remove_all(InPackage("sub"));
+        if (leaves_a_file) WriteFile(InPackage("sub"), "a file now");
+      });
+      device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+      EXPECT_EQ((leaves_a_file ? Names{"A.dll_deleted", "sub"} : Names{"A.dll_deleted"}), NamesInRoot());
+    });
+  }
+}
+
+TEST(ChangingTree, a_whole_package_that_vanishes_during_the_walk_is_the_end_of_it) {
+  OnWatchedDevice([](const WatchedDevice& device) {
+    WriteFile(InPackage("A.dll"));
+    for (const char* name : {"one/B.dll", "two/three/B.dll"}) WriteFile(InPackage(name));
+    device.At(kRemoving, [] { fs::remove_all(kRoot); });
+    device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+    EXPECT_FALSE(IsThere(kRoot));
+  });
+}
+
+TEST(ChangingTree, a_root_that_becomes_a_link_before_the_walk_is_not_walked) {
+  OnWatchedDevice([](const WatchedDevice& device) {
+    device.At("orvelFX size", [] {
+      fs::remove(kRoot);
+      fs::create_directory_symlink(kVictims, kRoot);
+    });
+    EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_INSTALL).result);
+  });
+}
+
+TEST(ChangingTree, a_cache_file_that_vanishes_between_look_and_read_stays_away) {
+  OnWatchedDevice([](const WatchedDevice& device) {
+    MakeCacheFiles();
+    device.At("access cache path", [] { fs::remove(kTpaFile); });
+    device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL);
+    EXPECT_FALSE(IsThere(kTpaFile));
+    EXPECT_EQ("[START]/opt/usr/apps/other/[END]", support::ReadFile(support::kCobaFile));
+  });
+}
+
+TEST(ChangingTree, a_cache_file_that_becomes_a_link_after_the_read_is_replaced) {
+  OnWatchedDevice([](const WatchedDevice& device) {
+    MakeCacheFiles();
+    device.At("after erase", [] {
+      fs::remove(kTpaFile);
+      fs::create_symlink(Victim("notes.txt"), kTpaFile);
+    });
+    device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL);
+    EXPECT_FALSE(fs::is_symlink(kTpaFile));
+    EXPECT_EQ("[START]/opt/usr/apps/other/Y.dll[END]", support::ReadFile(kTpaFile));
+  });
+}
+
+}  // namespace
+}  // namespace hostile

@@ -1,0 +1,154 @@
+// Pipes, sockets, devices and directories where files are expected. Whoever waits for one of them is ended.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "plugin/hooks.h"
+#include "tests/hostile/watched_device.h"
+#include "tests/support/device_root.h"
+#include "tests/support/files.h"
+#include "util/unique_fd.h"
+
+namespace hostile {
+namespace {
+
+namespace fs = std::filesystem;
+
+using support::IsThere;
+using support::kCobaFile;
+using support::kTpaFile;
+using support::WriteFile;
+
+using Names = std::vector<std::string>;
+
+constexpr unsigned kPatience = 20;  // seconds
+
+void MakePipe(const std::string& path) { ASSERT_EQ(0, mkfifo(path.c_str(), 0600)); }
+
+void MakeSocket(const std::string& path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  ASSERT_LT(path.size(), sizeof address.sun_path);
+  path.copy(address.sun_path, path.size());
+  const UniqueFd file(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  ASSERT_EQ(0, bind(file.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address));
+}
+
+void OnImpatientDevice(const std::function<void(const WatchedDevice&)>& body) {
+  OnWatchedDevice([&](const WatchedDevice& device) {
+    alarm(kPatience);
+    body(device);
+  });
+}
+
+TEST(SpecialFiles, pipes_and_sockets_with_names_of_assemblies_stay) {
+  OnImpatientDevice([](const WatchedDevice& device) {
+    fs::create_directories(InPackage("lib"));
+    for (const char* name : {"A.dll", "lib/B.dll"}) MakePipe(InPackage(name));
+    for (const char* name : {"B.dll", "lib/A.dll"}) MakeSocket(InPackage(name));
+    EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_INSTALL).result);
+    EXPECT_EQ((Names{"A.dll", "B.dll", "lib"}), NamesInRoot());
+    EXPECT_EQ((Names{"A.dll", "B.dll"}), support::NamesIn(InPackage("lib")));
+  });
+}
+
+TEST(SpecialFiles, a_root_or_lib_that_is_a_pipe_is_passed_over) {
+  OnImpatientDevice([](const WatchedDevice& device) {
+    MakePipe(InPackage("lib"));
+    WriteFile(InPackage("A.dll"));
+    device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+    EXPECT_EQ((Names{"A.dll_deleted", "lib"}), NamesInRoot());
+  });
+  OnImpatientDevice([](const WatchedDevice& device) {
+    fs::remove(kRoot);
+    MakePipe(kRoot);
+    EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_INSTALL).result);
+    EXPECT_TRUE(fs::is_fifo(kRoot));
+  });
+}
+
+TEST(SpecialFiles, a_dll_that_is_a_directory_is_walked_and_stays) {
+  OnImpatientDevice([](const WatchedDevice& device) {
+    WriteFile(InPackage("A.dll/B.dll"));
+    WriteFile(InPackage("A.dll/Own.dll"));
+    device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+    EXPECT_EQ((Names{"A.dll"}), NamesInRoot());
+    EXPECT_EQ((Names{"B.dll_deleted", "Own.dll"}), support::NamesIn(InPackage("A.dll")));
+  });
+}
+
+TEST(SpecialFiles, an_information_file_in_the_place_of_which_something_else_stands_is_not_written) {
+  OnImpatientDevice([](const WatchedDevice& device) {
+    WriteFile(InPackage("A.dll"));
+    fs::create_directories(InPackage("A.dll_deleted"));
+    WriteFile(InPackage("B.dll"));
+    MakeSocket(InPackage("B.dll_deleted"));
+    device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+    EXPECT_FALSE(IsThere(InPackage("A.dll")));
+    EXPECT_FALSE(IsThere(InPackage("B.dll")));
+    EXPECT_TRUE(fs::is_empty(InPackage("A.dll_deleted")));
+    EXPECT_TRUE(fs::is_socket(InPackage("B.dll_deleted")));
+  });
+}
+
+TEST(SpecialFiles, whoever_listens_at_a_pipe_in_the_information_files_place_hears_nothing) {
+  OnImpatientDevice([](const WatchedDevice& device) {
+    WriteFile(InPackage("A.dll"));
+    MakePipe(InPackage("A.dll_deleted"));
+    const UniqueFd listener(open(InPackage("A.dll_deleted").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    ASSERT_LE(0, listener.get());
+    device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+    char heard = 0;
+    EXPECT_GE(0, read(listener.get(), &heard, 1));
+    EXPECT_EQ((Names{"A.dll_deleted"}), NamesInRoot());
+  });
+}
+
+TEST(SpecialFiles, cache_files_that_are_none_read_as_empty_and_stay) {
+  OnImpatientDevice([](const WatchedDevice& device) {
+    MakePipe(kTpaFile);
+    fs::create_directory(kCobaFile);
+    WriteFile(InPackage("shared/res/X.dll"));
+    device.SendCoba(PKGMGR_PARSER_PLUGIN_CLEAN);
+    device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL);
+    EXPECT_TRUE(fs::is_fifo(kTpaFile));
+    EXPECT_TRUE(fs::is_directory(kCobaFile));
+  });
+  OnImpatientDevice([](const WatchedDevice& device) {
+    MakeSocket(kTpaFile);
+    MakeSocket(kCobaFile);
+    device.SendCoba(PKGMGR_PARSER_PLUGIN_CLEAN);
+    EXPECT_TRUE(fs::is_socket(kTpaFile));
+    EXPECT_TRUE(fs::is_socket(kCobaFile));
+  });
+}
+
+TEST(SpecialFiles, a_pipe_in_the_temporary_files_place_never_becomes_a_cache_file) {
+  OnImpatientDevice([](const WatchedDevice& device) {
+    MakeCacheFiles();
+    MakePipe(kTemporaryTpa);
+    device.Send(PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL);
+    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(kTpaFile)));
+    EXPECT_EQ("[START]/opt/usr/apps/other/Y.dll[END]", support::ReadFile(kTpaFile));
+  });
+}
+
+TEST(SpecialFiles, a_directory_in_the_temporary_files_place_is_told_and_stays) {
+  OnImpatientDevice([](const WatchedDevice& device) {
+    MakeCacheFiles();
+    fs::create_directory(kTemporaryTpa);
+    device.Send(PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL);
+    EXPECT_TRUE(device.Logged("Fail to write string to file - open error(Is a directory)"));
+    EXPECT_EQ("[START]/opt/usr/apps/other/[END]", support::ReadFile(kCobaFile));
+  });
+}
+
+}  // namespace
+}  // namespace hostile

@@ -1,0 +1,149 @@
+// The watch: everything outside of the package as it was and as it is.
+#include "tests/hostile/watched_device.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <map>
+#include <set>
+
+#include "tests/doubles/expected_journal.h"
+#include "tests/support/device_root.h"
+#include "tests/support/files.h"
+#include "tests/support/manifests.h"
+#include "tests/support/standard_error.h"
+#include "tests/unit/expected_lines.h"
+#include "tests/unit/unit_case.h"
+
+namespace hostile {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* kWatched[] = {"/usr/share/dotnet.orvel", "/opt/usr"};
+
+using Snapshot = std::map<std::string, std::string>;
+
+// Directories that change themselves when a cache file or the package's root is replaced.
+bool HoldsWhatIsForTheTaking(const fs::path& path) {
+  return path / "" == fs::path(support::kCacheDirectory) || path == fs::path(kRoot).parent_path();
+}
+
+// What must not change about the entry.
+std::string Description(const fs::directory_entry& entry) {
+  struct stat status;
+  if (lstat(entry.path().c_str(), &status) != 0) return "cannot be examined";
+  std::string text = std::to_string(status.st_mode) + " of " + std::to_string(status.st_uid) + ":" +
+                     std::to_string(status.st_gid) + ", inode " + std::to_string(status.st_ino);
+  if (!HoldsWhatIsForTheTaking(entry.path())) {
+    text += ", changed " + std::to_string(status.st_mtim.tv_sec) + "." + std::to_string(status.st_mtim.tv_nsec);
+  }
+  if (S_ISLNK(status.st_mode)) return text + ", to " + fs::read_symlink(entry.path()).string();
+  return S_ISREG(status.st_mode) ? text + ", holds " + support::ReadFile(entry.path()) : text;
+}
+
+bool IsForTheTaking(const fs::path& path) {
+  return path == kRoot || path == support::kTpaFile || path == support::kCobaFile || path == kTemporaryTpa ||
+         path == kTemporaryCoba;
+}
+
+Snapshot Everything() {
+  Snapshot snapshot;
+  for (const char* area : kWatched) {
+    for (auto entry = fs::recursive_directory_iterator(area); entry != fs::recursive_directory_iterator(); ++entry) {
+      if (IsForTheTaking(entry->path())) {
+        entry.disable_recursion_pending();
+      } else {
+        snapshot[entry->path().string()] = Description(*entry);
+      }
+    }
+  }
+  return snapshot;
+}
+
+// What is in the first snapshot and not, or not so, in the second.
+std::string Missing(const Snapshot& first, const Snapshot& second) {
+  std::string text;
+  for (const auto& [path, description] : first) {
+    const auto entry = second.find(path);
+    if (entry == second.end() || entry->second != description) text += path + ": " + description + "\n";
+  }
+  return text;
+}
+
+void ExpectUnchanged(const Snapshot& before, const Snapshot& after) {
+  EXPECT_EQ("", Missing(before, after)) << "was so outside of the package before";
+  EXPECT_EQ("", Missing(after, before)) << "is so outside of the package now";
+}
+
+// What `event` is known by: a message, or the text of any other event.
+std::string TextOf(const doubles::Event& event) {
+  return event.kind == doubles::Event::Kind::kLog ? doubles::MessageOf(event.log) : event.text;
+}
+
+void Populate() {
+  support::WriteFile(Core("A.dll"), "the platform's A");
+  support::WriteFile(Core("B.dll"), "the platform's B");
+  for (const char* name : {"A.dll", "B.dll", "sub/A.dll", "notes.txt"}) support::WriteFile(Victim(name), "of others");
+  fs::create_directories(kRoot);
+}
+
+}  // namespace
+
+std::string InPackage(const std::string& name) { return std::string(kRoot) + "/" + name; }
+std::string Core(const std::string& name) { return support::kCoreDirectory + name; }
+std::string Victim(const std::string& name) { return std::string(kVictims) + "/" + name; }
+
+Outcome WatchedDevice::Watch(const std::function<int()>& call) const {
+  const Snapshot before = Everything();
+  const auto open_before = support::NamesIn("/proc/self/fd");
+  Outcome outcome{0, {}};
+  outcome.standard_error = support::StandardErrorOf([&] { outcome.result = call(); });
+  EXPECT_EQ(open_before, support::NamesIn("/proc/self/fd")) << "descriptors were left open";
+  ExpectUnchanged(before, Everything());
+  return outcome;
+}
+
+Outcome WatchedDevice::Send(Hook* hook, xmlDocPtr manifest) const {
+  const support::Document usual = support::DotnetManifest();
+  return Watch([&] { return hook(manifest == nullptr ? usual.get() : manifest, kId); });
+}
+
+Outcome WatchedDevice::SendCoba(Hook* hook) const {
+  const support::Document manifest =
+      support::ManifestOf(support::ApplicationElement("ui-application", "dotnet-inhouse") +
+                          support::MetadataElement(expected::kCobaKey, "true"));
+  return Send(hook, manifest.get());
+}
+
+void WatchedDevice::At(const std::string& text, const std::function<void()>& change) const {
+  platform_.on_event = [text, change, &platform = platform_](const doubles::Event& event) {
+    if (TextOf(event).rfind(text, 0) != 0) return;
+    platform.on_event = nullptr;
+    change();
+  };
+}
+
+bool WatchedDevice::Logged(const std::string& message) const {
+  const std::vector<std::string> messages = platform_.Messages();
+  return std::set<std::string>(messages.begin(), messages.end()).count(message) != 0;
+}
+
+void OnWatchedDevice(const std::function<void(const WatchedDevice&)>& body) {
+  FreshOnDevice([&](doubles::Platform& platform) {
+    platform.packages.push_back(doubles::MakePackage(kId, kRoot));
+    Populate();
+    body(WatchedDevice(platform));
+  });
+}
+
+void MakeCacheFiles() {
+  support::WriteFile(support::kTpaFile, "[START]" + InPackage("shared/res/X.dll") + ":/opt/usr/apps/other/Y.dll[END]");
+  support::WriteFile(support::kCobaFile, "[START]" + InPackage("shared/res/") + ":/opt/usr/apps/other/[END]");
+}
+
+std::vector<std::string> NamesInRoot() { return support::NamesIn(kRoot); }
+
+}  // namespace hostile
