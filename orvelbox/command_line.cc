@@ -133,6 +133,20 @@ void AddLogCommand(CLI::App& app, Options& options, std::string& priority) {
       ->check(CLI::IsMember({"D", "I", "E"}));
 }
 
+void AddTestCommand(CLI::App& app, Options& options) {
+  CLI::App* command =
+      AddListing(app, options, "test",
+                 "Let a package live through install, clean, undo, recovery, upgrade and uninstall on a "
+                 "throw-away device, and report what it leaves behind",
+                 "test --platform tv-assemblies shop-1.opk shop-2.opk");
+  command->add_option("PACKAGE", options.target, "The directory or the .opk archive of the package")->required();
+  command->add_option("NEW", options.upgrade, "What it is upgraded to (itself)");
+  command
+      ->add_option("--platform", options.platform,
+                   "Give the throw-away device the platform in DIR instead of that of the device")
+      ->type_name("DIR");
+}
+
 void AddReadingCommands(CLI::App& app, Options& options, std::string& priority) {
   AddListing(app, options, "list", "List the installed packages", "list --json");
   AddListing(app, options, "show", "Show what is registered about a package", "show org.example.shop")
@@ -153,7 +167,9 @@ void FinishOptions(const std::vector<std::string>& events, const std::string& pr
   options.log_filter.priority = priority.front();
   for (const std::string& text : events) options.events.push_back(ParseRawEvent(text));
   for (std::string& privilege : options.check.privileges) privilege = PrivilegeUri(privilege);
-  if (!options.check.platform.empty() && !options.device.empty()) {
+  const bool platform_named =
+      !options.check.platform.empty() || (!options.platform.empty() && options.command == "test");
+  if (platform_named && !options.device.empty()) {
     throw std::invalid_argument("--platform and --device exclude each other; name what to check against once");
   }
 }
@@ -190,6 +206,7 @@ std::variant<Options, int> ParseCommandLine(int argc, const char* const* argv) {
   AddChangingCommands(app, options);
   AddEventsCommand(app, options, events);
   AddCheckCommand(app, options);
+  AddTestCommand(app, options);
   AddReadingCommands(app, options, priority);
   try {
     app.parse(argc, argv);

@@ -25,8 +25,9 @@ struct Options {
   std::string trace;   // --trace; empty: as the environment says
   bool quiet = false;  // --quiet
   std::string command;
-  std::string platform;          // init
+  std::string platform;          // init, test
   std::string target;            // PACKAGE or PKG
+  std::string upgrade;           // test
   std::vector<RawEvent> events;  // events
   LogFilter log_filter;          // log
   bool follow = false;           // log

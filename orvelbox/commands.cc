@@ -9,11 +9,14 @@
 #include "orvelbox/listing_json.h"
 #include "orvelbox/observation.h"
 #include "orvelbox/output.h"
+#include "orvelbox/package_life.h"
 #include "orvelbox/package_source.h"
 #include "orvelbox/platform_set.h"
 #include "orvelbox/report.h"
+#include "orvelbox/scratch_directory.h"
 #include "orvelbox/tree.h"
 #include "orvelbox/why.h"
+#include "platform/host/child_process.h"
 
 namespace fs = std::filesystem;
 
@@ -30,16 +33,16 @@ fs::path OwnPlugin() {
   return fs::exists(installed) ? installed : programs.parent_path() / "plugin" / "libmorvath.so";
 }
 
-HookSettings SettingsOf(const Options& options) {
+HookSettings SettingsOf(const Options& options, const host::Device& device) {
   HookSettings settings;
-  settings.device = host::OpenDevice(ChooseDevice(options.device, FromEnvironment));
+  settings.device = device;
   settings.quiet = options.quiet;
   settings.plugin = options.plugin.empty() ? OwnPlugin() : fs::absolute(options.plugin);
   if (!options.trace.empty()) settings.trace = fs::absolute(options.trace);
   return settings;
 }
 
-host::Device OpenForReading(const Options& options) {
+host::Device OpenNamed(const Options& options) {
   return host::OpenDevice(ChooseDevice(options.device, FromEnvironment));
 }
 
@@ -75,7 +78,7 @@ int Init(const Options& options) {
 }
 
 int List(const Options& options) {
-  const host::Device device = OpenForReading(options);
+  const host::Device device = OpenNamed(options);
   const std::vector<host::Package> packages = ReadStore(device).List();
   if (options.json) {
     SayColoured(PackagesJson(packages));
@@ -86,7 +89,7 @@ int List(const Options& options) {
 }
 
 int Show(const Options& options) {
-  const host::Device device = OpenForReading(options);
+  const host::Device device = OpenNamed(options);
   const host::Package package = FindInstalled(ReadStore(device), options.target);
   if (options.json) {
     SayColoured(PackageJson(package));
@@ -114,7 +117,7 @@ int VerifyCaches(const host::Device& device, bool json) {
 }
 
 int Cache(const Options& options) {
-  const host::Device device = OpenForReading(options);
+  const host::Device device = OpenNamed(options);
   if (options.verify) return VerifyCaches(device, options.json);
   const CacheText tpa = ReadCache(device, "TPA.txt");
   const CacheText coba = ReadCache(device, "CoBA.txt");
@@ -128,7 +131,7 @@ int Cache(const Options& options) {
 }
 
 int Why(const Options& options) {
-  const host::Device device = OpenForReading(options);
+  const host::Device device = OpenNamed(options);
   const WhyQuestion question = ReadQuestion(device, ReadStore(device), options.target);
   const std::vector<Removal> removals = AskedFor(question, RemovalsOf(device, question.package));
   CheckedPackage today;
@@ -144,8 +147,36 @@ int Why(const Options& options) {
 
 int Log(const Options& options) {
   const bool colour = ColourWanted(std::getenv("NO_COLOR"));
-  ShowLog(OpenForReading(options), {options.log_filter, options.follow, colour, options.json});
+  ShowLog(OpenNamed(options), {options.log_filter, options.follow, colour, options.json});
   return kDone;
+}
+
+// A device like the one that is asked for, without its packages; or one with the platform that is asked for.
+host::Device MakeThrowAway(const Options& options, const fs::path& directory) {
+  if (!options.platform.empty()) {
+    RequirePlatform(options.platform);
+    const host::Device device = host::CreateDevice(directory);
+    CopyPlatform(options.platform, device);
+    return device;
+  }
+  const host::Device model = OpenNamed(options);
+  const host::Device device = host::CreateDevice(directory, host::ReadConfig(model));
+  CopyPlatform(model.OnDesk(host::kPlatformAssemblies), device);
+  return device;
+}
+
+int TestPackage(const Options& options) {
+  const host::HeldSignals signals;  // so that an interruption leaves no device behind
+  const ScratchDirectory scratch;
+  HookSettings settings = SettingsOf(options, MakeThrowAway(options, scratch.path() / "device"));
+  settings.quiet = true;
+  const Life life = LiveThrough(settings, options.target, options.upgrade.empty() ? options.target : options.upgrade);
+  if (options.json) {
+    SayColoured(ToJson(life));
+  } else {
+    SayAll(DescribeLife(life));
+  }
+  return life.Sound() ? kDone : kFailed;
 }
 
 int CheckPackages(const Options& options) {
@@ -161,7 +192,7 @@ int ChangeWithPackage(const Session& session, const fs::path& package, int (*cha
 }
 
 int RunChange(const Options& options) {
-  const Session session(SettingsOf(options));
+  const Session session(SettingsOf(options, OpenNamed(options)));
   if (options.command == "install") return ChangeWithPackage(session, options.target, Install);
   if (options.command == "upgrade") return ChangeWithPackage(session, options.target, Upgrade);
   if (options.command == "uninstall") return Uninstall(session, options.target);
@@ -175,12 +206,13 @@ int RunChange(const Options& options) {
 }  // namespace
 
 int RunCommand(const Options& options) {
-  if (options.quiet) BeQuiet();
+  SetQuiet(options.quiet);
   if (options.command == "check") return CheckPackages(options);
   if (options.command == "init") return Init(options);
   if (options.command == "list") return List(options);
   if (options.command == "show") return Show(options);
   if (options.command == "cache") return Cache(options);
+  if (options.command == "test") return TestPackage(options);
   if (options.command == "why") return Why(options);
   if (options.command == "log") return Log(options);
   return RunChange(options);

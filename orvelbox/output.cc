@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <iostream>
+#include <utility>
 
 namespace orvelbox {
 namespace {
@@ -84,7 +85,7 @@ std::string Printable(std::string_view text) {
   return printable;
 }
 
-void BeQuiet() { quiet = true; }
+bool SetQuiet(bool wanted) { return std::exchange(quiet, wanted); }
 
 void Say(std::string_view line) { SayColoured(Printable(line)); }
 
