@@ -1,5 +1,5 @@
 # The commands of everyday work. Each installs what is missing first; CMakePresets.json holds the builds.
-.PHONY: build test test-heavy demo coverage mutation lint format sanitize clean packages lint-packages
+.PHONY: build test test-heavy demo coverage mutation fuzz lint format sanitize clean packages lint-packages
 
 JOBS ?= $(shell nproc)
 
@@ -33,6 +33,15 @@ coverage: packages
 # What the unit tests notice of changes to plugin/ and util/ (an hour or so).
 mutation: packages
 	scripts/mutation.py
+
+# The fuzzers, FUZZ_SECONDS each; FUZZERS names some of them (fuzz/README.md).
+FUZZ_SECONDS ?= 60
+FUZZERS ?=
+fuzz: packages
+	@scripts/install-packages.sh scripts/fuzz-packages.txt
+	cmake --preset fuzz
+	cmake --build --preset fuzz --parallel $(JOBS) --target fuzzers
+	scripts/fuzz.sh build/fuzz $(FUZZ_SECONDS) $(FUZZERS)
 
 lint: packages lint-packages
 	cmake --preset clang
