@@ -19,9 +19,11 @@ for name in "$@"; do
   fi
   corpus=$build/corpus/$name
   mkdir -p "$corpus"
+  dictionary=fuzz/dictionaries/$name.dict
+  [ -f "$dictionary" ] || dictionary=
   echo "$name: $seconds seconds"
   "$program" -max_total_time="$seconds" -max_len=512 -timeout=20 -rss_limit_mb=2048 -print_final_stats=1 \
-    -close_fd_mask=2 -artifact_prefix="fuzz/seeds/$name/found-" "$corpus" "fuzz/seeds/$name" \
+    -close_fd_mask=2 ${dictionary:+"-dict=$dictionary"} -artifact_prefix="fuzz/seeds/$name/found-" "$corpus" "fuzz/seeds/$name" \
     2>"$corpus.log" || broken="$broken $name"
   grep -E 'DONE|ERROR|stat::(number_of_executed_units|average_exec_per_sec)' "$corpus.log" || true
 done
