@@ -49,14 +49,24 @@ void CheckPackage(const host::Package& package) {
   }
 }
 
+// Where the manifest is written.
+const fs::path& Place() {
+  static const fuzz::MemoryDirectory directory;
+  return directory.path();
+}
+
 }  // namespace
 
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  Place();
+  return 0;
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const fuzz::MemoryDirectory directory;
-  const fs::path file = directory.path() / orvelbox::kManifestName;
+  const fs::path file = Place() / orvelbox::kManifestName;
   std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
   try {
-    const orvelbox::Manifest manifest = orvelbox::ReadManifest(directory.path());
+    const orvelbox::Manifest manifest = orvelbox::ReadManifest(Place());
     Require(manifest.document != nullptr, "what was read can be handed on");
     CheckPackage(manifest.package);
   } catch (const host::DeviceError& error) {
