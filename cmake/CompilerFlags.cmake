@@ -16,6 +16,10 @@ else()
   add_compile_options($<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE> $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
 endif()
 
+if(ORVEL_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 if(ORVEL_COVERAGE)
   add_compile_options(--coverage -fprofile-abs-path)
   add_link_options(--coverage)
