@@ -51,7 +51,7 @@ void EachByIsUniqueDll(const std::string& root, std::vector<int>& answers) {
 }
 
 void AllByPackageJudge(const std::string& root, std::vector<int>& answers) {
-  const PackageJudge judge;
+  const PackageJudge judge(root);
   WalkFiles(
       root, [&](const ListedFile& file) { answers.push_back(judge.Judge(file)); }, kEverywhere);
 }
