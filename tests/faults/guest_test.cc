@@ -96,13 +96,18 @@ TEST(Guest, leaves_everything_of_the_process_as_it_is) {
 
 TEST(Guest, opens_nothing_that_an_exec_would_leave_open_and_closes_everything) {
   OnWatchedDevice([](const LoadedPlugin& plugin) {
+    fault_desk::LayOutDuplicate();
+    fault_desk::LayOutCaches(fault_desk::Adding().before);
     faults::OpeningsSoFar() = {};
     const std::size_t open_before = support::NamesIn("/proc/self/fd").size();
     plugin.Event("INSTALL", fault_desk::ManifestFor({""}).get(), kId);
     plugin.Event("CLEAN", fault_desk::ManifestFor({"", true}).get(), kId);
     plugin.Event("UNINSTALL", fault_desk::ManifestFor({""}).get(), kId);
-    EXPECT_GT(faults::OpeningsSoFar().all, 5);
-    EXPECT_EQ(0, faults::OpeningsSoFar().inheritable);
+    const faults::Openings openings = faults::OpeningsSoFar();
+    EXPECT_FALSE(support::IsThere(fault_desk::kDll));
+    EXPECT_EQ(fault_desk::Removing().after.tpa, fault_desk::ReadCaches().tpa);
+    EXPECT_GT(openings.all, 15);
+    EXPECT_EQ(0, openings.inheritable);
     EXPECT_EQ(open_before, support::NamesIn("/proc/self/fd").size());
   });
 }
