@@ -1,5 +1,6 @@
 # The commands of everyday work. Each installs what is missing first; CMakePresets.json holds the builds.
-.PHONY: build test test-heavy demo coverage mutation fuzz lint format sanitize clean packages lint-packages
+.PHONY: build test test-heavy demo bench bench-compare bench-programs coverage mutation fuzz lint format sanitize \
+  valgrind clean packages lint-packages
 
 JOBS ?= $(shell nproc)
 
@@ -23,6 +24,13 @@ sanitize: packages
 	cmake --build --preset sanitize --parallel $(JOBS)
 	ctest --preset sanitize --parallel $(JOBS)
 
+# The unit and integration tests under valgrind memcheck (half an hour or so).
+valgrind: packages
+	@scripts/install-packages.sh scripts/valgrind-packages.txt
+	cmake --preset valgrind
+	cmake --build --preset valgrind --parallel $(JOBS)
+	ctest --preset valgrind --parallel $(JOBS)
+
 # What the unit tests reach of plugin/ and util/.
 coverage: packages
 	@scripts/install-packages.sh scripts/coverage-packages.txt
@@ -30,9 +38,23 @@ coverage: packages
 	cmake --build --preset coverage --parallel $(JOBS) --target unit_tests
 	scripts/coverage.sh build/coverage
 
-# What the unit tests notice of changes to plugin/ and util/ (an hour or so).
+# What the unit tests notice of changes to plugin/ and util/ (half an hour or so).
 mutation: packages
+	@scripts/install-packages.sh scripts/mutation-packages.txt
 	scripts/mutation.py
+
+# What the plug-in costs beside lean programs that do the same work (some ten minutes), and beside what a person would
+# use to find duplicates by name.
+bench: bench-programs
+	bench/run.py build/release build/bench
+
+bench-compare: bench-programs
+	bench/compare.py build/release build/bench
+
+bench-programs: packages
+	@scripts/install-packages.sh scripts/bench-packages.txt
+	cmake --preset release
+	cmake --build --preset release --parallel $(JOBS) --target bench_programs
 
 # The fuzzers, FUZZ_SECONDS each; FUZZERS names some of them (fuzz/README.md).
 FUZZ_SECONDS ?= 60

@@ -4,6 +4,9 @@ if(ORVEL_WERROR)
   add_compile_options(-Werror)
 endif()
 
+# Programs may lie anywhere in memory, as shared libraries do.
+include(CheckPIESupported)
+check_pie_supported()
 add_compile_options(-fstack-protector-strong)
 add_link_options(-Wl,-z,relro,-z,now,-z,noexecstack)
 if(ORVEL_SANITIZE)

@@ -4,6 +4,7 @@
 
 #include "fuzz/input.h"
 #include "plugin/cache_files.h"
+#include "tests/support/cache_edit.h"
 #include "tests/support/plain_cache_edit.h"
 
 namespace {
@@ -16,11 +17,11 @@ std::string Joined(const std::vector<std::string>& texts) {
 
 void CheckErasing(const std::string& text, const std::string& root) {
   const support::PlainEdit plain = support::PlainErase(text, root);
-  const CacheEdit edit = EraseEntries(text, root);
+  const support::CacheEdit edit = support::Erase(text, root);
   fuzz::RequireEqual(plain.text, edit.text, "what is left is what the plain search leaves");
   fuzz::RequireEqual(Joined(plain.erased), Joined(edit.erased), "what is erased is what the plain search erases");
   if (plain.endless) return;
-  fuzz::Require(EraseEntries(edit.text, root).erased.empty(), "a second erasing finds nothing");
+  fuzz::Require(support::Erase(edit.text, root).erased.empty(), "a second erasing finds nothing");
 }
 
 void CheckAppending(const std::string& text, const std::string& entries) {

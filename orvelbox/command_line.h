@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "orvelbox/check.h"
 #include "orvelbox/log_view.h"
 #include "orvelbox/operations.h"
 
@@ -22,12 +23,17 @@ struct Options {
   std::string device;  // --device; empty: as the environment says
   std::string plugin;  // --plugin; empty: the one built with this program
   std::string trace;   // --trace; empty: as the environment says
+  bool quiet = false;  // --quiet
   std::string command;
-  std::string platform;          // init
+  std::string platform;          // init, test
   std::string target;            // PACKAGE or PKG
+  std::string upgrade;           // test
   std::vector<RawEvent> events;  // events
   LogFilter log_filter;          // log
   bool follow = false;           // log
+  bool verify = false;           // cache
+  bool json = false;             // listings
+  CheckOptions check;            // check
 };
 
 // Reads the command line. For help and for wrong usage it prints what there is to say and returns the exit status.

@@ -4,11 +4,19 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "orvelbox/cache_verify.h"
+#include "orvelbox/check_package.h"
+#include "orvelbox/listing_json.h"
 #include "orvelbox/observation.h"
 #include "orvelbox/output.h"
+#include "orvelbox/package_life.h"
 #include "orvelbox/package_source.h"
+#include "orvelbox/platform_set.h"
 #include "orvelbox/report.h"
+#include "orvelbox/scratch_directory.h"
 #include "orvelbox/tree.h"
+#include "orvelbox/why.h"
+#include "platform/host/child_process.h"
 
 namespace fs = std::filesystem;
 
@@ -25,30 +33,21 @@ fs::path OwnPlugin() {
   return fs::exists(installed) ? installed : programs.parent_path() / "plugin" / "libmorvath.so";
 }
 
-HookSettings SettingsOf(const Options& options) {
+HookSettings SettingsOf(const Options& options, const host::Device& device) {
   HookSettings settings;
-  settings.device = host::OpenDevice(ChooseDevice(options.device, FromEnvironment));
+  settings.device = device;
+  settings.quiet = options.quiet;
   settings.plugin = options.plugin.empty() ? OwnPlugin() : fs::absolute(options.plugin);
   if (!options.trace.empty()) settings.trace = fs::absolute(options.trace);
   return settings;
 }
 
-host::Device OpenForReading(const Options& options) {
+host::Device OpenNamed(const Options& options) {
   return host::OpenDevice(ChooseDevice(options.device, FromEnvironment));
 }
 
 host::PackageStore ReadStore(const host::Device& device) {
   return host::PackageStore(device.Database(), host::PackageStore::Mode::kReadOnly);
-}
-
-void RequirePlatform(const fs::path& platform) {
-  const bool found =
-      std::any_of(std::begin(host::kPlatformAssemblyDirectories), std::end(host::kPlatformAssemblyDirectories),
-                  [&](const char* name) { return fs::is_directory(platform / name); });
-  if (found) return;
-  throw host::DeviceError(platform.string() +
-                          ": no platform assemblies; name a directory that holds netcoreapp/, framework/, d.pc/ or " +
-                          "tvappapi/");
 }
 
 // Takes back a device that could not be completed.
@@ -79,26 +78,112 @@ int Init(const Options& options) {
 }
 
 int List(const Options& options) {
-  const host::Device device = OpenForReading(options);
-  SayAll(DescribePackages(ReadStore(device).List()));
+  const host::Device device = OpenNamed(options);
+  const std::vector<host::Package> packages = ReadStore(device).List();
+  if (options.json) {
+    SayColoured(PackagesJson(packages));
+  } else {
+    SayAll(DescribePackages(packages));
+  }
   return kDone;
 }
 
 int Show(const Options& options) {
-  const host::Device device = OpenForReading(options);
-  SayAll(DescribePackage(FindInstalled(ReadStore(device), options.target)));
+  const host::Device device = OpenNamed(options);
+  const host::Package package = FindInstalled(ReadStore(device), options.target);
+  if (options.json) {
+    SayColoured(PackageJson(package));
+  } else {
+    SayAll(DescribePackage(package));
+  }
   return kDone;
 }
 
+int VerifyCaches(const host::Device& device, bool json) {
+  const std::vector<host::Package> packages = ReadStore(device).List();
+  std::vector<CacheFinding> findings = FindPrefixHazards(packages);
+  for (const char* name : {"TPA.txt", "CoBA.txt"}) {
+    const auto more = VerifyCache(name, ReadCache(device, name), packages,
+                                  [&](const std::string& path) { return IsThere(device.OnDesk(path)); });
+    findings.insert(findings.end(), more.begin(), more.end());
+  }
+  if (json) {
+    SayColoured(ToJson(findings));
+  } else {
+    for (const CacheFinding& finding : findings) Say(finding.text);
+    if (findings.empty()) Say("both cache files are sound");
+  }
+  return findings.empty() ? kDone : kFailed;
+}
+
 int Cache(const Options& options) {
-  const host::Device device = OpenForReading(options);
-  for (const char* name : {"TPA.txt", "CoBA.txt"}) SayAll(DescribeCache(name, ReadCache(device, name)));
+  const host::Device device = OpenNamed(options);
+  if (options.verify) return VerifyCaches(device, options.json);
+  const CacheText tpa = ReadCache(device, "TPA.txt");
+  const CacheText coba = ReadCache(device, "CoBA.txt");
+  if (options.json) {
+    SayColoured(CachesJson(tpa, coba));
+  } else {
+    SayAll(DescribeCache("TPA.txt", tpa));
+    SayAll(DescribeCache("CoBA.txt", coba));
+  }
+  return kDone;
+}
+
+int Why(const Options& options) {
+  const host::Device device = OpenNamed(options);
+  const WhyQuestion question = ReadQuestion(device, ReadStore(device), options.target);
+  const std::vector<Removal> removals = AskedFor(question, RemovalsOf(device, question.package));
+  CheckedPackage today;
+  if (!question.path.empty())
+    today = PackageChecker(SetOfDevice(device), {}).Check(device.OnDesk(question.package.root));
+  if (options.json) {
+    SayColoured(WhyJson(question, removals, today));
+  } else {
+    SayAll(DescribeWhy(question, removals, today));
+  }
   return kDone;
 }
 
 int Log(const Options& options) {
-  ShowLog(OpenForReading(options), {options.log_filter, options.follow, ColourWanted(std::getenv("NO_COLOR"))});
+  const bool colour = ColourWanted(std::getenv("NO_COLOR"));
+  ShowLog(OpenNamed(options), {options.log_filter, options.follow, colour, options.json});
   return kDone;
+}
+
+// A device like the one that is asked for, without its packages; or one with the platform that is asked for.
+host::Device MakeThrowAway(const Options& options, const fs::path& directory) {
+  if (!options.platform.empty()) {
+    RequirePlatform(options.platform);
+    const host::Device device = host::CreateDevice(directory);
+    CopyPlatform(options.platform, device);
+    return device;
+  }
+  const host::Device model = OpenNamed(options);
+  const host::Device device = host::CreateDevice(directory, host::ReadConfig(model));
+  CopyPlatform(model.OnDesk(host::kPlatformAssemblies), device);
+  return device;
+}
+
+int TestPackage(const Options& options) {
+  const host::HeldSignals signals;  // so that an interruption leaves no device behind
+  const ScratchDirectory scratch;
+  HookSettings settings = SettingsOf(options, MakeThrowAway(options, scratch.path() / "device"));
+  settings.quiet = true;
+  const Life life = LiveThrough(settings, options.target, options.upgrade.empty() ? options.target : options.upgrade);
+  if (options.json) {
+    SayColoured(ToJson(life));
+  } else {
+    SayAll(DescribeLife(life));
+  }
+  return life.Sound() ? kDone : kFailed;
+}
+
+int CheckPackages(const Options& options) {
+  const bool without_device = !options.check.platform.empty();
+  CheckOptions check = options.check;
+  check.quiet = options.quiet;
+  return Check(check, without_device ? fs::path() : ChooseDevice(options.device, FromEnvironment));
 }
 
 int ChangeWithPackage(const Session& session, const fs::path& package, int (*change)(const Session&, const fs::path&)) {
@@ -107,7 +192,7 @@ int ChangeWithPackage(const Session& session, const fs::path& package, int (*cha
 }
 
 int RunChange(const Options& options) {
-  const Session session(SettingsOf(options));
+  const Session session(SettingsOf(options, OpenNamed(options)));
   if (options.command == "install") return ChangeWithPackage(session, options.target, Install);
   if (options.command == "upgrade") return ChangeWithPackage(session, options.target, Upgrade);
   if (options.command == "uninstall") return Uninstall(session, options.target);
@@ -121,10 +206,14 @@ int RunChange(const Options& options) {
 }  // namespace
 
 int RunCommand(const Options& options) {
+  SetQuiet(options.quiet);
+  if (options.command == "check") return CheckPackages(options);
   if (options.command == "init") return Init(options);
   if (options.command == "list") return List(options);
   if (options.command == "show") return Show(options);
   if (options.command == "cache") return Cache(options);
+  if (options.command == "test") return TestPackage(options);
+  if (options.command == "why") return Why(options);
   if (options.command == "log") return Log(options);
   return RunChange(options);
 }

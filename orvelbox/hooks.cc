@@ -2,6 +2,7 @@
 #include "orvelbox/hooks.h"
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <sys/mman.h>
 
 #include <algorithm>
@@ -75,9 +76,15 @@ void SetEnvironment(const HookSettings& settings) {
   if (!settings.trace.empty()) setenv(host::kTraceVariable, settings.trace.c_str(), 1);
 }
 
+void DropOutput() {
+  const host::UniqueFd nowhere(open("/dev/null", O_WRONLY | O_CLOEXEC));
+  for (const int output : {STDOUT_FILENO, STDERR_FILENO}) dup2(nowhere.get(), output);
+}
+
 // What the child does. The library stays loaded until the process ends, as in the package manager.
 void CallHooks(const HookSettings& settings, int report, const std::function<void(const HookCaller&)>& body) {
   SetEnvironment(settings);
+  if (settings.quiet) DropOutput();
   void* library = dlopen(settings.plugin.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (library == nullptr) throw host::DeviceError(dlerror());
   body([&](const std::string& name, xmlDoc* document, const std::string& package_id) {

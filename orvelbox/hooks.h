@@ -45,6 +45,7 @@ struct HookSettings {
   host::Device device;
   std::filesystem::path plugin;  // absolute
   std::filesystem::path trace;   // absolute; empty: as the environment says
+  bool quiet = false;            // what the plug-in prints is dropped
 };
 
 // Runs `body` in a child process, where it calls hooks through its argument; a hook that throws ends it. Returns what

@@ -32,9 +32,10 @@ std::string WithoutColours(std::string_view text) {
 // Collects the facts message by message; the three lines about a duplicate come one after the other.
 class Collector {
  public:
-  void AddError(const std::string& text) {
+  void AddError(const std::string& text, const std::string& time) {
     if (text == kFound) {
       found_ = {};
+      found_.time = time;
     } else if (StartsWith(text, kOrigin)) {
       found_.origin = text.substr(kOrigin.size());
     } else if (StartsWith(text, kDuplicated)) {
@@ -99,7 +100,7 @@ LogFacts InterpretLog(const std::vector<host::LogRecord>& records) {
   for (const host::LogRecord& record : records) {
     const std::optional<PluginMessage> message = ParsePluginMessage(record.text);
     const std::string text = message ? message->text : WithoutColours(record.text);
-    if (record.priority == 'E') collector.AddError(text);
+    if (record.priority == 'E') collector.AddError(text, record.time);
     if (record.priority == 'I') collector.AddInformation(text);
   }
   return collector.Take();

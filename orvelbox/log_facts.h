@@ -23,6 +23,7 @@ struct Duplicate {
   std::string origin;              // the copy that counts
   std::string duplicated;          // the package's copy
   bool origin_read_write = false;  // so the package's copy stays
+  std::string time{};              // of the report
 };
 
 struct LogFacts {

@@ -11,6 +11,7 @@
 #include <optional>
 
 #include "orvelbox/colour.h"
+#include "orvelbox/listing_json.h"
 #include "orvelbox/output.h"
 #include "platform/host/files.h"
 #include "platform/host/unique_fd.h"
@@ -102,7 +103,8 @@ class Watch {
 void ShowRecords(LogReader& reader, const LogView& view) {
   while (const auto line = reader.Next()) {
     const auto record = host::ParseLogRecord(*line);
-    if (record && Passes(view.filter, *record)) SayColoured(ShowRecord(*record, view.colour));
+    if (!record || !Passes(view.filter, *record)) continue;
+    SayColoured(view.json ? RecordJson(*record) : ShowRecord(*record, view.colour));
   }
 }
 

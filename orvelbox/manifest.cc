@@ -134,7 +134,8 @@ void KeepFirstError(void* parser, xmlErrorPtr error) {
 host::UniqueFd OpenManifest(const std::filesystem::path& package_directory, const std::filesystem::path& file) {
   std::error_code ignored;
   if (!std::filesystem::is_directory(package_directory, ignored)) {
-    throw host::DeviceError(package_directory.string() + ": no such directory; name the directory or the archive of a package");
+    throw host::DeviceError(package_directory.string() +
+                            ": no such directory; name the directory or the archive of a package");
   }
   host::UniqueFd descriptor(open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
   if (!descriptor && errno == ENOENT) {

@@ -11,10 +11,6 @@
 namespace orvelbox {
 namespace {
 
-std::filesystem::path CachePath(const host::Device& device, const std::string& name) {
-  return device.OnDesk(host::kCacheDirectory) / name;
-}
-
 std::uintmax_t LogSize(const host::Device& device) {
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(device.Log(), error);
@@ -43,14 +39,10 @@ std::vector<DllFate> FatesOf(const host::Device& device, const std::vector<Dupli
   return fates;
 }
 
-void RestoreCache(const host::Device& device, const std::string& name, const CacheText& text) {
-  if (text && ReadCache(device, name) != text) host::ReplaceFile(CachePath(device, name), *text);
-}
-
 }  // namespace
 
 CacheText ReadCache(const host::Device& device, const std::string& name) {
-  const std::filesystem::path file = CachePath(device, name);
+  const std::filesystem::path file = device.OnDesk(host::kCacheDirectory) / name;
   if (!IsThere(file)) return std::nullopt;
   return host::ReadFile(file);
 }
@@ -70,11 +62,6 @@ Observation Observe(const host::Device& device, const Snapshot& before, HookRun 
   seen.loader_restarted = loader.starts > before.loader.starts;
   seen.loader_error = loader.error;
   return seen;
-}
-
-void RestoreCaches(const host::Device& device, const Snapshot& before) {
-  RestoreCache(device, "TPA.txt", before.tpa);
-  RestoreCache(device, "CoBA.txt", before.coba);
 }
 
 LoaderState ParseLoaderRecord(const std::string& record) {

@@ -51,9 +51,6 @@ CacheText ReadCache(const host::Device& device, const std::string& name);
 Snapshot TakeSnapshot(const host::Device& device);
 Observation Observe(const host::Device& device, const Snapshot& before, HookRun hooks);
 
-// Gives the cache files the texts of `before` again, where they differ. Throws host::DeviceError.
-void RestoreCaches(const host::Device& device, const Snapshot& before);
-
 // Reads the text of the loader's record; a damaged one says nothing.
 LoaderState ParseLoaderRecord(const std::string& record);
 

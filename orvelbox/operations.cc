@@ -38,9 +38,7 @@ HookRun CallInstallHooks(const Session& session, const std::string& main_hook, c
 
 Observation ObserveInstallHooks(const Session& session, const std::string& main_hook, const Manifest& manifest) {
   const Snapshot before = TakeSnapshot(session.device());
-  Observation seen = Observe(session.device(), before, CallInstallHooks(session, main_hook, manifest));
-  if (!seen.hooks.Succeeded()) RestoreCaches(session.device(), before);
-  return seen;
+  return Observe(session.device(), before, CallInstallHooks(session, main_hook, manifest));
 }
 
 void SayHooks(const HookRun& hooks) {
@@ -95,12 +93,13 @@ int Install(const Session& session, const std::filesystem::path& directory) {
   RequireOwnApplications(session.OpenStore(), package, file);
   session.area().Add(directory, package);
   const Observation seen = Attempt([&] { return ObserveInstallHooks(session, "INSTALL", manifest); },
-                                   [&] { session.area().Discard(package); });
+                                   [&] { session.area().TakeBackAddition(package); });
   if (seen.hooks.Succeeded()) {
+    session.area().KeepAddition();
     SayDone("installed " + Named(package) + " (" + package.root + ")", seen, package.root);
     return 0;
   }
-  session.area().Discard(package);
+  session.area().TakeBackAddition(package);
   SayTakenBack("not installed: " + Named(package), seen, package.root);
   return ComplainOf("install", package, seen);
 }
@@ -130,12 +129,18 @@ int Upgrade(const Session& session, const std::filesystem::path& directory) {
 
 int Uninstall(const Session& session, const std::string& package_id) {
   const host::Package package = session.Installed(package_id);
-  const Observation seen = ObserveHooks(session, package, {"UNINSTALL", "CLEAN"});
+  session.area().BeginRemoval(package.id);
+  const Observation seen = Attempt(
+      [&] {
+        return ObserveHooks(session, package, {"UNINSTALL", "CLEAN"});
+      },
+      [&] { session.area().TakeBackRemoval(); });
   if (!seen.hooks.Succeeded()) {
+    session.area().AbandonRemoval();
     SayFailed("not uninstalled: " + Named(package) + "; it stays installed", seen, package.root);
     return ComplainOf("uninstall", package, seen);
   }
-  session.area().Discard(package);
+  session.area().Remove(package);
   SayDone("uninstalled " + Named(package), seen, package.root);
   return 0;
 }

@@ -7,9 +7,12 @@
 #include <cstdint>
 #include <cstdio>
 #include <iostream>
+#include <utility>
 
 namespace orvelbox {
 namespace {
+
+bool quiet = false;
 
 std::string Escaped(unsigned char byte) {
   switch (byte) {
@@ -82,13 +85,17 @@ std::string Printable(std::string_view text) {
   return printable;
 }
 
+bool SetQuiet(bool wanted) { return std::exchange(quiet, wanted); }
+
 void Say(std::string_view line) { SayColoured(Printable(line)); }
 
 void SayAll(const std::vector<std::string>& lines) {
   for (const std::string& line : lines) Say(line);
 }
 
-void SayColoured(std::string_view safe_line) { std::cout << safe_line << '\n'; }
+void SayColoured(std::string_view safe_line) {
+  if (!quiet) std::cout << safe_line << '\n';
+}
 
 void Complain(std::string_view line) {
   std::cout.flush();

@@ -31,7 +31,7 @@ void RemoveIfEmpty(const fs::path& directory) { rmdir(directory.c_str()); }
 }  // namespace
 
 PackageArea::PackageArea(host::Device device, const host::DeviceConfig& config)
-    : device_(std::move(device)), root_(config.read_write_root) {}
+    : device_(std::move(device)), root_(config.read_write_root), note_(device_) {}
 
 std::string PackageArea::RootOnDevice(const std::string& package_id) const { return root_ + "/" + package_id; }
 
@@ -49,6 +49,10 @@ fs::path PackageArea::Previous(const std::string& package_id) const { return Pre
 
 void PackageArea::Register(const host::Package& package) const {
   host::PackageStore(device_.Database(), host::PackageStore::Mode::kReadWrite).Put(package);
+}
+
+std::optional<host::Package> PackageArea::Registered(const std::string& package_id) const {
+  return host::PackageStore(device_.Database(), host::PackageStore::Mode::kReadOnly).Find(package_id);
 }
 
 void PackageArea::Forget(const std::string& package_id) const {
@@ -80,15 +84,25 @@ void PackageArea::Add(const fs::path& source, const host::Package& package) cons
     throw host::DeviceError(Place(package).string() + ": is in the way, and belongs to no installed package; " +
                             "move it away and try again");
   }
-  Stage(source, package.id);
+  note_.Begin(Operation::kInstall, package.id);
   const auto put_in_place = [&] {
+    Stage(source, package.id);
     Register(package);
     Move(Staging(package.id), Place(package));
     RemoveStaged(package.id);
   };
-  Attempt(put_in_place, [&] { Discard(package); });
+  Attempt(put_in_place, [&] { TakeBackAddition(package); });
 }
 
+void PackageArea::KeepAddition() const { note_.End(); }
+
+void PackageArea::TakeBackAddition(const host::Package& package) const {
+  Discard(package);
+  note_.RestoreCaches();
+  note_.End();
+}
+
+// Takes the package's tree and record away.
 void PackageArea::Discard(const host::Package& package) const {
   MoveAside(package);
   RemoveStaged(package.id);
@@ -96,8 +110,9 @@ void PackageArea::Discard(const host::Package& package) const {
 }
 
 void PackageArea::Replace(const fs::path& source, const host::Package& package, const host::Package& installed) const {
-  Stage(source, package.id);
+  note_.Begin(Operation::kUpgrade, package.id);
   const auto put_in_place = [&] {
+    Stage(source, package.id);
     MakeDirectory(PreviousArea());
     Move(Place(package), Previous(package.id));
     Move(Staging(package.id), Place(package));
@@ -108,13 +123,25 @@ void PackageArea::Replace(const fs::path& source, const host::Package& package, 
 }
 
 void PackageArea::KeepUpgrade(const std::string& package_id) const {
+  note_.Decide();
+  DropPrevious(package_id);
+  note_.End();
+}
+
+void PackageArea::RestorePrevious(const host::Package& previous) const {
+  PutPreviousBack(previous);
+  note_.RestoreCaches();
+  note_.End();
+}
+
+void PackageArea::DropPrevious(const std::string& package_id) const {
   MakeDirectory(StagingArea());
-  Move(Previous(package_id), Staging(package_id));
+  if (IsThere(Previous(package_id))) Move(Previous(package_id), Staging(package_id));
   RemoveIfEmpty(PreviousArea());
   RemoveStaged(package_id);
 }
 
-void PackageArea::RestorePrevious(const host::Package& previous) const {
+void PackageArea::PutPreviousBack(const host::Package& previous) const {
   if (IsThere(Previous(previous.id))) {
     MoveAside(previous);
     RemoveStaged(previous.id);
@@ -123,6 +150,27 @@ void PackageArea::RestorePrevious(const host::Package& previous) const {
   }
   RemoveIfEmpty(PreviousArea());
   RemoveStaged(previous.id);
+}
+
+void PackageArea::BeginRemoval(const std::string& package_id) const {
+  try {
+    note_.Begin(Operation::kUninstall, package_id);
+  } catch (const host::DeviceError&) {
+    // Uninstalling is how a full disk gets room again: it goes on without the note.
+  }
+}
+
+void PackageArea::AbandonRemoval() const { note_.End(); }
+
+void PackageArea::TakeBackRemoval() const {
+  note_.RestoreCaches();
+  note_.End();
+}
+
+void PackageArea::Remove(const host::Package& package) const {
+  note_.Decide();
+  Discard(package);
+  note_.End();
 }
 
 // The packages whose record has no tree.
@@ -135,16 +183,51 @@ std::vector<std::string> PackageArea::Unplaced() const {
   return ids;
 }
 
+// Does what was left to do of an operation that was decided.
+std::string PackageArea::Complete(const Pending& pending) const {
+  if (pending.operation == Operation::kUpgrade) {
+    DropPrevious(pending.package_id);
+    return "an upgrade was interrupted at its end; the new version stays";
+  }
+  if (const auto package = Registered(pending.package_id)) Discard(*package);
+  return "an uninstall was interrupted at its end; it is done now";
+}
+
+// Undoes what was done to trees and records in an operation that was not decided.
+std::string PackageArea::TakeBack(const Pending& pending) const {
+  const std::string& id = pending.package_id;
+  switch (pending.operation) {
+    case Operation::kInstall: {
+      host::Package package;
+      package.id = id;
+      Discard(PlacedAt(std::move(package), RootOnDevice(id)));
+      return "an install was interrupted; it was taken back";
+    }
+    case Operation::kUpgrade:
+      if (IsThere(Previous(id))) PutPreviousBack(PlacedAt(ReadManifest(Previous(id)).package, RootOnDevice(id)));
+      return "an upgrade was interrupted; the version before it is in place again";
+    default:
+      return "an uninstall was interrupted; the package stays installed";
+  }
+}
+
 std::vector<std::string> PackageArea::Mend() const {
   std::vector<std::string> mended;
+  if (const auto pending = note_.Read()) {
+    const std::string outcome = pending->decided ? Complete(*pending) : TakeBack(*pending);
+    if (!pending->decided) note_.RestoreCaches();
+    mended.push_back("mended " + pending->package_id + ": " + outcome);
+  }
+  note_.End();
   for (const std::string& id : NamesIn(PreviousArea())) {
-    RestorePrevious(PlacedAt(ReadManifest(Previous(id)).package, RootOnDevice(id)));
+    PutPreviousBack(PlacedAt(ReadManifest(Previous(id)).package, RootOnDevice(id)));
     mended.push_back("mended " + id + ": an upgrade was interrupted; the version before it is in place again");
   }
   for (const std::string& id : NamesIn(StagingArea())) {
     RemoveStaged(id);
     mended.push_back("mended " + id + ": the files that an interrupted command left behind were removed");
   }
+  for (const fs::path& area : {PreviousArea(), StagingArea()}) RemoveIfEmpty(area);
   for (const std::string& id : Unplaced()) {
     Forget(id);
     mended.push_back("mended " + id + ": its files are gone, so it is no longer installed");

@@ -2,8 +2,7 @@
 #include "plugin/assembly_cache.h"
 
 #include <cstdio>
-#include <filesystem>
-#include <system_error>
+#include <exception>
 
 #include "morvath/metadata_utils.h"
 #include "morvath/platform_utils.h"
@@ -27,11 +26,6 @@ constexpr unsigned int kWholePackage = 10;
 // A reader that records what it is given in `table`.
 FileReader Filler(std::map<std::string, std::string>& table) {
   return [&table](const std::string& path, const std::string& name) { insertItem(table, name, path); };
-}
-
-bool IsLink(const std::string& path) {
-  std::error_code ignored;
-  return std::filesystem::is_symlink(std::filesystem::symlink_status(path, ignored));
 }
 
 }  // namespace
@@ -86,15 +80,10 @@ int gac(const std::string& pkgId) {
     std::fprintf(stderr, "### INSTALL : morvath, pkgRoot is empty : %s\n", pkgId.c_str());
     return -1;
   }
-  if (IsLink(pkgRoot)) {
-    // What a link in the root's place leads to is not the package's own, and nothing there may be deleted.
-    LOG_ERROR("Symbolic link is detected : %s", pkgRoot.c_str());
-    return 0;
-  }
   CatalogueLibrary(pkgRoot);
 
   int result = 0;
-  const PackageJudge packageJudge;
+  const PackageJudge packageJudge(pkgRoot);
   VisitPackage(pkgRoot, [&](const ListedFile& file) {
     if (packageJudge.Judge(file) == 0) result = -1;
   });
@@ -128,10 +117,12 @@ void getPackageByMetadataTag(pkgmgrinfo_app_list_cb callback, const std::string&
   // After a successful enumeration the filter is left as it is: the platform's contract here, not an oversight.
 }
 
-int cobaCallback(pkgmgrinfo_appinfo_h handle, void*) {
+int cobaCallback(pkgmgrinfo_appinfo_h handle, void*) try {
   char* root = nullptr;
   if (pkgmgrinfo_appinfo_get_root_path(handle, &root) != 0 || root == nullptr) return 1;
   LOG_DEBUG("Path : %s", root);
   CatalogueSharedResources(root);
   return 1;
+} catch (const std::exception&) {
+  return 1;  // what was catalogued so far stays; nothing may be thrown through the platform's enumeration
 }

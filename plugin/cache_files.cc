@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstring>
 #include <utility>
+#include <vector>
 
 #include "morvath/platform_utils.h"
 #include "plugin/log_source.h"
@@ -57,39 +58,46 @@ Span SpanOfEntry(const std::string& text, std::size_t pos, std::size_t separator
 }
 
 // For roots that hold neither a separator nor part of a marker: erasing an entry then neither makes nor undoes another,
-// so that one pass forward finds them all.
-CacheEdit EraseInOnePass(const std::string& text, const std::string& pkgRoot) {
-  CacheEdit edit;
-  edit.text.reserve(text.size());
-  std::size_t copied = 0;
+// so that one pass forward finds them all. What stays moves to the front of the text.
+std::string EraseInOnePass(std::string text, const std::string& pkgRoot, const SpanReader& onErased) {
+  std::string erased;
+  std::size_t kept = 0;
+  std::size_t read = 0;
+  const auto keepUpTo = [&](std::size_t end) {
+    std::memmove(&text[kept], &text[read], end - read);
+    kept += end - read;
+  };
   std::size_t separator = 0;
   std::size_t pos = 0;
-  while ((pos = FindEntry(text, pkgRoot, copied)) != std::string::npos) {
-    edit.text.append(text, copied, pos - copied);
+  while ((pos = FindEntry(text, pkgRoot, read)) != std::string::npos) {
+    keepUpTo(pos);
     if (separator != std::string::npos) separator = text.find(':', pos);
-    const Span span = SpanOfEntry(text, pos, separator, edit.text.back());
-    edit.erased.push_back(text.substr(span.begin, span.end - span.begin));
-    edit.text.resize(edit.text.size() - (pos - span.begin));
-    copied = span.end;
+    const Span span = SpanOfEntry(text, pos, separator, text[kept - 1]);
+    onErased(erased.assign(text, span.begin, span.end - span.begin));
+    kept -= pos - span.begin;
+    read = span.end;
   }
-  edit.text.append(text, copied);
-  return edit;
+  keepUpTo(text.size());
+  text.resize(kept);
+  return text;
 }
 
 // For any root, erasing one entry after the other.
-CacheEdit EraseOneByOne(const std::string& text, const std::string& pkgRoot) {
-  CacheEdit edit{text, {}};
+std::string EraseOneByOne(const std::string& text, const std::string& pkgRoot, const SpanReader& onErased) {
+  std::string edited = text;
+  std::vector<std::string> erased;
   std::size_t from = 0;
   std::size_t pos = 0;
-  while ((pos = FindEntry(edit.text, pkgRoot, from)) != std::string::npos) {
-    const Span span = SpanOfEntry(edit.text, pos, edit.text.find(':', pos), edit.text[pos - 1]);
-    if (span.begin == span.end) return {text, {}};
-    edit.erased.push_back(edit.text.substr(span.begin, span.end - span.begin));
-    edit.text.erase(span.begin, span.end - span.begin);
+  while ((pos = FindEntry(edited, pkgRoot, from)) != std::string::npos) {
+    const Span span = SpanOfEntry(edited, pos, edited.find(':', pos), edited[pos - 1]);
+    if (span.begin == span.end) return text;
+    erased.push_back(edited.substr(span.begin, span.end - span.begin));
+    edited.erase(span.begin, span.end - span.begin);
     // What lies further back than this is as it was when it held no entry.
     from = span.begin - std::min(span.begin, pkgRoot.size());
   }
-  return edit;
+  for (const std::string& span : erased) onErased(span);
+  return edited;
 }
 
 void ReplaceCacheFile(const char* fileName, std::string text) {
@@ -128,9 +136,9 @@ void AddSharedResources(const std::string& pkgRoot, const std::string& sharedRes
 
 }  // namespace
 
-CacheEdit EraseEntries(const std::string& text, const std::string& pkgRoot) {
+std::string EraseEntries(std::string text, const std::string& pkgRoot, const SpanReader& onErased) {
   const bool plain = !pkgRoot.empty() && pkgRoot.find_first_of(":[]") == std::string::npos;
-  return plain ? EraseInOnePass(text, pkgRoot) : EraseOneByOne(text, pkgRoot);
+  return plain ? EraseInOnePass(std::move(text), pkgRoot, onErased) : EraseOneByOne(text, pkgRoot, onErased);
 }
 
 std::string AppendEntries(std::string text, const std::string& entries) {
@@ -146,13 +154,14 @@ bool readCacheAndRemovePkg(std::string cachePath, std::string pkgRoot, std::stri
     return false;
   }
   LOG_DEBUG_AT(kAccessLine, "access cache path: %s", cachePath.c_str());
-  CacheEdit edit = EraseEntries(readFileToString(cachePath), pkgRoot);
-  for (const std::string& span : edit.erased) {
-    LOG_INFO_AT(kEraseLine, "erase: %s from cache file: %s", span.c_str(), cachePath.c_str());
-  }
-  cacheText = std::move(edit.text);
+  bool erased = false;
+  const auto logErased = [&, function = __func__](const std::string& span) {
+    erased = true;
+    LOG_INFO_IN(function, kEraseLine, "erase: %s from cache file: %s", span.c_str(), cachePath.c_str());
+  };
+  cacheText = EraseEntries(readFileToString(cachePath), pkgRoot, logErased);
   LOG_DEBUG_AT(kAfterEraseLine, "after erase: %s", cacheText.c_str());
-  return !edit.erased.empty();
+  return erased;
 }
 
 bool removedPkgFromTPACacheFile(const char* pkgId) {

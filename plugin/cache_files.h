@@ -3,21 +3,19 @@
 #ifndef PLUGIN_CACHE_FILES_H_
 #define PLUGIN_CACHE_FILES_H_
 
+#include <functional>
 #include <string>
-#include <vector>
 
 #include "morvath/export.h"
 
-// A cache text after its editing, and what was erased from it, in order, separators included.
-struct CacheEdit {
-  std::string text;
-  std::vector<std::string> erased;
-};
+// Takes the text of an erased span, separators included.
+using SpanReader = std::function<void(const std::string& span)>;
 
 // Erases from a cache text every entry that begins with `pkgRoot` right after a ":" or "]", no matter what follows the
-// root: a root that begins another's takes that one's entries too. A text that erasing would never get to the end of
-// (there is nothing between such a place and the next "[") stays as it is.
-CacheEdit EraseEntries(const std::string& text, const std::string& pkgRoot);
+// root: a root that begins another's takes that one's entries too. Hands each span to `onErased`, in order, and returns
+// what is left. A text that erasing would never get to the end of (there is nothing between such a place and the next
+// "[") stays as it is, and nothing is handed on.
+std::string EraseEntries(std::string text, const std::string& pkgRoot, const SpanReader& onErased);
 
 // A cache text with `entries` (":"-separated) put before the end marker, whose place, the last five characters, is
 // taken unseen.

@@ -9,12 +9,17 @@ namespace {
 
 constexpr const char* kDpcDirectory = "/d.pc/";
 
-const std::string* OriginOf(const std::string& name) {
+const std::string* OriginOf(const std::string& path, const std::string& name) {
+  if (!IsAssemblyName(path)) return nullptr;
   for (const auto* catalogue : CataloguesByPrecedence()) {
     const auto entry = catalogue->find(name);
     if (entry != catalogue->end()) return &entry->second;
   }
   return nullptr;
+}
+
+bool IsDuplicateOf(const std::string* origin, const std::string& path) {
+  return origin != nullptr && *origin != path && !IsOnDpcPath(*origin) && !IsOnDpcPath(path);
 }
 
 }  // namespace
@@ -25,10 +30,10 @@ std::array<const std::map<std::string, std::string>*, 4> CataloguesByPrecedence(
 
 bool IsOnDpcPath(const std::string& path) { return path.find(kDpcDirectory) != std::string::npos; }
 
+bool IsDuplicate(const std::string& path, const std::string& name) { return IsDuplicateOf(OriginOf(path, name), path); }
+
 Judgement Judge(const std::string& path, const std::string& name) {
-  const std::string* const origin = IsAssemblyName(path) ? OriginOf(name) : nullptr;
-  if (origin == nullptr || *origin == path || IsOnDpcPath(*origin) || IsOnDpcPath(path)) {
-    return {Verdict::kKept, origin};
-  }
+  const std::string* const origin = OriginOf(path, name);
+  if (!IsDuplicateOf(origin, path)) return {Verdict::kKept, origin};
   return {IsInReadWriteArea(*origin) ? Verdict::kReportedOnly : Verdict::kRemoved, origin};
 }

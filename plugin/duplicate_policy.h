@@ -13,6 +13,9 @@ std::array<const std::map<std::string, std::string>*, 4> CataloguesByPrecedence(
 // Does `path` lie on a DPC path?
 bool IsOnDpcPath(const std::string& path);
 
+// Is the package's file `path` with bare name `name`, a regular file, a duplicate of a catalogued one?
+bool IsDuplicate(const std::string& path, const std::string& name);
+
 enum class Verdict {
   kKept,          // it is no duplicate
   kReportedOnly,  // a duplicate that stays, because its catalogued copy lies in the read-write area
@@ -24,7 +27,7 @@ struct Judgement {
   const std::string* origin;  // the catalogued path that decides, owned by its catalogue; null when there is none
 };
 
-// What becomes of the package's file `path` with bare name `name`, a regular file, by the catalogues as they are.
+// What becomes of such a file, by the catalogues as they are.
 Judgement Judge(const std::string& path, const std::string& name);
 
 #endif

@@ -40,19 +40,25 @@ int JudgeRealDll(const std::string& path, const std::string& name) {
   return 0;
 }
 
-// May the information file's text go into what stands at its name? Not into what is known under another name as well,
-// nor into anything but a file.
-bool IsOwnFile(const struct stat& status) { return S_ISREG(status.st_mode) && status.st_nlink == 1; }
+UniqueFd OpenForWriting(const std::string& path, int more_flags = 0) {
+  const int flags = O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+  return UniqueFd(open(path.c_str(), flags | more_flags, 0666));
+}
 
-// Opens the file for writing, empty; a negative result when something that is no file keeps its name. The name may be
-// taken by whoever made the package: a link there, symbolic or hard, is removed, never written through.
-int OpenInformationFile(const std::string& path) {
-  struct stat status;
-  if (lstat(path.c_str(), &status) == 0 && !IsOwnFile(status)) {
-    if (!S_ISLNK(status.st_mode) && !S_ISREG(status.st_mode)) return -1;
-    if (unlink(path.c_str()) != 0) return -1;
+// Opens the information file, empty; none when something that is no file keeps its name. The name may be taken by
+// whoever made the package: a link there, symbolic or hard, is removed and never written through, and a pipe must not
+// hold up the installer.
+UniqueFd OpenInformationFile(const std::string& path) {
+  UniqueFd file = OpenForWriting(path);
+  bool link = file.get() < 0 && errno == ELOOP;
+  if (file.get() >= 0) {
+    struct stat status;
+    if (fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return UniqueFd(-1);
+    link = status.st_nlink != 1;
+    if (!link && (status.st_size == 0 || ftruncate(file.get(), 0) == 0)) return file;
   }
-  return open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666);
+  if (!link || unlink(path.c_str()) != 0) return UniqueFd(-1);
+  return OpenForWriting(path, O_EXCL);
 }
 
 bool WriteAll(int file, const std::string& text) {
@@ -68,7 +74,7 @@ bool WriteAll(int file, const std::string& text) {
 
 // Tells whoever looks into the package later what became of the DLL; without room for the text there is none.
 void LeaveInformationFile(const std::string& origin, const std::string& duplicated) {
-  const UniqueFd file(OpenInformationFile(duplicated + kInformationFileSuffix));
+  const UniqueFd file = OpenInformationFile(duplicated + kInformationFileSuffix);
   if (WriteAll(file.get(), duplicated + " was deleted because " + origin + " exists\n")) {
     WriteAll(file.get(), "Remove " + duplicated + " from OPK\n");
   }
@@ -81,7 +87,7 @@ int isUniqueDll(const std::string& path, const std::string& name) {
   return JudgeRealDll(path, name);
 }
 
-PackageJudge::PackageJudge() {
+PackageJudge::PackageJudge(const std::string& packageRoot) : packageRoot_(packageRoot) {
   for (const auto* catalogue : CataloguesByPrecedence()) {
     for (const auto& [name, path] : *catalogue) catalogued_.Add(name);
   }
@@ -89,8 +95,21 @@ PackageJudge::PackageJudge() {
 
 int PackageJudge::Judge(const ListedFile& file) const {
   if (!IsAssemblyName(file.name())) return 1;
-  if (!file.regular()) return isUniqueDll(file.path(), std::string(file.name()));
-  return catalogued_.MayHold(file.name()) ? JudgeRealDll(file.path(), std::string(file.name())) : 1;
+  if (file.regular() && !catalogued_.MayHold(file.name())) return 1;
+  const std::string& path = file.path();
+  const std::string name(file.name());
+  if (IsDuplicate(path, name) && IsReachedThroughLink(path)) return 1;
+  return file.regular() ? JudgeRealDll(path, name) : isUniqueDll(path, name);
+}
+
+// The walk enters no link, but whoever can write to the package may have put one there since.
+bool PackageJudge::IsReachedThroughLink(const std::string& path) const {
+  std::string directory = path;
+  while (directory.size() > packageRoot_.size()) {
+    directory.resize(directory.rfind('/'));
+    if (!isRealPath(directory)) return true;
+  }
+  return false;
 }
 
 bool isDuplicatedDll(const std::string& origin, const std::string& duplicated) {

@@ -15,14 +15,19 @@
 ORVEL_EXPORT int isUniqueDll(const std::string& path, const std::string& name);
 
 // isUniqueDll for the files of one walk, during which the catalogues stay as they are. Asks neither the file system for
-// what the listing tells already, nor the catalogues for names that none of them holds.
+// what the listing tells already, nor the catalogues for names that none of them holds. What is reached through a
+// symbolic link in the place of the package's root or of a directory below it is not the package's own and kept.
 class PackageJudge {
  public:
-  PackageJudge();
+  // `packageRoot`: the root directory of the package, with which the paths of its files begin.
+  explicit PackageJudge(const std::string& packageRoot);
   // Does what isUniqueDll would do for the file, and returns what it would return.
   int Judge(const ListedFile& file) const;
 
  private:
+  bool IsReachedThroughLink(const std::string& path) const;
+
+  std::string packageRoot_;
   NameFilter catalogued_;
 };
 

@@ -25,20 +25,21 @@ using Text = std::unique_ptr<xmlChar, FreeText>;
 const char* AsChars(const xmlChar* text) { return reinterpret_cast<const char*>(text); }
 
 // The most that an attribute with entity references in it may stand for: far more than any type, key or value takes,
-// and little enough to be put together in no time.
+// and little enough to be put together in no time. Nor does any of them need entities within so many entities.
 constexpr std::size_t kMostExpanded = 100000;
+constexpr int kMostNested = 40;
 
 // What is left of `budget` when the nodes of an attribute's value or of an entity are taken from it, a reference
-// counting as at least one byte; nothing when it is not enough.
-std::optional<std::size_t> Left(std::size_t budget, const xmlNode* nodes) {
+// counting as at least one byte; nothing when it is not enough, or when entities stand in more than `levels` others.
+std::optional<std::size_t> Left(std::size_t budget, const xmlNode* nodes, int levels) {
   std::optional<std::size_t> left = budget;
   for (const xmlNode* node = nodes; node != nullptr && left; node = node->next) {
     const bool is_reference = node->type == XML_ENTITY_REF_NODE;
     const xmlEntity* entity = is_reference ? xmlGetDocEntity(node->doc, node->name) : nullptr;
     const std::size_t size = is_reference ? 1 : static_cast<std::size_t>(xmlStrlen(node->content));
-    if (size > *left) return std::nullopt;
+    if (size > *left || levels == 0) return std::nullopt;
     *left -= size;
-    if (entity != nullptr) left = Left(*left, entity->children);
+    if (entity != nullptr) left = Left(*left, entity->children, levels - 1);
   }
   return left;
 }
@@ -48,7 +49,7 @@ bool IsEntityBomb(const Reader& reader, const xmlChar* name) {
   const xmlAttr* attribute = xmlHasNsProp(xmlTextReaderCurrentNode(reader.get()), name, nullptr);
   if (attribute == nullptr || attribute->type != XML_ATTRIBUTE_NODE || attribute->children == nullptr) return false;
   const bool is_plain = attribute->children->next == nullptr && attribute->children->type == XML_TEXT_NODE;
-  return !is_plain && !Left(kMostExpanded, attribute->children);
+  return !is_plain && !Left(kMostExpanded, attribute->children, kMostNested);
 }
 
 // The current node's attribute; null when it has none of that name, or one that is not to be expanded.
@@ -70,7 +71,7 @@ bool HoldsCobaEntry(const Reader& reader, std::string_view name) {
   if (name != "metadata") return false;
   const Text key = Attribute(reader, "key");
   const Text value = Attribute(reader, "value");
-  if (key == nullptr || value == nullptr) return false;
+  // An attribute that is not there is a null text, which no key matches.
   Metadata entry{AsChars(key.get()), AsChars(value.get())};
   return isCobaKey(&entry);
 }

@@ -44,20 +44,10 @@ Directory OpenDirectory(const std::string& path) {
 
 bool IsDotOrDotDot(std::string_view name) { return name == "." || name == ".."; }
 
-// Is what was opened the directory that stands at `path` itself, and not one that a link put there meanwhile leads to?
-bool StandsAt(const std::string& path, DIR* directory) {
-  struct stat64 opened;
-  struct stat64 standing;
-  return fstat64(dirfd(directory), &opened) == 0 && lstat64(path.c_str(), &standing) == 0 &&
-         opened.st_dev == standing.st_dev && opened.st_ino == standing.st_ino;
-}
-
 bool LeadsToFileOrDirectory(const std::string& path) {
   struct stat64 status;
   return stat64(path.c_str(), &status) == 0 && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
 }
-
-bool IsAmongCacheLinks(const std::string& path) { return path.find(kAssemblyCacheLinks) != std::string::npos; }
 
 // `directory` with what concatPath puts between it and an entry's name.
 std::string WithJoint(const std::string& directory) {
@@ -67,9 +57,23 @@ std::string WithJoint(const std::string& directory) {
   return joined;
 }
 
-void WalkSubdirectory(const std::string& path, FileVisitor visit, unsigned int depth);
+}  // namespace
 
-void WalkOpened(const Directory& directory, const std::string& path, const FileVisitor& visit, unsigned int depth) {
+ListedFile::ListedFile(std::string& directory, std::string_view name, bool regular)
+    : directory_(directory), directoryLength_(directory.size()), name_(name), regular_(regular) {}
+
+ListedFile::~ListedFile() { directory_.resize(directoryLength_); }
+
+const std::string& ListedFile::path() const {
+  if (directory_.size() == directoryLength_) directory_ += name_;
+  return directory_;
+}
+
+void WalkFiles(const std::string& path, FileVisitor visit, unsigned int depth) {
+  if (path.find(kAssemblyCacheLinks) != std::string::npos) return;
+  const Directory directory = OpenDirectory(path);
+  if (directory.listing == nullptr) return;
+
   std::string place = WithJoint(path);
   std::vector<std::string> subdirectories;
   while (const dirent64* entry = readdir64(directory.listing.get())) {
@@ -91,34 +95,7 @@ void WalkOpened(const Directory& directory, const std::string& path, const FileV
         break;
     }
   }
-  for (const std::string& subdirectory : subdirectories) WalkSubdirectory(subdirectory, visit, depth - 1);
-}
-
-// Between the listing and now a stranger may have put a link in the directory's place.
-void WalkSubdirectory(const std::string& path, FileVisitor visit, unsigned int depth) {
-  if (IsAmongCacheLinks(path)) return;
-  const Directory directory = OpenDirectory(path);
-  if (directory.listing != nullptr && StandsAt(path, directory.listing.get())) {
-    WalkOpened(directory, path, visit, depth);
-  }
-}
-
-}  // namespace
-
-ListedFile::ListedFile(std::string& directory, std::string_view name, bool regular)
-    : directory_(directory), directoryLength_(directory.size()), name_(name), regular_(regular) {}
-
-ListedFile::~ListedFile() { directory_.resize(directoryLength_); }
-
-const std::string& ListedFile::path() const {
-  if (directory_.size() == directoryLength_) directory_ += name_;
-  return directory_;
-}
-
-void WalkFiles(const std::string& path, FileVisitor visit, unsigned int depth) {
-  if (IsAmongCacheLinks(path)) return;
-  const Directory directory = OpenDirectory(path);
-  if (directory.listing != nullptr) WalkOpened(directory, path, visit, depth);
+  for (const std::string& subdirectory : subdirectories) WalkFiles(subdirectory, visit, depth - 1);
 }
 
 void scanFilesInDirExcludeSymlink(const std::string& path, FileReader reader, unsigned int depth) {

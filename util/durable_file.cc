@@ -64,5 +64,7 @@ std::string readFileToString(std::string path) {
   while ((count = read(file.get(), buffer.data(), buffer.size())) > 0) {
     content.append(buffer.data(), static_cast<std::size_t>(count));
   }
+  // A part taken for the whole would be written back as the whole.
+  if (count < 0) content.clear();
   return content;
 }

@@ -4,6 +4,8 @@
 
 #include <unistd.h>
 
+#include <utility>
+
 // Closes the descriptor at its end; a negative one stands for none.
 class UniqueFd {
  public:
@@ -11,8 +13,8 @@ class UniqueFd {
   ~UniqueFd() {
     if (fd_ >= 0) close(fd_);
   }
-  UniqueFd(const UniqueFd&) = delete;
-  UniqueFd& operator=(const UniqueFd&) = delete;
+  UniqueFd(UniqueFd&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+  UniqueFd& operator=(UniqueFd&&) = delete;
 
   int get() const { return fd_; }
 

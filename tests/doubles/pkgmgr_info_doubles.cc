@@ -114,8 +114,8 @@ int pkgmgrinfo_appinfo_metadata_filter_destroy(pkgmgrinfo_appinfo_metadata_filte
 
 int pkgmgrinfo_appinfo_get_appinfo(const char* appId, pkgmgrinfo_appinfo_h* handle) {
   const char* function = "pkgmgrinfo_appinfo_get_appinfo";
+  Current().RecordCall(std::string(function) + "(" + (appId == nullptr ? "null" : appId) + ")");
   if (appId == nullptr) return kFailed;
-  Current().RecordCall(std::string(function) + "(" + appId + ")");
   if (const auto failure = Current().TakeFailure(function)) return *failure;
   if (Current().TakeNull(function)) return 0;
   const Application* application = Current().FindApplication(appId);

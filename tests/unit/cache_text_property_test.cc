@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "plugin/cache_files.h"
+#include "tests/support/cache_edit.h"
 #include "tests/support/files.h"
 #include "tests/support/plain_cache_edit.h"
 #include "tests/unit/expected_lines.h"
@@ -16,6 +17,8 @@
 
 namespace {
 
+using support::CacheEdit;
+using support::Erase;
 using support::PlainEdit;
 using support::PlainErase;
 using support::PlainFind;
@@ -155,7 +158,7 @@ TEST(CacheTextProperty, erasing_gives_what_the_plain_search_from_the_front_gives
   for (int i = 0; i < kCases && !HasFailure(); ++i) {
     const Case made = AnyCase(random);
     const PlainEdit plain = PlainErase(made.text, made.root);
-    const CacheEdit edit = EraseEntries(made.text, made.root);
+    const CacheEdit edit = Erase(made.text, made.root);
     if (edit.text == plain.text && edit.erased == plain.erased) {
       tally.Count(plain);
       continue;
@@ -175,10 +178,10 @@ TEST(CacheTextProperty, what_is_left_holds_no_entry_of_the_root_any_more) {
   for (int i = 0; i < 10000 && !HasFailure(); ++i) {
     const Case made = AnyCase(random);
     if (PlainErase(made.text, made.root).endless) continue;
-    const CacheEdit edit = EraseEntries(made.text, made.root);
+    const CacheEdit edit = Erase(made.text, made.root);
     EXPECT_EQ(std::string::npos, PlainFind(edit.text, made.root))
         << "seed " << kSeed + 1 << ", case " << i << ": " << made.text << " without " << made.root;
-    EXPECT_TRUE(EraseEntries(edit.text, made.root).erased.empty());
+    EXPECT_TRUE(Erase(edit.text, made.root).erased.empty());
   }
 }
 
@@ -230,9 +233,7 @@ struct Addition {
   std::string root;
   Texts entries;
 
-  std::string Into(const std::string& list) const {
-    return AppendEntries(EraseEntries(list, root).text, Joined(entries));
-  }
+  std::string Into(const std::string& list) const { return AppendEntries(Erase(list, root).text, Joined(entries)); }
 };
 
 Addition AnyAddition(Random& random) {
@@ -274,8 +275,8 @@ TEST(CacheTextProperty, adding_a_package_again_changes_nothing) {
 
 TEST(CacheTextProperty, erasing_an_added_package_leaves_the_text_as_if_it_had_never_been_added) {
   ForManyAdditions(kSeed + 5, [](const Addition& addition) {
-    const std::string without = EraseEntries(addition.text, addition.root).text;
-    EXPECT_EQ(without, EraseEntries(addition.Into(addition.text), addition.root).text);
+    const std::string without = Erase(addition.text, addition.root).text;
+    EXPECT_EQ(without, Erase(addition.Into(addition.text), addition.root).text);
   });
 }
 

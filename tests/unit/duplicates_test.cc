@@ -1,10 +1,13 @@
 // Which pair of files is a duplicate, the removal and the information file.
 #include "plugin/duplicates.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <deque>
 #include <filesystem>
 #include <string>
 
@@ -13,6 +16,7 @@
 #include "tests/support/removal_texts.h"
 #include "tests/support/standard_error.h"
 #include "tests/unit/expected_lines.h"
+#include "tests/unit/interposed_files.h"
 #include "tests/unit/unit_case.h"
 
 namespace {
@@ -200,6 +204,28 @@ TEST(Duplicates, a_pipe_in_the_information_files_place_does_not_hold_up_the_inst
   });
 }
 
+TEST(Duplicates, the_open_information_file_is_neither_inherited_nor_made_the_terminal) {
+  const TempDir package;
+  doubles::Reset();
+  removeFileAndLeaveInformationFile(kOrigin, package / "A.dll");
+  EXPECT_NE(0, interposed::Files().open_flags & O_CLOEXEC);
+  EXPECT_NE(0, interposed::Files().open_flags & O_NOCTTY);
+}
+
+TEST(Duplicates, the_descriptor_of_a_closed_standard_input_is_as_good_as_any) {
+  Fresh([](Platform&) {
+    const TempDir package;
+    const std::string dll = package / "A.dll";
+    WriteFile(dll, "MZ");
+    close(STDIN_FILENO);
+    const std::size_t before = support::NamesIn("/proc/self/fd").size();
+    errno = ELOOP;  // as a failure long before leaves it
+    removeFileAndLeaveInformationFile(kOrigin, dll);
+    EXPECT_EQ(InformationText(kOrigin, dll), support::ReadFile(dll + "_deleted"));
+    EXPECT_EQ(before, support::NamesIn("/proc/self/fd").size());
+  });
+}
+
 TEST(Duplicates, nothing_is_removed_when_the_origin_path_contains_the_read_write_root) {
   const char* origins[] = {"/opt/usr/globalapps/x/A.dll", "/mnt/opt/usr/globalapps/A.dll",
                            "/opt/usr/globalappsx/A.dll"};
@@ -275,6 +301,56 @@ TEST(Duplicates, a_disk_without_room_leaves_an_empty_information_file_silently) 
   });
   EXPECT_FALSE(IsThere(dll));
   EXPECT_EQ("", support::ReadFile(dll + "_deleted"));
+}
+
+using interposed::Fails;
+using interposed::WritesAtMost;
+
+struct WriteRow {
+  const char* what;
+  std::deque<interposed::WriteStep> steps;
+  std::size_t written;  // how much of the text gets into the file
+};
+
+// The text that the information file has after writes that go as in `row`.
+void ExpectWritten(const WriteRow& row) {
+  Fresh([&](Platform& platform) {
+    const TempDir package;
+    const std::string dll = package / "A.dll";
+    interposed::Files().writes = row.steps;
+    removeFileAndLeaveInformationFile(kOrigin, dll);
+    EXPECT_TRUE(interposed::Files().writes.empty()) << row.what;
+    EXPECT_EQ(InformationText(kOrigin, dll).substr(0, row.written), support::ReadFile(dll + "_deleted")) << row.what;
+    EXPECT_TRUE(Holds(platform, {RemovalFrame()})) << row.what;
+  });
+}
+
+constexpr std::size_t kAll = std::string::npos;
+
+TEST(Duplicates, short_writes_of_the_information_file_are_continued) {
+  const WriteRow rows[] = {{"one byte at first", {WritesAtMost(1)}, kAll},
+                           {"several", {WritesAtMost(5), WritesAtMost(1), WritesAtMost(7)}, kAll}};
+  for (const WriteRow& row : rows) ExpectWritten(row);
+}
+
+TEST(Duplicates, interrupted_writes_of_the_information_file_are_repeated) {
+  const WriteRow rows[] = {{"once", {Fails(EINTR)}, kAll},
+                           {"twice", {Fails(EINTR), Fails(EINTR)}, kAll},
+                           {"among short ones", {WritesAtMost(3), Fails(EINTR), WritesAtMost(4), Fails(EINTR)}, kAll}};
+  for (const WriteRow& row : rows) ExpectWritten(row);
+}
+
+TEST(Duplicates, a_write_that_fails_ends_the_information_file_quietly) {
+  const WriteRow rows[] = {{"at once", {Fails(ENOSPC)}, 0},
+                           {"later", {WritesAtMost(10), Fails(EIO)}, 10},
+                           {"after an interruption", {WritesAtMost(7), Fails(EINTR), Fails(EIO)}, 7}};
+  for (const WriteRow& row : rows) ExpectWritten(row);
+}
+
+TEST(Duplicates, a_write_that_takes_nothing_ends_the_information_file_quietly) {
+  const WriteRow rows[] = {{"at once", {WritesAtMost(0)}, 0},
+                           {"after an interruption", {WritesAtMost(4), Fails(EINTR), WritesAtMost(0)}, 4}};
+  for (const WriteRow& row : rows) ExpectWritten(row);
 }
 
 TEST(Duplicates, in_a_read_only_directory_the_removal_is_tried_and_nothing_else_happens) {

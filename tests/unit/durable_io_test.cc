@@ -1,4 +1,5 @@
 // writeStringToFile and readFileToString.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -12,6 +13,7 @@
 #include "tests/support/files.h"
 #include "tests/unit/expected_lines.h"
 #include "tests/unit/interposed.h"
+#include "tests/unit/interposed_files.h"
 #include "tests/unit/unit_case.h"
 
 namespace {
@@ -299,6 +301,14 @@ TEST(DurableRead, a_file_that_may_not_be_read_is_empty) {
   });
 }
 
+TEST(DurableRead, the_open_file_is_neither_inherited_nor_made_the_terminal) {
+  const TempDir root;
+  WriteFile(root / "file", "abc");
+  readFileToString(root / "file");
+  EXPECT_NE(0, interposed::Files().open_flags & O_CLOEXEC);
+  EXPECT_NE(0, interposed::Files().open_flags & O_NOCTTY);
+}
+
 TEST(DurableRead, no_file_stays_open) {
   const TempDir root;
   WriteFile(root / "file", "abc");
@@ -306,6 +316,17 @@ TEST(DurableRead, no_file_stays_open) {
   readFileToString(root / "file");
   readFileToString(root / "missing");
   EXPECT_EQ(before, support::NamesIn("/proc/self/fd").size());
+}
+
+TEST(DurableRead, the_descriptor_of_a_closed_standard_input_is_as_good_as_any) {
+  support::InFreshProcess([] {
+    const TempDir root;
+    WriteFile(root / "file", "abc");
+    close(STDIN_FILENO);
+    const std::size_t before = support::NamesIn("/proc/self/fd").size();
+    EXPECT_EQ("abc", readFileToString(root / "file"));
+    EXPECT_EQ(before, support::NamesIn("/proc/self/fd").size());
+  });
 }
 
 }  // namespace

@@ -49,6 +49,7 @@ xmlTextReaderPtr xmlReaderWalker(xmlDocPtr document) {
 
 int xmlTextReaderRead(xmlTextReaderPtr reader) {
   static auto* const next = interposed::Next<int(xmlTextReaderPtr)>("xmlTextReaderRead");
+  if (reader == nullptr) doubles::Current().RecordCall("xmlTextReaderRead(null)");
   std::optional<int>& nodes_to_read = interposed::Now().nodes_to_read;
   if (nodes_to_read && (*nodes_to_read)-- == 0) return -1;
   return next(reader);

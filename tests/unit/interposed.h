@@ -15,7 +15,7 @@ struct Settings {
 };
 
 // What is set now. fsync, rename and sync appear in the doubles' journal as "fsync(SIZE)" with the file's size at that
-// moment, "rename(FROM, TO)" and "sync()".
+// moment, "rename(FROM, TO)" and "sync()", and reading by a walker that there is not as "xmlTextReaderRead(null)".
 Settings& Now();
 
 }  // namespace interposed

@@ -5,11 +5,13 @@
 #include "tests/unit/interposed_files.h"
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdarg>
 #include <cstring>
 
 #include "tests/doubles/platform.h"
@@ -61,6 +63,36 @@ int stat(const char* path, struct stat* status) noexcept {
     status->st_gid = owner->second.group;
   }
   return 0;
+}
+
+int stat64(const char* path, struct stat64* status) noexcept {
+  static auto* const next = reinterpret_cast<int (*)(const char*, struct stat64*)>(dlsym(RTLD_NEXT, "stat64"));
+  doubles::Current().RecordCall(std::string("stat64(") + path + ")");
+  return next(path, status);
+}
+
+int open(const char* path, int flags, ...) {
+  static auto* const next = reinterpret_cast<int (*)(const char*, int, ...)>(dlsym(RTLD_NEXT, "open"));
+  mode_t mode = 0;
+  if ((flags & O_CREAT) != 0) {
+    va_list arguments;
+    va_start(arguments, flags);
+    mode = va_arg(arguments, mode_t);
+    va_end(arguments);
+  }
+  interposed::Files().open_flags = flags;
+  return next(path, flags, mode);
+}
+
+ssize_t write(int file, const void* data, size_t size) {
+  static auto* const next = reinterpret_cast<ssize_t (*)(int, const void*, size_t)>(dlsym(RTLD_NEXT, "write"));
+  std::deque<interposed::WriteStep>& steps = interposed::Files().writes;
+  if (steps.empty()) return next(file, data, size);
+  const interposed::WriteStep step = steps.front();
+  steps.pop_front();
+  if (step.error == 0) return next(file, data, std::min(size, step.most));
+  errno = step.error;
+  return -1;
 }
 
 int chown(const char* path, uid_t user, gid_t group) noexcept { return interposed::Change("chown", path, user, group); }

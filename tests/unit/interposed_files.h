@@ -1,10 +1,11 @@
-// More functions of the C library that this program defines itself: those about a file's owner, and the link to the
-// running program. As long as nothing is set they do what the real ones do.
+// More functions of the C library that this program defines itself: those that ask about a file or change its owner,
+// the link to the running program, open and write. As long as nothing is set they do what the real ones do.
 #ifndef TESTS_UNIT_INTERPOSED_FILES_H_
 #define TESTS_UNIT_INTERPOSED_FILES_H_
 
 #include <sys/types.h>
 
+#include <deque>
 #include <map>
 #include <optional>
 #include <string>
@@ -16,14 +17,25 @@ struct Owner {
   gid_t group;
 };
 
+// What one call of write does: it fails with `error`, or writes no more than `most` bytes.
+struct WriteStep {
+  int error;
+  std::size_t most;
+};
+inline WriteStep Fails(int error) { return {error, 0}; }
+inline WriteStep WritesAtMost(std::size_t most) { return {0, most}; }
+
 struct FileSettings {
   std::map<std::string, Owner> owners;     // stat of a path that is there reports this owner
   std::optional<int> owner_change_error;   // chown and lchown change nothing: 0 is success, else it fails with it
   std::optional<int> self_path_error;      // readlink of /proc/self/exe fails with this errno
   std::optional<std::string> self_target;  // readlink of /proc/self/exe gives this
+  std::deque<WriteStep> writes;            // the next calls of write; those after them are ordinary ones again
+  int open_flags = 0;                      // left here by open: the flags of the latest call
 };
 
-// What is set now. chown and lchown appear in the doubles' journal as "chown(PATH, USER, GROUP)".
+// What is set now. chown and lchown appear in the doubles' journal as "chown(PATH, USER, GROUP)", stat64 as
+// "stat64(PATH)".
 FileSettings& Files();
 
 }  // namespace interposed

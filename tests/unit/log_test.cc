@@ -119,6 +119,12 @@ TEST(Tracker, a_null_path_raises_and_writes_nothing) {
   EXPECT_TRUE(platform.journal.empty());
 }
 
+TEST(Tracker, a_null_signature_raises_and_writes_nothing) {
+  Platform& platform = doubles::Reset();
+  EXPECT_TRUE(RaisesNullString([] { FunctionEntryExitTracker tracker(nullptr, "plugin/morvath", 1); }));
+  EXPECT_TRUE(platform.journal.empty());
+}
+
 TEST(Tracker, the_result_of_the_log_is_not_looked_at) {
   Platform& platform = doubles::Reset();
   platform.FailNext("__dlog_print", -1);

@@ -2,7 +2,10 @@
 #include "plugin/manifest.h"
 
 #include <gtest/gtest.h>
+#include <libxml/xmlmemory.h>
 
+#include <cstdlib>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -44,6 +47,37 @@ class NamelessManifest {
   support::Document document_;
   xmlNode* node_;
   const xmlChar* name_;
+};
+
+// Counts the blocks of memory that libxml2 holds while this lives.
+class XmlMemory {
+ public:
+  XmlMemory() { xmlMemSetup(&Free, &Allocate, &Reallocate, &Duplicate); }
+  ~XmlMemory() { xmlMemSetup(&std::free, &std::malloc, &std::realloc, &strdup); }
+  XmlMemory(const XmlMemory&) = delete;
+  XmlMemory& operator=(const XmlMemory&) = delete;
+
+  static int blocks() { return blocks_; }
+
+ private:
+  static void Free(void* block) {
+    if (block != nullptr) --blocks_;
+    std::free(block);
+  }
+  static void* Allocate(std::size_t size) {
+    ++blocks_;
+    return std::malloc(size);
+  }
+  static void* Reallocate(void* block, std::size_t size) {
+    if (block == nullptr) ++blocks_;
+    return std::realloc(block, size);
+  }
+  static char* Duplicate(const char* text) {
+    ++blocks_;
+    return strdup(text);
+  }
+
+  inline static int blocks_ = 0;
 };
 
 Steps CobaWalk(const Steps& inside) { return expected::TracedPlugin("bool isAppCoBARelated(xmlDocPtr)", inside); }
@@ -170,6 +204,7 @@ TEST(Manifest, a_walker_that_cannot_be_made_answers_false_without_a_line) {
     EXPECT_TRUE(Holds(platform, Steps{}));
     EXPECT_FALSE(isAppCoBARelated(ManifestOf(MetadataElement(kCobaKey, "true")).get()));
     EXPECT_TRUE(Holds(platform, {CobaWalk({})}));
+    EXPECT_TRUE(platform.Calls("xmlTextReaderRead").empty());
   });
 }
 
@@ -201,6 +236,18 @@ TEST(Manifest, a_parse_error_ends_the_walk_as_the_end_of_the_document_does) {
     interposed::Now().nodes_to_read = 2;
     EXPECT_FALSE(isAppCoBARelated(document.get()));
     EXPECT_TRUE(Holds(platform, {Names({"manifest"}), CobaWalk(LocalNames({"manifest", "ui-application"}))}));
+  });
+}
+
+TEST(Manifest, no_memory_of_a_walk_is_kept) {
+  Fresh([](Platform&) {
+    const XmlMemory memory;
+    const auto manifest = ManifestOf(ApplicationElement("ui-application", "capp") + MetadataElement(kCobaKey, "true"));
+    const int before = memory.blocks();
+    EXPECT_FALSE(isAppDotnetInhouse(manifest.get()));
+    EXPECT_EQ(before, memory.blocks());
+    EXPECT_TRUE(isAppCoBARelated(manifest.get()));
+    EXPECT_EQ(before, memory.blocks());
   });
 }
 

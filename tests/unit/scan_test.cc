@@ -182,6 +182,38 @@ TEST(Scan, without_entry_types_every_entry_is_reported_and_none_descended_into) 
   });
 }
 
+// The paths below `root` that were examined by stat64, sorted.
+Paths Examined(const Platform& platform, const TempDir& root) {
+  const std::string start = "stat64(" + root.path().string() + "/";
+  Paths paths;
+  for (const std::string& call : platform.Calls(start))
+    paths.push_back(call.substr(start.size(), call.size() - start.size() - 1));
+  std::sort(paths.begin(), paths.end());
+  return paths;
+}
+
+TEST(Scan, links_alone_are_examined_where_the_listing_tells_the_types) {
+  Fresh([](Platform& platform) {
+    const TempDir root;
+    for (const char* file : {"A.dll", "sub/B.dll"}) WriteFile(root / file);
+    ASSERT_EQ(0, mkfifo((root / "pipe").c_str(), 0600));
+    fs::create_symlink("A.dll", root / "link");
+    fs::create_symlink("gone", root / "sub/dangling");
+    ScanFiles(root.path().string());
+    EXPECT_EQ((Paths{"link", "sub/dangling"}), Examined(platform, root));
+  });
+}
+
+TEST(Scan, every_entry_is_examined_where_the_listing_tells_no_types) {
+  Fresh([](Platform& platform) {
+    const TempDir root;
+    for (const char* file : {"A.dll", "sub/B.dll"}) WriteFile(root / file);
+    interposed::Now().entry_types_unknown = true;
+    ScanFiles(root.path().string());
+    EXPECT_EQ((Paths{".", "..", "A.dll", "sub"}), Examined(platform, root));
+  });
+}
+
 TEST(Scan, a_directory_that_cannot_be_opened_yields_nothing_and_no_message) {
   Fresh([](Platform& platform) {
     const TempDir root;

@@ -1,0 +1,57 @@
+#!/usr/bin/env python3
+"""Times the plug-in's pass, removals and log lines included, against what a person would use to find the names only:
+bench/compare.py BUILD OUT. Seconds are of whole processes on a package of 100,000 files with 1,000 duplicates; fresh
+processes take turns, medians. Prints a table and writes OUT/compare.json."""
+import json
+import subprocess
+import sys
+import time
+from pathlib import Path
+
+from measuring import Tree, interleaved
+
+ROUNDS = 7
+PEERS = Path(__file__).resolve().parent / "peers"
+PACKAGE, PLATFORM = "/opt/usr/apps/org.example.bench", "/usr/share/dotnet.orvel"
+DUPLICATES = 1000
+
+
+def main():
+    build, out = Path(sys.argv[1]).resolve(), Path(sys.argv[2])
+    out.mkdir(parents=True, exist_ok=True)
+    commands = {
+        "plug-in (removes and logs)": [build / "bench/bench_plugin", "pass"],
+        "find | sort | comm": [PEERS / "find_comm.sh", PACKAGE, PLATFORM],
+        "find | awk": [PEERS / "find_awk.sh", PACKAGE, PLATFORM],
+        "fd, one thread": [PEERS / "fd.sh", PACKAGE, PLATFORM, 1],
+        "fd, two threads": [PEERS / "fd.sh", PACKAGE, PLATFORM, 2],
+        "Python os.scandir": [PEERS / "scandir.py", PACKAGE, PLATFORM],
+        "C++ std::filesystem": [build / "bench/bench_names", PACKAGE, PLATFORM],
+        "jdupes (by content)": ["jdupes", "-r", "-q", PACKAGE, PLATFORM],
+        "rdfind (by content)": ["rdfind", "-dryrun", "true", "-outputname", "/dev/null", PACKAGE, PLATFORM],
+    }
+    by_name = [name for name in commands if "content" not in name and "plug-in" not in name]
+    with Tree(build, 100000, DUPLICATES) as tree:
+        def timed(command):
+            def measure():
+                tree.restore()
+                begin = time.monotonic()
+                subprocess.run([str(part) for part in tree.command(*command)], check=True, stdout=subprocess.DEVNULL,
+                               stderr=subprocess.DEVNULL)
+                return time.monotonic() - begin
+            return measure
+
+        tree.restore()
+        for name in by_name:
+            found = subprocess.run([str(part) for part in tree.command(*commands[name])], stdout=subprocess.PIPE)
+            if len(found.stdout.splitlines()) != DUPLICATES:
+                sys.exit(f"bench: {name} found {len(found.stdout.splitlines())} names, not {DUPLICATES}")
+        seconds = interleaved(ROUNDS, {name: timed(command) for name, command in commands.items()})
+    own = next(iter(seconds.values()))
+    for name, value in sorted(seconds.items(), key=lambda item: item[1]):
+        print(f"{name:<28} {value:>8.3f} s   {value / own:>6.2f}")
+    (out / "compare.json").write_text(json.dumps(seconds, indent=1) + "\n")
+
+
+if __name__ == "__main__":
+    main()

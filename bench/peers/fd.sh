@@ -1,0 +1,7 @@
+#!/bin/sh
+# fd, with as many threads as it is given: the package's DLLs whose names the platform has.
+export LC_ALL=C
+{
+  fdfind --unrestricted --threads "$3" --type file . "$2" --exec-batch printf 'P %s\n'
+  fdfind --unrestricted --threads "$3" --type file --extension dll . "$1"
+} | awk -F/ '/^P / { platform[$NF] = 1; next } $NF in platform { print $NF }'

@@ -1,0 +1,20 @@
+// What the plug-in's work costs at least: lean programs that do it for one package on known paths.
+#ifndef BENCH_REFERENCE_H_
+#define BENCH_REFERENCE_H_
+
+namespace bench {
+
+// kFloor: the unavoidable calls to the kernel, an lstat for each DLL among them, and no log lines. kLimit: what the
+// plug-in has to do, with every log line formatted and the four catalogues filled, but no lstat where the listing has
+// said that an entry is a regular file.
+enum class Reference { kFloor, kLimit };
+
+// The assembly cache pass over the package.
+void ReferencePass(Reference reference);
+
+// The package taken out of both cache files.
+void ReferenceRemove(Reference reference);
+
+}  // namespace bench
+
+#endif

@@ -1,0 +1,293 @@
+// orvelbox check as a user runs it: sources of the platform, verdicts, formats, exit statuses, and nothing changed.
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "tests/e2e/desk.h"
+#include "tests/support/assembly.h"
+#include "tests/support/zip.h"
+
+namespace e2e {
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+constexpr const char* kPlatform = "/usr/share/dotnet.orvel/";
+constexpr const char* kPlatformPrivilege = "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/default/platform";
+
+class CheckE2e : public Desk {
+ protected:
+  std::string Shop(const std::map<std::string, std::string>& files, const std::string& application = "",
+                   const std::string& package = "") const {
+    return MakePackage("shop", ManifestText("org.example.shop", "1", application, package), files);
+  }
+
+  // The verdicts of a check in JSON as "VERDICT PATH ORIGIN".
+  std::vector<std::string> Verdicts(int status, std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), {"check", "--format", "json"});
+    const auto json = nlohmann::json::parse(RunExpecting(status, arguments).out);
+    std::vector<std::string> verdicts;
+    for (const auto& dll : json["dlls"]) {
+      verdicts.push_back(dll["verdict"].get<std::string>() + " " + dll["path"].get<std::string>() + " " +
+                         dll.value("origin", ""));
+    }
+    return verdicts;
+  }
+
+  void MakePlatform(const std::vector<std::string>& files) const {
+    for (const std::string& file : files) support::WriteFile(dir_.path() / "tv" / file, "the platform's");
+  }
+};
+
+TEST_F(CheckE2e, tells_what_would_go_and_changes_nothing) {
+  AddPlatformFile("framework/Json.dll");
+  const auto before = DeviceState();
+  const std::string log = support::ReadFile(device_.Log());
+  const std::string package = Shop({{"bin/Json.dll", "x"}, {"bin/Own.dll", "y"}});
+  const Result result = RunExpecting(1, {"check", package});
+  EXPECT_THAT(result.out, StartsWith(package + ": org.example.shop 1: of 2 DLLs 1 would be removed"));
+  EXPECT_THAT(result.out, HasSubstr("\n    removed  bin/Json.dll  1     14        " + std::string(kPlatform) +
+                                    "framework/Json.dll\n    kept     bin/Own.dll\n"));
+  EXPECT_THAT(result.out, HasSubstr("<PackageReference Update=\"Json\" ExcludeAssets=\"runtime\" />"));
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(DeviceState(), before);
+  EXPECT_EQ(support::ReadFile(device_.Log()), log);
+  EXPECT_EQ(support::ReadFile(package + "/bin/Json.dll"), "x");
+}
+
+TEST_F(CheckE2e, a_package_without_duplicates_ends_with_0) {
+  EXPECT_THAT(Verdicts(0, {Shop({{"bin/Own.dll", "y"}})}), ElementsAre("kept bin/Own.dll "));
+}
+
+TEST_F(CheckE2e, a_directory_of_assemblies_takes_the_place_of_the_device) {
+  MakePlatform({"netcoreapp/Core.dll", "d.pc/deep/Dpc.dll", "tvappapi/Api.dll"});
+  const std::string package = Shop({{"Core.dll", ""}, {"Dpc.dll", ""}, {"Api.dll", ""}});
+  EXPECT_THAT(Verdicts(1, {"--platform", dir_ / "tv", package}),
+              ElementsAre("kept Api.dll ", "removed Core.dll " + std::string(kPlatform) + "netcoreapp/Core.dll",
+                          "kept Dpc.dll " + std::string(kPlatform) + "d.pc/deep/Dpc.dll"));
+  EXPECT_THAT(Verdicts(1, {"--platform", dir_ / "tv", package, "--privilege", "platform"})[0],
+              "removed Api.dll " + std::string(kPlatform) + "tvappapi/Api.dll");
+}
+
+TEST_F(CheckE2e, a_list_of_paths_gives_the_same_verdicts_as_the_directory) {
+  MakePlatform({"netcoreapp/Core.dll", "netcoreapp/sub/Deep.dll", "framework/F.dll", "d.pc/a/Dpc.dll",
+                "d.pc/a/b/No.dll", "tvappapi/Api.dll"});
+  const std::string package =
+      Shop({{"Core.dll", ""}, {"Deep.dll", ""}, {"F.dll", ""}, {"Dpc.dll", ""}, {"No.dll", ""}, {"Api.dll", ""}});
+  std::string list = "# find " + std::string(kPlatform) + "\n";
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(dir_ / "tv")) {
+    list += kPlatform + entry.path().lexically_relative(dir_ / "tv").string() + "\r\n";
+  }
+  support::WriteFile(dir_ / "tv.txt", list + "/etc/unrelated\n");
+  for (const std::vector<std::string>& more : {std::vector<std::string>{}, {"--privilege", "platform"}}) {
+    std::vector<std::string> by_directory = {"--platform", dir_ / "tv", package};
+    std::vector<std::string> by_list = {"--platform", dir_ / "tv.txt", package};
+    by_directory.insert(by_directory.end(), more.begin(), more.end());
+    by_list.insert(by_list.end(), more.begin(), more.end());
+    EXPECT_EQ(Verdicts(1, by_list), Verdicts(1, by_directory));
+  }
+}
+
+TEST_F(CheckE2e, coba_packages_count_from_the_list_and_from_the_command_line) {
+  support::WriteFile(dir_ / "tv.txt",
+                     std::string(kPlatform) + "framework/F.dll\n/opt/usr/globalapps/a/shared/res/A.dll\n");
+  const std::string other = MakePackage("b", ManifestText("b", "1", CobaMetadata()), {{"shared/res/B.dll", "b"}});
+  EXPECT_THAT(Verdicts(1, {"--platform", dir_ / "tv.txt", "--coba", other, Shop({{"A.dll", ""}, {"B.dll", ""}})}),
+              ElementsAre("reported A.dll /opt/usr/globalapps/a/shared/res/A.dll",
+                          "reported B.dll /opt/usr/globalapps/b/shared/res/B.dll"));
+}
+
+TEST_F(CheckE2e, versions_of_both_copies_are_told_and_newer_ones_warned_of) {
+  support::WriteFile(OnDesk(kPlatform) + "framework/Json.dll", support::AssemblyOf({12, 0, 0, 0}));
+  const std::string package = Shop({{"bin/Json.dll", support::AssemblyOf({13, 0, 0, 1})}});
+  const std::string out = RunExpecting(1, {"check", package}).out;
+  EXPECT_THAT(out, HasSubstr("  13.0.0.1  "));
+  EXPECT_THAT(out, HasSubstr("  12.0.0.0 "));
+  EXPECT_THAT(out, HasSubstr("warning: bin/Json.dll (13.0.0.1) is newer than the copy that decides (12.0.0.0)"));
+}
+
+TEST_F(CheckE2e, an_archive_is_checked_like_its_directory) {
+  AddPlatformFile("framework/Json.dll");
+  const std::string assembly = support::AssemblyOf({1, 2, 3, 4});
+  support::WriteFile(dir_ / "shop.opk", support::ZipOf({{"orvel-manifest.xml", ManifestText("org.example.shop", "1")},
+                                                        {"bin/Json.dll", assembly},
+                                                        {"bin/big.bin", std::string(100000, 'x')}}));
+  std::filesystem::create_directory(dir_ / "tmp");
+  environment_["TMPDIR"] = dir_ / "tmp";
+  const auto json = nlohmann::json::parse(RunExpecting(1, {"check", "--format", "json", dir_ / "shop.opk"}).out);
+  EXPECT_EQ(json["dlls"][0]["verdict"], "removed");
+  EXPECT_EQ(json["dlls"][0]["assembly_version"], "1.2.3.4");
+  EXPECT_THAT(support::NamesIn(dir_ / "tmp"), IsEmpty());
+}
+
+TEST_F(CheckE2e, many_packages_give_one_line_each_in_their_order) {
+  AddPlatformFile("framework/Json.dll");
+  std::vector<std::string> arguments = {"check", "--format", "json", "--jobs", "3"};
+  for (int i = 0; i < 12; ++i) {
+    const std::string name = "p" + std::to_string(i);
+    arguments.push_back(MakePackage(name, ManifestText(name, "1"), {{i % 2 == 0 ? "Json.dll" : "Own.dll", ""}}));
+  }
+  std::istringstream lines(RunExpecting(1, arguments).out);
+  int count = 0;
+  for (std::string line; std::getline(lines, line); ++count) {
+    const auto json = nlohmann::json::parse(line);
+    EXPECT_EQ(json["id"], "p" + std::to_string(count));
+    EXPECT_EQ(json["duplicates"], count % 2 == 0 ? 1 : 0);
+  }
+  EXPECT_EQ(count, 12);
+}
+
+TEST_F(CheckE2e, an_unreadable_package_is_named_and_the_others_are_checked) {
+  AddPlatformFile("framework/Json.dll");
+  const std::string package = Shop({{"Json.dll", ""}});
+  const Result result = RunExpecting(2, {"check", "--format", "json", dir_ / "nowhere", package});
+  EXPECT_THAT(result.err, StartsWith("orvelbox: " + (dir_ / "nowhere") + ": no such directory; "));
+  EXPECT_THAT(result.out, StartsWith("{\"package\":\"" + (dir_ / "nowhere") + "\",\"error\":"));
+  EXPECT_THAT(result.out, HasSubstr("\"duplicates\":1"));
+}
+
+TEST_F(CheckE2e, sarif_is_one_document) {
+  AddPlatformFile("framework/Json.dll");
+  const auto log = nlohmann::json::parse(RunExpecting(1, {"check", "--format", "sarif", Shop({{"Json.dll", ""}})}).out);
+  EXPECT_EQ(log["runs"][0]["results"].size(), 1U);
+  EXPECT_EQ(log["runs"][0]["results"][0]["locations"][0]["physicalLocation"]["artifactLocation"]["uri"],
+            "file://" + (dir_ / "packages/shop/Json.dll"));
+}
+
+TEST_F(CheckE2e, bad_sources_are_named_with_the_way_out) {
+  const std::string package = Shop({});
+  support::WriteFile(dir_ / "relative.txt", "usr/share/x.dll\n");
+  support::WriteFile(dir_ / "up.txt", std::string(kPlatform) + "../../etc/passwd\n");
+  support::WriteFile(dir_ / "none.txt", "/etc/passwd\n");
+  std::filesystem::create_directory(dir_ / "empty");
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"relative.txt", "relative.txt: line 1 (\"usr/share/x.dll\") is no plain absolute path; "},
+      {"up.txt", "up.txt: line 1"},
+      {"none.txt", "none.txt: names no assemblies below /usr/share/dotnet.orvel; "},
+      {"empty", "empty: no platform assemblies; "},
+      {"nowhere", "nowhere: no platform assemblies; "}};
+  for (const auto& [source, text] : cases) {
+    const Result result = RunExpecting(2, {"check", "--platform", dir_ / source, package});
+    EXPECT_THAT(result.err, AllOf(StartsWith("orvelbox: "), HasSubstr(text)));
+    EXPECT_EQ(result.out, "");
+  }
+  EXPECT_THAT(RunExpecting(2, {"check", "--coba", package, package}).err, HasSubstr(": is no CoBA package"));
+  EXPECT_THAT(RunExpecting(2, {"--device", dir_ / "empty", "check", package}).err, HasSubstr(": no device there"));
+}
+
+TEST_F(CheckE2e, wrong_usage_ends_with_2) {
+  for (const std::vector<std::string>& arguments : {std::vector<std::string>{"check"},
+                                                    {"check", "--format", "xml", "p"},
+                                                    {"check", "--jobs", "0", "p"},
+                                                    {"check", "--privilege", "bogus", "p"},
+                                                    {"--device", "d", "check", "--platform", "tv", "p"}}) {
+    const Result result = RunExpecting(2, arguments);
+    EXPECT_EQ(result.out, "");
+    EXPECT_THAT(result.err, StartsWith("orvelbox: "));
+  }
+}
+
+// A package, and what the device has: what the check says is what an install then does.
+struct Case {
+  const char* name;
+  std::vector<std::string> platform;
+  std::map<std::string, std::string> files;
+  std::string application;  // elements for the application
+  std::string package;      // and for the manifest
+};
+
+class CheckAgreesE2e : public HookDesk, public testing::WithParamInterface<Case> {
+ protected:
+  // The verdicts that the install's outcome amounts to.
+  std::map<std::string, std::string> Outcome(const Result& install, const nlohmann::json& checked) const {
+    const std::string root = OnDesk("/opt/usr/globalapps/org.example.shop/");
+    std::map<std::string, std::string> verdicts;
+    for (const auto& dll : checked["dlls"]) {
+      const std::string path = dll["path"];
+      std::string verdict = "kept";
+      if (support::IsThere(root + path + "_deleted")) verdict = "removed";
+      if (install.out.find("kept     " + path + ": duplicates ") != std::string::npos) verdict = "reported";
+      EXPECT_EQ(support::IsThere(root + path), verdict != "removed") << path;
+      verdicts[path] = verdict;
+    }
+    return verdicts;
+  }
+};
+
+TEST_P(CheckAgreesE2e, with_what_an_install_does) {
+  RunExpecting(0, {"install", MakePackage("component", ManifestText("org.example.component", "1", CobaMetadata()),
+                                          {{"shared/res/Component.dll", "c"}, {"shared/res/Shared.dll", "c"}})});
+  for (const std::string& file : GetParam().platform) AddPlatformFile(file);
+  const std::string package = MakePackage(
+      "shop", ManifestText("org.example.shop", "1", GetParam().application, GetParam().package), GetParam().files);
+  if (support::IsThere(package + "/bin")) std::filesystem::create_symlink("Own.dll", package + "/bin/Link.dll");
+
+  const Result check = Run({"check", "--format", "json", package});
+  const auto checked = nlohmann::json::parse(check.out);
+  EXPECT_EQ(check.status, checked["duplicates"] == 0 ? 0 : 1);
+  std::map<std::string, std::string> predicted;
+  for (const auto& dll : checked["dlls"]) predicted[dll["path"]] = dll["verdict"];
+
+  const bool fails = checked["debugging"] == true && checked["duplicates"] != 0;
+  const Result install = RunExpecting(fails ? 1 : 0, {"install", package});
+  if (!fails) {
+    EXPECT_EQ(Outcome(install, checked), predicted) << install.out;
+  }
+}
+
+std::map<std::string, std::string> AllOverThePackage(const std::string& dll) {
+  return {{dll, ""}, {"bin/" + dll, ""}, {"lib/" + dll, ""}, {"res/d.pc/" + dll, ""}, {"bin/Own.dll", ""}};
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    packages, CheckAgreesE2e,
+    testing::Values(
+        Case{"nothing_provided", {}, {{"bin/Own.dll", ""}}, "", ""},
+        Case{"core", {"netcoreapp/X.dll"}, AllOverThePackage("X.dll"), "", ""},
+        Case{"core_has_no_subdirectories", {"netcoreapp/sub/X.dll"}, AllOverThePackage("X.dll"), "", ""},
+        Case{"dpc_shadows_the_component", {"d.pc/a/Component.dll"}, AllOverThePackage("Component.dll"), "", ""},
+        Case{"dpc_two_levels_down", {"d.pc/a/b/X.dll"}, AllOverThePackage("X.dll"), "", ""},
+        Case{"framework_before_dpc", {"framework/X.dll", "d.pc/X.dll"}, AllOverThePackage("X.dll"), "", ""},
+        Case{"tv_api_without_privilege", {"tvappapi/X.dll"}, AllOverThePackage("X.dll"), "", ""},
+        Case{"tv_api_with_privilege",
+             {"tvappapi/X.dll"},
+             AllOverThePackage("X.dll"),
+             "",
+             std::string("<privileges><privilege>") + kPlatformPrivilege + "</privilege></privileges>"},
+        Case{"own_library_twice", {}, AllOverThePackage("Mine.dll"), "", ""},
+        Case{"component", {}, AllOverThePackage("Component.dll"), "", ""},
+        Case{"a_component_itself",
+             {},
+             {{"shared/res/Shared.dll", ""}, {"shared/res/New.dll", ""}, {"bin/New.dll", ""}, {"bin/Own.dll", ""}},
+             CobaMetadata(),
+             ""},
+        Case{"upper_case", {"framework/X.DLL", "framework/Y.dll"}, {{"bin/X.DLL", ""}, {"bin/y.dll", ""}}, "", ""},
+        Case{"at_the_depth_that_is_looked_at",
+             {"framework/X.dll"},
+             {{"1/2/3/4/5/6/7/8/9/X.dll", ""}, {"1/2/3/4/5/6/7/8/9/10/X.dll", ""}, {".sac_symlink/X.dll", ""}},
+             "",
+             ""},
+        Case{"under_debugging", {"framework/X.dll"}, AllOverThePackage("X.dll"), "", DebuggingPrivileges()},
+        Case{"under_debugging_without_duplicates", {}, {{"bin/Own.dll", ""}}, "", DebuggingPrivileges()}),
+    [](const auto& parameters) { return parameters.param.name; });
+
+class CheckUpgradeE2e : public HookDesk {};
+
+TEST_F(CheckUpgradeE2e, an_installed_package_is_checked_as_its_upgrade) {
+  const std::string first = MakePackage("first", ManifestText("org.example.a", "1", CobaMetadata()),
+                                        {{"shared/res/A.dll", "a"}, {"bin/A.dll", "a"}});
+  const std::string second = MakePackage("second", ManifestText("org.example.a", "2"), {{"bin/A.dll", "a"}});
+  RunExpecting(0, {"install", first});
+  RunExpecting(0, {"check", second});  // what the version before shared no longer counts
+  EXPECT_THAT(RunExpecting(0, {"upgrade", second}).out, Not(HasSubstr("duplicates")));
+}
+
+}  // namespace
+}  // namespace e2e

@@ -1,0 +1,39 @@
+// Checks spread by GNU parallel, as the README shows it: two workers, every package once, one line each.
+#include <gmock/gmock.h>
+
+#include <nlohmann/json.hpp>
+#include <set>
+#include <sstream>
+
+#include "tests/e2e/desk.h"
+#include "tests/support/command.h"
+
+namespace e2e {
+namespace {
+
+class ParallelE2e : public Desk {};
+
+TEST_F(ParallelE2e, two_workers_check_every_package_once) {
+  AddPlatformFile("framework/Json.dll");
+  std::set<std::string> expected;
+  for (int i = 0; i < 10; ++i) {
+    const std::string name = "p" + std::to_string(i);
+    MakePackage(name, ManifestText(name, "1"), {{i % 2 == 0 ? "Json.dll" : "Own.dll", ""}});
+    expected.insert(name + (i % 2 == 0 ? " 1" : " 0"));
+  }
+  // The exit status is how many of the jobs found something: here, with two packages a job, all five.
+  const std::string output =
+      support::OutputOf("ls -d " + (dir_ / "packages") + "/* | PARALLEL_HOME=" + (dir_ / "home") +
+                        " parallel --will-cite -j 2 -N 2 " ORVELBOX_PROGRAM " --device " + device_.directory.string() +
+                        " check --format json --jobs 1; [ $? = 5 ]");
+  std::multiset<std::string> told;
+  std::istringstream lines(output);
+  for (std::string line; std::getline(lines, line);) {
+    const auto json = nlohmann::json::parse(line);
+    told.insert(json["id"].get<std::string>() + " " + std::to_string(json["duplicates"].get<int>()));
+  }
+  EXPECT_EQ(told, std::multiset<std::string>(expected.begin(), expected.end())) << output;
+}
+
+}  // namespace
+}  // namespace e2e

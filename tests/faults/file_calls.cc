@@ -1,0 +1,292 @@
+// The C library's functions about files, as this program defines them: each asks its fate and then does what the real
+// one does, except that nothing is forced to disk. They are visible, so that shared libraries call them as well.
+// The C library's own checked forms of these functions would stand in the way.
+#undef _FORTIFY_SOURCE
+
+#include <dirent.h>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+
+#include "tests/faults/fault_points.h"
+#include "tests/faults/opened.h"
+
+namespace {
+
+using faults::kChanges;
+using faults::kReads;
+using faults::Verdict;
+
+// The function of that name which this program's definition hides.
+template <typename Function>
+Function* Next(const char* name) {
+  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+// Paths of calls, in plain memory.
+struct Path {
+  char text[4352] = {};
+};
+
+Path PathOf(int file) {
+  Path link;
+  Path path;
+  std::snprintf(link.text, sizeof link.text, "/proc/self/fd/%d", file);
+  static auto* const next = Next<ssize_t(const char*, char*, size_t)>("readlink");
+  const int error = errno;
+  if (next(link.text, path.text, sizeof path.text - 1) < 0) path.text[0] = '\0';
+  errno = error;
+  return path;
+}
+
+Path PathAt(int directory, const char* name) {
+  Path path;
+  if (directory == AT_FDCWD || *name == '/') {
+    std::snprintf(path.text, sizeof path.text, "%s", name);
+  } else {
+    const Path base = PathOf(directory);
+    std::snprintf(path.text, sizeof path.text, "%.4095s/%.255s", base.text, name);
+  }
+  return path;
+}
+
+// Whether the call is to fail; sets errno.
+bool Fails(unsigned kind, const char* call, const char* path) {
+  if (faults::Meet(kind, call, path) != Verdict::kFail) return false;
+  errno = EIO;
+  return true;
+}
+
+bool FailsOn(unsigned kind, const char* call, int file) { return Fails(kind, call, PathOf(file).text); }
+
+unsigned KindOfOpening(int flags) {
+  const bool changes = (flags & O_ACCMODE) != O_RDONLY || (flags & (O_CREAT | O_TRUNC)) != 0;
+  return changes ? kChanges : kReads;
+}
+
+unsigned KindOfOpening(const char* mode) { return std::strpbrk(mode, "wa+") != nullptr ? kChanges : kReads; }
+
+bool NeedsMode(int flags) { return (flags & (O_CREAT | O_TMPFILE)) != 0; }
+
+// Tells what was opened.
+int Opened(int file) {
+  faults::NoteOpened(file);
+  return file;
+}
+
+FILE* Opened(FILE* file) {
+  if (file != nullptr) faults::NoteOpened(fileno(file));
+  return file;
+}
+
+DIR* Opened(DIR* directory) {
+  if (directory != nullptr) faults::NoteOpened(dirfd(directory));
+  return directory;
+}
+
+using Write = ssize_t(int, const void*, size_t);
+
+// Decides about a write of `size` bytes.
+Verdict MeetWrite(const char* call, int file, const void* data, size_t size) {
+  const Path path = PathOf(file);
+  const Verdict verdict = faults::Meet(kChanges, call, path.text, true);
+  if (verdict == Verdict::kFail) errno = EIO;
+  if (verdict != Verdict::kWriteHalf) return verdict;
+  static auto* const next = Next<Write>("write");
+  next(file, data, size / 2);
+  faults::End();
+}
+
+}  // namespace
+
+#pragma GCC visibility push(default)
+extern "C" {
+
+// --- Opening ---
+
+#define DEFINE_OPEN(name)                                                 \
+  int name(const char* path, int flags, ...) {                            \
+    static auto* const next = Next<int(const char*, int, ...)>(#name);    \
+    va_list arguments;                                                    \
+    va_start(arguments, flags);                                           \
+    const mode_t mode = NeedsMode(flags) ? va_arg(arguments, mode_t) : 0; \
+    va_end(arguments);                                                    \
+    if (Fails(KindOfOpening(flags), "open", path)) return -1;             \
+    return Opened(next(path, flags, mode));                               \
+  }
+DEFINE_OPEN(open)
+DEFINE_OPEN(open64)
+
+#define DEFINE_OPENAT(name)                                                           \
+  int name(int directory, const char* path, int flags, ...) {                         \
+    static auto* const next = Next<int(int, const char*, int, ...)>(#name);           \
+    va_list arguments;                                                                \
+    va_start(arguments, flags);                                                       \
+    const mode_t mode = NeedsMode(flags) ? va_arg(arguments, mode_t) : 0;             \
+    va_end(arguments);                                                                \
+    if (Fails(KindOfOpening(flags), "open", PathAt(directory, path).text)) return -1; \
+    return Opened(next(directory, path, flags, mode));                                \
+  }
+DEFINE_OPENAT(openat)
+DEFINE_OPENAT(openat64)
+
+#define DEFINE_FOPEN(name)                                                  \
+  FILE* name(const char* path, const char* mode) {                          \
+    static auto* const next = Next<FILE*(const char*, const char*)>(#name); \
+    if (Fails(KindOfOpening(mode), "fopen", path)) return nullptr;          \
+    return Opened(next(path, mode));                                        \
+  }
+DEFINE_FOPEN(fopen)
+DEFINE_FOPEN(fopen64)
+
+DIR* opendir(const char* path) {
+  static auto* const next = Next<DIR*(const char*)>("opendir");
+  return Fails(kReads, "opendir", path) ? nullptr : Opened(next(path));
+}
+
+DIR* fdopendir(int file) {
+  static auto* const next = Next<DIR*(int)>("fdopendir");
+  return FailsOn(kReads, "opendir", file) ? nullptr : Opened(next(file));
+}
+
+// --- Reading ---
+
+#define DEFINE_READDIR(name, entry)                                   \
+  entry* name(DIR* directory) {                                       \
+    static auto* const next = Next<entry*(DIR*)>(#name);              \
+    if (FailsOn(kReads, "readdir", dirfd(directory))) return nullptr; \
+    return next(directory);                                           \
+  }
+DEFINE_READDIR(readdir, dirent)
+DEFINE_READDIR(readdir64, dirent64)
+
+ssize_t read(int file, void* buffer, size_t size) {
+  static auto* const next = Next<ssize_t(int, void*, size_t)>("read");
+  return FailsOn(kReads, "read", file) ? -1 : next(file, buffer, size);
+}
+
+#define DEFINE_STAT(name, call, status)                                      \
+  int name(const char* path, struct status* result) noexcept {               \
+    static auto* const next = Next<int(const char*, struct status*)>(#name); \
+    return Fails(kReads, call, path) ? -1 : next(path, result);              \
+  }
+DEFINE_STAT(stat, "stat", stat)
+DEFINE_STAT(stat64, "stat", stat64)
+DEFINE_STAT(lstat, "lstat", stat)
+DEFINE_STAT(lstat64, "lstat", stat64)
+
+#define DEFINE_FSTATAT(name, status)                                                                      \
+  int name(int directory, const char* path, struct status* result, int flags) noexcept {                  \
+    static auto* const next = Next<int(int, const char*, struct status*, int)>(#name);                    \
+    const char* call = (flags & AT_SYMLINK_NOFOLLOW) != 0 ? "lstat" : "stat";                             \
+    return Fails(kReads, call, PathAt(directory, path).text) ? -1 : next(directory, path, result, flags); \
+  }
+DEFINE_FSTATAT(fstatat, stat)
+DEFINE_FSTATAT(fstatat64, stat64)
+
+int access(const char* path, int mode) noexcept {
+  static auto* const next = Next<int(const char*, int)>("access");
+  return Fails(kReads, "access", path) ? -1 : next(path, mode);
+}
+
+// --- Writing ---
+
+ssize_t write(int file, const void* data, size_t size) {
+  static auto* const next = Next<Write>("write");
+  return MeetWrite("write", file, data, size) == Verdict::kFail ? -1 : next(file, data, size);
+}
+
+// SQLite writes in pages; a half one lies at its place.
+ssize_t pwrite64(int file, const void* data, size_t size, off64_t offset) {
+  static auto* const next = Next<ssize_t(int, const void*, size_t, off64_t)>("pwrite64");
+  const Verdict verdict = faults::Meet(kChanges, "pwrite", PathOf(file).text, true);
+  if (verdict == Verdict::kGoOn) return next(file, data, size, offset);
+  if (verdict == Verdict::kWriteHalf) {
+    next(file, data, size / 2, offset);
+    faults::End();
+  }
+  errno = EIO;
+  return -1;
+}
+
+// The stream's own buffer dies with the process, so half of the text goes into the file directly.
+int fputs(const char* text, FILE* file) {
+  static auto* const next = Next<int(const char*, FILE*)>("fputs");
+  return MeetWrite("fputs", fileno(file), text, std::strlen(text)) == Verdict::kFail ? EOF : next(text, file);
+}
+
+int fflush(FILE* file) {
+  static auto* const next = Next<int(FILE*)>("fflush");
+  if (file != nullptr && FailsOn(kChanges, "fflush", fileno(file))) return EOF;
+  return next(file);
+}
+
+// A failing fclose closes all the same.
+int fclose(FILE* file) {
+  static auto* const next = Next<int(FILE*)>("fclose");
+  const bool fails = FailsOn(kChanges, "fclose", fileno(file));
+  const int result = next(file);
+  if (fails) errno = EIO;
+  return fails ? EOF : result;
+}
+
+int fsync(int file) { return FailsOn(kChanges, "fsync", file) ? -1 : 0; }
+
+int fdatasync(int file) { return FailsOn(kChanges, "fdatasync", file) ? -1 : 0; }
+
+void sync() noexcept { faults::Meet(kChanges, "sync", nullptr); }
+
+int ftruncate(int file, off_t length) noexcept {
+  static auto* const next = Next<int(int, off_t)>("ftruncate");
+  return FailsOn(kChanges, "ftruncate", file) ? -1 : next(file, length);
+}
+
+int ftruncate64(int file, off64_t length) noexcept {
+  static auto* const next = Next<int(int, off64_t)>("ftruncate64");
+  return FailsOn(kChanges, "ftruncate", file) ? -1 : next(file, length);
+}
+
+// --- Names ---
+
+#define DEFINE_ON_PATH(name)                                 \
+  int name(const char* path) noexcept {                      \
+    static auto* const next = Next<int(const char*)>(#name); \
+    return Fails(kChanges, #name, path) ? -1 : next(path);   \
+  }
+DEFINE_ON_PATH(unlink)
+DEFINE_ON_PATH(rmdir)
+DEFINE_ON_PATH(remove)
+
+int unlinkat(int directory, const char* path, int flags) noexcept {
+  static auto* const next = Next<int(int, const char*, int)>("unlinkat");
+  return Fails(kChanges, "unlink", PathAt(directory, path).text) ? -1 : next(directory, path, flags);
+}
+
+int rename(const char* from, const char* to) noexcept {
+  static auto* const next = Next<int(const char*, const char*)>("rename");
+  return Fails(kChanges, "rename", from) ? -1 : next(from, to);
+}
+
+int symlink(const char* target, const char* path) noexcept {
+  static auto* const next = Next<int(const char*, const char*)>("symlink");
+  return Fails(kChanges, "symlink", path) ? -1 : next(target, path);
+}
+
+int mkdir(const char* path, mode_t mode) noexcept {
+  static auto* const next = Next<int(const char*, mode_t)>("mkdir");
+  return Fails(kChanges, "mkdir", path) ? -1 : next(path, mode);
+}
+
+int fchmodat(int directory, const char* path, mode_t mode, int flags) noexcept {
+  static auto* const next = Next<int(int, const char*, mode_t, int)>("fchmodat");
+  return Fails(kChanges, "chmod", PathAt(directory, path).text) ? -1 : next(directory, path, mode, flags);
+}
+
+}  // extern "C"
+#pragma GCC visibility pop

@@ -1,0 +1,35 @@
+// The pass over the realistic package does no more than it did when it was last measured.
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <optional>
+
+#include "bench/device_tree.h"
+#include "tests/performance/system_calls.h"
+#include "tests/support/child.h"
+#include "tests/support/files.h"
+
+namespace {
+
+// Recorded with the release build; both compilers make the same. Whoever makes the pass do less records less.
+constexpr long kSystemCalls = 345;
+constexpr long kAllocations = 2248;
+
+long Allowed(long recorded) { return recorded + recorded / 10; }
+
+TEST(Counts, the_pass_over_the_realistic_package_does_no_more_than_recorded) {
+  const support::TempDir root;
+  bench::MakeTree(root.path(), bench::RealisticShape());
+  support::WithFixedPaths(root.path(), [] {
+    const std::optional<MeasuredRun> run = RunTraced(BENCH_PLUGIN, "pass");
+    ASSERT_TRUE(run.has_value()) << "this machine does not let processes be traced";
+    const auto report = nlohmann::json::parse(run->report);
+    // It did the work: 20 duplicates, each with its lines.
+    EXPECT_EQ(308, report.at("lines").get<long>());
+    EXPECT_LT(0, run->system_calls);
+    EXPECT_LE(run->system_calls, Allowed(kSystemCalls)) << "system calls";
+    EXPECT_LE(report.at("allocations").get<long>(), Allowed(kAllocations)) << "allocations";
+  });
+}
+
+}  // namespace

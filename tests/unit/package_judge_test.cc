@@ -1,0 +1,228 @@
+// The quicker judging of a whole walk, and the policy without effects, held against isUniqueDll called for each file.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "morvath/platform_utils.h"
+#include "plugin/catalogues.h"
+#include "plugin/duplicate_policy.h"
+#include "plugin/duplicates.h"
+#include "tests/support/child.h"
+#include "tests/support/files.h"
+#include "tests/support/standard_error.h"
+#include "tests/unit/interposed.h"
+#include "tests/unit/unit_case.h"
+#include "util/directory_walk.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using doubles::Platform;
+using support::StandardErrorOf;
+using support::TempDir;
+using support::WriteFile;
+
+using Texts = std::vector<std::string>;
+
+// All that can be told of a walk afterwards.
+struct Outcome {
+  std::vector<int> answers;
+  Texts log;
+  std::string standard_error;
+  Texts left;
+};
+
+constexpr unsigned int kEverywhere = 30;  // levels
+
+using Walk = std::function<void(const std::string& root, std::vector<int>& answers)>;
+
+void EachByIsUniqueDll(const std::string& root, std::vector<int>& answers) {
+  const auto judge = [&](const std::string& path, const std::string& name) {
+    answers.push_back(isUniqueDll(path, name));
+  };
+  scanFilesInDirExcludeSymlink(root, judge, kEverywhere);
+}
+
+void AllByPackageJudge(const std::string& root, std::vector<int>& answers) {
+  const PackageJudge judge(root);
+  WalkFiles(
+      root, [&](const ListedFile& file) { answers.push_back(judge.Judge(file)); }, kEverywhere);
+}
+
+Texts LinesOf(const Platform& platform) {
+  Texts lines;
+  for (const doubles::Event& event : platform.journal) {
+    lines.push_back(event.kind == doubles::Event::Kind::kLog ? event.log.function + ": " + event.log.text : event.text);
+  }
+  return lines;
+}
+
+Texts Everything(const fs::path& root) {
+  Texts paths;
+  std::error_code unreachable;
+  const auto options = fs::directory_options::skip_permission_denied;
+  for (fs::recursive_directory_iterator entry(root, options, unreachable), end; entry != end;
+       entry.increment(unreachable)) {
+    paths.push_back(entry->path().string());
+  }
+  std::sort(paths.begin(), paths.end());
+  return paths;
+}
+
+Outcome OutcomeOf(const std::string& root, const Walk& walk) {
+  Outcome outcome;
+  doubles::Current().journal.clear();
+  outcome.standard_error = StandardErrorOf([&] { walk(root, outcome.answers); });
+  outcome.log = LinesOf(doubles::Current());
+  outcome.left = Everything(root);
+  return outcome;
+}
+
+void PutCatalogues(const std::string& package) {
+  coreFX = {{"A.dll", "/usr/share/dotnet.orvel/netcoreapp/A.dll"}, {"notes.json", "/n"}};
+  orvelFX = {{"A.dll", "/second"}, {"P.dll", "/usr/share/dotnet.orvel/d.pc/P.dll"}};
+  coBA = {{"C.dll", "/opt/usr/globalapps/coba/C.dll"}};
+  appLib = {{"L.dll", package + "/lib/L.dll"}, {"D.dll", "/x"}};
+}
+
+// Makes the package twice in the same place and walks it both ways.
+void ExpectSameOutcome(const std::function<void(const fs::path& root)>& make, bool as_root = true) {
+  const TempDir root;
+  const auto outcome = [&](const Walk& walk) {
+    const fs::path package = root.path() / "pkg";
+    fs::remove_all(package);
+    make(package);
+    Outcome found = OutcomeOf(package.string(), walk);
+    for (const fs::directory_entry& entry : fs::directory_iterator(package)) {
+      if (entry.is_directory()) fs::permissions(entry, fs::perms::owner_all);
+    }
+    return found;
+  };
+  Fresh([&](Platform&) {
+    if (!as_root) {
+      fs::permissions(root.path(), fs::perms::all);
+      ASSERT_TRUE(support::GiveUpPrivileges());
+    }
+    PutCatalogues(root / "pkg");
+    const Outcome one_by_one = outcome(EachByIsUniqueDll);
+    const Outcome all_at_once = outcome(AllByPackageJudge);
+    EXPECT_FALSE(one_by_one.answers.empty());
+    EXPECT_EQ(one_by_one.answers, all_at_once.answers);
+    EXPECT_EQ(one_by_one.log, all_at_once.log);
+    EXPECT_EQ(one_by_one.standard_error, all_at_once.standard_error);
+    EXPECT_EQ(one_by_one.left, all_at_once.left);
+  });
+}
+
+void MakePackage(const fs::path& root) {
+  for (const char* file : {"A.dll", "bin/A.dll", "bin/A.DLL", "bin/.dll", "dll", "lib/L.dll", "bin/L.dll", "C.dll",
+                           "P.dll", "d.pc/A.dll", "d.pc/D.dll", "D.dll", "notes.json", "U.dll", "x/.sac_symlink/A.dll",
+                           "1/2/3/4/5/6/7/8/9/A.dll", "1/2/3/4/5/6/7/8/9/10/A.dll"}) {
+    WriteFile(root / file);
+  }
+}
+
+TEST(PackageJudge, a_walk_ends_as_if_each_file_had_been_judged_alone) { ExpectSameOutcome(MakePackage); }
+
+TEST(PackageJudge, links_are_found_out_as_by_one) {
+  ExpectSameOutcome([](const fs::path& root) {
+    MakePackage(root);
+    fs::create_directories(root / "links");
+    fs::create_symlink("../A.dll", root / "links/A.dll");
+    fs::create_symlink("../bin", root / "links/D.dll");
+    fs::create_symlink("nowhere", root / "links/C.dll");
+  });
+}
+
+TEST(PackageJudge, a_directory_that_may_be_listed_but_not_searched_gives_the_lines_of_failed_lstats) {
+  ExpectSameOutcome(
+      [](const fs::path& root) {
+        WriteFile(root / "A.dll");
+        WriteFile(root / "closed/A.dll");
+        WriteFile(root / "closed/U.dll");
+        fs::permissions(root / "closed", fs::perms::owner_read);
+      },
+      false);
+}
+
+TEST(PackageJudge, without_entry_types_every_file_is_examined) {
+  ExpectSameOutcome([](const fs::path& root) {
+    MakePackage(root);
+    interposed::Now().entry_types_unknown = true;
+  });
+}
+
+// Makes directories below `root` until their path is `length` bytes long, one by one, for no call takes it whole.
+void MakeLongPath(const fs::path& root, std::size_t length, const char* file) {
+  const fs::path before = fs::current_path();
+  std::size_t reached = root.string().size();
+  fs::create_directories(root);
+  fs::current_path(root);
+  while (reached < length) {
+    const std::string name(std::min<std::size_t>(length - reached - 1, 250), 'd');
+    fs::create_directory(name);
+    fs::current_path(name);
+    reached += name.size() + 1;
+  }
+  WriteFile(fs::path(".") / file);
+  fs::current_path(before);
+}
+
+TEST(PackageJudge, a_path_that_no_call_takes_gives_the_line_of_a_failed_lstat) {
+  // Directories that can be listed by their paths; with "/A.dll" behind it, the path just fits or is too long.
+  for (const std::size_t length :
+       {PATH_MAX - 8, PATH_MAX - 7, PATH_MAX - 6, PATH_MAX - 3, PATH_MAX - 2, PATH_MAX - 1}) {
+    SCOPED_TRACE(length);
+    ExpectSameOutcome([&](const fs::path& root) {
+      WriteFile(root / "A.dll");
+      MakeLongPath(root, length, "A.dll");
+    });
+  }
+}
+
+// What the policy says of each file before anything is touched, against what the walk then leaves.
+TEST(DuplicatePolicy, says_beforehand_what_the_walk_does) {
+  Fresh([](Platform&) {
+    const TempDir root;
+    const std::string package = root / "pkg";
+    MakePackage(package);
+    PutCatalogues(package);
+    Texts kept;
+    Texts removed;
+    Texts reported;
+    const auto foretell = [&](const std::string& path, const std::string& name) {
+      const Verdict verdict = Judge(path, name).verdict;
+      (verdict == Verdict::kKept ? kept : verdict == Verdict::kRemoved ? removed : reported).push_back(path);
+    };
+    scanFilesInDirExcludeSymlink(package, foretell, kEverywhere);
+    const Outcome outcome = OutcomeOf(package, AllByPackageJudge);
+    const auto there = [](const std::string& path) { return support::IsThere(path); };
+    EXPECT_TRUE(std::all_of(kept.begin(), kept.end(), there));
+    EXPECT_TRUE(std::none_of(removed.begin(), removed.end(), there));
+    EXPECT_TRUE(std::all_of(reported.begin(), reported.end(), there));
+    EXPECT_EQ((Texts{package + "/C.dll"}), reported);
+    EXPECT_EQ(removed.size() + reported.size(),
+              static_cast<std::size_t>(std::count(outcome.answers.begin(), outcome.answers.end(), 0)));
+    EXPECT_THAT(removed, testing::SizeIs(6));
+  });
+}
+
+TEST(DuplicatePolicy, names_the_first_catalogued_copy) {
+  Fresh([](Platform&) {
+    PutCatalogues("/pkg");
+    ASSERT_NE(nullptr, Judge("/pkg/A.dll", "A.dll").origin);
+    EXPECT_EQ("/usr/share/dotnet.orvel/netcoreapp/A.dll", *Judge("/pkg/A.dll", "A.dll").origin);
+    EXPECT_EQ("/pkg/lib/L.dll", *Judge("/pkg/lib/L.dll", "L.dll").origin);
+    EXPECT_EQ(nullptr, Judge("/pkg/U.dll", "U.dll").origin);
+    EXPECT_EQ(nullptr, Judge("/pkg/notes.json", "notes.json").origin);
+  });
+}
+
+}  // namespace
