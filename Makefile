@@ -1,6 +1,6 @@
 # The commands of everyday work. Each installs what is missing first; CMakePresets.json holds the builds.
 .PHONY: build test test-heavy demo bench bench-compare bench-programs coverage mutation fuzz lint format sanitize \
-  valgrind clean packages lint-packages
+  valgrind clean packages lint-packages package package-test reproducible package-tools
 
 JOBS ?= $(shell nproc)
 
@@ -65,6 +65,20 @@ fuzz: packages
 	cmake --build --preset fuzz --parallel $(JOBS) --target fuzzers
 	scripts/fuzz.sh build/fuzz $(FUZZ_SECONDS) $(FUZZERS)
 
+# The Debian packages, in build/package/packages.
+package: packages package-tools
+	cmake --preset package
+	cmake --build --preset package --parallel $(JOBS)
+	scripts/package.sh build/package
+
+# Installs and runs them in a fresh root file system: a new one, or a copy of the directory ROOT (as root).
+package-test: package
+	scripts/package-test.sh build/package/packages $(ROOT)
+
+# Makes them twice in different folders and compares the bytes.
+reproducible: packages package-tools
+	scripts/reproducible.sh $(JOBS)
+
 lint: packages lint-packages
 	cmake --preset clang
 	scripts/lint.sh build/clang
@@ -74,6 +88,9 @@ format: lint-packages
 
 packages:
 	@scripts/install-packages.sh scripts/packages.txt
+
+package-tools:
+	@scripts/install-packages.sh scripts/package-packages.txt
 
 lint-packages:
 	@scripts/install-packages.sh scripts/lint-packages.txt

@@ -29,3 +29,10 @@ endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)
 endif()
+
+# The same sources make the same bytes in whatever folder: neither objects nor run paths name it. A build to debug keeps
+# the names, for the debugger.
+if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT ORVEL_COVERAGE)
+  add_compile_options(-ffile-prefix-map=${PROJECT_BINARY_DIR}=build -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
+endif()
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)

@@ -1,0 +1,14 @@
+#!/bin/sh
+# package.sh BUILD: makes the Debian packages of the build directory BUILD (preset "package") in BUILD/packages, and lets
+# lintian judge them. Every time in them is that of the changelog's newest entry, so that the same sources make the same
+# bytes.
+set -eu
+
+build=$(cd "$1" && pwd)
+changelog=$(cd "$(dirname "$0")/../packaging" && pwd)/changelog
+SOURCE_DATE_EPOCH=$(dpkg-parsechangelog -l "$changelog" -S Timestamp)
+export SOURCE_DATE_EPOCH
+
+rm -rf "$build/packages"
+(cd "$build" && cpack --config CPackConfig.cmake)
+lintian --fail-on error "$build"/packages/*.deb

@@ -1,0 +1,39 @@
+#!/bin/sh
+# reproducible.sh JOBS: makes the Debian packages twice, from copies of the sources in folders of different names and
+# depths, at different times and under different settings of the caller, and compares the bytes.
+set -eu
+
+jobs=$1
+sources=$(cd "$(dirname "$0")/.." && pwd)
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+trap 'exit 130' INT TERM HUP
+export CCACHE_DISABLE=1 # a cache would hand the first build's objects to the second
+
+copy_sources() {
+  mkdir -p "$1"
+  (cd "$sources" && git ls-files -z --cached --others --exclude-standard | tar -c --null -T - --ignore-failed-read) |
+    tar -x -C "$1"
+}
+
+# make_packages FOLDER: as `make package` does.
+make_packages() {
+  copy_sources "$1"
+  (cd "$1" && cmake --preset package && cmake --build --preset package --parallel "$jobs" &&
+    scripts/package.sh build/package) >"$work/output" 2>&1 || { cat "$work/output"; exit 1; }
+}
+
+(umask 022; TZ=UTC LC_ALL=C.UTF-8 make_packages "$work/one")
+(umask 002; TZ=Asia/Tokyo LC_ALL=C make_packages "$work/another/deeper folder/of sources")
+
+status=0
+for package in "$work"/one/build/package/packages/*.deb; do
+  name=$(basename "$package")
+  if cmp "$package" "$work/another/deeper folder/of sources/build/package/packages/$name"; then
+    sha256sum "$package" | sed "s|  .*/|  |"
+  else
+    status=1
+  fi
+done
+[ "$status" -eq 0 ] || { echo "the builds differ" >&2; exit 1; }
+echo "both builds made the same bytes"
