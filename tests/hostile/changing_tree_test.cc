@@ -80,7 +80,7 @@ TEST(ChangingTree, an_information_files_name_that_is_taken_in_the_last_moment_is
   }
 }
 
-TEST(ChangingTree, a_directory_that_becomes_a_link_before_it_is_entered_is_not_entered) {
+TEST(ChangingTree, a_directory_that_becomes_a_link_before_it_is_entered_loses_nothing) {
   for (const char* target : {kVictims, support::kCoreDirectory, ".."}) {
     OnWatchedDevice([&](const WatchedDevice& device) {
       WriteFile(InPackage("A.dll"));
@@ -121,7 +121,7 @@ TEST(ChangingTree, a_whole_package_that_vanishes_during_the_walk_is_the_end_of_i
   });
 }
 
-TEST(ChangingTree, a_root_that_becomes_a_link_before_the_walk_is_not_walked) {
+TEST(ChangingTree, a_root_that_becomes_a_link_before_the_walk_loses_nothing) {
   OnWatchedDevice([](const WatchedDevice& device) {
     device.At("orvelFX size", [] {
       fs::remove(kRoot);

@@ -27,7 +27,7 @@ using support::WriteFile;
 
 using Names = std::vector<std::string>;
 
-TEST(Links, a_root_that_leads_to_others_is_not_walked) {
+TEST(Links, a_root_that_leads_to_others_loses_nothing) {
   OnWatchedDevice([](const WatchedDevice& device) {
     fs::remove(kRoot);
     fs::create_directory_symlink(kVictims, kRoot);

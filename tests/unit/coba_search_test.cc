@@ -11,6 +11,7 @@
 #include "tests/support/device_root.h"
 #include "tests/support/files.h"
 #include "tests/support/standard_error.h"
+#include "tests/unit/allocation_limit.h"
 #include "tests/unit/expected_lines.h"
 #include "tests/unit/unit_case.h"
 
@@ -177,6 +178,28 @@ TEST(CobaSearch, the_pass_goes_on_after_a_filter_that_fails) {
     });
     if (testing::Test::IsSkipped()) return;
   }
+}
+
+// Answers how often the application's record was looked at before memory sufficed.
+int EndsInOneWheneverMemoryRunsOut(pkgmgrinfo_appinfo_h handle) {
+  int allocations = 0;
+  while (coBA.empty() && allocations < 1000) {
+    int answer = 0;
+    EXPECT_FALSE(RunsOutOfMemoryAfter(allocations++, [&] { answer = cobaCallback(handle, nullptr); }));
+    EXPECT_EQ(1, answer);
+  }
+  return allocations;
+}
+
+TEST(CobaSearch, the_callback_answers_one_when_memory_runs_out_as_well) {
+  FreshOnDevice([](Platform&) {
+    support::WriteFiles({"/opt/usr/apps/one/shared/res/Shared.Component.With.A.Long.Name.dll"});
+    const doubles::Package package = CobaPackage("one", "/opt/usr/apps/one");
+    doubles::Record* const record =
+        doubles::Current().Create({Record::Kind::kApplication, {}, package.applications[0], {}});
+    EXPECT_LT(5, EndsInOneWheneverMemoryRunsOut(record));
+    EXPECT_EQ(1u, coBA.size());
+  });
 }
 
 }  // namespace
