@@ -67,6 +67,20 @@ TEST(ManifestEntities, entities_of_entities_count_as_often_as_they_are_named) {
   ExpectRefused(WithType(Entity("a", Filler(room + 1)) + Entity("b", "&a;&a;"), "&b;" + rest));
 }
 
+// A type that stands for "dotnet-" by way of so many entities, each within the next.
+Document WithNestedEntities(int count) {
+  std::string entities = Entity("e1", "dotnet-");
+  for (int entity = 2; entity <= count; ++entity) {
+    entities += Entity("e" + std::to_string(entity), "&e" + std::to_string(entity - 1) + ";");
+  }
+  return WithType(entities, "&e" + std::to_string(count) + ";");
+}
+
+TEST(ManifestEntities, entities_may_be_nested_so_deep_and_no_deeper) {
+  ExpectRead(WithNestedEntities(39));
+  ExpectRefused(WithNestedEntities(40));
+}
+
 TEST(ManifestEntities, text_without_entities_may_be_longer) { ExpectRead(WithType("", Filler(2 * kMost) + "dotnet-")); }
 
 TEST(ManifestEntities, an_empty_attribute_and_a_default_value_are_no_trouble) {
