@@ -27,7 +27,7 @@ const char* AsChars(const xmlChar* text) { return reinterpret_cast<const char*>(
 // The most that an attribute with entity references in it may stand for: far more than any type, key or value takes,
 // and little enough to be put together in no time. Nor does any of them need entities within so many entities.
 constexpr std::size_t kMostExpanded = 100000;
-constexpr int kMostNested = 40;
+constexpr int kMostNested = 16;
 
 // What is left of `budget` when the nodes of an attribute's value or of an entity are taken from it, a reference
 // counting as at least one byte; nothing when it is not enough, or when entities stand in more than `levels` others.

@@ -77,8 +77,8 @@ Document WithNestedEntities(int count) {
 }
 
 TEST(ManifestEntities, entities_may_be_nested_so_deep_and_no_deeper) {
-  ExpectRead(WithNestedEntities(39));
-  ExpectRefused(WithNestedEntities(40));
+  ExpectRead(WithNestedEntities(15));
+  ExpectRefused(WithNestedEntities(16));
 }
 
 TEST(ManifestEntities, text_without_entities_may_be_longer) { ExpectRead(WithType("", Filler(2 * kMost) + "dotnet-")); }
