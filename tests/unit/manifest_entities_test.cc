@@ -61,6 +61,21 @@ TEST(ManifestEntities, an_attribute_may_stand_for_a_hundred_thousand_bytes_and_n
   ExpectRefused(WithType(Entity("a", Filler(room + 1)), "&a;" + rest));
 }
 
+TEST(ManifestEntities, a_reference_counts_alone_and_behind_text) {
+  const std::string too_much = Entity("a", Filler(kMost));
+  ExpectRefused(WithType(too_much, "&a;"));
+  ExpectRefused(WithType(too_much, "x&a;"));
+}
+
+TEST(ManifestEntities, an_attribute_that_never_got_a_value_is_no_trouble) {
+  Fresh([](Platform&) {
+    const Document document = support::ManifestOf("<ui-application/>");
+    xmlNode* const application = xmlDocGetRootElement(document.get())->children;
+    xmlNewProp(application, reinterpret_cast<const xmlChar*>("type"), nullptr);
+    EXPECT_FALSE(isAppDotnetInhouse(document.get()));
+  });
+}
+
 TEST(ManifestEntities, entities_of_entities_count_as_often_as_they_are_named) {
   const std::string rest = "dotnet-";
   const std::size_t room = (kMost - rest.size() - 3) / 2;  // the reference to b, and two to a
