@@ -113,6 +113,38 @@ TEST(TakenPlaces, what_a_link_leads_to_that_took_a_directorys_place_during_the_w
   });
 }
 
+TEST(TakenPlaces, a_link_above_the_packages_root_protects_nothing) {
+  support::InFreshProcess([] {
+    doubles::Reset();
+    const TempDir area;
+    WriteFile(area / "apps/pkg/A.dll");
+    fs::create_directory_symlink("apps", area / "link");
+    coreFX = {{"A.dll", "/usr/share/dotnet.orvel/netcoreapp/A.dll"}};
+    const PackageJudge judge(area / "link/pkg");
+    std::vector<int> answers;
+    WalkFiles(
+        area / "link/pkg", [&](const ListedFile& file) { answers.push_back(judge.Judge(file)); }, 10);
+    EXPECT_EQ(std::vector<int>{0}, answers);
+    EXPECT_FALSE(support::IsThere(area / "apps/pkg/A.dll"));
+  });
+}
+
+TEST(TakenPlaces, what_is_kept_because_of_a_link_is_answered_like_what_is_unique) {
+  support::InFreshProcess([] {
+    doubles::Reset();
+    const TempDir area;
+    WriteFile(area / "pkg/A.dll");
+    fs::create_directory_symlink("pkg", area / "root");
+    coreFX = {{"A.dll", "/usr/share/dotnet.orvel/netcoreapp/A.dll"}};
+    const PackageJudge judge(area / "root");
+    std::vector<int> answers;
+    WalkFiles(
+        area / "root", [&](const ListedFile& file) { answers.push_back(judge.Judge(file)); }, 10);
+    EXPECT_EQ(std::vector<int>{1}, answers);
+    EXPECT_TRUE(support::IsThere(area / "pkg/A.dll"));
+  });
+}
+
 TEST(TakenPlaces, a_directory_that_vanishes_during_the_walk_is_passed_over) {
   const TempDir root;
   for (const std::string& file : {root / "first", root / "sub/inside"}) WriteFile(file);
