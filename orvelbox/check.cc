@@ -138,7 +138,7 @@ int CheckAll(const CheckOptions& options, const fs::path& device) {
 
 std::string PrivilegeUri(const std::string& text) {
   if (text.find("://") != std::string::npos) return text;
-  for (const std::string uri : {kPlatformPrivilege, kAppDebuggingPrivilege}) {
+  for (std::string uri : {kPlatformPrivilege, kAppDebuggingPrivilege}) {
     if (uri.substr(uri.rfind('/') + 1) == text) return uri;
   }
   throw std::invalid_argument(text + ": no privilege; write its URI, or \"platform\" or \"appdebugging\"");

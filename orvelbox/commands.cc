@@ -155,12 +155,12 @@ int Log(const Options& options) {
 host::Device MakeThrowAway(const Options& options, const fs::path& directory) {
   if (!options.platform.empty()) {
     RequirePlatform(options.platform);
-    const host::Device device = host::CreateDevice(directory);
+    host::Device device = host::CreateDevice(directory);
     CopyPlatform(options.platform, device);
     return device;
   }
   const host::Device model = OpenNamed(options);
-  const host::Device device = host::CreateDevice(directory, host::ReadConfig(model));
+  host::Device device = host::CreateDevice(directory, host::ReadConfig(model));
   CopyPlatform(model.OnDesk(host::kPlatformAssemblies), device);
   return device;
 }

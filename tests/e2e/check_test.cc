@@ -227,7 +227,9 @@ TEST_P(CheckAgreesE2e, with_what_an_install_does) {
   for (const std::string& file : GetParam().platform) AddPlatformFile(file);
   const std::string package = MakePackage(
       "shop", ManifestText("org.example.shop", "1", GetParam().application, GetParam().package), GetParam().files);
-  if (support::IsThere(package + "/bin")) std::filesystem::create_symlink("Own.dll", package + "/bin/Link.dll");
+  // By its name the link would be a duplicate, but links are left alone.
+  AddPlatformFile("framework/Linked.dll");
+  std::filesystem::create_symlink("orvel-manifest.xml", package + "/Linked.dll");
 
   const Result check = Run({"check", "--format", "json", package});
   const auto checked = nlohmann::json::parse(check.out);
