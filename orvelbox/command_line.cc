@@ -25,7 +25,8 @@ void AddGlobalOptions(CLI::App& app, Options& options) {
   app.add_option("--device", options.device, "The directory of the device")->type_name("DIR");
   app.add_option("--plugin", options.plugin, "The parser plug-in to load, instead of the one built with this program")
       ->type_name("FILE");
-  app.add_option("--trace", options.trace, "Write the plug-in's trace spans to FILE (Chrome trace-event format)")
+  app.add_option("--trace", options.trace,
+                 "Append the plug-in's trace spans to FILE (Chrome trace-event format, as Perfetto reads it)")
       ->type_name("FILE");
   app.add_flag("--quiet", options.quiet, "Print nothing but complaints");
 }
@@ -133,6 +134,21 @@ void AddLogCommand(CLI::App& app, Options& options, std::string& priority) {
       ->check(CLI::IsMember({"D", "I", "E"}));
 }
 
+std::string FaultOfPicture(const std::string& file) {
+  const std::string extension = std::filesystem::path(file).extension();
+  return extension == ".svg" || extension == ".html" ? "" : file + " must end in .svg or .html";
+}
+
+void AddTraceCommand(CLI::App& app, Options& options) {
+  CLI::App* command =
+      AddCommand(app, options, "trace", "Draw what --trace wrote: the functions of the plug-in, by time",
+                 "trace trace.json --output trace.html");
+  command->add_option("FILE", options.target, "A file that --trace wrote")->required();
+  command->add_option("--output", options.output, "Draw a picture (.svg) or a page for a browser (.html) into FILE")
+      ->type_name("FILE")
+      ->check(FaultOfPicture, "");
+}
+
 void AddTestCommand(CLI::App& app, Options& options) {
   CLI::App* command =
       AddListing(app, options, "test",
@@ -208,6 +224,7 @@ std::variant<Options, int> ParseCommandLine(int argc, const char* const* argv) {
   AddCheckCommand(app, options);
   AddTestCommand(app, options);
   AddReadingCommands(app, options, priority);
+  AddTraceCommand(app, options);
   try {
     app.parse(argc, argv);
     if (app.get_subcommands().empty()) throw CLI::RequiredError::Subcommand(1);
