@@ -1,5 +1,6 @@
 # The commands of everyday work. Each installs what is missing first; CMakePresets.json holds the builds.
-.PHONY: build test test-heavy demo bench bench-compare bench-programs coverage mutation lint format sanitize clean packages lint-packages package package-test reproducible package-tools
+.PHONY: build test test-heavy demo bench bench-compare bench-programs coverage mutation fuzz lint format sanitize \
+  valgrind clean packages lint-packages package package-test reproducible package-tools
 
 JOBS ?= $(shell nproc)
 
@@ -23,6 +24,13 @@ sanitize: packages
 	cmake --preset sanitize
 	cmake --build --preset sanitize --parallel $(JOBS)
 	ctest --preset sanitize --parallel $(JOBS)
+
+# The unit and integration tests under valgrind memcheck (half an hour or so).
+valgrind: packages
+	@scripts/install-packages.sh scripts/valgrind-packages.txt
+	cmake --preset valgrind
+	cmake --build --preset valgrind --parallel $(JOBS)
+	ctest --preset valgrind --parallel $(JOBS)
 
 # What the unit tests reach of plugin/ and util/.
 coverage: packages
@@ -48,6 +56,15 @@ bench-programs: packages
 	@scripts/install-packages.sh scripts/bench-packages.txt
 	cmake --preset release
 	cmake --build --preset release --parallel $(JOBS) --target bench_programs
+
+# The fuzzers, FUZZ_SECONDS each; FUZZERS names some of them (fuzz/README.md).
+FUZZ_SECONDS ?= 60
+FUZZERS ?=
+fuzz: packages
+	@scripts/install-packages.sh scripts/fuzz-packages.txt
+	cmake --preset fuzz
+	cmake --build --preset fuzz --parallel $(JOBS) --target fuzzers
+	scripts/fuzz.sh build/fuzz $(FUZZ_SECONDS) $(FUZZERS)
 
 # The Debian packages, in build/package/packages.
 package: packages package-tools

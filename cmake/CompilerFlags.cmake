@@ -4,6 +4,9 @@ if(ORVEL_WERROR)
   add_compile_options(-Werror)
 endif()
 
+# Programs may lie anywhere in memory, as shared libraries do.
+include(CheckPIESupported)
+check_pie_supported()
 add_compile_options(-fstack-protector-strong)
 add_link_options(-Wl,-z,relro,-z,now,-z,noexecstack)
 if(ORVEL_SANITIZE)
@@ -11,6 +14,10 @@ if(ORVEL_SANITIZE)
   add_link_options(-fsanitize=address,undefined)
 else()
   add_compile_options($<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE> $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
+endif()
+
+if(ORVEL_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
 if(ORVEL_COVERAGE)

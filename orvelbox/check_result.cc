@@ -2,7 +2,6 @@
 #include "orvelbox/check_result.h"
 
 #include <algorithm>
-#include <array>
 #include <nlohmann/json.hpp>
 
 #include "orvelbox/project_lines.h"
@@ -12,22 +11,13 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr std::array<const char*, 3> kVerdicts = {"kept", "reported", "removed"};  // by the values of Verdict
-
-const char* NameOf(Verdict verdict) {
-  switch (verdict) {
-    case Verdict::kReportedOnly:
-      return kVerdicts[1];
-    case Verdict::kRemoved:
-      return kVerdicts[2];
-    default:
-      return kVerdicts[0];
-  }
-}
+constexpr const char* kKept = "kept";
+constexpr const char* kReported = "reported";
+constexpr const char* kRemoved = "removed";
 
 Verdict VerdictOf(const std::string& name) {
-  if (name == kVerdicts[1]) return Verdict::kReportedOnly;
-  return name == kVerdicts[2] ? Verdict::kRemoved : Verdict::kKept;
+  if (name == kReported) return Verdict::kReportedOnly;
+  return name == kRemoved ? Verdict::kRemoved : Verdict::kKept;
 }
 
 void AddCopy(const std::string& prefix, const DllCopy& copy, Json& json) {
@@ -45,7 +35,7 @@ DllCopy CopyOf(const std::string& prefix, const Json& json) {
 }
 
 Json ToJson(const CheckedDll& dll) {
-  Json json = {{"path", dll.path}, {"verdict", NameOf(dll.verdict)}};
+  Json json = {{"path", dll.path}, {"verdict", ToString(dll.verdict)}};
   if (!dll.reason.empty()) json["reason"] = dll.reason;
   if (!dll.origin.empty()) json["origin"] = dll.origin;
   AddCopy("", dll.own, json);
@@ -66,6 +56,17 @@ CheckedDll DllOf(const Json& json) {
 }
 
 }  // namespace
+
+std::string ToString(Verdict verdict) {
+  switch (verdict) {
+    case Verdict::kReportedOnly:
+      return kReported;
+    case Verdict::kRemoved:
+      return kRemoved;
+    default:
+      return kKept;
+  }
+}
 
 std::size_t CountDuplicates(const CheckedPackage& package) {
   return static_cast<std::size_t>(

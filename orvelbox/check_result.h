@@ -42,6 +42,9 @@ struct CheckedPackage {
   std::vector<CheckedDll> dlls;  // all of them, ordered by path
 };
 
+// "kept", "reported" or "removed".
+std::string ToString(Verdict verdict);
+
 // How many DLLs of the package are duplicates.
 std::size_t CountDuplicates(const CheckedPackage& package);
 

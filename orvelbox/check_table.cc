@@ -2,24 +2,12 @@
 #include "orvelbox/check_table.h"
 
 #include <algorithm>
-#include <array>
 
 #include "orvelbox/project_lines.h"
 #include "orvelbox/text_table.h"
 
 namespace orvelbox {
 namespace {
-
-const char* InWords(Verdict verdict) {
-  switch (verdict) {
-    case Verdict::kRemoved:
-      return "removed";
-    case Verdict::kReportedOnly:
-      return "reported";
-    default:
-      return "kept";
-  }
-}
 
 std::size_t Count(const CheckedPackage& package, Verdict verdict) {
   return static_cast<std::size_t>(std::count_if(package.dlls.begin(), package.dlls.end(),
@@ -48,7 +36,7 @@ void AddTable(const CheckedPackage& package, Lines& lines) {
   if (package.dlls.empty()) return;
   TextTable table({"VERDICT", "DLL", "SIZE", "VERSION", "ITS SIZE", "ITS VERSION", "BECAUSE OF"});
   for (const CheckedDll& dll : package.dlls) {
-    table.Add({InWords(dll.verdict), dll.path, SizeOf(dll.own), VersionOf(dll.own), SizeOf(dll.provided),
+    table.Add({ToString(dll.verdict), dll.path, SizeOf(dll.own), VersionOf(dll.own), SizeOf(dll.provided),
                VersionOf(dll.provided), BecauseOf(dll)});
   }
   for (const std::string& line : table.Render()) lines.push_back("    " + line);

@@ -2,6 +2,7 @@
 #include "plugin/assembly_cache.h"
 
 #include <cstdio>
+#include <exception>
 
 #include "morvath/metadata_utils.h"
 #include "morvath/platform_utils.h"
@@ -116,10 +117,12 @@ void getPackageByMetadataTag(pkgmgrinfo_app_list_cb callback, const std::string&
   // After a successful enumeration the filter is left as it is: the platform's contract here, not an oversight.
 }
 
-int cobaCallback(pkgmgrinfo_appinfo_h handle, void*) {
+int cobaCallback(pkgmgrinfo_appinfo_h handle, void*) try {
   char* root = nullptr;
   if (pkgmgrinfo_appinfo_get_root_path(handle, &root) != 0 || root == nullptr) return 1;
   LOG_DEBUG("Path : %s", root);
   CatalogueSharedResources(root);
   return 1;
+} catch (const std::exception&) {
+  return 1;  // what was catalogued so far stays; nothing may be thrown through the platform's enumeration
 }

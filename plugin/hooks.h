@@ -20,7 +20,8 @@ ORVEL_EXPORT void restartDotnetCandidateProcess();
 
 // All hooks: `doc` is the package's manifest (may be null; only read), `pkgId` its id. The package manager calls them
 // one at a time. They return 0, and only INSTALL (with UPGRADE and REMOVED, which forward to it) may return -1. The
-// one exception that leaves them is std::logic_error, for a null id where one is needed.
+// exceptions that leave them are the standard library's own: std::logic_error for a null id where one is needed,
+// std::bad_alloc when memory runs out. Then everything was given back, and the next call finds sound tables and files.
 extern "C" {
 // Removes the package's DLLs that duplicate others; -1 when there were any and the package is under debugging.
 ORVEL_EXPORT int PKGMGR_PARSER_PLUGIN_INSTALL(xmlDocPtr doc, const char* pkgId);

@@ -138,6 +138,12 @@ install_application() {
   heading "An application with its own copies of DLLs (INSTALL, then CLEAN)"
   echo "The game brings three DLLs that the TV has already, and one that the component has."
   run 0 ls gbrainy-1.0/bin
+  echo
+  echo "What will become of them can be asked before the install, and so can what to change in the project file:"
+  run 1 orvelbox check gbrainy-1.0
+  expect "of 6 DLLs"
+  expect "/usr/share/dotnet.orvel/netcoreapp/System.Core.dll"
+  expect "<PackageReference Update=\"Mono.Posix\" ExcludeAssets=\"runtime\" />"
   run 0 orvelbox install gbrainy-1.0
   expect "removed  bin/System.Core.dll: the platform has /usr/share/dotnet.orvel/netcoreapp/System.Core.dll"
   expect "removed  bin/Mono.Posix.dll: the platform has /usr/share/dotnet.orvel/framework/Mono.Posix.dll"
@@ -149,6 +155,8 @@ install_application() {
   run 0 ls "$packages_on_device/org.example.gbrainy/bin"
   run 0 cat "$packages_on_device/org.example.gbrainy/bin/System.Core.dll_deleted"
   expect "was deleted because /usr/share/dotnet.orvel/netcoreapp/System.Core.dll exists"
+  run 0 orvelbox why org.example.gbrainy
+  expect "removed   bin/Mono.Posix.dll"
   run 0 orvelbox list
 }
 
@@ -188,6 +196,14 @@ uninstall_everything() {
   show_cache '' ''
 }
 
+live_through() {
+  heading "A whole life on a throw-away device"
+  echo "Install, recovery, upgrade, uninstall and what lies between: whatever is left behind would be named."
+  run 0 orvelbox test gbrainy-1.0 gbrainy-1.1
+  expect "lived through without a trace"
+  run 0 orvelbox cache verify
+}
+
 show_log() {
   heading "The device's log"
   echo "Every step of the plug-in is in the log. The errors among them:"
@@ -205,5 +221,6 @@ install_application
 upgrade_application
 fail_debugged
 uninstall_everything
+live_through
 show_log
 heading "Done: everything went as told"

@@ -49,7 +49,7 @@ std::optional<int> Platform::TakeFailure(const std::string& function) {
 bool Platform::TakeNull(const std::string& function) { return nulls_.erase(function) > 0; }
 
 void Platform::RecordEvent(const Event& event) {
-  journal.push_back(event);
+  if (keeps_journal) journal.push_back(event);
   const auto callee = on_event;
   if (callee) callee(event);
 }

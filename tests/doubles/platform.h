@@ -74,9 +74,10 @@ class Platform {
   std::map<std::string, std::string> labels;  // by path
   uid_t target_uid = 0;
 
-  // Everything that was asked, in order.
+  // Everything that was asked, in order. While `keeps_journal` is false, nothing: for whoever asks without end.
   std::vector<Event> journal;
-  // Called (if set) with every event of the journal before its caller goes on: the moment to change things in the
+  bool keeps_journal = true;
+  // Called (if set) with every event before its caller goes on: the moment to change things in the
   // middle of what is tested. It may set itself anew.
   std::function<void(const Event&)> on_event;
   // Every misuse of a handle: one that is null, of another kind or destroyed before.

@@ -32,6 +32,7 @@ void ReadPosition(LogLine& line, va_list arguments) {
 }  // namespace
 
 int __dlog_print(int log_id, int priority, const char* tag, const char* format, ...) {
+  if (!Current().keeps_journal && !Current().on_event) return 0;
   LogLine line;
   line.log_id = log_id;
   line.priority = priority;

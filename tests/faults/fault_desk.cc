@@ -34,11 +34,6 @@ void WriteIfAny(const char* file, const std::optional<std::string>& text) {
   if (text) support::WriteFile(file, *text);
 }
 
-support::Document ManifestFor(const Event& event) {
-  return support::ManifestOf(support::ApplicationElement("ui-application", "dotnet-inhouse") +
-                             (event.coba ? support::MetadataElement(kCobaKey, "true") : ""));
-}
-
 std::size_t OpenDescriptors() { return support::NamesIn("/proc/self/fd").size(); }
 
 void ExpectNoLeaks() {
@@ -71,7 +66,7 @@ std::string Text(const std::string& entries) { return "[START]" + entries + "[EN
 void OnDevice(const std::function<void()>& body) {
   support::OnDevice([&] {
     for (const char* path : {"/opt/usr", "/usr/share/dotnet.orvel"}) faults::Watch(fs::canonical(path).string());
-    small_platform::Now().packages[0] = {kId, kRoot, false, nullptr};
+    small_platform::Now().packages[0] = {kId, kRoot, true, nullptr};
     for (const char* name : {"A.dll", "B.dll"}) support::WriteFile(std::string(kSharedResources) + name);
     support::WriteFile(kPlatformDll, "the platform's");
     body();
@@ -89,6 +84,11 @@ void LayOutCaches(const CacheTexts& texts) {
   for (const fs::directory_entry& entry : fs::directory_iterator(support::kCacheDirectory)) fs::remove(entry);
   WriteIfAny(support::kTpaFile, texts.tpa);
   WriteIfAny(support::kCobaFile, texts.coba);
+}
+
+support::Document ManifestFor(const Event& event) {
+  return support::ManifestOf(support::ApplicationElement("ui-application", "dotnet-inhouse") +
+                             (event.coba ? support::MetadataElement(kCobaKey, "true") : ""));
 }
 
 std::optional<int> Call(const Event& event) {

@@ -41,6 +41,9 @@ struct Event {
   bool coba = false;  // the manifest is a CoBA package's
 };
 
+// The manifest with which the event comes.
+support::Document ManifestFor(const Event& event);
+
 // Loads the plug-in and calls the hook for the package while calls are counted. Standard error is swallowed.
 // Expects that the hook gave everything back: descriptors, records, spans. Returns the hook's result, or nothing when
 // std::bad_alloc left it.

@@ -141,6 +141,7 @@ TEST(HostileManifests, entities_that_are_missing_or_stand_for_themselves_are_no_
     AddElementOfEntity(document.get(), "ui-application", "type", "missing");
     EXPECT_FALSE(isAppDotnetInhouse(document.get()));
     AddElementOfEntity(document.get(), "ui-application", "type", "loop");
+    xmlFreeNodeList(loop->children);
     loop->children = xmlNewReference(document.get(), ToXml("loop"));
     loop->last = loop->children;
     loop->children->parent = reinterpret_cast<xmlNode*>(loop);

@@ -9,67 +9,23 @@
 #include <vector>
 
 #include "plugin/cache_files.h"
+#include "tests/support/cache_edit.h"
 #include "tests/support/files.h"
+#include "tests/support/plain_cache_edit.h"
 #include "tests/unit/expected_lines.h"
 #include "tests/unit/unit_case.h"
 
 namespace {
 
+using support::CacheEdit;
+using support::Erase;
+using support::PlainEdit;
+using support::PlainErase;
+using support::PlainFind;
+
 using Texts = std::vector<std::string>;
 
 constexpr unsigned kSeed = 20240229;
-
-struct CacheEdit {
-  std::string text;
-  Texts erased;
-};
-
-CacheEdit Erase(const std::string& text, const std::string& root) {
-  CacheEdit edit;
-  edit.text = EraseEntries(text, root, [&edit](const std::string& span) { edit.erased.push_back(span); });
-  return edit;
-}
-
-// The plain form: after every erasure the search starts again at the front. `endless` where it would find the same
-// empty place for ever; `went_back` where an erasure made an entry that begins further at the front.
-struct PlainEdit {
-  std::string text;
-  Texts erased;
-  bool endless = false;
-  bool went_back = false;
-};
-
-std::size_t PlainFind(const std::string& text, const std::string& root) {
-  std::size_t pos = text.find(root, 0);
-  while (pos != std::string::npos) {
-    if (pos > 0 && (text[pos - 1] == ':' || text[pos - 1] == ']')) return pos;
-    pos = text.find(root, pos + 1);
-  }
-  return pos;
-}
-
-PlainEdit PlainErase(const std::string& text, const std::string& root) {
-  PlainEdit edit{text, {}};
-  std::size_t last = 0;
-  for (;;) {
-    const std::size_t pos = PlainFind(edit.text, root);
-    if (pos == std::string::npos) return edit;
-    if (pos < last) edit.went_back = true;
-    std::size_t begin = pos;
-    std::size_t end = edit.text.find(':', pos);
-    if (end != std::string::npos) {
-      ++end;
-    } else {
-      end = edit.text.find('[', pos);
-      if (end == std::string::npos) end = edit.text.size();
-      if (edit.text[pos - 1] == ':') --begin;
-    }
-    if (begin == end) return {text, {}, true};
-    edit.erased.push_back(edit.text.substr(begin, end - begin));
-    edit.text.erase(begin, end - begin);
-    last = begin;
-  }
-}
 
 // Random texts. The same seed gives the same ones everywhere.
 class Random {

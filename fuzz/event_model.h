@@ -1,0 +1,81 @@
+// A plain model of the plug-in on a small device: what each event returns and what it leaves in the files. It knows
+// nothing of how the plug-in does it.
+#ifndef FUZZ_EVENT_MODEL_H_
+#define FUZZ_EVENT_MODEL_H_
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace fuzz {
+
+inline constexpr const char* kReadWriteRoot = "/opt/usr/globalapps";
+inline constexpr const char* kTpaFile = "/opt/usr/home/owner/share/dotnet/TPA.txt";
+inline constexpr const char* kCobaFile = "/opt/usr/home/owner/share/dotnet/CoBA.txt";
+// What every link leads to.
+inline constexpr const char* kLinkTarget = "/opt/usr/store/target";
+
+struct ModelPackage {
+  std::string id;
+  std::string root;
+  bool installed = true;
+  bool debugged = false;
+  bool platform = false;  // holds the platform privilege
+  bool coba = false;      // its application's record carries the CoBA key
+};
+
+enum class ModelManifest { kNone, kOther, kSample, kDotnet, kDotnetCoba };
+
+enum class ModelEvent { kInstall, kUpgrade, kRemoved, kUninstall, kRecoverUninstall, kClean, kCleanup, kUndo };
+
+struct ModelFile {
+  bool link = false;
+  std::string content;
+
+  bool operator==(const ModelFile& other) const { return link == other.link && content == other.content; }
+};
+
+class EventModel {
+ public:
+  // What the process remembers beyond one input: that a dotnet manifest was seen, and the last pass's package.
+  struct Memory {
+    bool seen_dotnet = false;
+    std::string last_pass;
+  };
+
+  explicit EventModel(Memory& memory) : memory_(memory) {}
+
+  std::vector<ModelPackage> packages;      // in the order in which the platform lists them
+  std::map<std::string, ModelFile> files;  // by path, the cache files among them
+  int restarts = 0;
+
+  // The result of the event for package `id`; files and restarts are then as they must be.
+  int Send(ModelEvent event, ModelManifest manifest, const std::string& id);
+
+ private:
+  using Catalogue = std::map<std::string, std::string>;
+
+  bool PassesGate(ModelManifest manifest);
+  int Install(ModelManifest manifest, const std::string& id);
+  int Clean(ModelManifest manifest, const std::string& id);
+  int Pass(const std::string& id);
+  void TakeUp(Catalogue& catalogue, const std::string& directory);
+  int RemoveDuplicates(const std::string& root);
+  bool Remove(const std::string& id);
+  bool RemoveFrom(const char* file, const std::string& root);
+  void Add(const std::string& id);
+  void AddTo(const char* file, const std::string& root, const std::string& entries);
+  std::vector<std::string> NamesIn(const std::string& directory) const;
+  const ModelPackage* Find(const std::string& id) const;
+  std::string RootOf(const std::string& id) const;
+
+  Memory& memory_;
+  Catalogue catalogues_[4];  // core, framework, CoBA, libraries: in the order of precedence
+  std::set<std::string> uninstalled_;
+  std::set<std::string> upgraded_;
+};
+
+}  // namespace fuzz
+
+#endif

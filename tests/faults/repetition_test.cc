@@ -1,0 +1,78 @@
+// Hooks called ten thousand times: neither memory nor descriptors grow.
+#include <gtest/gtest.h>
+#include <malloc.h>
+
+#include <filesystem>
+#include <string>
+
+#include "tests/faults/fault_desk.h"
+#include "tests/faults/small_platform.h"
+#include "tests/integration/loaded_plugin.h"
+#include "tests/support/files.h"
+#include "tests/support/manifests.h"
+#include "tests/support/standard_error.h"
+
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/allocator_interface.h>
+#endif
+
+namespace {
+
+constexpr int kRounds = 10000;
+constexpr int kWarmUp = 100;
+constexpr const char* kSecondId = "org.second";
+
+std::size_t AllocatedBytes() {
+#if defined(__SANITIZE_ADDRESS__)
+  return __sanitizer_get_current_allocated_bytes();
+#else
+  return mallinfo2().uordblks;
+#endif
+}
+
+std::size_t OpenDescriptors() { return support::NamesIn("/proc/self/fd").size(); }
+
+// One round: a life of the package. The install of another one between two rounds makes the pass run every time.
+void Live(const LoadedPlugin& plugin, xmlDoc* coba, xmlDoc* ordinary) {
+  EXPECT_EQ(0, plugin.Event("INSTALL", ordinary, fault_desk::kId));
+  EXPECT_EQ(0, plugin.Event("CLEAN", coba, fault_desk::kId));
+  EXPECT_EQ(0, plugin.Event("UPGRADE", ordinary, kSecondId));
+  EXPECT_EQ(0, plugin.Event("CLEAN", ordinary, kSecondId));
+  EXPECT_EQ(0, plugin.Event("REMOVED", ordinary, kSecondId));
+  EXPECT_EQ(0, plugin.Event("CLEANUP", ordinary, kSecondId));
+  EXPECT_EQ(0, plugin.Event("RECOVERUNINSTALL", nullptr, fault_desk::kId));
+  EXPECT_EQ(0, plugin.Event("UNDO", ordinary, fault_desk::kId));
+  EXPECT_EQ(0, plugin.Event("UNINSTALL", ordinary, kSecondId));
+}
+
+void LiveManyTimes(int rounds, const LoadedPlugin& plugin, xmlDoc* coba, xmlDoc* ordinary) {
+  support::StandardErrorOf([&] {
+    for (int round = 0; round < rounds; ++round) {
+      if (round % kWarmUp == 0) fault_desk::LayOutDuplicate();
+      Live(plugin, coba, ordinary);
+      if (round % kWarmUp == 0 && ftruncate(STDERR_FILENO, 0) != 0)
+        ADD_FAILURE() << "what was printed cannot be dropped";
+    }
+  });
+}
+
+TEST(Repetition, ten_thousand_lives_of_a_package_take_no_more_memory_or_descriptors_than_a_few) {
+  fault_desk::OnDevice([] {
+    small_platform::Now().packages[1] = {kSecondId, "/opt/usr/apps/org.second", false, nullptr};
+    fault_desk::LayOutCaches(fault_desk::Removing().before);
+    const support::Document coba = fault_desk::ManifestFor({"", true});
+    const support::Document ordinary = fault_desk::ManifestFor({""});
+    const LoadedPlugin plugin;
+    LiveManyTimes(kWarmUp, plugin, coba.get(), ordinary.get());
+    const std::size_t descriptors = OpenDescriptors();
+    const std::size_t bytes = AllocatedBytes();
+    if (bytes == 0) GTEST_SKIP() << "this allocator does not tell how much it gave out";
+    LiveManyTimes(kRounds, plugin, coba.get(), ordinary.get());
+    // One byte a round would be more than this.
+    EXPECT_LT(AllocatedBytes(), bytes + kRounds);
+    EXPECT_EQ(descriptors, OpenDescriptors());
+    EXPECT_GT(small_platform::Now().restarts, kRounds);
+  });
+}
+
+}  // namespace

@@ -1,0 +1,77 @@
+// How much an attribute of a manifest may stand for when its entities are expanded.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "plugin/manifest.h"
+#include "tests/support/manifests.h"
+#include "tests/unit/expected_lines.h"
+#include "tests/unit/unit_case.h"
+
+namespace {
+
+using doubles::Platform;
+using expected::Plugin;
+using support::Document;
+using support::Parse;
+
+constexpr std::size_t kMost = 100000;  // bytes, a reference counting as one
+
+Document WithEntities(const std::string& entities, const std::string& elements) {
+  return Parse("<!DOCTYPE manifest [" + entities + "]><manifest>" + elements + "</manifest>");
+}
+
+Document WithType(const std::string& entities, const std::string& type) {
+  return WithEntities(entities, support::ApplicationElement("ui-application", type));
+}
+
+std::string Entity(const std::string& name, const std::string& text) { return "<!ENTITY " + name + " '" + text + "'>"; }
+
+std::string Filler(std::size_t size) { return std::string(size, 'x'); }
+
+void ExpectRead(const Document& document) {
+  Fresh([&](Platform& platform) {
+    EXPECT_TRUE(isAppDotnetInhouse(document.get()));
+    EXPECT_EQ("App is dotnet-*", platform.Messages().back());
+  });
+}
+
+void ExpectRefused(const Document& document) {
+  Fresh([&](Platform& platform) {
+    EXPECT_FALSE(isAppDotnetInhouse(document.get()));
+    EXPECT_TRUE(
+        Holds(platform, {Plugin("isAppDotnetInhouse").Debug("name %s", "manifest"),
+                         Plugin("isAppDotnetInhouse").Debug("name %s", "manifest"),
+                         Plugin("isAppDotnetInhouse").Debug("name %s", "ui-application"),
+                         Plugin("Attribute").Error("Attribute %s is too long when its entities are expanded", "type"),
+                         Plugin("isAppDotnetInhouse").Debug("name %s", "manifest")}));
+  });
+}
+
+TEST(ManifestEntities, those_of_an_attribute_are_expanded) {
+  ExpectRead(WithType(Entity("net", "dotnet-"), "&#97; &net;inhouse"));
+  ExpectRead(WithType(Entity("net", "net-") + Entity("whole", "dot&net;"), "&whole;inhouse"));
+}
+
+TEST(ManifestEntities, an_attribute_may_stand_for_a_hundred_thousand_bytes_and_no_more) {
+  const std::string rest = "dotnet-";
+  const std::size_t room = kMost - rest.size() - 1;
+  ExpectRead(WithType(Entity("a", Filler(room)), "&a;" + rest));
+  ExpectRefused(WithType(Entity("a", Filler(room + 1)), "&a;" + rest));
+}
+
+TEST(ManifestEntities, entities_of_entities_count_as_often_as_they_are_named) {
+  const std::string rest = "dotnet-";
+  const std::size_t room = (kMost - rest.size() - 3) / 2;  // the reference to b, and two to a
+  ExpectRead(WithType(Entity("a", Filler(room)) + Entity("b", "&a;&a;"), "&b;" + rest));
+  ExpectRefused(WithType(Entity("a", Filler(room + 1)) + Entity("b", "&a;&a;"), "&b;" + rest));
+}
+
+TEST(ManifestEntities, text_without_entities_may_be_longer) { ExpectRead(WithType("", Filler(2 * kMost) + "dotnet-")); }
+
+TEST(ManifestEntities, an_empty_attribute_and_a_default_value_are_no_trouble) {
+  Fresh([](Platform&) { EXPECT_FALSE(isAppDotnetInhouse(WithType("", "").get())); });
+  ExpectRead(WithEntities("<!ATTLIST ui-application type CDATA 'dotnet-'>", "<ui-application/>"));
+}
+
+}  // namespace
