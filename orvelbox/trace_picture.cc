@@ -86,7 +86,8 @@ std::string Drawn(const Lane& lane, std::int64_t top) {
 }
 
 std::string Table(const Lane& lane) {
-  std::string text = "<table><caption>" + Title(lane) + "</caption><tr><th>begin ms<th>took ms<th>span</tr>\n";
+  std::string text =
+      "<table><caption>" + Title(lane) + "</caption><tr><th>begin ms<th>took ms<th class=\"name\">span</tr>\n";
   for (const Span& span : lane.spans) {
     text += "<tr><td>" + Milliseconds(span.begin) + "<td>" + Milliseconds(span.end - span.begin) +
             "<td class=\"name\" style=\"padding-left: " + std::to_string(span.depth) + "em\">" + Escaped(span.name) +
@@ -98,7 +99,7 @@ std::string Table(const Lane& lane) {
 constexpr const char* kPageStyle =
     "body{font:14px sans-serif;margin:1em}svg{max-width:100%;height:auto}table{border-collapse:collapse;margin-top:1em}"
     "td,th{padding:1px 8px;text-align:right}caption{text-align:left;font-weight:bold}"
-    "td.name{font-family:monospace;text-align:left}";
+    ".name{font-family:monospace;text-align:left}";
 
 }  // namespace
 
