@@ -13,6 +13,7 @@ test: build
 
 # The tests that take more than a few seconds each.
 test-heavy: build
+	@scripts/install-packages.sh scripts/test-heavy-packages.txt
 	ctest --preset heavy --parallel $(JOBS)
 
 demo: build

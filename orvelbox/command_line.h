@@ -26,13 +26,14 @@ struct Options {
   bool quiet = false;  // --quiet
   std::string command;
   std::string platform;          // init, test
-  std::string target;            // PACKAGE or PKG
+  std::string target;            // PACKAGE, PKG or FILE
   std::string upgrade;           // test
   std::vector<RawEvent> events;  // events
   LogFilter log_filter;          // log
   bool follow = false;           // log
   bool verify = false;           // cache
   bool json = false;             // listings
+  std::string output;            // trace
   CheckOptions check;            // check
 };
 

@@ -14,6 +14,7 @@
 #include "orvelbox/platform_set.h"
 #include "orvelbox/report.h"
 #include "orvelbox/scratch_directory.h"
+#include "orvelbox/trace_view.h"
 #include "orvelbox/tree.h"
 #include "orvelbox/why.h"
 #include "platform/host/child_process.h"
@@ -151,6 +152,11 @@ int Log(const Options& options) {
   return kDone;
 }
 
+int Trace(const Options& options) {
+  ShowTrace(options.target, options.output);
+  return kDone;
+}
+
 // A device like the one that is asked for, without its packages; or one with the platform that is asked for.
 host::Device MakeThrowAway(const Options& options, const fs::path& directory) {
   if (!options.platform.empty()) {
@@ -207,6 +213,7 @@ int RunChange(const Options& options) {
 
 int RunCommand(const Options& options) {
   SetQuiet(options.quiet);
+  if (!options.trace.empty()) RequireTraceable(options.trace);
   if (options.command == "check") return CheckPackages(options);
   if (options.command == "init") return Init(options);
   if (options.command == "list") return List(options);
@@ -215,6 +222,7 @@ int RunCommand(const Options& options) {
   if (options.command == "test") return TestPackage(options);
   if (options.command == "why") return Why(options);
   if (options.command == "log") return Log(options);
+  if (options.command == "trace") return Trace(options);
   return RunChange(options);
 }
 

@@ -18,18 +18,20 @@ copy_sources() {
 
 # make_packages FOLDER: as `make package` does.
 make_packages() {
-  copy_sources "$1"
   (cd "$1" && cmake --preset package && cmake --build --preset package --parallel "$jobs" &&
     scripts/package.sh build/package) >"$work/output" 2>&1 || { cat "$work/output"; exit 1; }
 }
 
-(umask 022; TZ=UTC LC_ALL=C.UTF-8 make_packages "$work/one")
-(umask 002; TZ=Asia/Tokyo LC_ALL=C make_packages "$work/another/deeper folder/of sources")
+one=$work/one
+other="$work/another/deeper folder/of sources"
+(umask 022; copy_sources "$one")
+(umask 002; copy_sources "$other")
+(umask 022; TZ=UTC LC_ALL=C.UTF-8 make_packages "$one")
+(umask 002; TZ=Asia/Tokyo LC_ALL=C make_packages "$other")
 
 status=0
-for package in "$work"/one/build/package/packages/*.deb; do
-  name=$(basename "$package")
-  if cmp "$package" "$work/another/deeper folder/of sources/build/package/packages/$name"; then
+for package in "$one"/build/package/packages/*.deb; do
+  if cmp "$package" "$other/build/package/packages/$(basename "$package")"; then
     sha256sum "$package" | sed "s|  .*/|  |"
   else
     status=1

@@ -33,7 +33,7 @@ class DevicePlugin : public InstalledTree {
     support::WriteFile(InTestDirectory("shop/bin/Twice.dll"), "the package's");
     support::WriteFile(InTestDirectory("shop/orvel-manifest.xml"),
                        "<manifest package=\"org.example.shop\" version=\"1\"><ui-application "
-                       "appid=\"org.example.shop.main\" exec=\"Main.dll\" type=\"dotnet\"/></manifest>");
+                       "appid=\"org.example.shop.main\" exec=\"Main.dll\" type=\"dotnet-inhouse\"/></manifest>");
     return support::OutputOf("'" + Prefix() + "/" PROGRAM_DIRECTORY "/orvelbox' --device '" +
                              device.directory.string() + "' --plugin '" + Plugin() + "' install '" +
                              InTestDirectory("shop") + "'");
