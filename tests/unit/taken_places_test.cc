@@ -58,6 +58,45 @@ TEST(TakenPlaces, a_pipe_in_the_information_files_place_stays_and_whoever_listen
   });
 }
 
+TEST(TakenPlaces, a_pipe_in_the_information_files_place_stays_when_nobody_listens) {
+  const TempDir package;
+  const std::string pipe = package / "A.dll_deleted";
+  ASSERT_EQ(0, mkfifo(pipe.c_str(), 0600));
+  doubles::Reset();
+  removeFileAndLeaveInformationFile(kOrigin, package / "A.dll");
+  EXPECT_TRUE(fs::is_fifo(pipe));
+}
+
+TEST(TakenPlaces, without_an_information_file_its_text_goes_nowhere) {
+  support::InFreshProcess([] {
+    const TempDir package;
+    WriteFile(package / "input");
+    ASSERT_EQ(STDIN_FILENO, dup2(open((package / "input").c_str(), O_RDWR | O_CLOEXEC), STDIN_FILENO));
+    fs::create_directory(package / "A.dll_deleted");
+    ASSERT_EQ(0, mkfifo((package / "B.dll_deleted").c_str(), 0600));
+    const UniqueFd listener(open((package / "B.dll_deleted").c_str(), O_RDONLY | O_NONBLOCK));
+    doubles::Reset();
+    removeFileAndLeaveInformationFile(kOrigin, package / "A.dll");
+    removeFileAndLeaveInformationFile(kOrigin, package / "B.dll");
+    EXPECT_NE(-1, fcntl(STDIN_FILENO, F_GETFD));
+    EXPECT_EQ("", ReadFile(package / "input"));
+  });
+}
+
+TEST(TakenPlaces, an_earlier_information_file_is_written_anew_and_stays_the_same_file) {
+  const TempDir package;
+  const std::string information = package / "A.dll_deleted";
+  WriteFile(information, std::string(1000, 'x'));
+  struct stat before;
+  ASSERT_EQ(0, stat(information.c_str(), &before));
+  doubles::Reset();
+  removeFileAndLeaveInformationFile(kOrigin, package / "A.dll");
+  struct stat after;
+  ASSERT_EQ(0, stat(information.c_str(), &after));
+  EXPECT_EQ(before.st_ino, after.st_ino);
+  EXPECT_EQ(support::InformationText(kOrigin, package / "A.dll"), ReadFile(information));
+}
+
 TEST(TakenPlaces, another_name_of_a_file_is_taken_from_the_temporary_file_and_the_file_kept) {
   const TempDir root;
   WriteFile(root / "precious", "mine");
