@@ -2,7 +2,6 @@
 #include "orvelbox/command_line.h"
 
 #include <CLI/CLI.hpp>
-#include <map>
 #include <sstream>
 #include <stdexcept>
 
@@ -20,6 +19,13 @@ constexpr const char* kFooter =
     "directory too: --device, else $ORVELBOX_DEVICE, else orvelbox/device in the XDG state directory. Begin with:\n"
     "orvelbox init\n"
     "Exit status: 0 done, 1 the operation failed, 2 wrong usage.";
+
+// What is given as text and kept as something else.
+struct Texts {
+  std::vector<std::string> events;
+  std::string priority = "D";
+  std::string format = "table";
+};
 
 void AddGlobalOptions(CLI::App& app, Options& options) {
   app.add_option("--device", options.device, "The directory of the device")->type_name("DIR");
@@ -59,15 +65,15 @@ void AddChangingCommands(CLI::App& app, Options& options) {
   }
 }
 
-void AddEventsCommand(CLI::App& app, Options& options, std::vector<std::string>& texts) {
+void AddEventsCommand(CLI::App& app, Options& options, Texts& texts) {
   AddCommand(app, options, "events", "Call hooks one after the other in one process, and nothing else",
              "events clean:org.example.shop uninstall:org.example.shop")
-      ->add_option("EVENT:PKG", texts,
+      ->add_option("EVENT:PKG", texts.events,
                    "install, upgrade, removed, uninstall, recoveruninstall, clean, cleanup or undo, and a package id")
       ->required();
 }
 
-void AddCheckCommand(CLI::App& app, Options& options) {
+void AddCheckCommand(CLI::App& app, Options& options, Texts& texts) {
   CheckOptions& check = options.check;
   CLI::App* command = AddCommand(app, options, "check",
                                  "Say which DLLs of packages an install would remove, and because of what; nothing is "
@@ -90,12 +96,9 @@ void AddCheckCommand(CLI::App& app, Options& options) {
       ->type_name("URI")
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
       ->expected(1);
-  const std::map<std::string, CheckOptions::Format> formats = {{"table", CheckOptions::Format::kTable},
-                                                               {"json", CheckOptions::Format::kJson},
-                                                               {"sarif", CheckOptions::Format::kSarif}};
-  command->add_option("--format", check.format, "table, json (one line per package) or sarif (2.1.0)")
+  command->add_option("--format", texts.format, "table, json (one line per package) or sarif (2.1.0)")
       ->type_name("FORMAT")
-      ->transform(CLI::Transformer(formats));
+      ->check(CLI::IsMember({"table", "json", "sarif"}));
   command->add_option("--jobs", check.jobs, "How many packages are checked at a time (one per core)")
       ->type_name("N")
       ->check(CLI::Range(1U, 1024U));
@@ -124,11 +127,11 @@ void AddCacheCommand(CLI::App& app, Options& options) {
   verify->footer("Exit status: 0 nothing is wrong, 1 something is, 2 wrong usage.\nExample: orvelbox cache verify");
 }
 
-void AddLogCommand(CLI::App& app, Options& options, std::string& priority) {
+void AddLogCommand(CLI::App& app, Options& options, Texts& texts) {
   CLI::App* log = AddListing(app, options, "log", "Show the device's log", "log --priority I --follow");
   log->add_flag("--follow", options.follow, "Go on with every record that comes");
   log->add_option("--tag", options.log_filter.tag, "Only records under this tag")->type_name("TAG");
-  log->add_option("--priority", priority, "Only records of this priority and above (D, I, E)")
+  log->add_option("--priority", texts.priority, "Only records of this priority and above (D, I, E)")
       ->type_name("P")
       ->check(CLI::IsMember({"D", "I", "E"}));
 }
@@ -147,7 +150,7 @@ void AddTestCommand(CLI::App& app, Options& options) {
       ->type_name("DIR");
 }
 
-void AddReadingCommands(CLI::App& app, Options& options, std::string& priority) {
+void AddReadingCommands(CLI::App& app, Options& options, Texts& texts) {
   AddListing(app, options, "list", "List the installed packages", "list --json");
   AddListing(app, options, "show", "Show what is registered about a package", "show org.example.shop")
       ->add_option("PKG", options.target, "The package id")
@@ -159,13 +162,15 @@ void AddReadingCommands(CLI::App& app, Options& options, std::string& priority) 
                    "package")
       ->required();
   AddCacheCommand(app, options);
-  AddLogCommand(app, options, priority);
+  AddLogCommand(app, options, texts);
 }
 
 // What CLI11 has no type for.
-void FinishOptions(const std::vector<std::string>& events, const std::string& priority, Options& options) {
-  options.log_filter.priority = priority.front();
-  for (const std::string& text : events) options.events.push_back(ParseRawEvent(text));
+void FinishOptions(const Texts& texts, Options& options) {
+  options.log_filter.priority = texts.priority.front();
+  if (texts.format == "json") options.check.format = CheckOptions::Format::kJson;
+  if (texts.format == "sarif") options.check.format = CheckOptions::Format::kSarif;
+  for (const std::string& text : texts.events) options.events.push_back(ParseRawEvent(text));
   for (std::string& privilege : options.check.privileges) privilege = PrivilegeUri(privilege);
   const bool platform_named =
       !options.check.platform.empty() || (!options.platform.empty() && options.command == "test");
@@ -196,22 +201,21 @@ bool IsSet(const char* value) { return value != nullptr && *value != '\0'; }
 
 std::variant<Options, int> ParseCommandLine(int argc, const char* const* argv) {
   Options options;
-  std::vector<std::string> events;
-  std::string priority = "D";
+  Texts texts;
   CLI::App app(kDescription, "orvelbox");
   app.footer(kFooter);
   app.require_subcommand(0, 1);  // none at all is told below, so that an unknown one is told by its name
   app.fallthrough();
   AddGlobalOptions(app, options);
   AddChangingCommands(app, options);
-  AddEventsCommand(app, options, events);
-  AddCheckCommand(app, options);
+  AddEventsCommand(app, options, texts);
+  AddCheckCommand(app, options, texts);
   AddTestCommand(app, options);
-  AddReadingCommands(app, options, priority);
+  AddReadingCommands(app, options, texts);
   try {
     app.parse(argc, argv);
     if (app.get_subcommands().empty()) throw CLI::RequiredError::Subcommand(1);
-    FinishOptions(events, priority, options);
+    FinishOptions(texts, options);
     return options;
   } catch (const CLI::ParseError& error) {
     return Explain(app, error);
