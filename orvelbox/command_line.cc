@@ -14,6 +14,8 @@ namespace {
 Options Finished(const CommandInput& input) {
   Options options = input.options;
   options.log_filter.priority = input.priority.front();
+  if (input.format == "json") options.check.format = CheckOptions::Format::kJson;
+  if (input.format == "sarif") options.check.format = CheckOptions::Format::kSarif;
   for (const std::string& text : input.events) options.events.push_back(ParseRawEvent(text));
   for (std::string& privilege : options.check.privileges) privilege = PrivilegeUri(privilege);
   const bool platform_named =

@@ -1,7 +1,6 @@
 // The commands with their options, as help, manual and completions tell them.
 #include "orvelbox/command_tree.h"
 
-#include <map>
 
 namespace orvelbox {
 namespace {
@@ -63,7 +62,7 @@ void AddEventsCommand(CLI::App& app, Options& options, std::vector<std::string>&
       ->required();
 }
 
-void AddCheckCommand(CLI::App& app, Options& options) {
+void AddCheckCommand(CLI::App& app, Options& options, std::string& format) {
   CheckOptions& check = options.check;
   CLI::App* command = AddCommand(app, options, "check",
                                  "Say which DLLs of packages an install would remove, and because of what; nothing is "
@@ -86,12 +85,9 @@ void AddCheckCommand(CLI::App& app, Options& options) {
       ->type_name("URI")
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
       ->expected(1);
-  const std::map<std::string, CheckOptions::Format> formats = {{"table", CheckOptions::Format::kTable},
-                                                               {"json", CheckOptions::Format::kJson},
-                                                               {"sarif", CheckOptions::Format::kSarif}};
-  command->add_option("--format", check.format, "table, json (one line per package) or sarif (2.1.0)")
+  command->add_option("--format", format, "table, json (one line per package) or sarif (2.1.0)")
       ->type_name("FORMAT")
-      ->transform(CLI::Transformer(formats));
+      ->check(CLI::IsMember({"table", "json", "sarif"}));
   command->add_option("--jobs", check.jobs, "How many packages are checked at a time (one per core)")
       ->type_name("N")
       ->check(CLI::Range(1U, 1024U));
@@ -184,7 +180,7 @@ void AddCommands(CLI::App& app, CommandInput& input) {
   AddGlobalOptions(app, input.options);
   AddChangingCommands(app, input.options);
   AddEventsCommand(app, input.options, input.events);
-  AddCheckCommand(app, input.options);
+  AddCheckCommand(app, input.options, input.format);
   AddTestCommand(app, input.options);
   AddReadingCommands(app, input.options, input.priority);
   AddTraceCommand(app, input.options);

@@ -15,6 +15,7 @@ struct CommandInput {
   Options options;
   std::vector<std::string> events;
   std::string priority = "D";
+  std::string format = "table";
 };
 
 // Gives a new `app` everything that may be asked for. Parsing with it fills `input`, which must outlive it.

@@ -192,6 +192,7 @@ TEST_F(CheckE2e, wrong_usage_ends_with_2) {
     EXPECT_EQ(result.out, "");
     EXPECT_THAT(result.err, StartsWith("orvelbox: "));
   }
+  EXPECT_THAT(RunExpecting(2, {"check", "--format", "xml", "p"}).err, HasSubstr("{table,json,sarif}"));
 }
 
 // A package, and what the device has: what the check says is what an install then does.
