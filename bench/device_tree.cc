@@ -67,6 +67,7 @@ std::vector<std::string> Directories(const TreeShape& shape) {
     directories.push_back({parent.path + "/" + name, parent.level + 1});
   }
   std::vector<std::string> paths;
+  paths.reserve(directories.size());
   for (const Directory& directory : directories) paths.push_back(directory.path);
   return paths;
 }

@@ -25,8 +25,7 @@ constexpr int kSavedLine = 177;
 // a pipe or a device. Such a thing is removed; what is left of an earlier write stays and is used again.
 void FreeTemporaryName(const std::string& path) {
   struct stat status;
-  if (lstat(path.c_str(), &status) != 0) return;
-  if (!S_ISREG(status.st_mode) || status.st_nlink > 1) unlink(path.c_str());
+  if (lstat(path.c_str(), &status) == 0 && (!S_ISREG(status.st_mode) || status.st_nlink > 1)) unlink(path.c_str());
 }
 
 }  // namespace

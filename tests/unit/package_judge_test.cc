@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstddef>
+#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -92,8 +94,10 @@ void PutCatalogues(const std::string& package) {
   appLib = {{"L.dll", package + "/lib/L.dll"}, {"D.dll", "/x"}};
 }
 
-// Makes the package twice in the same place and walks it both ways.
-void ExpectSameOutcome(const std::function<void(const fs::path& root)>& make, bool as_root = true) {
+// Makes the package twice in the same place and walks it both ways; `failed_lstats` is how many files cannot be
+// examined.
+void ExpectSameOutcome(const std::function<void(const fs::path& root)>& make, bool as_root = true,
+                       std::ptrdiff_t failed_lstats = 0) {
   const TempDir root;
   const auto outcome = [&](const Walk& walk) {
     const fs::path package = root.path() / "pkg";
@@ -114,6 +118,8 @@ void ExpectSameOutcome(const std::function<void(const fs::path& root)>& make, bo
     const Outcome one_by_one = outcome(EachByIsUniqueDll);
     const Outcome all_at_once = outcome(AllByPackageJudge);
     EXPECT_FALSE(one_by_one.answers.empty());
+    const auto tells_of_lstat = [](const std::string& line) { return line.find("lstat error.") != std::string::npos; };
+    EXPECT_EQ(failed_lstats, std::count_if(one_by_one.log.begin(), one_by_one.log.end(), tells_of_lstat));
     EXPECT_EQ(one_by_one.answers, all_at_once.answers);
     EXPECT_EQ(one_by_one.log, all_at_once.log);
     EXPECT_EQ(one_by_one.standard_error, all_at_once.standard_error);
@@ -149,7 +155,7 @@ TEST(PackageJudge, a_directory_that_may_be_listed_but_not_searched_gives_the_lin
         WriteFile(root / "closed/U.dll");
         fs::permissions(root / "closed", fs::perms::owner_read);
       },
-      false);
+      false, 2);
 }
 
 TEST(PackageJudge, without_entry_types_every_file_is_examined) {
@@ -177,13 +183,14 @@ void MakeLongPath(const fs::path& root, std::size_t length, const char* file) {
 
 TEST(PackageJudge, a_path_that_no_call_takes_gives_the_line_of_a_failed_lstat) {
   // Directories that can be listed by their paths; with "/A.dll" behind it, the path just fits or is too long.
-  for (const std::size_t length :
-       {PATH_MAX - 8, PATH_MAX - 7, PATH_MAX - 6, PATH_MAX - 3, PATH_MAX - 2, PATH_MAX - 1}) {
-    SCOPED_TRACE(length);
-    ExpectSameOutcome([&](const fs::path& root) {
+  for (const int short_of_it : {8, 7, 6, 3, 2, 1}) {
+    SCOPED_TRACE(short_of_it);
+    const std::size_t length = static_cast<std::size_t>(PATH_MAX - short_of_it);
+    const auto make = [&](const fs::path& root) {
       WriteFile(root / "A.dll");
       MakeLongPath(root, length, "A.dll");
-    });
+    };
+    ExpectSameOutcome(make, true, length + std::strlen("/A.dll") < PATH_MAX ? 0 : 1);
   }
 }
 
