@@ -155,7 +155,8 @@ bool readCacheAndRemovePkg(std::string cachePath, std::string pkgRoot, std::stri
   }
   LOG_DEBUG_AT(kAccessLine, "access cache path: %s", cachePath.c_str());
   bool erased = false;
-  const auto logErased = [&, function = __func__](const std::string& span) {
+  const char* const function = __func__;
+  const auto logErased = [&](const std::string& span) {
     erased = true;
     LOG_INFO_IN(function, kEraseLine, "erase: %s from cache file: %s", span.c_str(), cachePath.c_str());
   };

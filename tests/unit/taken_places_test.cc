@@ -120,6 +120,19 @@ TEST(TakenPlaces, a_pipe_in_the_temporary_files_place_never_becomes_the_file) {
   });
 }
 
+TEST(TakenPlaces, what_an_earlier_write_left_in_the_temporary_files_place_is_used_again) {
+  const TempDir root;
+  WriteFile(root / "temp_TPA.txt", std::string(1000, 'x'));
+  struct stat before;
+  ASSERT_EQ(0, stat((root / "temp_TPA.txt").c_str(), &before));
+  doubles::Reset();
+  writeStringToFile(root.path().string() + "/", "TPA.txt", "abc");
+  struct stat after;
+  ASSERT_EQ(0, stat((root / "TPA.txt").c_str(), &after));
+  EXPECT_EQ(before.st_ino, after.st_ino);
+  EXPECT_EQ("abc", ReadFile(root / "TPA.txt"));
+}
+
 TEST(TakenPlaces, an_endless_device_reads_as_empty) { EXPECT_EQ("", readFileToString("/dev/zero")); }
 
 // What a walk of the package leaves of A.dll in a directory with whose place `change` deals before the walk gets there.
