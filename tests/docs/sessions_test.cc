@@ -100,6 +100,28 @@ TEST(DocumentCommands, every_make_target_that_is_named_is_there) {
   EXPECT_GT(named, 5U);
 }
 
+// What all sources of the plug-in and its utilities hold.
+std::string Sources() {
+  std::string text;
+  for (const char* folder : {"plugin", "util", "quarnel_util"}) {
+    for (const auto& entry : fs::directory_iterator(fs::path(SOURCE_DIRECTORY) / folder)) {
+      text += support::ReadFile(entry.path());
+    }
+  }
+  return text;
+}
+
+TEST(DocumentCommands, every_log_line_under_troubleshooting_is_one_of_the_plug_ins) {
+  const std::string text = Text("docs/troubleshooting.md");
+  const std::string sources = Sources();
+  const std::regex heading("\n## `([^`]*)`");
+  std::size_t lines = 0;
+  for (std::sregex_iterator match(text.begin(), text.end(), heading), end; match != end; ++match, ++lines) {
+    EXPECT_THAT(sources, testing::HasSubstr((*match)[1].str()));
+  }
+  EXPECT_GT(lines, 10U);
+}
+
 TEST(Sessions, commands_have_their_lines_inputs_statuses_and_outputs) {
   const std::vector<Command> commands = ReadSessions(
       "A\n<!-- before: mkdir x -->\n```console\n$ a <<'END'\nb\n$ c\nEND\n$ d # exit status 7\ne\n\nf\n```\n"
