@@ -4,7 +4,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -38,17 +40,28 @@ struct Span {
   std::size_t end;
 };
 
-// Where the first entry of `root` at or after `from` begins; npos when there is none.
-std::size_t FindEntry(const std::string& text, const std::string& root, std::size_t from) {
-  while (from <= text.size()) {
-    const void* const match = memmem(text.data() + from, text.size() - from, root.data(), root.size());
-    if (match == nullptr) break;
-    const std::size_t pos = static_cast<std::size_t>(static_cast<const char*>(match) - text.data());
-    if (pos > 0 && (text[pos - 1] == ':' || text[pos - 1] == ']')) return pos;
-    from = pos + 1;
+// Looks for a root in a text; made once for all the places in which the text has it.
+class RootFinder {
+ public:
+  // `root` must outlive the finder.
+  explicit RootFinder(const std::string& root) : empty_(root.empty()), searcher_(root.begin(), root.end()) {}
+
+  // Where the first entry of the root at or after `from` begins; npos when there is none.
+  std::size_t FindEntry(const std::string& text, std::size_t from) const {
+    while (from <= text.size()) {
+      const auto match = searcher_(text.begin() + static_cast<std::ptrdiff_t>(from), text.end()).first;
+      if (match == text.end() && !empty_) break;
+      const auto pos = static_cast<std::size_t>(match - text.begin());
+      if (pos > 0 && (text[pos - 1] == ':' || text[pos - 1] == ']')) return pos;
+      from = pos + 1;
+    }
+    return std::string::npos;
   }
-  return std::string::npos;
-}
+
+ private:
+  bool empty_;
+  std::boyer_moore_horspool_searcher<std::string::const_iterator> searcher_;
+};
 
 // What goes with the entry at `pos`, behind which the next separator is at `separator`: that separator, or, for the
 // last entry, the one before it, if `before` is one.
@@ -60,6 +73,7 @@ Span SpanOfEntry(const std::string& text, std::size_t pos, std::size_t separator
 // For roots that hold neither a separator nor part of a marker: erasing an entry then neither makes nor undoes another,
 // so that one pass forward finds them all. What stays moves to the front of the text.
 std::string EraseInOnePass(std::string text, const std::string& pkgRoot, const SpanReader& onErased) {
+  const RootFinder root(pkgRoot);
   std::string erased;
   std::size_t kept = 0;
   std::size_t read = 0;
@@ -69,7 +83,7 @@ std::string EraseInOnePass(std::string text, const std::string& pkgRoot, const S
   };
   std::size_t separator = 0;
   std::size_t pos = 0;
-  while ((pos = FindEntry(text, pkgRoot, read)) != std::string::npos) {
+  while ((pos = root.FindEntry(text, read)) != std::string::npos) {
     keepUpTo(pos);
     if (separator != std::string::npos) separator = text.find(':', pos);
     const Span span = SpanOfEntry(text, pos, separator, text[kept - 1]);
@@ -84,11 +98,12 @@ std::string EraseInOnePass(std::string text, const std::string& pkgRoot, const S
 
 // For any root, erasing one entry after the other.
 std::string EraseOneByOne(const std::string& text, const std::string& pkgRoot, const SpanReader& onErased) {
+  const RootFinder root(pkgRoot);
   std::string edited = text;
   std::vector<std::string> erased;
   std::size_t from = 0;
   std::size_t pos = 0;
-  while ((pos = FindEntry(edited, pkgRoot, from)) != std::string::npos) {
+  while ((pos = root.FindEntry(edited, from)) != std::string::npos) {
     const Span span = SpanOfEntry(edited, pos, edited.find(':', pos), edited[pos - 1]);
     if (span.begin == span.end) return text;
     erased.push_back(edited.substr(span.begin, span.end - span.begin));
