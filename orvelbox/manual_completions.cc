@@ -11,15 +11,12 @@ std::string Joined(const std::vector<std::string>& words, const std::string& sep
   return joined;
 }
 
-std::vector<std::string> Names(const std::vector<OptionFacts>& options) {
+// The names of options or commands.
+template <typename Facts>
+std::vector<std::string> Names(const std::vector<Facts>& all) {
   std::vector<std::string> names;
-  for (const OptionFacts& option : options) names.push_back(option.name);
-  return names;
-}
-
-std::vector<std::string> Names(const std::vector<CommandFacts>& commands) {
-  std::vector<std::string> names;
-  for (const CommandFacts& command : commands) names.push_back(command.name);
+  names.reserve(all.size());
+  for (const Facts& facts : all) names.push_back(facts.name);
   return names;
 }
 
@@ -67,7 +64,8 @@ std::string BashValues(const CommandFacts& program) {
   std::vector<std::string> files;
   for (const OptionFacts& option : AllOptions(program)) {
     if (!option.choices.empty()) {
-      text += "    " + option.name + ")" + answer + "-W " + Quoted(Joined(option.choices, " ")) + end;
+      text.append("    ").append(option.name).append(")").append(answer);
+      text.append("-W ").append(Quoted(Joined(option.choices, " "))).append(end);
     } else if (!option.value.empty()) {
       files.push_back(option.name);
     }
