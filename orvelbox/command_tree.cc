@@ -1,7 +1,6 @@
 // The commands with their options, as help, manual and completions tell them.
 #include "orvelbox/command_tree.h"
 
-
 namespace orvelbox {
 namespace {
 
