@@ -21,6 +21,9 @@ constexpr int kOpenErrorLine = 163;
 constexpr int kSaveFileLine = 173;
 constexpr int kSavedLine = 177;
 
+// More than any text that is written here comes to. A file may claim a size that no memory holds.
+constexpr off_t kMostBytesRead = off_t{128} << 20;
+
 // The temporary file's name may be taken by what would take the text elsewhere: a file that has another name as well,
 // a pipe or a device. Such a thing is removed; what is left of an earlier write stays and is used again.
 void FreeTemporaryName(const std::string& path) {
@@ -56,7 +59,7 @@ std::string readFileToString(std::string path) {
   const UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
   std::string content;
   struct stat64 status;
-  if (fstat64(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return content;
+  if (fstat64(file.get(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > kMostBytesRead) return content;
   content.reserve(static_cast<std::size_t>(status.st_size));
   std::array<char, 65536> buffer;
   ssize_t count = 0;

@@ -31,7 +31,8 @@ ORVEL_EXPORT bool isRealPath(const std::string& path);
 // removed first.
 ORVEL_EXPORT void writeStringToFile(std::string dirPath, std::string fileName, std::string content);
 
-// The whole content of the file, byte for byte; empty when it cannot be read, or is a pipe or device.
+// The whole content of the file, byte for byte; empty when it cannot be read, is a pipe or device, or is larger
+// than 128 MiB.
 ORVEL_EXPORT std::string readFileToString(std::string path);
 
 // Does `str` begin with `prefix`, end with `suffix`? Byte by byte; an empty affix always matches.

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 
@@ -32,6 +33,8 @@ using support::WriteFile;
 
 const Source kWrite("platform_utils", "writeStringToFile");
 const Source kIsRealPath("platform_utils", "isRealPath");
+
+constexpr std::uintmax_t kLargestSize = 128 << 20;
 
 // A directory with the paths that a write of "TPA.txt" uses.
 struct Target {
@@ -299,6 +302,22 @@ TEST(DurableRead, a_file_that_may_not_be_read_is_empty) {
     ASSERT_TRUE(support::GiveUpPrivileges());
     EXPECT_EQ("", readFileToString(root / "file"));
   });
+}
+
+TEST(DurableRead, a_file_of_the_largest_size_is_read) {
+  const TempDir root;
+  WriteFile(root / "file", "abc");
+  fs::resize_file(root / "file", kLargestSize);
+  EXPECT_EQ(kLargestSize, readFileToString(root / "file").size());
+}
+
+TEST(DurableRead, a_file_that_claims_more_than_the_largest_size_is_empty) {
+  const TempDir root;
+  WriteFile(root / "file", "abc");
+  for (const std::uintmax_t size : {kLargestSize + 1, std::uintmax_t{1} << 40}) {
+    fs::resize_file(root / "file", size);
+    EXPECT_TRUE(readFileToString(root / "file").empty()) << size;
+  }
 }
 
 TEST(DurableRead, the_open_file_is_neither_inherited_nor_made_the_terminal) {
