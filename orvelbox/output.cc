@@ -9,6 +9,8 @@
 #include <iostream>
 #include <utility>
 
+#include "orvelbox/progress.h"
+
 namespace orvelbox {
 namespace {
 
@@ -94,10 +96,13 @@ void SayAll(const std::vector<std::string>& lines) {
 }
 
 void SayColoured(std::string_view safe_line) {
-  if (!quiet) std::cout << safe_line << '\n';
+  if (quiet) return;
+  Activity::End();
+  std::cout << safe_line << '\n';
 }
 
 void Complain(std::string_view line) {
+  Activity::End();
   std::cout.flush();
   std::cerr << "orvelbox: " + Printable(line) + "\n";
 }

@@ -1,10 +1,13 @@
-// The progress bar.
+// The progress bar, and the line of work without a known end.
 #include "orvelbox/progress.h"
 
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
+#include <utility>
 
+#include "orvelbox/output.h"
 #include "platform/host/files.h"
 
 namespace orvelbox {
@@ -12,8 +15,26 @@ namespace {
 
 constexpr std::size_t kWidth = 30;
 constexpr std::chrono::milliseconds kPause{100};
+constexpr std::chrono::seconds kSecond{1};
+
+Activity* current = nullptr;
 
 void Write(const std::string& text) { host::WriteAll(STDERR_FILENO, text); }
+
+void Draw(const std::string& line) { Write("\r" + line + "\x1b[K"); }
+
+void Erase() { Write("\r\x1b[K"); }
+
+// Runs `start` with all signals held back: a thread that it starts leaves them to the others for good.
+template <typename Start>
+void WithoutSignals(const Start& start) {
+  sigset_t all;
+  sigset_t before;
+  sigfillset(&all);
+  pthread_sigmask(SIG_SETMASK, &all, &before);
+  start();
+  pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
 
 }  // namespace
 
@@ -31,12 +52,48 @@ void Progress::Show(std::size_t done) {
   if (!shows_ || now - last_ < kPause) return;
   last_ = now;
   visible_ = true;
-  Write("\r" + ProgressBar(action_, done, total_) + "\x1b[K");
+  Draw(ProgressBar(action_, done, total_));
 }
 
 void Progress::Clear() {
-  if (visible_) Write("\r\x1b[K");
+  if (visible_) Erase();
   visible_ = false;
+}
+
+Activity::Activity(std::string action, bool wanted) : action_(Printable(action)) {
+  if (!wanted || isatty(STDERR_FILENO) != 1) return;
+  current = this;
+  WithoutSignals([&] { teller_ = std::thread([this] { Tell(); }); });
+}
+
+Activity::~Activity() { Stop(); }
+
+void Activity::CountFile() {
+  if (current != nullptr) ++current->files_;
+}
+
+void Activity::End() {
+  if (current != nullptr) current->Stop();
+}
+
+void Activity::Tell() {
+  std::unique_lock lock(mutex_);
+  long seconds = 0;
+  while (!stop_.wait_for(lock, kSecond, [&] { return stopped_; })) {
+    Draw(action_ + ": " + std::to_string(++seconds) + " s, files written: " + std::to_string(files_));
+  }
+  if (seconds > 0) Erase();
+}
+
+void Activity::Stop() {
+  if (!teller_.joinable()) return;
+  current = nullptr;
+  {
+    const std::lock_guard lock(mutex_);
+    stopped_ = true;
+  }
+  stop_.notify_one();
+  teller_.join();
 }
 
 }  // namespace orvelbox

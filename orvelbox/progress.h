@@ -2,9 +2,13 @@
 #ifndef ORVEL_ORVELBOX_PROGRESS_H_
 #define ORVEL_ORVELBOX_PROGRESS_H_
 
+#include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <cstddef>
+#include <mutex>
 #include <string>
+#include <thread>
 
 namespace orvelbox {
 
@@ -30,6 +34,33 @@ class Progress {
   bool shows_;
   bool visible_ = false;
   std::chrono::steady_clock::time_point last_{};
+};
+
+// A piece of work whose length nobody knows: once it has taken a second, a line on standard error says that it goes on,
+// for how long and how many files it has written, while that is a terminal and `wanted`. One at a time.
+class Activity {
+ public:
+  // `action`: "install shop.opk".
+  Activity(std::string action, bool wanted);
+  Activity(const Activity&) = delete;
+  Activity& operator=(const Activity&) = delete;
+  ~Activity();
+
+  // One more file is written.
+  static void CountFile();
+  // Takes the line away for good, so that something else can be printed.
+  static void End();
+
+ private:
+  void Tell();
+  void Stop();
+
+  std::string action_;
+  std::atomic<std::size_t> files_{0};
+  std::mutex mutex_;
+  std::condition_variable stop_;
+  bool stopped_ = false;
+  std::thread teller_;
 };
 
 }  // namespace orvelbox

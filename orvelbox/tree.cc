@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <vector>
 
+#include "orvelbox/progress.h"
 #include "platform/host/device.h"
 #include "platform/host/files.h"
 #include "platform/host/unique_fd.h"
@@ -41,6 +42,7 @@ void CopyContent(const fs::path& from, const fs::path& to) {
 void CopyFile(const fs::path& from, const fs::path& to) {
   CopyContent(from, to);
   fs::permissions(to, fs::status(from).permissions() & kPlainPermissions);
+  Activity::CountFile();
 }
 
 void CopyLink(const fs::path& from, const fs::path& to) {

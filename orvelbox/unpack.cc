@@ -6,6 +6,7 @@
 
 #include <cerrno>
 
+#include "orvelbox/progress.h"
 #include "orvelbox/tree.h"
 #include "orvelbox/undo.h"
 #include "platform/host/files.h"
@@ -30,6 +31,7 @@ class TreeWriter : public ArchiveReceiver {
     const mode_t mode = static_cast<mode_t>(entry.permissions) | S_IRUSR | S_IWUSR;
     if (!file_ || fchmod(file_.get(), mode) != 0) host::ThrowFileError(current_, "create", errno);
     writing_ = wanted_(entry.path);
+    Activity::CountFile();
   }
 
   void Content(std::string_view piece) override {

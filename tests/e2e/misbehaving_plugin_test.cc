@@ -5,16 +5,22 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
+#include <functional>
 #include <stdexcept>
+#include <thread>
 
 #include "platform/host/unique_fd.h"
 #include "tests/e2e/desk.h"
+#include "tests/e2e/terminal.h"
 
 namespace e2e {
 namespace {
 
+using testing::EndsWith;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 class MisbehavingPluginE2e : public HookDesk {
  protected:
@@ -121,11 +127,12 @@ class WaitingHookE2e : public MisbehavingPluginE2e {
     environment_ = {{"TEST_STARTED", started_.path()}, {"TEST_GO_ON", go_on_.path()}};
   }
 
-  // Starts orvelbox and comes back when its hook runs.
-  pid_t StartUntilHookRuns(const std::vector<std::string>& arguments) const {
+  // Starts orvelbox, its process set up by `before`, and comes back when its hook runs.
+  pid_t StartUntilHookRuns(
+      const std::vector<std::string>& arguments, const std::function<void()>& before = [] {}) const {
     std::vector<std::string> all = {"--plugin", MISBEHAVING_PLUGIN};
     all.insert(all.end(), arguments.begin(), arguments.end());
-    const pid_t process = Start(all);
+    const pid_t process = Start(all, before);
     EXPECT_TRUE(started_.Receive()) << "the hook was not called";
     return process;
   }
@@ -167,6 +174,35 @@ TEST_F(WaitingHookE2e, an_interrupted_install_is_taken_back) {
   EXPECT_NE(WaitFor(install).status, 0);
   EXPECT_EQ(RunExpecting(0, {"list"}).out, "");
   EXPECT_FALSE(support::IsThere(OnDesk("/opt/usr/globalapps/a.wait")));
+}
+
+constexpr const char* kEraseLine = "\r\x1b[K";
+
+TEST_F(WaitingHookE2e, on_a_terminal_what_takes_longer_than_a_second_says_so_and_for_how_long) {
+  const Terminal terminal;
+  if (!terminal) GTEST_SKIP() << "this machine has no pseudo-terminals";
+  const std::string package = Package("a.wait");
+  const pid_t install = StartUntilHookRuns({"install", package}, [&] { terminal.PutAt(STDERR_FILENO); });
+  const std::string line = "\rinstall " + package + ": 2 s, files written: 2\x1b[K";
+  EXPECT_THAT(terminal.ReadUntil(line), EndsWith(line));
+  LetHookGoOn();
+  EXPECT_THAT(terminal.ReadUntil(kEraseLine), EndsWith(kEraseLine));
+  const Result result = WaitFor(install);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.out, HasSubstr("installed a.wait 1"));
+}
+
+TEST_F(WaitingHookE2e, quiet_is_quiet_on_a_terminal_as_well) {
+  const Terminal terminal;
+  if (!terminal) GTEST_SKIP() << "this machine has no pseudo-terminals";
+  const auto show_errors_there = [&] { terminal.PutAt(STDERR_FILENO); };
+  const pid_t install = StartUntilHookRuns({"--quiet", "install", Package("a.wait")}, show_errors_there);
+  std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+  LetHookGoOn();
+  EXPECT_EQ(WaitFor(install).status, 0);
+  // What comes last, so that there is an end to read to.
+  WaitFor(Start({"show", "no.such"}, show_errors_there));
+  EXPECT_THAT(terminal.ReadUntil("\n"), StartsWith("orvelbox: "));
 }
 
 }  // namespace

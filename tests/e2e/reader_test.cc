@@ -1,7 +1,6 @@
 // The commands that only read, and making a device.
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -11,6 +10,7 @@
 #include "platform/host/package_store.h"
 #include "platform/host/unique_fd.h"
 #include "tests/e2e/desk.h"
+#include "tests/e2e/terminal.h"
 
 namespace e2e {
 namespace {
@@ -107,23 +107,18 @@ class TerminalE2e : public ReaderE2e {
  protected:
   void SetUp() override {
     ReaderE2e::SetUp();
-    if (!terminal_ || grantpt(terminal_.get()) != 0 || unlockpt(terminal_.get()) != 0) {
-      GTEST_SKIP() << "this machine has no pseudo-terminals";
-    }
+    if (!terminal_) GTEST_SKIP() << "this machine has no pseudo-terminals";
   }
 
+  // The first line of it.
   std::string OnTerminal(const std::vector<std::string>& arguments) const {
-    const std::string name = ptsname(terminal_.get());
-    const host::UniqueFd other_end(open(name.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
-    const pid_t process = Start(arguments, [&] { dup2(open(name.c_str(), O_RDWR | O_NOCTTY), STDOUT_FILENO); });
+    const pid_t process = Start(arguments, [&] { terminal_.PutAt(STDOUT_FILENO); });
     EXPECT_EQ(WaitFor(process).status, 0);
-    std::string text(4096, '\0');
-    const ssize_t length = read(terminal_.get(), text.data(), text.size());
-    return text.substr(0, length > 0 ? static_cast<std::size_t>(length) : 0);
+    return terminal_.ReadUntil("\n");
   }
 
  private:
-  const host::UniqueFd terminal_{posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)};
+  const Terminal terminal_;
 };
 
 TEST_F(TerminalE2e, a_log_on_a_terminal_keeps_the_colours_only) {
