@@ -76,10 +76,12 @@ bool IsCobaElement(xmlNode* element) {
 struct Findings {
   Kind kind = Kind::kUndecided;
   bool coba = false;
+  bool ended = false;  // at something without a name, as a broken document type may be
 };
 
 void Search(xmlNode* node, Findings& findings) {
-  for (; node != nullptr; node = node->next) {
+  for (; node != nullptr && !findings.ended; node = node->next) {
+    findings.ended = node->type == XML_DTD_NODE && node->name == nullptr;
     if (node->type != XML_ELEMENT_NODE) continue;
     if (findings.kind == Kind::kUndecided) findings.kind = JudgeApplication(node);
     findings.coba = findings.coba || IsCobaElement(node);
