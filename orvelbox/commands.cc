@@ -52,11 +52,6 @@ host::PackageStore ReadStore(const host::Device& device) {
   return host::PackageStore(device.Database(), host::PackageStore::Mode::kReadOnly);
 }
 
-// What the user asked for: "install shop.opk".
-std::string NameOf(const Options& options) {
-  return options.target.empty() ? options.command : options.command + " " + options.target;
-}
-
 // Takes back a device that could not be completed.
 void RemoveDevice(const fs::path& directory, bool keep_directory) {
   if (!keep_directory) return RemoveTree(directory);
@@ -74,7 +69,7 @@ int Init(const Options& options) {
   const fs::path directory = ChooseDevice(options.device, FromEnvironment);
   const bool was_there = IsThere(directory);
   const host::Device device = host::CreateDevice(directory);
-  const Activity activity(NameOf(options), !options.quiet);
+  const Activity activity(options.command, !options.quiet);
   try {
     if (!options.platform.empty()) CopyPlatform(options.platform, device);
   } catch (const host::DeviceError&) {
@@ -181,7 +176,7 @@ host::Device MakeThrowAway(const Options& options, const fs::path& directory) {
 int TestPackage(const Options& options) {
   const host::HeldSignals signals;  // so that an interruption leaves no device behind
   const ScratchDirectory scratch;
-  const Activity activity(NameOf(options), !options.quiet);
+  const Activity activity(options.command, !options.quiet);
   HookSettings settings = SettingsOf(options, MakeThrowAway(options, scratch.path() / "device"));
   settings.quiet = true;
   const Life life = LiveThrough(settings, options.target, options.upgrade.empty() ? options.target : options.upgrade);
@@ -207,7 +202,7 @@ int ChangeWithPackage(const Session& session, const fs::path& package, int (*cha
 
 int RunChange(const Options& options) {
   const Session session(SettingsOf(options, OpenNamed(options)));
-  const Activity activity(NameOf(options), !options.quiet);
+  const Activity activity(options.command, !options.quiet);
   if (options.command == "install") return ChangeWithPackage(session, options.target, Install);
   if (options.command == "upgrade") return ChangeWithPackage(session, options.target, Upgrade);
   if (options.command == "uninstall") return Uninstall(session, options.target);

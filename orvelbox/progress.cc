@@ -5,9 +5,9 @@
 
 #include <algorithm>
 #include <csignal>
+#include <system_error>
 #include <utility>
 
-#include "orvelbox/output.h"
 #include "platform/host/files.h"
 
 namespace orvelbox {
@@ -60,10 +60,16 @@ void Progress::Clear() {
   visible_ = false;
 }
 
-Activity::Activity(std::string action, bool wanted) : action_(Printable(action)) {
+Activity::Activity(std::string action, bool wanted) : action_(std::move(action)) {
   if (!wanted || isatty(STDERR_FILENO) != 1) return;
-  current = this;
-  WithoutSignals([&] { teller_ = std::thread([this] { Tell(); }); });
+  WithoutSignals([&] {
+    try {
+      teller_ = std::thread([this] { Tell(); });
+      current = this;
+    } catch (const std::system_error&) {
+      // The work matters more than its line.
+    }
+  });
 }
 
 Activity::~Activity() { Stop(); }

@@ -40,7 +40,7 @@ class Progress {
 // for how long and how many files it has written, while that is a terminal and `wanted`. One at a time.
 class Activity {
  public:
-  // `action`: "install shop.opk".
+  // `action`: "install". Short, so that the line fits in a terminal.
   Activity(std::string action, bool wanted);
   Activity(const Activity&) = delete;
   Activity& operator=(const Activity&) = delete;

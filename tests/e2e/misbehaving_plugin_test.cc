@@ -181,9 +181,8 @@ constexpr const char* kEraseLine = "\r\x1b[K";
 TEST_F(WaitingHookE2e, on_a_terminal_what_takes_longer_than_a_second_says_so_and_for_how_long) {
   const Terminal terminal;
   if (!terminal) GTEST_SKIP() << "this machine has no pseudo-terminals";
-  const std::string package = Package("a.wait");
-  const pid_t install = StartUntilHookRuns({"install", package}, [&] { terminal.PutAt(STDERR_FILENO); });
-  const std::string line = "\rinstall " + package + ": 2 s, files written: 2\x1b[K";
+  const pid_t install = StartUntilHookRuns({"install", Package("a.wait")}, [&] { terminal.PutAt(STDERR_FILENO); });
+  const std::string line = "\rinstall: 2 s, files written: 2\x1b[K";
   EXPECT_THAT(terminal.ReadUntil(line), EndsWith(line));
   LetHookGoOn();
   EXPECT_THAT(terminal.ReadUntil(kEraseLine), EndsWith(kEraseLine));
