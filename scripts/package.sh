@@ -9,6 +9,7 @@ changelog=$(cd "$(dirname "$0")/../packaging" && pwd)/changelog
 SOURCE_DATE_EPOCH=$(dpkg-parsechangelog -l "$changelog" -S Timestamp)
 export SOURCE_DATE_EPOCH
 
+umask 022 # the packages' own entries carry the modes of the files that they are made from
 rm -rf "$build/packages"
 (cd "$build" && cpack --config CPackConfig.cmake)
 lintian --fail-on error "$build"/packages/*.deb
