@@ -25,7 +25,7 @@ sanitize: packages
 	cmake --build --preset sanitize --parallel $(JOBS)
 	ctest --preset sanitize --parallel $(JOBS)
 
-# The unit and integration tests under valgrind memcheck (half an hour or so).
+# The unit and integration tests under valgrind memcheck (some ten minutes).
 valgrind: packages
 	@scripts/install-packages.sh scripts/valgrind-packages.txt
 	cmake --preset valgrind
