@@ -41,7 +41,6 @@ int __dlog_print(int, int, const char*, const char* format, ...) {
 }
 
 // The header leaves callers unchecked; here the compiler may know.
-// NOLINTNEXTLINE(readability-redundant-declaration)
 void trace_begin(const char* name, ...) __attribute__((format(printf, 1, 2)));
 void trace_begin(const char* name, ...) {
   static char span[1024];
