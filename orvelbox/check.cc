@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "base/affix.h"
 #include "orvelbox/check_package.h"
 #include "orvelbox/check_result.h"
 #include "orvelbox/check_sarif.h"
@@ -17,7 +18,6 @@
 #include "orvelbox/scratch_directory.h"
 #include "orvelbox/tree.h"
 #include "platform/host/device.h"
-#include "util/affix.h"
 #include "util/privilege_checker.h"
 
 namespace fs = std::filesystem;
