@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "base/affix.h"
 #include "orvelbox/check/package_checker.h"
 #include "orvelbox/check/process_pool.h"
 #include "orvelbox/check/result.h"
@@ -17,7 +18,6 @@
 #include "orvelbox/package/manifest.h"
 #include "orvelbox/package/source.h"
 #include "platform/host/device.h"
-#include "util/affix.h"
 #include "util/privilege_checker.h"
 
 namespace fs = std::filesystem;

@@ -6,6 +6,7 @@
 #include <cctype>
 #include <set>
 
+#include "base/affix.h"
 #include "morvath/platform_utils.h"
 #include "orvelbox/check/silent_platform.h"
 #include "orvelbox/package/manifest.h"
@@ -13,7 +14,6 @@
 #include "plugin/assembly_cache.h"
 #include "plugin/catalogues.h"
 #include "plugin/manifest.h"
-#include "util/affix.h"
 #include "util/privilege_checker.h"
 
 namespace fs = std::filesystem;

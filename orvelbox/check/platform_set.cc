@@ -5,10 +5,10 @@
 #include <set>
 #include <sstream>
 
+#include "base/fixed_names.h"
 #include "morvath/metadata_utils.h"
 #include "orvelbox/desk/tree.h"
 #include "platform/host/files.h"
-#include "plugin/package_paths.h"
 
 namespace fs = std::filesystem;
 

@@ -15,10 +15,10 @@
 #include <map>
 #include <vector>
 
+#include "base/unique_fd.h"
 #include "orvelbox/desk/output.h"
 #include "platform/host/device.h"
 #include "platform/host/files.h"
-#include "platform/host/unique_fd.h"
 
 namespace orvelbox {
 namespace {
@@ -26,7 +26,7 @@ namespace {
 struct Child {
   std::size_t number;
   pid_t process;
-  host::UniqueFd pipe;
+  UniqueFd pipe;
   std::string text;
 };
 
@@ -53,7 +53,7 @@ class Pool {
       : signals_(signals), count_(count), processes_(processes), work_(work) {
     sigset_t set = signals.held();
     sigdelset(&set, SIGCHLD);  // of those the pipes tell
-    interruption_ = host::UniqueFd(signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
+    interruption_ = UniqueFd(signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
     if (!interruption_) host::ThrowFileError("the signals of the check", "watch", errno);
   }
   Pool(const Pool&) = delete;
@@ -80,8 +80,8 @@ class Pool {
   void Start() {
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) != 0) host::ThrowFileError("a pipe", "make", errno);
-    host::UniqueFd in(ends[0]);
-    host::UniqueFd out(ends[1]);
+    UniqueFd in(ends[0]);
+    UniqueFd out(ends[1]);
     FlushOutput();
     const pid_t process = fork();
     if (process < 0) host::ThrowFileError("a process", "start", errno);
@@ -128,7 +128,7 @@ class Pool {
   std::size_t count_;
   std::size_t processes_;
   const std::function<std::string(std::size_t)>& work_;
-  host::UniqueFd interruption_;
+  UniqueFd interruption_;
   std::vector<Child> children_;
   std::map<std::size_t, PieceResult> results_;  // that have not had their turn yet
   std::size_t started_ = 0;

@@ -8,10 +8,10 @@
 #include <cerrno>
 #include <vector>
 
+#include "base/unique_fd.h"
 #include "orvelbox/desk/progress.h"
 #include "platform/host/device.h"
 #include "platform/host/files.h"
-#include "platform/host/unique_fd.h"
 
 namespace fs = std::filesystem;
 
@@ -25,9 +25,9 @@ void CopyEntry(const fs::path& from, const fs::path& to);
 
 // The standard library's own copy tells a full disk as an "Input/output error".
 void CopyContent(const fs::path& from, const fs::path& to) {
-  const host::UniqueFd source(open(from.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+  const UniqueFd source(open(from.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
   if (!source) host::ThrowFileError(from, "read", errno);
-  const host::UniqueFd target(open(to.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+  const UniqueFd target(open(to.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
   if (!target) host::ThrowFileError(to, "write", errno);
   std::vector<char> block(std::size_t{1} << 18);
   for (;;) {

@@ -10,13 +10,11 @@
 namespace orvelbox {
 namespace {
 
-constexpr const char* kEmptyCache = "[START][END]";
-
 bool BeginsWith(const std::string& text, const std::string& prefix) {
   return text.compare(0, prefix.size(), prefix) == 0;
 }
 
-std::string Place(const std::string& name) { return std::string(host::kCacheDirectory) + "/" + name; }
+std::string Place(const std::string& name) { return std::string(kCacheDirectory) + name; }
 
 // The package below whose root the entry lies; the one with the longest root, should there be several.
 const host::Package* OwnerOf(const std::string& entry, const std::vector<host::Package>& packages) {

@@ -66,7 +66,7 @@ void PendingNote::RestoreCaches() const {
   for (const char* name : kCacheNames) {
     const fs::path copy = Directory() / name;
     if (IsThere(copy) && ReadCache(device_, name) != host::ReadFile(copy)) {
-      Move(copy, device_.OnDesk(host::kCacheDirectory) / name);
+      Move(copy, device_.OnDesk(kCacheDirectory) / name);
     }
   }
 }

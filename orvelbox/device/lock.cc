@@ -14,8 +14,8 @@
 namespace orvelbox {
 namespace {
 
-host::UniqueFd OpenLockFile(const host::Device& device) {
-  host::UniqueFd file(open(device.LockFile().c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644));
+UniqueFd OpenLockFile(const host::Device& device) {
+  UniqueFd file(open(device.LockFile().c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644));
   if (!file) host::ThrowFileError(device.LockFile(), "open", errno);
   return file;
 }

@@ -2,8 +2,8 @@
 #ifndef ORVEL_ORVELBOX_DEVICE_LOCK_H_
 #define ORVEL_ORVELBOX_DEVICE_LOCK_H_
 
+#include "base/unique_fd.h"
 #include "platform/host/device.h"
-#include "platform/host/unique_fd.h"
 
 namespace orvelbox {
 
@@ -14,7 +14,7 @@ class DeviceLock {
   explicit DeviceLock(const host::Device& device);
 
  private:
-  host::UniqueFd file_;
+  UniqueFd file_;
 };
 
 }  // namespace orvelbox

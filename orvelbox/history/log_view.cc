@@ -10,11 +10,11 @@
 #include <cerrno>
 #include <optional>
 
+#include "base/unique_fd.h"
 #include "orvelbox/desk/colour.h"
 #include "orvelbox/desk/output.h"
 #include "orvelbox/device/listings.h"
 #include "platform/host/files.h"
-#include "platform/host/unique_fd.h"
 
 namespace orvelbox {
 namespace {
@@ -77,7 +77,7 @@ class LogReader {
   }
 
   std::filesystem::path file_;
-  host::UniqueFd log_;
+  UniqueFd log_;
   std::string pending_;
 };
 
@@ -97,7 +97,7 @@ class Watch {
 
  private:
   std::filesystem::path file_;
-  host::UniqueFd inotify_;
+  UniqueFd inotify_;
 };
 
 void ShowRecords(LogReader& reader, const LogView& view) {

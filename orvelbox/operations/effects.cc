@@ -42,7 +42,7 @@ std::vector<DllFate> FatesOf(const host::Device& device, const std::vector<Dupli
 }  // namespace
 
 CacheText ReadCache(const host::Device& device, const std::string& name) {
-  const std::filesystem::path file = device.OnDesk(host::kCacheDirectory) / name;
+  const std::filesystem::path file = device.OnDesk(kCacheDirectory) / name;
   if (!IsThere(file)) return std::nullopt;
   return host::ReadFile(file);
 }

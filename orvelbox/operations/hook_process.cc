@@ -13,10 +13,10 @@
 #include <cstring>
 #include <memory>
 
+#include "base/unique_fd.h"
 #include "orvelbox/desk/output.h"
 #include "platform/host/files.h"
 #include "platform/host/fixed_paths.h"
-#include "platform/host/unique_fd.h"
 
 namespace orvelbox {
 namespace {
@@ -24,8 +24,8 @@ namespace {
 using Hook = int (*)(xmlDoc* document, const char* package_id);
 
 // A report in memory: no other process can fill it up, no reader has to keep up with it, no disk can be full.
-host::UniqueFd MakeReport() {
-  host::UniqueFd report(memfd_create("orvelbox-report", MFD_CLOEXEC));
+UniqueFd MakeReport() {
+  UniqueFd report(memfd_create("orvelbox-report", MFD_CLOEXEC));
   if (!report) host::ThrowFileError("the report of the hooks", "create", errno);
   return report;
 }
@@ -77,7 +77,7 @@ void SetEnvironment(const HookSettings& settings) {
 }
 
 void DropOutput() {
-  const host::UniqueFd nowhere(open("/dev/null", O_WRONLY | O_CLOEXEC));
+  const UniqueFd nowhere(open("/dev/null", O_WRONLY | O_CLOEXEC));
   for (const int output : {STDOUT_FILENO, STDERR_FILENO}) dup2(nowhere.get(), output);
 }
 
@@ -166,7 +166,7 @@ HookRun RunHooks(const HookSettings& settings, const std::function<void(const Ho
   if (access(settings.plugin.c_str(), R_OK) != 0) {
     throw host::DeviceError(settings.plugin.string() + ": no such plug-in; build it, or name it with --plugin");
   }
-  const host::UniqueFd report = MakeReport();
+  const UniqueFd report = MakeReport();
   FlushOutput();
   const host::ChildOutcome outcome =
       host::RunWithFixedPaths(settings.device.Root(), [&] { return RunChild(settings, report.get(), body); });

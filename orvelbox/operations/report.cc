@@ -159,7 +159,7 @@ std::string ReasonOfFailure(const Observation& seen) {
 Lines DescribeCache(const std::string& name, const CacheText& text) {
   const std::vector<std::string> entries = EntriesOf(text);
   const std::string state = StateInWords(StateOf(text));
-  const std::string path = std::string(host::kCacheDirectory) + "/" + name;
+  const std::string path = std::string(kCacheDirectory) + name;
   Lines lines = {path + ": " + (text ? Counted(entries.size(), "entry", "entries") : state)};
   if (text && !state.empty()) lines.back() += ", " + state;
   for (const std::string& entry : entries) lines.push_back("  " + entry);

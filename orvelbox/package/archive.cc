@@ -12,10 +12,10 @@
 #include <memory>
 #include <new>
 
+#include "base/unique_fd.h"
 #include "orvelbox/package/archive_paths.h"
 #include "platform/host/device.h"
 #include "platform/host/files.h"
-#include "platform/host/unique_fd.h"
 
 namespace orvelbox {
 namespace {
@@ -154,7 +154,7 @@ class Reading {
 }  // namespace
 
 void ReadArchive(const std::filesystem::path& file, const ArchiveLimits& limits, ArchiveReceiver& receiver) {
-  const host::UniqueFd descriptor(open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  const UniqueFd descriptor(open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   if (!descriptor) host::ThrowFileError(file, "read", errno);
   struct stat status {};
   if (fstat(descriptor.get(), &status) != 0) host::ThrowFileError(file, "read", errno);

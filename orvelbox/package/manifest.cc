@@ -11,9 +11,9 @@
 #include <set>
 #include <string_view>
 
+#include "base/unique_fd.h"
 #include "platform/host/device.h"
 #include "platform/host/files.h"
-#include "platform/host/unique_fd.h"
 
 namespace orvelbox {
 namespace {
@@ -131,13 +131,13 @@ void KeepFirstError(void* parser, xmlErrorPtr error) {
   *kept = "line " + std::to_string(error->line) + ": " + message;
 }
 
-host::UniqueFd OpenManifest(const std::filesystem::path& package_directory, const std::filesystem::path& file) {
+UniqueFd OpenManifest(const std::filesystem::path& package_directory, const std::filesystem::path& file) {
   std::error_code ignored;
   if (!std::filesystem::is_directory(package_directory, ignored)) {
     throw host::DeviceError(package_directory.string() +
                             ": no such directory; name the directory or the archive of a package");
   }
-  host::UniqueFd descriptor(open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  UniqueFd descriptor(open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
   if (!descriptor && errno == ENOENT) {
     throw host::DeviceError(package_directory.string() + ": no " + kManifestName +
                             " in it, so it is no package; name the directory that holds the manifest");
@@ -191,7 +191,7 @@ host::Package DescribePackage(const xmlDoc* document, const std::string& file) {
 
 Manifest ReadManifest(const std::filesystem::path& package_directory) {
   const std::filesystem::path file = package_directory / kManifestName;
-  const host::UniqueFd descriptor = OpenManifest(package_directory, file);
+  const UniqueFd descriptor = OpenManifest(package_directory, file);
   Manifest manifest;
   manifest.document = ParseManifest(descriptor.get(), file.string());
   manifest.package = DescribePackage(manifest.document.get(), file.string());

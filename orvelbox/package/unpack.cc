@@ -6,11 +6,11 @@
 
 #include <cerrno>
 
+#include "base/unique_fd.h"
 #include "orvelbox/desk/progress.h"
 #include "orvelbox/desk/tree.h"
 #include "orvelbox/desk/with_rollback.h"
 #include "platform/host/files.h"
-#include "platform/host/unique_fd.h"
 
 namespace fs = std::filesystem;
 
@@ -26,7 +26,7 @@ class TreeWriter : public ArchiveReceiver {
     current_ = to_ / entry.path;
     MakeDirectory(entry.directory ? current_ : current_.parent_path());
     if (entry.directory) return;
-    file_ = host::UniqueFd(open(current_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    file_ = UniqueFd(open(current_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     // The owner can always read what was unpacked.
     const mode_t mode = static_cast<mode_t>(entry.permissions) | S_IRUSR | S_IWUSR;
     if (!file_ || fchmod(file_.get(), mode) != 0) host::ThrowFileError(current_, "create", errno);
@@ -44,7 +44,7 @@ class TreeWriter : public ArchiveReceiver {
   fs::path to_;
   const Wanted& wanted_;
   fs::path current_;
-  host::UniqueFd file_;
+  UniqueFd file_;
   bool writing_ = false;
 };
 

@@ -12,12 +12,11 @@
 
 #include "morvath/platform_utils.h"
 #include "quarnel_util/quarnel_util.h"
-#include "util/directory_walk.h"
-#include "util/log.h"
+#include "util/platform_utils/directory_walk.h"
+#include "util/platform_utils/log_source.h"
 
 namespace {
 
-constexpr LogSource kLogSource{kUtilityTag, "platform_utils"};
 // Directories of links into the shared assembly cache: what they lead to is not the package's own.
 constexpr const char* kAssemblyCacheLinks = ".sac_symlink";
 

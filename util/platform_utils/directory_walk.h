@@ -1,7 +1,7 @@
 // The walk over a package or a directory of assemblies that lies behind scanFilesInDirExcludeSymlink, for callers that
 // can use what the listing tells of a file beside its name. What the files mean is the callers' business.
-#ifndef UTIL_DIRECTORY_WALK_H_
-#define UTIL_DIRECTORY_WALK_H_
+#ifndef UTIL_PLATFORM_UTILS_DIRECTORY_WALK_H_
+#define UTIL_PLATFORM_UTILS_DIRECTORY_WALK_H_
 
 #include <functional>
 #include <string>

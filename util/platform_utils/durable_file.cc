@@ -8,13 +8,11 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/unique_fd.h"
 #include "morvath/platform_utils.h"
-#include "util/log.h"
-#include "util/unique_fd.h"
+#include "util/platform_utils/log_source.h"
 
 namespace {
-
-constexpr LogSource kLogSource{kUtilityTag, "platform_utils"};
 
 // Line fields of writeStringToFile's messages: log readers key on them, so they stay wherever the statements go.
 constexpr int kOpenErrorLine = 163;

@@ -1,12 +1,10 @@
 // Owner of a file descriptor.
-#ifndef ORVEL_PLATFORM_HOST_UNIQUE_FD_H_
-#define ORVEL_PLATFORM_HOST_UNIQUE_FD_H_
+#ifndef BASE_UNIQUE_FD_H_
+#define BASE_UNIQUE_FD_H_
 
 #include <unistd.h>
 
 #include <utility>
-
-namespace host {
 
 // Closes the descriptor at its end; a negative one stands for none.
 class UniqueFd {
@@ -31,7 +29,5 @@ class UniqueFd {
  private:
   int fd_;
 };
-
-}  // namespace host
 
 #endif

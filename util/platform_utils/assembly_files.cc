@@ -12,14 +12,14 @@
 #include <iterator>
 #include <memory>
 
+#include "base/affix.h"
+#include "base/fixed_names.h"
 #include "morvath/platform_utils.h"
 #include "orvel/smack.h"
 #include "quarnel_util/quarnel_util.h"
-#include "util/log.h"
+#include "util/platform_utils/log_source.h"
 
 namespace {
-
-constexpr LogSource kLogSource{kUtilityTag, "platform_utils"};
 
 // Drops `suffix` from the end of `text`, whatever its case. Tells whether it was there.
 bool DropSuffixIgnoringCase(std::string& text, const std::string& suffix) {
@@ -76,7 +76,7 @@ void printAll(const std::string& paths) {
   for (const std::string& entry : entries) LOG_TRACE("%s", entry.c_str());
 }
 
-bool isCrashed(std::string content) { return !startWith(content, "[START]") || !endWith(content, "[END]"); }
+bool isCrashed(std::string content) { return !HasPrefix(content, kStartMarker) || !HasSuffix(content, kEndMarker); }
 
 bool setSmack(const std::string& path, const std::string& label) {
   if (smack_setlabel(path.c_str(), label.c_str(), SMACK_LABEL_ACCESS) >= 0) return true;

@@ -7,16 +7,15 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/package_records.h"
 #include "orvel/ovplatform.h"
 #include "orvel/pkgmgr_installer.h"
 #include "quarnel_util/quarnel_util.h"
-#include "util/log.h"
-#include "util/package_records.h"
-#include "util/read_write_area.h"
+#include "util/platform_utils/log_source.h"
+#include "util/platform_utils/read_write_area.h"
 
 namespace {
 
-constexpr LogSource kLogSource{kUtilityTag, "platform_utils"};
 constexpr const char* kReleaseMarker = "/etc/release";
 constexpr const char* kImageCreationVariable = "VARK_CROSSGEN2_ENABLED";
 constexpr const char* kRpkType = "rpk";

@@ -1,6 +1,6 @@
 // Where the read-write area is; who asks decides what follows.
-#ifndef UTIL_READ_WRITE_AREA_H_
-#define UTIL_READ_WRITE_AREA_H_
+#ifndef UTIL_PLATFORM_UTILS_READ_WRITE_AREA_H_
+#define UTIL_PLATFORM_UTILS_READ_WRITE_AREA_H_
 
 #include <string>
 

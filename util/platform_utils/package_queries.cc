@@ -1,7 +1,7 @@
 // Package-info queries.
 #include "morvath/package_queries.h"
 
-#include "util/package_records.h"
+#include "base/package_records.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Owners of the package-info library's records.
-#ifndef UTIL_PACKAGE_RECORDS_H_
-#define UTIL_PACKAGE_RECORDS_H_
+#ifndef BASE_PACKAGE_RECORDS_H_
+#define BASE_PACKAGE_RECORDS_H_
 
 #include <memory>
 #include <type_traits>

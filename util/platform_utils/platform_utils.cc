@@ -5,14 +5,10 @@
 
 #include <cerrno>
 
-#include "util/affix.h"
-#include "util/log.h"
+#include "base/affix.h"
+#include "util/platform_utils/log_source.h"
 
-namespace {
-
-constexpr LogSource kLogSource{kUtilityTag, "platform_utils"};
-
-}  // namespace
+namespace {}  // namespace
 
 bool isRealPath(const std::string& path) {
   if (path.empty()) {
@@ -35,8 +31,6 @@ bool isRealPath(const std::string& path) {
   return true;
 }
 
-bool startWith(const std::string& str, const std::string& prefix) {
-  return str.size() >= prefix.size() && str.compare(0, prefix.size(), prefix) == 0;
-}
+bool startWith(const std::string& str, const std::string& prefix) { return HasPrefix(str, prefix); }
 
 bool endWith(const std::string& str, const std::string& suffix) { return HasSuffix(str, suffix); }
