@@ -1,8 +1,6 @@
 // The changing commands.
 #include "orvelbox/operations.h"
 
-#include <algorithm>
-#include <cctype>
 #include <map>
 #include <stdexcept>
 
@@ -11,6 +9,7 @@
 #include "orvelbox/output.h"
 #include "orvelbox/report.h"
 #include "orvelbox/undo.h"
+#include "util/affix.h"
 
 namespace orvelbox {
 namespace {
@@ -180,12 +179,11 @@ RawEvent ParseRawEvent(const std::string& text) {
   if (colon == std::string::npos || colon + 1 == text.size()) {
     throw std::invalid_argument(text + ": no event; write EVENT:PKG, e.g. clean:org.example.app");
   }
-  RawEvent event{text.substr(0, colon), text.substr(colon + 1)};
-  std::transform(event.hook.begin(), event.hook.end(), event.hook.begin(),
-                 [](unsigned char letter) { return static_cast<char>(std::toupper(letter)); });
-  if (std::find(std::begin(kHookNames), std::end(kHookNames), event.hook) != std::end(kHookNames)) return event;
   std::string names;
-  for (const char* name : kHookNames) names += std::string(names.empty() ? "" : ", ") + name;
+  for (const char* name : kHookNames) {
+    if (EqualsIgnoringCase(name, text.substr(0, colon))) return {name, text.substr(colon + 1)};
+    names += std::string(names.empty() ? "" : ", ") + name;
+  }
   throw std::invalid_argument(text + ": no such event; there are " + names + " (in any case)");
 }
 

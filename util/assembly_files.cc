@@ -1,7 +1,6 @@
 // Assembly file helpers.
 #include "morvath/assembly_files.h"
 
-#include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -11,10 +10,12 @@
 #include <cstdlib>
 #include <iterator>
 #include <memory>
+#include <string_view>
 
 #include "morvath/platform_utils.h"
 #include "orvel/smack.h"
 #include "quarnel_util/quarnel_util.h"
+#include "util/affix.h"
 #include "util/log.h"
 
 namespace {
@@ -22,10 +23,10 @@ namespace {
 constexpr LogSource kLogSource{kUtilityTag, "platform_utils"};
 
 // Drops `suffix` from the end of `text`, whatever its case. Tells whether it was there.
-bool DropSuffixIgnoringCase(std::string& text, const std::string& suffix) {
+bool DropSuffixIgnoringCase(std::string& text, std::string_view suffix) {
   if (text.size() < suffix.size()) return false;
   const std::size_t stem = text.size() - suffix.size();
-  if (strcasecmp(text.c_str() + stem, suffix.c_str()) != 0) return false;
+  if (!EqualsIgnoringCase(text.c_str() + stem, suffix)) return false;
   text.resize(stem);
   return true;
 }

@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstdint>
+#include <cstring>
 #include <filesystem>
 #include <string>
 
@@ -196,9 +197,9 @@ TEST(DurableWrite, a_missing_directory_is_an_open_error_and_nothing_is_synced) {
   const TempDir root;
   Platform& platform = doubles::Reset();
   writeStringToFile(root / "missing/", "TPA.txt", "abc");
-  EXPECT_TRUE(Holds(
-      platform, {NotThereYet(), NotThereYet(),
-                 kWrite.At(163).Error("Fail to write string to file - open error(%s)", "No such file or directory")}));
+  EXPECT_TRUE(
+      Holds(platform, {NotThereYet(), NotThereYet(),
+                       kWrite.At(163).Error("Fail to write string to file - open error(%s)", std::strerror(ENOENT))}));
   EXPECT_TRUE(platform.Calls("").empty());
   EXPECT_TRUE(support::NamesIn(root.path()).empty());
 }
@@ -209,7 +210,7 @@ TEST(DurableWrite, an_open_error_leaves_the_target_as_it_was) {
   fs::create_directory(file.temporary);
   Platform& platform = doubles::Reset();
   file.Write("abc");
-  EXPECT_TRUE(Holds(platform, {file.OpenError("Is a directory")}));
+  EXPECT_TRUE(Holds(platform, {file.OpenError(std::strerror(EISDIR))}));
   EXPECT_TRUE(platform.Calls("").empty());
   EXPECT_EQ("old", ReadFile(file.target));
 }
