@@ -4,7 +4,9 @@
 #include <strings.h>
 
 #include <clocale>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <locale>
 
 namespace {
@@ -16,10 +18,12 @@ class ProcessLocale : public testing::Environment {
     if (path == nullptr) return;
     setenv("LOCPATH", path, 1);
     setenv("LC_ALL", "tr_TR.UTF-8", 1);
-    ASSERT_STREQ("tr_TR.UTF-8", std::setlocale(LC_ALL, "")) << path << " holds no such locale";
+    const bool folds = std::setlocale(LC_ALL, "") != nullptr && strcasecmp("I", "i") != 0;
+    if (!folds || std::strcmp(std::localeconv()->decimal_point, ",") != 0) {
+      std::fprintf(stderr, "%s holds no Turkish locale\n", path);
+      std::abort();  // cases that a failure here kept from running would count as skipped
+    }
     std::locale::global(std::locale(""));
-    ASSERT_NE(0, strcasecmp("I", "i"));
-    ASSERT_STREQ(",", std::localeconv()->decimal_point);
   }
 };
 
