@@ -55,6 +55,7 @@ TEST(DurableRead, what_cannot_be_read_is_empty_without_a_line) {
   EXPECT_EQ("", readFileToString(root / "missing"));
   EXPECT_EQ("", readFileToString(root.path().string()));
   EXPECT_EQ("", readFileToString(""));
+  EXPECT_TRUE(platform.misuses.empty());
   EXPECT_TRUE(Holds(platform, Steps{}));
 }
 

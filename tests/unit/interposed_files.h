@@ -36,8 +36,8 @@ struct FileSettings {
   int open_flags = 0;                      // left here by open: the flags of the latest call
 };
 
-// What is set now. chown and lchown appear in the doubles' journal as "chown(PATH, USER, GROUP)", stat64 as
-// "stat64(PATH)".
+// What is set now. A negative descriptor given to write or fstat64 is among the doubles' misuses. chown and lchown
+// appear in the doubles' journal as "chown(PATH, USER, GROUP)", stat64 as "stat64(PATH)".
 FileSettings& Files();
 
 }  // namespace interposed
