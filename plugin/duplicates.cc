@@ -75,7 +75,7 @@ bool WriteAll(int file, const std::string& text) {
 // Tells whoever looks into the package later what became of the DLL; without room for the text there is none.
 void LeaveInformationFile(const std::string& origin, const std::string& duplicated) {
   const UniqueFd file = OpenInformationFile(duplicated + kInformationFileSuffix);
-  if (WriteAll(file.get(), duplicated + " was deleted because " + origin + " exists\n")) {
+  if (file.get() >= 0 && WriteAll(file.get(), duplicated + " was deleted because " + origin + " exists\n")) {
     WriteAll(file.get(), "Remove " + duplicated + " from OPK\n");
   }
 }
