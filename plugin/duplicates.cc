@@ -74,7 +74,7 @@ bool WriteAll(int file, const std::string& text) {
 // Tells whoever looks into the package later what became of the DLL; without room for the text there is none.
 void LeaveInformationFile(const std::string& origin, const std::string& duplicated) {
   const UniqueFd file = OpenInformationFile(duplicated + std::string(kInformationFileSuffix));
-  if (WriteAll(file.get(), duplicated + " was deleted because " + origin + " exists\n")) {
+  if (file && WriteAll(file.get(), duplicated + " was deleted because " + origin + " exists\n")) {
     WriteAll(file.get(), "Remove " + duplicated + " from OPK\n");
   }
 }

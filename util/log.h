@@ -11,9 +11,9 @@
 // the function is left, writes the exit line and closes the span.
 class ORVEL_EXPORT FunctionEntryExitTracker {
  public:
-  // `signature` is the function's full signature, spelled out because compilers differ in theirs; `filePath` its
-  // source file, of which the part after the last "/" is shown; `line` its line. The texts are copied. A null text
-  // raises std::logic_error before anything is logged.
+  // `signature` is the function's full signature, spelled out because compilers differ in theirs; `filePath`
+  // its source file or unit, of which the part after the last "/" is shown; `line` its line. The texts are copied. A
+  // null text raises std::logic_error before anything is logged.
   FunctionEntryExitTracker(const char* signature, const char* filePath, int line);
   ~FunctionEntryExitTracker();
 

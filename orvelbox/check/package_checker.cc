@@ -3,7 +3,6 @@
 #include "orvelbox/check/package_checker.h"
 
 #include <algorithm>
-#include <cctype>
 #include <set>
 
 #include "base/affix.h"
@@ -24,10 +23,7 @@ namespace {
 // A larger file is no assembly that anybody would ask the version of.
 constexpr std::uintmax_t kLargestAssembly = std::uintmax_t{256} << 20;
 
-bool LooksLikeDll(std::string name) {
-  std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::tolower(c); });
-  return fs::path(name).extension() == ".dll";
-}
+bool LooksLikeDll(const fs::path& name) { return EqualsIgnoringCase(name.extension().native(), ".dll"); }
 
 // Every DLL of the package, looked at by the plug-in or not, by its path below the root.
 std::set<std::string> DllsIn(const fs::path& directory) {
@@ -35,7 +31,7 @@ std::set<std::string> DllsIn(const fs::path& directory) {
   try {
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(directory)) {
       const bool subdirectory = entry.symlink_status().type() == fs::file_type::directory;
-      if (subdirectory || !LooksLikeDll(entry.path().filename().string())) continue;
+      if (subdirectory || !LooksLikeDll(entry.path().filename())) continue;
       dlls.insert(entry.path().lexically_relative(directory).string());
     }
   } catch (const fs::filesystem_error& error) {

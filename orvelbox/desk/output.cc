@@ -4,12 +4,12 @@
 #include <unistd.h>
 
 #include <array>
-#include <cstdint>
 #include <cstdio>
 #include <iostream>
 #include <utility>
 
 #include "orvelbox/desk/progress.h"
+#include "platform/host/utf8.h"
 
 namespace orvelbox {
 namespace {
@@ -32,41 +32,9 @@ std::string Escaped(unsigned char byte) {
   }
 }
 
-// The number of bytes that a UTF-8 sequence beginning with `lead` has; 0 when no sequence begins with it.
-std::size_t SequenceLength(unsigned char lead) {
-  if (lead < 0x80) return 1;
-  if (lead >= 0xc2 && lead < 0xe0) return 2;
-  if (lead >= 0xe0 && lead < 0xf0) return 3;
-  if (lead >= 0xf0 && lead < 0xf5) return 4;
-  return 0;
-}
-
-// The length of the character that `text` begins with; 0 when it begins with no whole UTF-8 character.
-std::size_t CharacterLength(std::string_view text) {
-  const std::size_t length = SequenceLength(static_cast<unsigned char>(text.front()));
-  if (length == 0 || length > text.size()) return 0;
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((static_cast<unsigned char>(text[i]) & 0xc0) != 0x80) return 0;
-  }
-  return length;
-}
-
-unsigned ByteAt(std::string_view text, std::size_t index) { return static_cast<unsigned char>(text[index]); }
-
-// U+202A to U+202E and U+2066 to U+2069.
-bool TurnsLineAround(std::string_view character) {
-  if (character.size() != 3 || ByteAt(character, 0) != 0xe2) return false;
-  const unsigned last = ByteAt(character, 2);
-  if (ByteAt(character, 1) == 0x80) return last >= 0xaa && last <= 0xae;
-  return ByteAt(character, 1) == 0x81 && last >= 0xa6 && last <= 0xa9;
-}
-
-// C0, DEL, C1, and the marks that turn the direction of a line around.
-bool IsControl(std::string_view character) {
-  const unsigned first = ByteAt(character, 0);
-  if (character.size() == 1) return first < 0x20 || first == 0x7f;
-  if (character.size() == 2) return first == 0xc2 && ByteAt(character, 1) < 0xa0;
-  return TurnsLineAround(character);
+// Does it turn the direction of a line around?
+constexpr bool TurnsLineAround(char32_t code) {
+  return (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
 }
 
 }  // namespace
@@ -75,14 +43,14 @@ std::string Printable(std::string_view text) {
   std::string printable;
   printable.reserve(text.size());
   while (!text.empty()) {
-    const std::size_t length = CharacterLength(text);
-    const std::string_view character = text.substr(0, length == 0 ? 1 : length);
-    if (length != 0 && !IsControl(character)) {
-      printable += character;
+    const auto character = host::FirstCharacter(text);
+    const std::string_view bytes = text.substr(0, character ? character->size : 1);
+    if (character && !host::IsControl(character->code) && !TurnsLineAround(character->code)) {
+      printable += bytes;
     } else {
-      for (const char byte : character) printable += Escaped(static_cast<unsigned char>(byte));
+      for (const char byte : bytes) printable += Escaped(static_cast<unsigned char>(byte));
     }
-    text.remove_prefix(character.size());
+    text.remove_prefix(bytes.size());
   }
   return printable;
 }

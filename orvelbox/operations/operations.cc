@@ -1,11 +1,10 @@
 // The changing commands.
 #include "orvelbox/operations/operations.h"
 
-#include <algorithm>
-#include <cctype>
 #include <map>
 #include <stdexcept>
 
+#include "base/affix.h"
 #include "orvelbox/desk/output.h"
 #include "orvelbox/desk/with_rollback.h"
 #include "orvelbox/operations/effects.h"
@@ -180,12 +179,11 @@ RawEvent ParseRawEvent(const std::string& text) {
   if (colon == std::string::npos || colon + 1 == text.size()) {
     throw std::invalid_argument(text + ": no event; write EVENT:PKG, e.g. clean:org.example.app");
   }
-  RawEvent event{text.substr(0, colon), text.substr(colon + 1)};
-  std::transform(event.hook.begin(), event.hook.end(), event.hook.begin(),
-                 [](unsigned char letter) { return static_cast<char>(std::toupper(letter)); });
-  if (std::find(std::begin(kHookNames), std::end(kHookNames), event.hook) != std::end(kHookNames)) return event;
   std::string names;
-  for (const char* name : kHookNames) names += std::string(names.empty() ? "" : ", ") + name;
+  for (const char* name : kHookNames) {
+    if (EqualsIgnoringCase(name, text.substr(0, colon))) return {name, text.substr(colon + 1)};
+    names += std::string(names.empty() ? "" : ", ") + name;
+  }
   throw std::invalid_argument(text + ": no such event; there are " + names + " (in any case)");
 }
 

@@ -4,7 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <nlohmann/json.hpp>
 
 #include "orvel/aul.h"
@@ -67,9 +69,9 @@ TEST_F(LoaderStart, loads_what_both_files_list) {
 
 TEST_F(LoaderStart, a_missing_file_is_a_failure) {
   fs::remove(directory() / "CoBA.txt");
-  EXPECT_EQ(Path("CoBA.txt") + ": cannot read: No such file or directory", host::StartLoader(directory()).error);
+  EXPECT_EQ(Path("CoBA.txt") + ": cannot read: " + std::strerror(ENOENT), host::StartLoader(directory()).error);
   fs::remove(directory() / "TPA.txt");
-  EXPECT_EQ(Path("TPA.txt") + ": cannot read: No such file or directory", host::StartLoader(directory()).error);
+  EXPECT_EQ(Path("TPA.txt") + ": cannot read: " + std::strerror(ENOENT), host::StartLoader(directory()).error);
 }
 
 TEST_F(LoaderStart, a_listed_path_that_is_not_there_is_a_failure) {

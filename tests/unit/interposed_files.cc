@@ -37,6 +37,19 @@ int Change(const char* function, const char* path, uid_t user, gid_t group) {
   return reinterpret_cast<ChangeOwner*>(dlsym(RTLD_NEXT, function))(path, user, group);
 }
 
+// Does this call fail, by what was set for the next ones? Then errno is set.
+bool NextFails(std::deque<int>& errors) {
+  if (errors.empty()) return false;
+  errno = errors.front();
+  errors.pop_front();
+  return errno != 0;
+}
+
+// "No file" is not for the kernel to find out.
+void ExpectFile(const char* function, int file) {
+  if (file < 0) doubles::Current().misuses.emplace_back(function);
+}
+
 // As the kernel does it: no NUL is added, and what lies behind the text in the buffer is anybody's guess.
 ssize_t Give(const std::string& target, char* buffer, std::size_t size) {
   std::memset(buffer, '?', size);
@@ -71,6 +84,12 @@ int stat64(const char* path, struct stat64* status) noexcept {
   return next(path, status);
 }
 
+int fstat64(int file, struct stat64* status) noexcept {
+  static auto* const next = reinterpret_cast<int (*)(int, struct stat64*)>(dlsym(RTLD_NEXT, "fstat64"));
+  interposed::ExpectFile("fstat64", file);
+  return next(file, status);
+}
+
 int open(const char* path, int flags, ...) {
   static auto* const next = reinterpret_cast<int (*)(const char*, int, ...)>(dlsym(RTLD_NEXT, "open"));
   mode_t mode = 0;
@@ -81,11 +100,17 @@ int open(const char* path, int flags, ...) {
     va_end(arguments);
   }
   interposed::Files().open_flags = flags;
-  return next(path, flags, mode);
+  return interposed::NextFails(interposed::Files().open_errors) ? -1 : next(path, flags, mode);
+}
+
+ssize_t read(int file, void* data, size_t size) {
+  static auto* const next = reinterpret_cast<ssize_t (*)(int, void*, size_t)>(dlsym(RTLD_NEXT, "read"));
+  return interposed::NextFails(interposed::Files().read_errors) ? -1 : next(file, data, size);
 }
 
 ssize_t write(int file, const void* data, size_t size) {
   static auto* const next = reinterpret_cast<ssize_t (*)(int, const void*, size_t)>(dlsym(RTLD_NEXT, "write"));
+  interposed::ExpectFile("write", file);
   std::deque<interposed::WriteStep>& steps = interposed::Files().writes;
   if (steps.empty()) return next(file, data, size);
   const interposed::WriteStep step = steps.front();

@@ -78,6 +78,7 @@ TEST(TakenPlaces, without_an_information_file_its_text_goes_nowhere) {
     doubles::Reset();
     removeFileAndLeaveInformationFile(kOrigin, package / "A.dll");
     removeFileAndLeaveInformationFile(kOrigin, package / "B.dll");
+    EXPECT_TRUE(doubles::Current().misuses.empty());
     EXPECT_NE(-1, fcntl(STDIN_FILENO, F_GETFD));
     EXPECT_EQ("", ReadFile(package / "input"));
   });

@@ -1,7 +1,6 @@
 // Assembly file helpers.
 #include "morvath/assembly_files.h"
 
-#include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -11,6 +10,7 @@
 #include <cstdlib>
 #include <iterator>
 #include <memory>
+#include <string_view>
 
 #include "base/affix.h"
 #include "base/fixed_names.h"
@@ -22,10 +22,10 @@
 namespace {
 
 // Drops `suffix` from the end of `text`, whatever its case. Tells whether it was there.
-bool DropSuffixIgnoringCase(std::string& text, const std::string& suffix) {
+bool DropSuffixIgnoringCase(std::string& text, std::string_view suffix) {
   if (text.size() < suffix.size()) return false;
   const std::size_t stem = text.size() - suffix.size();
-  if (strcasecmp(text.c_str() + stem, suffix.c_str()) != 0) return false;
+  if (!EqualsIgnoringCase(text.c_str() + stem, suffix)) return false;
   text.resize(stem);
   return true;
 }

@@ -29,6 +29,19 @@ void FreeTemporaryName(const std::string& path) {
   if (lstat(path.c_str(), &status) == 0 && (!S_ISREG(status.st_mode) || status.st_nlink > 1)) unlink(path.c_str());
 }
 
+UniqueFd OpenForReading(const std::string& path) {
+  constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NOCTTY;
+  // Not blocking, so that a pipe in the file's place cannot hold up the caller.
+  const int file = open(path.c_str(), kFlags | O_NONBLOCK);
+  if (file >= 0 || errno != EWOULDBLOCK) return UniqueFd(file);
+  // Somebody holds a lease on the file and is waited for; a pipe that takes its name meanwhile is not.
+  const UniqueFd held(open(path.c_str(), O_PATH | O_CLOEXEC));
+  const std::string again = "/proc/self/fd/" + std::to_string(held.get());
+  struct stat64 status;
+  if (stat64(again.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return UniqueFd(-1);
+  return UniqueFd(static_cast<int>(TEMP_FAILURE_RETRY(open(again.c_str(), kFlags))));
+}
+
 }  // namespace
 
 void writeStringToFile(std::string dirPath, std::string fileName, std::string content) {
@@ -53,15 +66,15 @@ void writeStringToFile(std::string dirPath, std::string fileName, std::string co
 }
 
 std::string readFileToString(std::string path) {
-  // Not blocking, so that a pipe in the file's place cannot hold up the caller.
-  const UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+  const UniqueFd file = OpenForReading(path);
   std::string content;
   struct stat64 status;
-  if (fstat64(file.get(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > kMostBytesRead) return content;
+  if (file.get() < 0 || fstat64(file.get(), &status) != 0) return content;
+  if (!S_ISREG(status.st_mode) || status.st_size > kMostBytesRead) return content;
   content.reserve(static_cast<std::size_t>(status.st_size));
   std::array<char, 65536> buffer;
   ssize_t count = 0;
-  while ((count = read(file.get(), buffer.data(), buffer.size())) > 0) {
+  while ((count = TEMP_FAILURE_RETRY(read(file.get(), buffer.data(), buffer.size()))) > 0) {
     content.append(buffer.data(), static_cast<std::size_t>(count));
   }
   // A part taken for the whole would be written back as the whole.

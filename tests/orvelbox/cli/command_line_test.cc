@@ -35,6 +35,13 @@ TEST(CommandLine, a_command_has_its_target) {
   EXPECT_EQ(options.trace, "t.json");
 }
 
+TEST(CommandLine, events_are_named_in_any_case) {
+  const auto events = Parse({"events", "clean:p", "Uninstall:q.I", "INSTALL:r"}).events;
+  ASSERT_EQ(events.size(), 3u);
+  EXPECT_EQ(events[0].hook + events[1].hook + events[2].hook, "CLEANUNINSTALLINSTALL");
+  EXPECT_EQ(events[1].package_id, "q.I");
+}
+
 std::string ComplaintAbout(std::vector<const char*> arguments) {
   arguments.insert(arguments.begin(), "orvelbox");
   testing::internal::CaptureStderr();

@@ -22,6 +22,11 @@ TEST(Printable, marks_that_turn_a_line_around_are_escaped) {
 TEST(Printable, bytes_that_are_no_utf_8_are_escaped) {
   EXPECT_EQ(Printable("\xff\xc3"), "\\xff\\xc3");
   EXPECT_EQ(Printable("\xe5\xa4x"), "\\xe5\\xa4x");
+  EXPECT_EQ(Printable("\xe0\x80\x8a"), "\\xe0\\x80\\x8a");                   // overlong line feed
+  EXPECT_EQ(Printable("\xf0\x80\x80\xaf"), "\\xf0\\x80\\x80\\xaf");          // overlong "/"
+  EXPECT_EQ(Printable("\xed\xa0\x80"), "\\xed\\xa0\\x80");                   // surrogate
+  EXPECT_EQ(Printable("\xf4\x90\x80\x80"), "\\xf4\\x90\\x80\\x80");          // beyond the last code point
+  EXPECT_EQ(Printable("\ud7ff\ue000\U0010ffff"), "\ud7ff\ue000\U0010ffff");  // just beside those
 }
 
 }  // namespace
