@@ -4,6 +4,8 @@
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_C_COMPILER ${triplet}-gcc)
 set(CMAKE_CXX_COMPILER ${triplet}-g++)
+# GCC tells how it passed arguments before its version 7; nobody has such objects.
+set(CMAKE_CXX_FLAGS_INIT -Wno-psabi)
 
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ORVEL_SYSROOT)
 set(ORVEL_SYSROOT ${CMAKE_CURRENT_LIST_DIR}/../../build/sysroot/${architecture}

@@ -9,6 +9,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace interposed {
 
@@ -32,10 +33,10 @@ struct FileSettings {
   std::optional<std::string> self_target;  // readlink of /proc/self/exe gives this
   std::deque<WriteStep> writes;            // the next calls of write; those after them are ordinary ones again
   int open_flags = 0;                      // left here by open: the flags of the latest call
+  std::vector<std::string> examined;       // left here by stat and stat64: the paths
 };
 
-// What is set now. chown and lchown appear in the doubles' journal as "chown(PATH, USER, GROUP)", stat64 as
-// "stat64(PATH)".
+// What is set now. chown and lchown appear in the doubles' journal as "chown(PATH, USER, GROUP)".
 FileSettings& Files();
 
 }  // namespace interposed
