@@ -1,6 +1,6 @@
 # The commands of everyday work. Each installs what is missing first; CMakePresets.json holds the builds.
 .PHONY: build test test-heavy demo bench bench-compare bench-programs coverage mutation fuzz lint format sanitize \
-  valgrind clean packages lint-packages package package-test reproducible package-tools
+  valgrind clean packages lint-packages package package-test reproducible package-tools test-devices
 
 JOBS ?= $(shell nproc)
 
@@ -15,6 +15,10 @@ test: build
 test-heavy: build
 	@scripts/install-packages.sh scripts/test-heavy-packages.txt
 	ctest --preset heavy --parallel $(JOBS)
+
+# Builds for the devices' processors and passes the tests under qemu (most of an hour).
+test-devices: packages
+	JOBS=$(JOBS) CMAKE_BUILD_PARALLEL_LEVEL=$(JOBS) scripts/test-devices.sh
 
 demo: build
 	scripts/demo.sh build/release
@@ -81,7 +85,7 @@ reproducible: packages package-tools
 	scripts/reproducible.sh $(JOBS)
 
 lint: packages lint-packages
-	cmake --preset clang
+	cmake --preset clang -DORVEL_WERROR=ON
 	scripts/lint.sh build/clang
 
 format: lint-packages

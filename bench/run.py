@@ -10,9 +10,10 @@ import sys
 from pathlib import Path
 
 from growth_plot import growth_svg
-from measuring import Tree, interleaved
+from measuring import Tree, interleaved, text_of
 
 ROUNDS = 15
+LIBRARY_SIZE = Path(__file__).parent.parent / "scripts/library-size.sh"
 SERIES = (1000, 10000, 100000, 300000)
 CACHES = [(entries, percent) for entries in (100, 1000, 10000, 20000) for percent in (0, 10, 50)]
 
@@ -118,6 +119,14 @@ class Bench:
             calls = tree.system_calls(self.plugin, "unconcerned")
             self.row("system calls, install of another kind of package", calls, 2, "its line on standard error")
 
+    def size(self):
+        """Of the plug-in, in this build and in those for the devices' processors beside it."""
+        for build in (self.build, self.build.parent / "armhf", self.build.parent / "arm64"):
+            if not (build / "plugin/libmorvath.so").exists():
+                continue
+            size, relocations, processor = text_of([LIBRARY_SIZE, build]).strip().split(" ", 2)
+            self.row(f"size in bytes, {processor}", int(size), None, f"{relocations} relocations")
+
 
 def main():
     build, out = Path(sys.argv[1]).resolve(), Path(sys.argv[2])
@@ -127,6 +136,7 @@ def main():
     bench.growth(out)
     bench.caches()
     bench.load()
+    bench.size()
     (out / "results.json").write_text(json.dumps(bench.rows, indent=1) + "\n")
 
 

@@ -1,5 +1,6 @@
 #!/bin/sh
-# lint.sh BUILD: format, clang-tidy, cppcheck and shellcheck over the sources; BUILD holds the compile commands.
+# lint.sh BUILD: format, clang-tidy, cppcheck and shellcheck over the sources, and the product built in BUILD, which
+# holds the compile commands.
 set -eu
 build=$1
 jobs=$(nproc)
@@ -18,6 +19,9 @@ echo "cppcheck"
 cppcheck --quiet --error-exitcode=1 --enable=warning,performance,portability --inline-suppr --std=c++17 \
   --suppressions-list=scripts/cppcheck-suppressions.txt -j "$jobs" -I . -I include -I platform/include \
   base plugin util quarnel_util platform orvelbox bench
+
+echo "clang"
+cmake --build "$build" --parallel "$jobs" --target plugin/all util/all quarnel_util/all platform/all orvelbox/all
 
 echo "clang-tidy"
 sources 'plugin/*.cc' 'util/*.cc' 'quarnel_util/*.cc' 'platform/*.cc' 'orvelbox/*.cc' |

@@ -9,6 +9,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace interposed {
 
@@ -34,10 +35,11 @@ struct FileSettings {
   std::deque<int> open_errors;             // the next calls of open fail with these; 0: an ordinary one
   std::deque<int> read_errors;             // the next calls of read, likewise
   int open_flags = 0;                      // left here by open: the flags of the latest call
+  std::vector<std::string> examined;       // left here by stat and stat64: the paths
 };
 
-// What is set now. A negative descriptor given to write or fstat64 is among the doubles' misuses. chown and lchown
-// appear in the doubles' journal as "chown(PATH, USER, GROUP)", stat64 as "stat64(PATH)".
+// What is set now. A negative descriptor given to write or fstat is among the doubles' misuses. chown and lchown appear
+// in the doubles' journal as "chown(PATH, USER, GROUP)".
 FileSettings& Files();
 
 }  // namespace interposed
