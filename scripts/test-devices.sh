@@ -1,11 +1,11 @@
 #!/bin/sh
-# test-devices.sh: builds for each processor of the devices, with the commands that README.md shows, and passes under
-# qemu what qemu can run of the tests. Tells in the end what was skipped, and why.
+# test-devices.sh: builds for each processor of the devices, with the commands that docs/device-build.md shows, and
+# passes under qemu what qemu can run of the tests. Tells in the end what was skipped, and why.
 set -eu
 
-# The indented lines of README.md's section for devices.
+# The indented lines of docs/device-build.md.
 commands() {
-  sed -n '/^## For a device/,/^## /s/^    //p' README.md | sed "s/^processor=[a-z0-9]*/processor=$1/"
+  sed -n 's/^    //p' docs/device-build.md | sed "s/^processor=[a-z0-9]*/processor=$1/"
 }
 
 # "TEST: REASON" for each test that was skipped in that log of CTest's.
