@@ -2,6 +2,7 @@
 #ifndef ORVEL_ORVELBOX_ASSEMBLY_BYTE_VIEW_H_
 #define ORVEL_ORVELBOX_ASSEMBLY_BYTE_VIEW_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <stdexcept>
 #include <string_view>
@@ -28,7 +29,7 @@ class ByteView {
   // The bytes from `at` on, `length` of them.
   ByteView Part(std::uint64_t at, std::uint64_t length) const {
     if (at > size() || length > size() - at) throw BeyondBytes();
-    return ByteView(bytes_.substr(at, length));
+    return ByteView(bytes_.substr(static_cast<std::size_t>(at), static_cast<std::size_t>(length)));
   }
   ByteView From(std::uint64_t at) const { return Part(at, at > size() ? 0 : size() - at); }
 

@@ -88,7 +88,9 @@ TEST(DurableRead, a_file_of_the_largest_size_is_read) {
 TEST(DurableRead, a_file_that_claims_more_than_the_largest_size_is_empty) {
   const TempDir root;
   WriteFile(root / "file", "abc");
-  for (const std::uintmax_t size : {kLargestSize + 1, std::uintmax_t{1} << 40}) {
+  // The last but one would be small if its upper half was cut off.
+  for (const std::uintmax_t size :
+       {kLargestSize + 1, std::uintmax_t{1} << 31, (std::uintmax_t{1} << 32) + 3, std::uintmax_t{1} << 40}) {
     fs::resize_file(root / "file", size);
     EXPECT_TRUE(readFileToString(root / "file").empty()) << size;
   }
