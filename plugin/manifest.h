@@ -7,7 +7,7 @@
 #include "morvath/export.h"
 
 // Does the manifest declare an application whose type contains "dotnet-" (and, unlike a sample app's, no "apitest")?
-// Once one did, every later manifest of this process that is not null counts as such. Null: false, with an error line.
+// Once one did, every later one counts as such while the library is loaded, but null: false, with an error line.
 ORVEL_EXPORT bool isAppDotnetInhouse(xmlDocPtr doc);
 
 // Does the manifest carry a CoBA metadata entry? Null: false, with an error line.
