@@ -9,7 +9,7 @@
 
 #include "platform/host/package_store.h"
 #include "platform/host/unique_fd.h"
-#include "tests/e2e/desk.h"
+#include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
 namespace {

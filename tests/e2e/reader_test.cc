@@ -9,8 +9,8 @@
 #include "platform/host/log_file.h"
 #include "platform/host/package_store.h"
 #include "platform/host/unique_fd.h"
-#include "tests/e2e/desk.h"
 #include "tests/e2e/terminal.h"
+#include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
 namespace {

@@ -8,15 +8,15 @@
 #include <vector>
 
 #include "tests/integration/desk.h"
-#include "tests/integration/loaded_plugin.h"
 #include "tests/support/device_root.h"
 #include "tests/support/files.h"
+#include "tests/support/loaded_plugin.h"
 #include "tests/support/manifests.h"
 #include "tests/support/standard_error.h"
 
 namespace {
 
-using support::Document;
+using support::CobaManifest;
 using support::DotnetManifest;
 using support::kCobaFile;
 using support::kTpaFile;
@@ -30,11 +30,6 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 using Flags = std::map<std::string, bool>;
-
-Document CobaManifest() {
-  return support::ManifestOf(support::ApplicationElement("ui-application", "dotnet-inhouse") +
-                             support::MetadataElement(kCobaKey, "true"));
-}
 
 void ExpectCaches(const std::string& tpa, const std::string& coba) {
   EXPECT_EQ(tpa, ReadFile(kTpaFile));

@@ -9,12 +9,13 @@
 #include <vector>
 
 #include "tests/integration/desk.h"
-#include "tests/integration/loaded_plugin.h"
 #include "tests/support/device_root.h"
 #include "tests/support/files.h"
+#include "tests/support/loaded_plugin.h"
 #include "tests/support/manifests.h"
 #include "tests/support/removal_texts.h"
 #include "tests/support/standard_error.h"
+#include "tests/support/uris.h"
 
 namespace {
 
@@ -115,7 +116,7 @@ TEST(InstallEvents, the_application_api_counts_for_privileged_packages_only) {
   OnDesk([](const Desk& desk) {
     const std::string api = std::string(support::kTvAppApiDirectory) + "T.dll";
     const std::string plain = desk.Register("org.plain") + "/T.dll";
-    const std::string privileged = desk.Register("org.privileged", {"other", kPlatformPrivilege}) + "/T.dll";
+    const std::string privileged = desk.Register("org.privileged", {"other", support::kPlatformPrivilege}) + "/T.dll";
     for (const std::string& file : {api, plain, privileged}) WriteFile(file);
     const LoadedPlugin plugin;
     EXPECT_EQ(0, RunEvent(plugin, "INSTALL", "org.plain"));
@@ -136,7 +137,7 @@ TEST(InstallEvents, a_copy_of_an_assembly_in_the_read_write_area_stays) {
     host::Application application;
     application.id = component.main_app_id;
     application.kind = "ui-application";
-    application.metadata = {{kCobaKey, "true"}};
+    application.metadata = {{support::kCobaKey, "true"}};
     component.applications = {application};
     host::PackageStore(desk.device().Database(), host::PackageStore::Mode::kReadWrite).Put(component);
     const std::string copy = desk.Register("org.pkg") + "/C.dll";
@@ -153,7 +154,7 @@ TEST(InstallEvents, a_copy_of_an_assembly_in_the_read_write_area_stays) {
 
 TEST(InstallEvents, a_package_under_debugging_with_duplicates_fails_and_undo_changes_nothing) {
   OnDesk([](const Desk& desk) {
-    const std::string dll = desk.Register("org.pkg", {kDebuggingPrivilege}) + "/bin/A.dll";
+    const std::string dll = desk.Register("org.pkg", {support::kDebuggingPrivilege}) + "/bin/A.dll";
     WriteFile(kFrameworkDll);
     WriteFile(dll);
     const LoadedPlugin plugin;
@@ -172,7 +173,7 @@ TEST(InstallEvents, a_package_under_debugging_with_duplicates_fails_and_undo_cha
 TEST(InstallEvents, upgrade_and_removed_of_a_package_under_debugging_fail_too) {
   for (const char* event : {"UPGRADE", "REMOVED"}) {
     OnDesk([&](const Desk& desk) {
-      WriteFile(desk.Register("org.pkg", {kDebuggingPrivilege}) + "/A.dll");
+      WriteFile(desk.Register("org.pkg", {support::kDebuggingPrivilege}) + "/A.dll");
       WriteFile(kFrameworkDll);
       const LoadedPlugin plugin;
       EXPECT_EQ(-1, RunEvent(plugin, event, "org.pkg"));

@@ -9,10 +9,10 @@
 #include <string>
 
 #include "tests/support/device_root.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/interposed.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/interposed.h"
+#include "tests/support/unit_case.h"
 
 namespace {
 

@@ -12,12 +12,12 @@
 #include <string>
 
 #include "tests/support/child.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
 #include "tests/support/removal_texts.h"
 #include "tests/support/standard_error.h"
-#include "tests/unit/expected_lines.h"
+#include "tests/support/unit_case.h"
 #include "tests/unit/interposed_files.h"
-#include "tests/unit/unit_case.h"
 
 namespace {
 

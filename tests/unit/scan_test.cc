@@ -17,8 +17,8 @@
 #include "morvath/platform_utils.h"
 #include "tests/support/child.h"
 #include "tests/support/files.h"
-#include "tests/unit/interposed.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/interposed.h"
+#include "tests/support/unit_case.h"
 
 namespace {
 

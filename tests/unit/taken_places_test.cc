@@ -18,7 +18,7 @@
 #include "tests/support/device_root.h"
 #include "tests/support/files.h"
 #include "tests/support/removal_texts.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
 #include "util/directory_walk.h"
 #include "util/unique_fd.h"
 
