@@ -17,7 +17,6 @@
 namespace {
 
 using support::DotnetManifest;
-using support::IsThere;
 using support::OtherManifest;
 using support::StandardErrorOf;
 using support::WriteFile;

@@ -68,6 +68,11 @@ Steps RemovedFromBoth() {
                    CacheRead(kCobaFile, {std::string(kDirectory) + ":"}, kCobaWithout), Saved(kCobaFile)});
 }
 
+// The package found in neither file any more.
+Steps NothingRemoved() {
+  return Removing({CacheRead(kTpaFile, {}, kTpaWithout), CacheRead(kCobaFile, {}, kCobaWithout)});
+}
+
 Steps CobaWalk() {
   const Source walk = Plugin("isAppCoBARelated");
   const Source matcher("metadata_utils", "isMetadataInfoHasKey");
@@ -164,6 +169,9 @@ TEST(Recover, a_listed_package_is_taken_out_even_with_a_null_manifest) {
     ExpectCaches(kTpaWithout, kCobaWithout);
     EXPECT_TRUE(cacheStateUninstall.empty());
     EXPECT_TRUE(aotStateUpgrade.empty());
+    platform.journal.clear();
+    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL(nullptr, "pkg"));
+    EXPECT_TRUE(Holds(platform, {Hook("RECOVERUNINSTALL", {NothingRemoved()})}));
   });
 }
 
@@ -250,10 +258,7 @@ TEST(Clean, an_upgraded_package_that_is_not_listed_restarts_nothing) {
     support::WriteFile(kCobaFile, kCobaWithout);
     aotStateUpgrade["pkg"] = true;
     EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(DotnetManifest().get(), "pkg"));
-    EXPECT_TRUE(Holds(
-        platform,
-        {Hook("CLEAN", {DotnetWalk(), NoCobaWalk(),
-                        Removing({CacheRead(kTpaFile, {}, kTpaWithout), CacheRead(kCobaFile, {}, kCobaWithout)})})}));
+    EXPECT_TRUE(Holds(platform, {Hook("CLEAN", {DotnetWalk(), NoCobaWalk(), NothingRemoved()})}));
   });
 }
 
