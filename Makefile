@@ -39,14 +39,14 @@ valgrind: packages
 	cmake --build --preset valgrind --parallel $(JOBS)
 	ctest --preset valgrind --parallel $(JOBS)
 
-# What the unit tests reach of plugin/ and util/.
+# What the unit and hostile tests reach of plugin/ and util/.
 coverage: packages
 	@scripts/install-packages.sh scripts/coverage-packages.txt
 	cmake --preset coverage
-	cmake --build --preset coverage --parallel $(JOBS) --target unit_tests
+	cmake --build --preset coverage --parallel $(JOBS) --target unit_tests hostile_tests
 	scripts/coverage.sh build/coverage
 
-# What the unit tests notice of changes to plugin/ and util/ (half an hour or so).
+# What the unit and hostile tests notice of changes to plugin/ and util/ (half an hour or so).
 mutation: packages
 	@scripts/install-packages.sh scripts/mutation-packages.txt
 	scripts/mutation.py

@@ -1,6 +1,7 @@
 // The model's rules, each as short as it can be said.
 #include "fuzz/event_model.h"
 
+#include "tests/support/device_root.h"
 #include "tests/support/plain_cache_edit.h"
 #include "tests/support/removal_texts.h"
 
@@ -146,8 +147,8 @@ bool EventModel::RemoveFrom(const char* file, const std::string& root) {
 bool EventModel::Remove(const std::string& id) {
   const std::string root = RootOf(id);
   if (root.empty()) return false;
-  const bool from_tpa = RemoveFrom(kTpaFile, root);
-  const bool from_coba = RemoveFrom(kCobaFile, root);
+  const bool from_tpa = RemoveFrom(support::kTpaFile, root);
+  const bool from_coba = RemoveFrom(support::kCobaFile, root);
   return from_tpa || from_coba;
 }
 
@@ -169,8 +170,8 @@ void EventModel::Add(const std::string& id) {
     if (!EndsIn(name, ".dll") || Holds(name, ":") || Holds(name, "[")) continue;
     assemblies += (assemblies.empty() ? "" : ":") + resources + name;
   }
-  AddTo(kTpaFile, root, assemblies);
-  AddTo(kCobaFile, root, resources);
+  AddTo(support::kTpaFile, root, assemblies);
+  AddTo(support::kCobaFile, root, resources);
 }
 
 }  // namespace fuzz

@@ -6,7 +6,7 @@
 
 #include "platform/host/log_file.h"
 #include "platform/host/package_store.h"
-#include "tests/e2e/desk.h"
+#include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "tests/e2e/desk.h"
+#include "tests/support/orvelbox_desk.h"
 #include "tests/support/zip.h"
 
 namespace e2e {

@@ -8,9 +8,9 @@
 
 #include "tests/faults/fault_points.h"
 #include "tests/faults/small_platform.h"
-#include "tests/integration/loaded_plugin.h"
 #include "tests/support/device_root.h"
 #include "tests/support/files.h"
+#include "tests/support/loaded_plugin.h"
 #include "tests/support/standard_error.h"
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -22,7 +22,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kCobaKey = "http://" ORVEL_DEVELOPER_HOST "/orvel/metadata/support-fs-external-component";
 constexpr const char* kOther = "/opt/usr/apps/org.other/shared/res/";
 
 std::optional<std::string> ReadIfThere(const char* file) {
@@ -87,8 +86,7 @@ void LayOutCaches(const CacheTexts& texts) {
 }
 
 support::Document ManifestFor(const Event& event) {
-  return support::ManifestOf(support::ApplicationElement("ui-application", "dotnet-inhouse") +
-                             (event.coba ? support::MetadataElement(kCobaKey, "true") : ""));
+  return event.coba ? support::CobaManifest() : support::DotnetManifest();
 }
 
 std::optional<int> Call(const Event& event) {

@@ -11,9 +11,10 @@
 #include "tests/doubles/expected_journal.h"
 #include "tests/hostile/watched_device.h"
 #include "tests/support/device_root.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
 #include "tests/support/manifests.h"
-#include "tests/unit/expected_lines.h"
+#include "tests/support/uris.h"
 
 namespace hostile {
 namespace {
@@ -40,12 +41,12 @@ void ExpectNoDataInFormats(const doubles::Platform& platform, int mentions) {
 support::Document HostileManifest() {
   return support::ManifestOf(
       "<stranger/>" + support::ApplicationElement("ui-application", std::string("dotnet-") + kData) +
-      support::MetadataElement(kData, kData) + support::MetadataElement(expected::kCobaKey, "true"));
+      support::MetadataElement(kData, kData) + support::MetadataElement(support::kCobaKey, "true"));
 }
 
 void PutHostilePackage(const WatchedDevice& device) {
   doubles::Package package = doubles::MakePackage(kData, InPackage(kData));
-  package.privileges = {kData, std::string("http://" ORVEL_NAMESPACE_HOST "/privilege/internal/appdebugging")};
+  package.privileges = {kData, support::kDebuggingPrivilege};
   device.platform().packages = {package, expected::CobaPackage("coba", InPackage(std::string("coba") + kData))};
   const std::string dll = std::string(kData) + ".dll";
   WriteFile(Core(dll));

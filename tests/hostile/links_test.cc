@@ -12,6 +12,7 @@
 #include "tests/support/device_root.h"
 #include "tests/support/files.h"
 #include "tests/support/removal_texts.h"
+#include "tests/support/uris.h"
 
 namespace hostile {
 namespace {
@@ -31,7 +32,7 @@ TEST(Links, a_root_that_leads_to_others_loses_nothing) {
   OnWatchedDevice([](const WatchedDevice& device) {
     fs::remove(kRoot);
     fs::create_directory_symlink(kVictims, kRoot);
-    device.platform().packages[0].privileges = {"http://" ORVEL_NAMESPACE_HOST "/privilege/internal/appdebugging"};
+    device.platform().packages[0].privileges = {support::kDebuggingPrivilege};
     EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_INSTALL).result);
     EXPECT_TRUE(device.Logged(std::string("Symbolic link is detected : ") + kRoot));
     EXPECT_TRUE(appLib.empty());

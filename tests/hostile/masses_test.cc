@@ -13,10 +13,11 @@
 #include "tests/hostile/deep_tree.h"
 #include "tests/hostile/watched_device.h"
 #include "tests/support/device_root.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
 #include "tests/support/manifests.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
+#include "tests/support/uris.h"
 
 namespace hostile {
 namespace {
@@ -64,7 +65,7 @@ Document ManifestOfSize(std::size_t size, const std::string& filling) {
   xml.reserve(size + 1000);
   while (xml.size() < size) xml += filling;
   xml += support::ApplicationElement("ui-application", "dotnet-inhouse") +
-         support::MetadataElement(expected::kCobaKey, "true") + "</manifest>";
+         support::MetadataElement(support::kCobaKey, "true") + "</manifest>";
   return Document(xmlReadMemory(xml.data(), static_cast<int>(xml.size()), "manifest", nullptr, XML_PARSE_HUGE));
 }
 

@@ -21,7 +21,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using support::IsThere;
 using support::kCobaFile;
 using support::kTpaFile;
 using support::WriteFile;
@@ -86,15 +85,16 @@ TEST(SpecialFiles, a_dll_that_is_a_directory_is_walked_and_stays) {
 
 TEST(SpecialFiles, an_information_file_in_the_place_of_which_something_else_stands_is_not_written) {
   OnImpatientDevice([](const WatchedDevice& device) {
-    WriteFile(InPackage("A.dll"));
+    for (const char* dll : {"A.dll", "B.dll", "sub/A.dll"}) WriteFile(InPackage(dll));
     fs::create_directories(InPackage("A.dll_deleted"));
-    WriteFile(InPackage("B.dll"));
     MakeSocket(InPackage("B.dll_deleted"));
+    MakePipe(InPackage("sub/A.dll_deleted"));
     device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
-    EXPECT_FALSE(IsThere(InPackage("A.dll")));
-    EXPECT_FALSE(IsThere(InPackage("B.dll")));
+    EXPECT_EQ((Names{"A.dll_deleted", "B.dll_deleted", "sub"}), NamesInRoot());
     EXPECT_TRUE(fs::is_empty(InPackage("A.dll_deleted")));
     EXPECT_TRUE(fs::is_socket(InPackage("B.dll_deleted")));
+    EXPECT_EQ((Names{"A.dll_deleted"}), support::NamesIn(InPackage("sub")));
+    EXPECT_TRUE(fs::is_fifo(InPackage("sub/A.dll_deleted")));
   });
 }
 

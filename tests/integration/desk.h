@@ -41,10 +41,6 @@ class Desk {
   host::Device device_;
 };
 
-inline constexpr const char* kCobaKey = "http://" ORVEL_DEVELOPER_HOST "/orvel/metadata/support-fs-external-component";
-inline constexpr const char* kDebuggingPrivilege = "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/appdebugging";
-inline constexpr const char* kPlatformPrivilege = "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/default/platform";
-
 // Runs the body in a child process on a new device. To be the last statement of a test.
 void OnDesk(const std::function<void(const Desk&)>& body);
 

@@ -6,17 +6,17 @@
 #include <string>
 
 #include "tests/integration/desk.h"
-#include "tests/integration/loaded_plugin.h"
 #include "tests/support/command.h"
 #include "tests/support/device_root.h"
 #include "tests/support/files.h"
+#include "tests/support/loaded_plugin.h"
 #include "tests/support/manifests.h"
 #include "tests/support/standard_error.h"
+#include "tests/support/uris.h"
 
 namespace {
 
 using support::DotnetManifest;
-using support::IsThere;
 using support::OtherManifest;
 using support::StandardErrorOf;
 using support::WriteFile;
@@ -81,7 +81,7 @@ TEST(Loading, launcher_tools_find_functions_by_their_mangled_names) {
         "_Z7endWithRKNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEES6_");
     EXPECT_TRUE(ends("Foo.dll", ".dll"));
     EXPECT_FALSE(ends("Foo.DLL", ".dll"));
-    EXPECT_EQ(kCobaKey, plugin.Object<const std::string>("_ZN11MetadataKey4coBAB5cxx11E"));
+    EXPECT_EQ(support::kCobaKey, plugin.Object<const std::string>("_ZN11MetadataKey4coBAB5cxx11E"));
   });
 }
 

@@ -11,11 +11,12 @@
 
 #include "plugin/catalogues.h"
 #include "tests/support/device_root.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
 #include "tests/support/removal_texts.h"
 #include "tests/support/standard_error.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
+#include "tests/support/uris.h"
 
 namespace {
 
@@ -27,7 +28,6 @@ using doubles::Steps;
 using expected::CobaPackage;
 using expected::ComparedWithItself;
 using expected::DuplicateRemoved;
-using expected::kPlatformPrivilege;
 using expected::Pass;
 using expected::Plugin;
 using expected::TracedPlugin;
@@ -36,6 +36,7 @@ using support::IsThere;
 using support::kCoreDirectory;
 using support::kDpcDirectory;
 using support::kFrameworkDirectory;
+using support::kPlatformPrivilege;
 using support::kTvAppApiDirectory;
 using support::StandardErrorOf;
 using support::WriteFiles;
@@ -128,7 +129,7 @@ TEST(AssemblyCache, the_platform_privilege_is_asked_in_a_frame_of_its_own) {
   Fresh([](Platform& platform) {
     PutPackage(platform);
     EXPECT_FALSE(HasPlatformPrivilege("pkg"));
-    platform.packages[0].privileges = {expected::kDebuggingPrivilege, kPlatformPrivilege};
+    platform.packages[0].privileges = {support::kDebuggingPrivilege, kPlatformPrivilege};
     EXPECT_TRUE(HasPlatformPrivilege("pkg"));
     const std::string signature = "bool HasPlatformPrivilege(const std::string&)";
     EXPECT_TRUE(Holds(platform, {TracedPlugin(signature, expected::NoPrivilege()),

@@ -9,17 +9,16 @@
 #include <string>
 
 #include "tests/support/device_root.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/interposed.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/interposed.h"
+#include "tests/support/unit_case.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
 using doubles::Platform;
-using doubles::Source;
 using doubles::Steps;
 using doubles::Traced;
 using expected::CacheMissing;
@@ -310,19 +309,6 @@ TEST(CacheFiles, a_rename_that_fails_leaves_the_temporary_files_and_no_cache_fil
     });
     if (testing::Test::IsSkipped()) return;
   }
-}
-
-TEST(CacheFiles, a_link_in_a_cache_files_place_is_read_through_and_replaced) {
-  FreshOnDevice([](Platform& platform) {
-    Put(platform, "", "[START][END]");
-    fs::remove(kTpaFile);
-    WriteFile("/opt/usr/elsewhere", "[START]" + kResources + "A.dll[END]");
-    fs::create_symlink("/opt/usr/elsewhere", kTpaFile);
-    EXPECT_TRUE(removedPkgFromTPACacheFile("pkg"));
-    EXPECT_FALSE(fs::is_symlink(kTpaFile));
-    EXPECT_EQ("[START][END]", ReadFile(kTpaFile));
-    EXPECT_EQ("[START]" + kResources + "A.dll[END]", ReadFile("/opt/usr/elsewhere"));
-  });
 }
 
 }  // namespace

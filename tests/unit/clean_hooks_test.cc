@@ -5,10 +5,11 @@
 
 #include "plugin/hooks.h"
 #include "tests/support/device_root.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
 #include "tests/support/manifests.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
+#include "tests/support/uris.h"
 
 namespace {
 
@@ -25,6 +26,7 @@ using expected::NotInhouse;
 using expected::OtherWalk;
 using expected::Plugin;
 using expected::Saved;
+using support::CobaManifest;
 using support::DotnetManifest;
 using support::kCobaFile;
 using support::kTpaFile;
@@ -39,11 +41,6 @@ constexpr const char* kTpaWithPackage = "[START]/b/B.dll:/opt/usr/apps/pkg/share
 constexpr const char* kCobaWithPackage = "[START]/opt/usr/apps/pkg/shared/res/:/b/shared/res/[END]";
 constexpr const char* kTpaWithout = "[START]/b/B.dll[END]";
 constexpr const char* kCobaWithout = "[START]/b/shared/res/[END]";
-
-support::Document CobaManifest() {
-  return support::ManifestOf(support::ApplicationElement("ui-application", "dotnet-inhouse") +
-                             support::MetadataElement(expected::kCobaKey, "true"));
-}
 
 // A package with a root, listed in both cache files.
 void PutListedPackage(Platform& platform) {
@@ -71,10 +68,15 @@ Steps RemovedFromBoth() {
                    CacheRead(kCobaFile, {std::string(kDirectory) + ":"}, kCobaWithout), Saved(kCobaFile)});
 }
 
+// The package found in neither file any more.
+Steps NothingRemoved() {
+  return Removing({CacheRead(kTpaFile, {}, kTpaWithout), CacheRead(kCobaFile, {}, kCobaWithout)});
+}
+
 Steps CobaWalk() {
   const Source walk = Plugin("isAppCoBARelated");
   const Source matcher("metadata_utils", "isMetadataInfoHasKey");
-  const std::string key = expected::kCobaKey;
+  const std::string key = support::kCobaKey;
   return expected::TracedPlugin(
       "bool isAppCoBARelated(xmlDocPtr)",
       {walk.Debug("Local name %s", "manifest"), walk.Debug("Local name %s", "ui-application"),
@@ -167,6 +169,9 @@ TEST(Recover, a_listed_package_is_taken_out_even_with_a_null_manifest) {
     ExpectCaches(kTpaWithout, kCobaWithout);
     EXPECT_TRUE(cacheStateUninstall.empty());
     EXPECT_TRUE(aotStateUpgrade.empty());
+    platform.journal.clear();
+    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL(nullptr, "pkg"));
+    EXPECT_TRUE(Holds(platform, {Hook("RECOVERUNINSTALL", {NothingRemoved()})}));
   });
 }
 
@@ -253,10 +258,7 @@ TEST(Clean, an_upgraded_package_that_is_not_listed_restarts_nothing) {
     support::WriteFile(kCobaFile, kCobaWithout);
     aotStateUpgrade["pkg"] = true;
     EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(DotnetManifest().get(), "pkg"));
-    EXPECT_TRUE(Holds(
-        platform,
-        {Hook("CLEAN", {DotnetWalk(), NoCobaWalk(),
-                        Removing({CacheRead(kTpaFile, {}, kTpaWithout), CacheRead(kCobaFile, {}, kCobaWithout)})})}));
+    EXPECT_TRUE(Holds(platform, {Hook("CLEAN", {DotnetWalk(), NoCobaWalk(), NothingRemoved()})}));
   });
 }
 

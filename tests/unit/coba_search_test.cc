@@ -9,11 +9,12 @@
 #include "plugin/assembly_cache.h"
 #include "plugin/catalogues.h"
 #include "tests/support/device_root.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
 #include "tests/support/standard_error.h"
+#include "tests/support/unit_case.h"
+#include "tests/support/uris.h"
 #include "tests/unit/allocation_limit.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/unit_case.h"
 
 namespace {
 
@@ -23,10 +24,10 @@ using doubles::Platform;
 using doubles::Record;
 using doubles::Steps;
 using expected::CobaPackage;
-using expected::kCobaKey;
 using expected::Plugin;
 using expected::TracedPlugin;
 using support::IsThere;
+using support::kCobaKey;
 using support::StandardErrorOf;
 using support::WriteFiles;
 

@@ -6,10 +6,10 @@
 #include <functional>
 #include <string>
 
+#include "tests/support/expected_lines.h"
 #include "tests/support/manifests.h"
 #include "tests/support/standard_error.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
 
 namespace {
 

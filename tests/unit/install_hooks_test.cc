@@ -5,12 +5,13 @@
 
 #include "plugin/hooks.h"
 #include "tests/support/device_root.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
 #include "tests/support/manifests.h"
 #include "tests/support/removal_texts.h"
 #include "tests/support/standard_error.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
+#include "tests/support/uris.h"
 
 namespace {
 
@@ -69,12 +70,12 @@ TEST(Install, duplicates_do_not_fail_an_ordinary_package) {
 
 TEST(Install, duplicates_fail_a_package_under_debugging) {
   FreshOnDevice([](Platform& platform) {
-    PutDuplicatingPackage(platform, {expected::kDebuggingPrivilege});
+    PutDuplicatingPackage(platform, {support::kDebuggingPrivilege});
     EXPECT_EQ(std::string(kInstallLine) + support::DuplicateLine(kOrigin, kCopy),
               StandardErrorOf([] { EXPECT_EQ(-1, PKGMGR_PARSER_PLUGIN_INSTALL(DotnetManifest().get(), "pkg")); }));
     EXPECT_TRUE(Holds(
         platform,
-        {Hook("INSTALL", {DotnetWalk(), PassWithDuplicate(), expected::HavePrivilege(expected::kDebuggingPrivilege),
+        {Hook("INSTALL", {DotnetWalk(), PassWithDuplicate(), expected::HavePrivilege(support::kDebuggingPrivilege),
                           Plugin("PKGMGR_PARSER_PLUGIN_INSTALL")
                               .Error("Duplicated DLL found. Please refer guide : %s", ORVEL_GUIDE_URL)})}));
     EXPECT_FALSE(support::IsThere(kCopy));
@@ -84,7 +85,7 @@ TEST(Install, duplicates_fail_a_package_under_debugging) {
 TEST(Install, a_package_under_debugging_without_duplicates_is_installed) {
   FreshOnDevice([](Platform& platform) {
     platform.packages.push_back(doubles::MakePackage("pkg", kRoot));
-    platform.packages[0].privileges = {expected::kDebuggingPrivilege};
+    platform.packages[0].privileges = {support::kDebuggingPrivilege};
     StandardErrorOf([] { EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_INSTALL(DotnetManifest().get(), "pkg")); });
     EXPECT_TRUE(Holds(platform, {Hook("INSTALL", {DotnetWalk(), Pass(0, 0)})}));
   });
@@ -94,7 +95,7 @@ TEST(Install, a_package_under_debugging_without_a_root_fails_like_one_with_dupli
   FreshOnDevice([](Platform& platform) {
     Package package;
     package.id = "pkg";
-    package.privileges = {expected::kDebuggingPrivilege};
+    package.privileges = {support::kDebuggingPrivilege};
     platform.packages.push_back(package);
     EXPECT_EQ(std::string(kInstallLine) + "### INSTALL : morvath, pkgRoot is empty : pkg\n",
               StandardErrorOf([] { EXPECT_EQ(-1, PKGMGR_PARSER_PLUGIN_INSTALL(DotnetManifest().get(), "pkg")); }));
@@ -103,7 +104,7 @@ TEST(Install, a_package_under_debugging_without_a_root_fails_like_one_with_dupli
 
 TEST(Install, a_second_install_of_the_same_package_succeeds_without_a_pass) {
   FreshOnDevice([](Platform& platform) {
-    PutDuplicatingPackage(platform, {expected::kDebuggingPrivilege});
+    PutDuplicatingPackage(platform, {support::kDebuggingPrivilege});
     StandardErrorOf([] { PKGMGR_PARSER_PLUGIN_INSTALL(DotnetManifest().get(), "pkg"); });
     support::WriteFile(kCopy);
     platform.journal.clear();
@@ -148,7 +149,7 @@ TEST(Upgrade, upgrade_and_removed_mark_the_package_and_install_it) {
 TEST(Upgrade, upgrade_and_removed_pass_on_the_failure_of_install) {
   for (const ForwardingHook& hook : kForwardingHooks) {
     FreshOnDevice([&](Platform& platform) {
-      PutDuplicatingPackage(platform, {expected::kDebuggingPrivilege});
+      PutDuplicatingPackage(platform, {support::kDebuggingPrivilege});
       StandardErrorOf([&] { EXPECT_EQ(-1, hook.function(DotnetManifest().get(), "pkg")); });
       EXPECT_EQ((Flags{{"pkg", true}}), aotStateUpgrade);
     });

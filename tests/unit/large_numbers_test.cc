@@ -26,9 +26,9 @@
 #include "plugin/duplicates.h"
 #include "tests/support/child.h"
 #include "tests/support/files.h"
-#include "tests/unit/interposed.h"
+#include "tests/support/interposed.h"
+#include "tests/support/unit_case.h"
 #include "tests/unit/interposed_files.h"
-#include "tests/unit/unit_case.h"
 
 namespace {
 

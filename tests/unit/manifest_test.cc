@@ -9,10 +9,11 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/expected_lines.h"
+#include "tests/support/interposed.h"
 #include "tests/support/manifests.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/interposed.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
+#include "tests/support/uris.h"
 
 namespace {
 
@@ -20,11 +21,11 @@ using doubles::Join;
 using doubles::Platform;
 using doubles::Source;
 using doubles::Steps;
-using expected::kCobaKey;
 using expected::Names;
 using expected::Plugin;
 using support::ApplicationElement;
 using support::DotnetManifest;
+using support::kCobaKey;
 using support::ManifestOf;
 using support::MetadataElement;
 using support::Parse;

@@ -17,9 +17,9 @@
 #include "plugin/duplicates.h"
 #include "tests/support/child.h"
 #include "tests/support/files.h"
+#include "tests/support/interposed.h"
 #include "tests/support/standard_error.h"
-#include "tests/unit/interposed.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
 #include "util/platform_utils/directory_walk.h"
 
 namespace {

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // How a unit test runs: in a process of its own, since what the plug-in keeps between calls must be fresh, and over
 // fresh doubles.
-#ifndef TESTS_UNIT_UNIT_CASE_H_
-#define TESTS_UNIT_UNIT_CASE_H_
+#ifndef TESTS_SUPPORT_UNIT_CASE_H_
+#define TESTS_SUPPORT_UNIT_CASE_H_
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Running orvelbox, and making what it works on.
-#include "tests/e2e/desk.h"
+#include "tests/support/orvelbox_desk.h"
 
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -10,6 +10,7 @@
 
 #include "platform/host/fixed_paths.h"
 #include "platform/host/package_store.h"
+#include "tests/support/uris.h"
 
 namespace e2e {
 namespace {
@@ -65,10 +66,10 @@ std::string ManifestText(const std::string& id, const std::string& version, cons
          "</manifest>";
 }
 
-std::string CobaMetadata() { return std::string("<metadata key=\"") + kCobaKey + "\" value=\"true\"/>"; }
+std::string CobaMetadata() { return std::string("<metadata key=\"") + support::kCobaKey + "\" value=\"true\"/>"; }
 
 std::string DebuggingPrivileges() {
-  return std::string("<privileges><privilege>") + kDebuggingPrivilege + "</privilege></privileges>";
+  return std::string("<privileges><privilege>") + support::kDebuggingPrivilege + "</privilege></privileges>";
 }
 
 Desk::Desk() : device_{dir_.path() / "device"} { host::CreateDevice(device_.directory); }

@@ -1,5 +1,5 @@
 // How a unit test runs.
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
 
 #include <stdexcept>
 

@@ -1,5 +1,7 @@
 // Building blocks of expected journals.
-#include "tests/unit/expected_lines.h"
+#include "tests/support/expected_lines.h"
+
+#include "tests/support/uris.h"
 
 namespace expected {
 
@@ -14,7 +16,7 @@ constexpr const char* kHasPrivilege = "bool HasPrivilege(const std::string&, con
 
 doubles::Package CobaPackage(const std::string& id, const std::string& root) {
   doubles::Package package = doubles::MakePackage(id, root);
-  package.applications[0].metadata = {{kCobaKey, "true"}};
+  package.applications[0].metadata = {{support::kCobaKey, "true"}};
   return package;
 }
 

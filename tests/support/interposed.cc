@@ -1,5 +1,5 @@
 // Interposed functions. They are visible, so that shared libraries call them as well.
-#include "tests/unit/interposed.h"
+#include "tests/support/interposed.h"
 
 #include <dirent.h>
 #include <dlfcn.h>

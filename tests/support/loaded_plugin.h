@@ -1,6 +1,6 @@
 // The plug-in as the package manager holds it: loaded at run time, reached by symbol names only.
-#ifndef TESTS_INTEGRATION_LOADED_PLUGIN_H_
-#define TESTS_INTEGRATION_LOADED_PLUGIN_H_
+#ifndef TESTS_SUPPORT_LOADED_PLUGIN_H_
+#define TESTS_SUPPORT_LOADED_PLUGIN_H_
 
 #include <libxml/tree.h>
 

@@ -1,5 +1,5 @@
 // The plug-in, loaded.
-#include "tests/integration/loaded_plugin.h"
+#include "tests/support/loaded_plugin.h"
 
 #include <dlfcn.h>
 

@@ -1,6 +1,6 @@
 // A desk with a device and packages in a test's own directory, and orvelbox run on it as a user runs it.
-#ifndef TESTS_E2E_DESK_H_
-#define TESTS_E2E_DESK_H_
+#ifndef TESTS_SUPPORT_ORVELBOX_DESK_H_
+#define TESTS_SUPPORT_ORVELBOX_DESK_H_
 
 #include <gtest/gtest.h>
 #include <sys/types.h>
@@ -15,9 +15,6 @@
 #include "tests/support/files.h"
 
 namespace e2e {
-
-inline constexpr const char* kCobaKey = "http://" ORVEL_DEVELOPER_HOST "/orvel/metadata/support-fs-external-component";
-inline constexpr const char* kDebuggingPrivilege = "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/appdebugging";
 
 // How a program ended and what it printed. `status` is 128 plus the signal for a killed one.
 struct Result {

@@ -1,7 +1,7 @@
 // Functions of the C library and of libxml2 that this program defines itself, so that tests can make them fail and see
 // them called. As long as nothing is set they do what the real ones do, except that nothing is forced to disk.
-#ifndef TESTS_UNIT_INTERPOSED_H_
-#define TESTS_UNIT_INTERPOSED_H_
+#ifndef TESTS_SUPPORT_INTERPOSED_H_
+#define TESTS_SUPPORT_INTERPOSED_H_
 
 #include <optional>
 

@@ -1,6 +1,6 @@
 // What parts of the plug-in write whenever they run: building blocks of expected journals.
-#ifndef TESTS_UNIT_EXPECTED_LINES_H_
-#define TESTS_UNIT_EXPECTED_LINES_H_
+#ifndef TESTS_SUPPORT_EXPECTED_LINES_H_
+#define TESTS_SUPPORT_EXPECTED_LINES_H_
 
 #include <initializer_list>
 #include <string>
@@ -12,10 +12,6 @@ namespace expected {
 
 using doubles::Source;
 using doubles::Steps;
-
-inline constexpr const char* kPlatformPrivilege = "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/default/platform";
-inline constexpr const char* kDebuggingPrivilege = "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/appdebugging";
-inline constexpr const char* kCobaKey = "http://" ORVEL_DEVELOPER_HOST "/orvel/metadata/support-fs-external-component";
 
 // A package whose application carries the CoBA key.
 doubles::Package CobaPackage(const std::string& id, const std::string& root);
