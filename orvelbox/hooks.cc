@@ -110,8 +110,8 @@ int RunChild(const HookSettings& settings, int report, const std::function<void(
 void TellWorkingInPlace() {
   static bool told = false;
   if (!std::exchange(told, true)) {
-    Complain(std::string("no namespaces here: working in place on ") + host::kPlatformAssemblies + " and " +
-             host::kUserArea);
+    Remark(std::string("no namespaces here: working in place on ") + host::kPlatformAssemblies + " and " +
+           host::kUserArea);
   }
 }
 
