@@ -1,20 +1,34 @@
 # The commands of everyday work. Each installs what is missing first; CMakePresets.json holds the builds.
 .PHONY: build test test-heavy demo bench bench-compare bench-programs coverage mutation fuzz lint format sanitize \
-  valgrind clean packages lint-packages package package-test reproducible package-tools
+  valgrind clean packages lint-packages package package-test reproducible package-tools test-container \
+  test-distributions
 
 JOBS ?= $(shell nproc)
 
+# Warnings stop our own builds (.ci/run), not those of somebody with a newer compiler.
+WERROR ?= OFF
+
 build: packages
-	cmake --preset release
+	cmake --preset release -DORVEL_WERROR=$(WERROR)
 	cmake --build --preset release --parallel $(JOBS)
 
 test: build
 	ctest --preset release --parallel $(JOBS)
 
 # The tests that take more than a few seconds each.
-test-heavy: build
+test-heavy: test-container
 	@scripts/install-packages.sh scripts/test-heavy-packages.txt
 	ctest --preset heavy --parallel $(JOBS)
+
+# The demo and the tests as in a container without special rights, as root and as an ordinary user.
+test-container: build
+	scripts/test-container.sh build/release
+
+# The demo and the tests in fresh Debian 12 and 13 root file systems, or in copies of the directories ROOTS, as root and
+# as an ordinary user (as root; half an hour or so).
+test-distributions:
+	@scripts/install-packages.sh scripts/test-distributions-packages.txt
+	scripts/test-distributions.sh $(ROOTS)
 
 demo: build
 	scripts/demo.sh build/release

@@ -6,7 +6,7 @@ set -eu
 try() {
   "$@" make demo
   "$@" make test
-  scripts/skipped-tests.sh build/release
+  scripts/skipped-tests.sh build/release/Testing/Temporary/LastTest.log
 }
 
 apt-get -qq update
