@@ -7,9 +7,12 @@
 
 namespace {
 
-int Run(const orvelbox::Options& options) {
+// No exception ends the program without a line for people, be it one of the command line's own making.
+int Run(int argc, char** argv) {
   try {
-    return orvelbox::RunCommand(options);
+    const auto parsed = orvelbox::ParseCommandLine(argc, argv);
+    if (const int* status = std::get_if<int>(&parsed)) return *status;
+    return orvelbox::RunCommand(std::get<orvelbox::Options>(parsed));
   } catch (const std::exception& error) {
     orvelbox::Complain(error.what());
     return orvelbox::kFailed;
@@ -19,9 +22,7 @@ int Run(const orvelbox::Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const auto parsed = orvelbox::ParseCommandLine(argc, argv);
-  if (const int* status = std::get_if<int>(&parsed)) return *status;
-  const int status = Run(std::get<orvelbox::Options>(parsed));
+  const int status = Run(argc, argv);
   if (orvelbox::FlushOutput()) return status;
   orvelbox::Complain("standard output cannot be written");
   return orvelbox::kFailed;

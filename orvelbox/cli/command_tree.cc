@@ -56,8 +56,9 @@ void AddChangingCommands(CLI::App& app, Options& options) {
 void AddEventsCommand(CLI::App& app, Options& options, std::vector<std::string>& texts) {
   AddCommand(app, options, "events", "Call hooks one after the other in one process, and nothing else",
              "events clean:org.example.shop uninstall:org.example.shop")
-      ->add_option("EVENT:PKG", texts,
-                   "install, upgrade, removed, uninstall, recoveruninstall, clean, cleanup or undo, and a package id")
+      ->add_option("CALL", texts,
+                   "EVENT:PKG, the event one of install, upgrade, removed, uninstall, recoveruninstall, clean, cleanup "
+                   "and undo, and a package id")
       ->required();
 }
 

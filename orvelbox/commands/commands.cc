@@ -39,6 +39,7 @@ HookSettings SettingsOf(const Options& options, const host::Device& device) {
   HookSettings settings;
   settings.device = device;
   settings.quiet = options.quiet;
+  settings.tells_in_place = !options.quiet;
   settings.plugin = options.plugin.empty() ? OwnPlugin() : fs::absolute(options.plugin);
   if (!options.trace.empty()) settings.trace = fs::absolute(options.trace);
   return settings;

@@ -71,8 +71,12 @@ void SayColoured(std::string_view safe_line) {
 
 void Complain(std::string_view line) {
   Activity::End();
+  Remark(line);
+}
+
+void Remark(std::string_view line) {
   std::cout.flush();
-  std::cerr << "orvelbox: " + Printable(line) + "\n";
+  Activity::PutLineAbove("orvelbox: " + Printable(line));
 }
 
 bool FlushOutput() { return static_cast<bool>(std::cout.flush()); }

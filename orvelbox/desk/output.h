@@ -24,6 +24,8 @@ void SayAll(const std::vector<std::string>& lines);
 void SayColoured(std::string_view safe_line);
 // Prints "orvelbox: ", `line` made printable, and a line feed on standard error.
 void Complain(std::string_view line);
+// The same for what is no complaint: work that is being told of goes on.
+void Remark(std::string_view line);
 
 // Writes out what is still buffered. False when standard output did not take everything (a full disk, say).
 bool FlushOutput();

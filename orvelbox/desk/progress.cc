@@ -17,13 +17,15 @@ constexpr std::size_t kWidth = 30;
 constexpr std::chrono::milliseconds kPause{100};
 constexpr std::chrono::seconds kSecond{1};
 
+constexpr const char* kErase = "\r\x1b[K";
+
 Activity* current = nullptr;
 
 void Write(const std::string& text) { host::WriteAll(STDERR_FILENO, text); }
 
 void Draw(const std::string& line) { Write("\r" + line + "\x1b[K"); }
 
-void Erase() { Write("\r\x1b[K"); }
+void Erase() { Write(kErase); }
 
 // Runs `start` with all signals held back: a thread that it starts leaves them to the others for good.
 template <typename Start>
@@ -81,6 +83,8 @@ void Activity::CountFile() {
 void Activity::End() {
   if (current != nullptr) current->Stop();
 }
+
+void Activity::PutLineAbove(const std::string& line) { Write((current == nullptr ? "" : kErase) + line + "\n"); }
 
 void Activity::Tell() {
   std::unique_lock lock(mutex_);

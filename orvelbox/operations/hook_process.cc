@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "base/unique_fd.h"
 #include "orvelbox/desk/output.h"
@@ -105,6 +106,15 @@ int RunChild(const HookSettings& settings, int report, const std::function<void(
   return 0;
 }
 
+// Said once, however many operations the command has.
+void TellWorkingInPlace() {
+  static bool told = false;
+  if (!std::exchange(told, true)) {
+    Remark(std::string("no namespaces here: working in place on ") + host::kPlatformAssemblies + " and " +
+           host::kUserArea);
+  }
+}
+
 std::string InWords(const host::ChildOutcome& outcome) {
   if (!outcome.signalled) return "ended its process with exit status " + std::to_string(outcome.code);
   return "was killed by signal " + std::to_string(outcome.code) + " (" + strsignal(outcome.code) + ")";
@@ -168,8 +178,11 @@ HookRun RunHooks(const HookSettings& settings, const std::function<void(const Ho
   }
   const UniqueFd report = MakeReport();
   FlushOutput();
-  const host::ChildOutcome outcome =
-      host::RunWithFixedPaths(settings.device.Root(), [&] { return RunChild(settings, report.get(), body); });
+  const auto tell = [&] {
+    if (settings.tells_in_place) TellWorkingInPlace();
+  };
+  const host::ChildOutcome outcome = host::RunWithFixedPaths(
+      settings.device.Root(), [&] { return RunChild(settings, report.get(), body); }, tell);
   HookRun run = ReadHookReport(ReadAll(report.get()), InWords(outcome));
   const bool failed = outcome.signalled || outcome.code != 0;
   const bool explained = !run.problem.empty() || (!run.results.empty() && !run.results.back().message.empty());

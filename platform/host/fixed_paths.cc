@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <cstdio>
 #include <optional>
 
 #include "platform/host/child_process.h"
@@ -76,7 +75,6 @@ ChildOutcome RunInNamespace(FixedPathsMethod method, const fs::path& root, const
 ChildOutcome RunInPlace(const fs::path& root, const std::function<int()>& body) {
   const InPlaceTurn turn;  // waits, and may be interrupted while it does
   const HeldSignals signals;
-  std::fprintf(stderr, "orvelbox: no namespaces here: working in place on %s and %s\n", kPlatformAssemblies, kUserArea);
   const InPlaceLinks links(turn, root);
   return RunChild(
       signals, [] {}, body);
@@ -94,7 +92,8 @@ FixedPathsMethod AvailableFixedPathsMethod(std::string* reason) {
   return MethodWithoutNamespaces(*refusal, reason);
 }
 
-ChildOutcome RunWithFixedPaths(const fs::path& root, const std::function<int()>& body) {
+ChildOutcome RunWithFixedPaths(const fs::path& root, const std::function<int()>& body,
+                               const std::function<void()>& before_in_place) {
   std::error_code error;
   const fs::path canonical = fs::canonical(root, error);
   CheckRoot(error ? root : canonical);
@@ -104,6 +103,7 @@ ChildOutcome RunWithFixedPaths(const fs::path& root, const std::function<int()>&
     case FixedPathsMethod::kNone:
       throw DeviceError(reason);
     case FixedPathsMethod::kInPlace:
+      before_in_place();
       return RunInPlace(canonical, body);
     default:
       return RunInNamespace(method, canonical, body);

@@ -15,6 +15,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::MatchesRegex;
 using testing::Not;
 
 void ForEachCommand(const CommandFacts& program, const std::function<void(const CommandFacts&)>& look) {
@@ -48,6 +49,16 @@ TEST(Manual, every_command_has_an_example_that_calls_it) {
     EXPECT_THAT(command.description, Not(IsEmpty())) << command.name;
   });
   EXPECT_GE(commands, 19);
+}
+
+// Releases of CLI11 differ in what they take for a name of an argument; these are taken by all.
+TEST(Manual, every_name_is_a_plain_word) {
+  const CommandFacts program = DescribeProgram();
+  for (const OptionFacts& option : program.options) EXPECT_THAT(option.name, MatchesRegex("--[a-z]+"));
+  ForEachCommand(program, [](const CommandFacts& command) {
+    for (const OptionFacts& option : command.options) EXPECT_THAT(option.name, MatchesRegex("--[a-z]+"));
+    for (const OptionFacts& argument : command.arguments) EXPECT_THAT(argument.name, MatchesRegex("[A-Z|]+"));
+  });
 }
 
 // The option of the command "log".

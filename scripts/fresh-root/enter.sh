@@ -1,6 +1,6 @@
 #!/bin/sh
-# enter.sh ROOT COMMAND…: runs COMMAND with the directory ROOT as its root file system. To be started in mount and pid
-# namespaces of its own.
+# enter.sh ROOT COMMAND…: runs COMMAND in /material of the root file system in the directory ROOT. To be started in mount
+# and pid namespaces of its own.
 set -eu
 
 root=$1
@@ -17,8 +17,12 @@ for device in null zero full random urandom; do
   : >"dev/$device"
   mount --bind "/dev/$device" "dev/$device"
 done
+mkdir dev/pts
+mount -t devpts -o newinstance,ptmxmode=0666 devpts dev/pts
+ln -s pts/ptmx dev/ptmx
 ln -s /proc/self/fd dev/fd
 pivot_root . .outside
-cd /
+cd /material
 umount -l /.outside
-exec env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive "$@"
+exec env -i PATH=/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 \
+  DEBIAN_FRONTEND=noninteractive "$@"
