@@ -5,11 +5,10 @@
 #include <nlohmann/json.hpp>
 
 #include "orvelbox/check/project_lines.h"
+#include "orvelbox/desk/json.h"
 
 namespace orvelbox {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 constexpr const char* kKept = "kept";
 constexpr const char* kReported = "reported";
@@ -88,7 +87,7 @@ std::string ToJson(const CheckedPackage& package) {
     for (const CheckedDll& dll : package.dlls) json["dlls"].push_back(ToJson(dll));
     if (const auto lines = ProjectLines(package); !lines.empty()) json["project_lines"] = lines;
   }
-  return json.dump(-1, ' ', true, Json::error_handler_t::replace);
+  return OneLine(json);
 }
 
 CheckedPackage CheckedPackageFromJson(const std::string& line) {

@@ -15,7 +15,7 @@ std::size_t Count(const CheckedPackage& package, Verdict verdict) {
 }
 
 std::string Headline(const CheckedPackage& package) {
-  std::string name = package.id + (package.version.empty() ? "" : " " + package.version);
+  const std::string name = WithVersion(package.id, package.version);
   if (package.dlls.empty()) return package.name + ": " + name + ": no DLLs";
   return package.name + ": " + name + ": of " + std::to_string(package.dlls.size()) + " DLLs " +
          std::to_string(Count(package, Verdict::kRemoved)) + " would be removed, " +

@@ -105,7 +105,7 @@ int Show(const Options& options) {
 int VerifyCaches(const host::Device& device, bool json) {
   const std::vector<host::Package> packages = ReadStore(device).List();
   std::vector<CacheFinding> findings = FindPrefixHazards(packages);
-  for (const char* name : {"TPA.txt", "CoBA.txt"}) {
+  for (const char* name : kCacheFiles) {
     const auto more = VerifyCache(name, ReadCache(device, name), packages,
                                   [&](const std::string& path) { return IsThere(device.OnDesk(path)); });
     findings.insert(findings.end(), more.begin(), more.end());
@@ -122,13 +122,13 @@ int VerifyCaches(const host::Device& device, bool json) {
 int Cache(const Options& options) {
   const host::Device device = OpenNamed(options);
   if (options.verify) return VerifyCaches(device, options.json);
-  const CacheText tpa = ReadCache(device, "TPA.txt");
-  const CacheText coba = ReadCache(device, "CoBA.txt");
+  const CacheText tpa = ReadCache(device, kTpaFile);
+  const CacheText coba = ReadCache(device, kCobaFile);
   if (options.json) {
     SayColoured(CachesJson(tpa, coba));
   } else {
-    SayAll(DescribeCache("TPA.txt", tpa));
-    SayAll(DescribeCache("CoBA.txt", coba));
+    SayAll(DescribeCache(kTpaFile, tpa));
+    SayAll(DescribeCache(kCobaFile, coba));
   }
   return kDone;
 }

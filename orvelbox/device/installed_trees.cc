@@ -235,4 +235,9 @@ std::vector<std::string> PackageArea::Mend() const {
   return mended;
 }
 
+host::Package FindInstalled(const host::PackageStore& store, const std::string& package_id) {
+  if (auto package = store.Find(package_id)) return *std::move(package);
+  throw host::DeviceError(package_id + ": not installed; see what is with: orvelbox list");
+}
+
 }  // namespace orvelbox

@@ -85,6 +85,9 @@ class PackageArea {
   PendingNote note_;
 };
 
+// The record of an installed package in `store`. Throws host::DeviceError when it is not installed.
+host::Package FindInstalled(const host::PackageStore& store, const std::string& package_id);
+
 }  // namespace orvelbox
 
 #endif

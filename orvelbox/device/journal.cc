@@ -7,7 +7,7 @@
 
 #include "orvelbox/desk/tree.h"
 #include "orvelbox/desk/with_rollback.h"
-#include "orvelbox/operations/effects.h"
+#include "orvelbox/device/cache_text.h"
 #include "platform/host/files.h"
 
 namespace fs = std::filesystem;
@@ -17,7 +17,6 @@ namespace {
 
 constexpr const char* kBegun = "begun";
 constexpr const char* kDecided = "decided";
-constexpr const char* kCacheNames[] = {"TPA.txt", "CoBA.txt"};
 
 constexpr std::array<std::pair<Operation, const char*>, 3> kOperations = {
     {{Operation::kInstall, "install"}, {Operation::kUpgrade, "upgrade"}, {Operation::kUninstall, "uninstall"}}};
@@ -49,7 +48,7 @@ void PendingNote::Begin(Operation operation, const std::string& package_id) cons
     RemoveTree(Workshop());
     MakeDirectory(Workshop());
     host::CreateFile(Workshop() / kBegun, std::string(NameOf(operation)) + " " + package_id);
-    for (const char* name : kCacheNames) {
+    for (const char* name : kCacheFiles) {
       if (const CacheText text = ReadCache(device_, name)) host::CreateFile(Workshop() / name, *text);
     }
     Move(Workshop(), Directory());
@@ -63,10 +62,10 @@ void PendingNote::Decide() const {
 
 // The copies themselves go there: that takes one step each, and no disk space. A copy that is gone has done its work.
 void PendingNote::RestoreCaches() const {
-  for (const char* name : kCacheNames) {
+  for (const char* name : kCacheFiles) {
     const fs::path copy = Directory() / name;
     if (IsThere(copy) && ReadCache(device_, name) != host::ReadFile(copy)) {
-      Move(copy, device_.OnDesk(host::kCacheDirectory) / name);
+      Move(copy, device_.OnDesk(kCacheDirectory) / name);
     }
   }
 }

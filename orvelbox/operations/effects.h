@@ -45,9 +45,6 @@ struct Observation {
   std::string loader_error;  // of the last start, when log.restart_failed
 };
 
-// The whole text of a cache file ("TPA.txt" or "CoBA.txt"). Throws host::DeviceError when it cannot be read.
-CacheText ReadCache(const host::Device& device, const std::string& name);
-
 Snapshot TakeSnapshot(const host::Device& device);
 Observation Observe(const host::Device& device, const Snapshot& before, HookRun hooks);
 

@@ -13,6 +13,7 @@
 #include <cstring>
 #include <memory>
 
+#include "base/affix.h"
 #include "orvelbox/desk/output.h"
 #include "platform/host/files.h"
 #include "platform/host/fixed_paths.h"
@@ -112,7 +113,7 @@ std::string InWords(const host::ChildOutcome& outcome) {
 
 // Takes `prefix` off the front of `line`; false when it is not there.
 bool Take(std::string_view& line, std::string_view prefix) {
-  if (line.substr(0, prefix.size()) != prefix) return false;
+  if (!HasPrefix(line, prefix)) return false;
   line.remove_prefix(prefix.size());
   return true;
 }

@@ -5,6 +5,7 @@
 #include <functional>
 #include <nlohmann/json.hpp>
 
+#include "orvelbox/desk/json.h"
 #include "orvelbox/desk/output.h"
 #include "orvelbox/device/state.h"
 #include "orvelbox/operations/operations.h"
@@ -142,14 +143,13 @@ Lines DescribeLife(const Life& life) {
 }
 
 std::string ToJson(const Life& life) {
-  using Json = nlohmann::ordered_json;
   Json json = {{"package", life.package}, {"sound", life.Sound()}, {"steps", Json::array()}};
   for (const LifeStep& step : life.steps) {
     json["steps"].push_back({{"step", step.name},
                              {"problem", step.problem.empty() ? Json() : Json(step.problem)},
                              {"differences", step.differences}});
   }
-  return json.dump(-1, ' ', true, Json::error_handler_t::replace);
+  return OneLine(json);
 }
 
 }  // namespace orvelbox

@@ -19,9 +19,4 @@ host::PackageStore Session::OpenStore() const {
 
 host::Package Session::Installed(const std::string& package_id) const { return FindInstalled(OpenStore(), package_id); }
 
-host::Package FindInstalled(const host::PackageStore& store, const std::string& package_id) {
-  if (auto package = store.Find(package_id)) return *std::move(package);
-  throw host::DeviceError(package_id + ": not installed; see what is with: orvelbox list");
-}
-
 }  // namespace orvelbox

@@ -12,7 +12,7 @@
 #include <iostream>
 #include <string>
 
-#include "platform/host/device.h"
+#include "platform/host/device_error.h"
 #include "platform/host/files.h"
 #include "platform/host/unique_fd.h"
 

@@ -9,7 +9,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "platform/host/device.h"
+#include "platform/host/device_error.h"
 #include "platform/host/unique_fd.h"
 
 namespace host {

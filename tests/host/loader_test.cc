@@ -114,7 +114,7 @@ TEST(LoaderRecord, a_damaged_record_begins_anew) {
 TEST(RestartLoader, starts_the_loader_on_the_device) {
   const samples::EnvironmentDevice device;
   support::WriteFile(device.device().OnDesk("/opt/usr/globalapps/p/shared/res/X.dll"));
-  support::WriteFile(device.device().OnDesk(host::kCacheDirectory) / "TPA.txt",
+  support::WriteFile(device.device().OnDesk(kCacheDirectory) / "TPA.txt",
                      "[START]:/opt/usr/globalapps/p/shared/res/X.dll[END]");
   support::WithFixedPaths(device.device().Root(), [&] {
     EXPECT_EQ(0, aul_restart_loader("dotnet-loader-inhouse"));
@@ -129,7 +129,7 @@ TEST(RestartLoader, starts_the_loader_on_the_device) {
 
 TEST(RestartLoader, a_loader_that_cannot_start_is_a_failure_told_in_one_line) {
   const samples::EnvironmentDevice device;
-  fs::remove(device.device().OnDesk(host::kCacheDirectory) / "CoBA.txt");
+  fs::remove(device.device().OnDesk(kCacheDirectory) / "CoBA.txt");
   support::WithFixedPaths(device.device().Root(), [&] {
     int result = 0;
     const std::string errors = support::StandardErrorOf([&] { result = aul_restart_loader("dotnet-loader-inhouse"); });

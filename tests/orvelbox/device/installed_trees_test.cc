@@ -38,7 +38,7 @@ class PackageAreaTest : public testing::Test {
     area_.KeepAddition();
   }
   std::string Cache() const { return support::ReadFile(CacheFile()); }
-  std::string CacheFile() const { return (device_.OnDesk(host::kCacheDirectory) / "TPA.txt").string(); }
+  std::string CacheFile() const { return (device_.OnDesk(kCacheDirectory) / "TPA.txt").string(); }
   void ExpectNothingOfIt() const {
     EXPECT_EQ(RegisteredVersion(), "none");
     EXPECT_THAT(support::NamesIn(Installed("")), IsEmpty());
