@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "orvelbox/check/package_checker.h"
+#include "orvelbox/check/package_json.h"
 #include "orvelbox/check/process_pool.h"
 #include "orvelbox/check/result.h"
 #include "orvelbox/check/sarif.h"
