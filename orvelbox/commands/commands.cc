@@ -179,13 +179,14 @@ int TestPackage(const Options& options) {
   const Activity activity(options.command, !options.quiet);
   HookSettings settings = SettingsOf(options, MakeThrowAway(options, scratch.path() / "device"));
   settings.quiet = true;
-  const Life life = LiveThrough(settings, options.target, options.upgrade.empty() ? options.target : options.upgrade);
+  const Lifecycle life =
+      RunLifecycle(settings, options.target, options.upgrade.empty() ? options.target : options.upgrade);
   if (options.json) {
     SayColoured(ToJson(life));
   } else {
-    SayAll(DescribeLife(life));
+    SayAll(DescribeLifecycle(life));
   }
-  return life.Sound() ? kDone : kFailed;
+  return life.Passed() ? kDone : kFailed;
 }
 
 int CheckPackages(const Options& options) {
@@ -196,7 +197,7 @@ int CheckPackages(const Options& options) {
 }
 
 int ChangeWithPackage(const Session& session, const fs::path& package, int (*change)(const Session&, const fs::path&)) {
-  const Scratch scratch{session.area().Unpacking(), [&] { session.area().RemoveUnpacked(); }};
+  const UnpackPlace scratch{session.trees().Unpacking(), [&] { session.trees().RemoveUnpacked(); }};
   return WithPackage(package, scratch, [&](const fs::path& directory) { return change(session, directory); });
 }
 

@@ -45,8 +45,8 @@ Snapshot TakeSnapshot(const host::Device& device) {
   return {LogSize(device), ReadCache(device, kTpaFile), ReadCache(device, kCobaFile), ReadLoaderState(device)};
 }
 
-Observation Observe(const host::Device& device, const Snapshot& before, HookRun hooks) {
-  Observation seen;
+Effects EffectsSince(const host::Device& device, const Snapshot& before, HookRun hooks) {
+  Effects seen;
   seen.hooks = std::move(hooks);
   seen.log = InterpretLog(ParseLog(ReadLogFrom(device, before.log_size)));
   seen.dlls = FatesOf(device, seen.log.duplicates);

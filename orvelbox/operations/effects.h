@@ -35,7 +35,7 @@ struct DllFate {
   bool information_file = false;  // "…_deleted" beside it
 };
 
-struct Observation {
+struct Effects {
   HookRun hooks;
   LogFacts log;
   std::vector<DllFate> dlls;  // ordered by path
@@ -46,7 +46,7 @@ struct Observation {
 };
 
 Snapshot TakeSnapshot(const host::Device& device);
-Observation Observe(const host::Device& device, const Snapshot& before, HookRun hooks);
+Effects EffectsSince(const host::Device& device, const Snapshot& before, HookRun hooks);
 
 // Reads the text of the loader's record; a damaged one says nothing.
 LoaderState ParseLoaderRecord(const std::string& record);

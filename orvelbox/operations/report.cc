@@ -42,7 +42,7 @@ void AddCacheChange(const std::string& name, const CacheChange& change, Lines& l
   for (std::size_t i = 0; i < texts.size(); ++i) lines.push_back(Line(i == 0 ? name : "", texts[i]));
 }
 
-std::string DescribeLoader(const Observation& seen) {
+std::string DescribeLoader(const Effects& seen) {
   if (seen.log.restart_failed) {
     return Line("loader", "restart failed: " + (seen.loader_error.empty() ? "see the log" : seen.loader_error));
   }
@@ -74,7 +74,7 @@ Lines DescribeHooksByPackage(const HookRun& hooks) {
   return lines;
 }
 
-Lines DescribeEffects(const Observation& seen, const std::string& root) {
+Lines DescribeEffects(const Effects& seen, const std::string& root) {
   Lines lines;
   if (seen.log.not_inhouse) {
     lines.push_back(
@@ -88,7 +88,7 @@ Lines DescribeEffects(const Observation& seen, const std::string& root) {
   return lines;
 }
 
-Lines ExplainDebuggingFailure(const Observation& seen, const std::string& root) {
+Lines ExplainDebuggingFailure(const Effects& seen, const std::string& root) {
   if (seen.log.guide.empty()) return {};
   Lines lines = {
       "    The package is under debugging (it holds the app-debugging privilege); the install of such a package",
@@ -100,7 +100,7 @@ Lines ExplainDebuggingFailure(const Observation& seen, const std::string& root) 
   return lines;
 }
 
-std::string ReasonOfFailure(const Observation& seen) {
+std::string ReasonOfFailure(const Effects& seen) {
   if (!seen.hooks.problem.empty()) return seen.hooks.problem;
   if (!seen.log.guide.empty()) {
     return "the package is under debugging and " +

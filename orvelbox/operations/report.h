@@ -15,14 +15,14 @@ std::string DescribeHooks(const HookRun& hooks);
 Lines DescribeHooksByPackage(const HookRun& hooks);
 
 // What the operation did: DLLs, cache files, loader, errors. Paths below `root` (may be empty) are shown from there.
-Lines DescribeEffects(const Observation& seen, const std::string& root);
+Lines DescribeEffects(const Effects& seen, const std::string& root);
 
 // Why the install of a package under debugging failed, and what has to leave the package. Empty when the plug-in did
 // not fail it for its duplicates.
-Lines ExplainDebuggingFailure(const Observation& seen, const std::string& root);
+Lines ExplainDebuggingFailure(const Effects& seen, const std::string& root);
 
 // In a few words why an operation failed; empty when it did not.
-std::string ReasonOfFailure(const Observation& seen);
+std::string ReasonOfFailure(const Effects& seen);
 
 }  // namespace orvelbox
 

@@ -8,9 +8,9 @@ namespace orvelbox {
 Session::Session(HookSettings settings)
     : settings_(std::move(settings)),
       lock_(settings_.device),
-      area_(settings_.device, host::ReadConfig(settings_.device)) {
+      trees_(settings_.device, host::ReadConfig(settings_.device)) {
   OpenStore();
-  for (const std::string& line : area_.Mend()) Say(line);
+  for (const std::string& line : trees_.Mend()) Say(line);
 }
 
 host::PackageStore Session::OpenStore() const {
