@@ -7,6 +7,7 @@
 
 #include "base/affix.h"
 #include "orvelbox/check/package_checker.h"
+#include "orvelbox/check/package_json.h"
 #include "orvelbox/check/process_pool.h"
 #include "orvelbox/check/result.h"
 #include "orvelbox/check/sarif.h"
@@ -32,13 +33,13 @@ constexpr int kUnreadable = 2;
 // Of an archive only these are needed; the other files count by name.
 bool IsNeeded(const std::string& path) { return path == kManifestName || IsAssemblyName(path); }
 
-Scratch ScratchAt(const fs::path& directory) {
+UnpackPlace PlaceAt(const fs::path& directory) {
   return {directory, [directory] { RemoveTree(directory); }, IsNeeded};
 }
 
 // Adds the CoBA package, which stays unpacked at `scratch` when it is an archive.
 void AddCobaPackage(const fs::path& package, const fs::path& scratch, PlatformSet& set) {
-  Scratch place = ScratchAt(scratch);
+  UnpackPlace place = PlaceAt(scratch);
   place.remove = [] {};
   WithPackage(package, place, [&](const fs::path& directory) {
     const host::Package described = ReadManifest(directory).package;
@@ -64,7 +65,7 @@ PlatformSet CollectSet(const CheckOptions& options, const fs::path& device, cons
 std::string CheckOne(PackageChecker& checker, const fs::path& package, const fs::path& scratch) {
   CheckedPackage result;
   try {
-    WithPackage(package, ScratchAt(scratch), [&](const fs::path& directory) {
+    WithPackage(package, PlaceAt(scratch), [&](const fs::path& directory) {
       result = checker.Check(directory);
       return 0;
     });
@@ -86,9 +87,9 @@ CheckedPackage ReadResult(const std::string& package, const PieceResult& piece) 
 }
 
 // Tells results as they come, or all together where the format wants it so.
-class Teller {
+class CheckReporter {
  public:
-  explicit Teller(const CheckOptions& options)
+  explicit CheckReporter(const CheckOptions& options)
       : options_(options), progress_("checking", options.packages.size(), !options.quiet) {}
 
   void Tell(CheckedPackage package) {
@@ -124,14 +125,14 @@ int CheckAll(const CheckOptions& options, const fs::path& device) {
   const host::HeldSignals signals;
   const ScratchDirectory scratch;
   PackageChecker checker(CollectSet(options, device, scratch.path()), options.privileges);
-  Teller teller(options);
+  CheckReporter reporter(options);
   const unsigned jobs = options.jobs != 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency());
   RunInProcesses(
       signals, options.packages.size(), jobs,
       [&](std::size_t i) { return CheckOne(checker, options.packages[i], scratch.path() / std::to_string(i)); },
-      [&](std::size_t i, const PieceResult& piece) { teller.Tell(ReadResult(options.packages[i], piece)); },
-      [&](std::size_t finished) { teller.ShowProgress(finished); });
-  return teller.Finish();
+      [&](std::size_t i, const PieceResult& piece) { reporter.Tell(ReadResult(options.packages[i], piece)); },
+      [&](std::size_t finished) { reporter.ShowProgress(finished); });
+  return reporter.Finish();
 }
 
 }  // namespace

@@ -106,7 +106,7 @@ int Show(const Options& options) {
 int VerifyCaches(const host::Device& device, bool json) {
   const std::vector<host::Package> packages = ReadStore(device).List();
   std::vector<CacheFinding> findings = FindPrefixHazards(packages);
-  for (const char* name : {"TPA.txt", "CoBA.txt"}) {
+  for (const char* name : kCacheFiles) {
     const auto more = VerifyCache(name, ReadCache(device, name), packages,
                                   [&](const std::string& path) { return IsThere(device.OnDesk(path)); });
     findings.insert(findings.end(), more.begin(), more.end());
@@ -123,13 +123,13 @@ int VerifyCaches(const host::Device& device, bool json) {
 int Cache(const Options& options) {
   const host::Device device = OpenNamed(options);
   if (options.verify) return VerifyCaches(device, options.json);
-  const CacheText tpa = ReadCache(device, "TPA.txt");
-  const CacheText coba = ReadCache(device, "CoBA.txt");
+  const CacheText tpa = ReadCache(device, kTpaFile);
+  const CacheText coba = ReadCache(device, kCobaFile);
   if (options.json) {
     SayColoured(CachesJson(tpa, coba));
   } else {
-    SayAll(DescribeCache("TPA.txt", tpa));
-    SayAll(DescribeCache("CoBA.txt", coba));
+    SayAll(DescribeCache(kTpaFile, tpa));
+    SayAll(DescribeCache(kCobaFile, coba));
   }
   return kDone;
 }
@@ -180,13 +180,14 @@ int TestPackage(const Options& options) {
   const Activity activity(options.command, !options.quiet);
   HookSettings settings = SettingsOf(options, MakeThrowAway(options, scratch.path() / "device"));
   settings.quiet = true;
-  const Life life = LiveThrough(settings, options.target, options.upgrade.empty() ? options.target : options.upgrade);
+  const Lifecycle life =
+      RunLifecycle(settings, options.target, options.upgrade.empty() ? options.target : options.upgrade);
   if (options.json) {
     SayColoured(ToJson(life));
   } else {
-    SayAll(DescribeLife(life));
+    SayAll(DescribeLifecycle(life));
   }
-  return life.Sound() ? kDone : kFailed;
+  return life.Passed() ? kDone : kFailed;
 }
 
 int CheckPackages(const Options& options) {
@@ -197,7 +198,7 @@ int CheckPackages(const Options& options) {
 }
 
 int ChangeWithPackage(const Session& session, const fs::path& package, int (*change)(const Session&, const fs::path&)) {
-  const Scratch scratch{session.area().Unpacking(), [&] { session.area().RemoveUnpacked(); }};
+  const UnpackPlace scratch{session.trees().Unpacking(), [&] { session.trees().RemoveUnpacked(); }};
   return WithPackage(package, scratch, [&](const fs::path& directory) { return change(session, directory); });
 }
 

@@ -59,7 +59,7 @@ bool SetQuiet(bool wanted) { return std::exchange(quiet, wanted); }
 
 void Say(std::string_view line) { SayColoured(Printable(line)); }
 
-void SayAll(const std::vector<std::string>& lines) {
+void SayAll(const Lines& lines) {
   for (const std::string& line : lines) Say(line);
 }
 

@@ -5,7 +5,8 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
+
+#include "orvelbox/desk/lines.h"
 
 namespace orvelbox {
 
@@ -19,7 +20,7 @@ bool SetQuiet(bool quiet);
 
 // Prints `line`, made printable, and a line feed on standard output.
 void Say(std::string_view line);
-void SayAll(const std::vector<std::string>& lines);
+void SayAll(const Lines& lines);
 // As Say, for a line that is safe already and may hold colour sequences.
 void SayColoured(std::string_view safe_line);
 // Prints "orvelbox: ", `line` made printable, and a line feed on standard error.

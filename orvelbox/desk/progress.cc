@@ -66,7 +66,7 @@ Activity::Activity(std::string action, bool wanted) : action_(std::move(action))
   if (!wanted || isatty(STDERR_FILENO) != 1) return;
   WithoutSignals([&] {
     try {
-      teller_ = std::thread([this] { Tell(); });
+      thread_ = std::thread([this] { Tell(); });
       current = this;
     } catch (const std::system_error&) {
       // The work matters more than its line.
@@ -96,14 +96,14 @@ void Activity::Tell() {
 }
 
 void Activity::Stop() {
-  if (!teller_.joinable()) return;
+  if (!thread_.joinable()) return;
   current = nullptr;
   {
     const std::lock_guard lock(mutex_);
     stopped_ = true;
   }
   stop_.notify_one();
-  teller_.join();
+  thread_.join();
 }
 
 }  // namespace orvelbox

@@ -62,7 +62,7 @@ class Activity {
   std::mutex mutex_;
   std::condition_variable stop_;
   bool stopped_ = false;
-  std::thread teller_;
+  std::thread thread_;
 };
 
 }  // namespace orvelbox

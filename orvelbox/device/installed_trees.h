@@ -22,9 +22,9 @@
 namespace orvelbox {
 
 // Every function throws host::DeviceError. None of them keeps the package database open.
-class PackageArea {
+class InstalledTrees {
  public:
-  PackageArea(host::Device device, const host::DeviceConfig& config);
+  InstalledTrees(host::Device device, const host::DeviceConfig& config);
 
   // Where the tree of a new package is to stand on the device.
   std::string RootOnDevice(const std::string& package_id) const;
@@ -82,8 +82,11 @@ class PackageArea {
 
   host::Device device_;
   std::string root_;  // on the device
-  PendingNote note_;
+  Journal journal_;
 };
+
+// The record of an installed package in `store`. Throws host::DeviceError when it is not installed.
+host::Package FindInstalled(const host::PackageStore& store, const std::string& package_id);
 
 }  // namespace orvelbox
 

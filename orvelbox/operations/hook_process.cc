@@ -14,6 +14,7 @@
 #include <memory>
 #include <utility>
 
+#include "base/affix.h"
 #include "base/unique_fd.h"
 #include "orvelbox/desk/output.h"
 #include "platform/host/files.h"
@@ -122,7 +123,7 @@ std::string InWords(const host::ChildOutcome& outcome) {
 
 // Takes `prefix` off the front of `line`; false when it is not there.
 bool Take(std::string_view& line, std::string_view prefix) {
-  if (line.substr(0, prefix.size()) != prefix) return false;
+  if (!HasPrefix(line, prefix)) return false;
   line.remove_prefix(prefix.size());
   return true;
 }

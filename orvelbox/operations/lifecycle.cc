@@ -5,6 +5,7 @@
 #include <functional>
 #include <nlohmann/json.hpp>
 
+#include "orvelbox/desk/json.h"
 #include "orvelbox/desk/output.h"
 #include "orvelbox/device/state.h"
 #include "orvelbox/operations/operations.h"
@@ -28,13 +29,13 @@ class Silence {
   bool before_;
 };
 
-class LifeRun {
+class LifecycleRun {
  public:
-  explicit LifeRun(const HookSettings& settings) : session_(settings) {}
+  explicit LifecycleRun(const HookSettings& settings) : session_(settings) {}
 
   // The id of the package that lives.
   void ReadId(const fs::path& package) {
-    Scratch unpacked = Unpacked();
+    UnpackPlace unpacked = Unpacked();
     unpacked.wanted = [](const std::string& path) { return path == kManifestName; };
     WithPackage(package, unpacked, [&](const fs::path& directory) {
       id_ = ReadManifest(directory).package.id;
@@ -44,7 +45,7 @@ class LifeRun {
 
   // Does the step; afterwards the device is to be as `expected`, where that is given.
   bool Do(const std::string& name, const std::function<int()>& step, const DeviceState* expected) {
-    LifeStep done{name, "", {}};
+    LifecycleStep done{name, "", {}};
     try {
       const Silence silence;
       if (step() != 0) done.problem = "failed; what the plug-in said stands above";
@@ -70,20 +71,20 @@ class LifeRun {
   int Leave() const { return Uninstall(session_, id_); }
 
   DeviceState State() const { return StateOf(session_.device()); }
-  std::vector<LifeStep> TakeSteps() { return std::move(steps_); }
+  std::vector<LifecycleStep> TakeSteps() { return std::move(steps_); }
 
  private:
-  Scratch Unpacked() const {
-    return {session_.area().Unpacking(), [this] { session_.area().RemoveUnpacked(); }};
+  UnpackPlace Unpacked() const {
+    return {session_.trees().Unpacking(), [this] { session_.trees().RemoveUnpacked(); }};
   }
 
   Session session_;
   std::string id_;
-  std::vector<LifeStep> steps_;
+  std::vector<LifecycleStep> steps_;
 };
 
 // A package that is there, told of these events, is to stay as it is.
-bool StaysAsItIs(LifeRun& run, const std::vector<std::string>& events) {
+bool StaysAsItIs(LifecycleRun& run, const std::vector<std::string>& events) {
   const DeviceState state = run.State();
   return std::all_of(events.begin(), events.end(), [&](const std::string& event) {
     return run.Do(
@@ -91,7 +92,7 @@ bool StaysAsItIs(LifeRun& run, const std::vector<std::string>& events) {
   });
 }
 
-void LiveThrough(LifeRun& run, const fs::path& package, const fs::path& upgrade) {
+void RunLifecycle(LifecycleRun& run, const fs::path& package, const fs::path& upgrade) {
   run.ReadId(package);
   const DeviceState empty = run.State();
   if (!run.Do(
@@ -113,43 +114,42 @@ void LiveThrough(LifeRun& run, const fs::path& package, const fs::path& upgrade)
       "uninstall", [&] { return run.Leave(); }, &empty);
 }
 
-std::string InWords(const LifeStep& step) {
+std::string InWords(const LifecycleStep& step) {
   if (!step.problem.empty()) return step.problem;
   return step.differences.empty() ? "done" : "done, but the device is not as it should be:";
 }
 
 }  // namespace
 
-bool Life::Sound() const {
+bool Lifecycle::Passed() const {
   return std::all_of(steps.begin(), steps.end(),
-                     [](const LifeStep& step) { return step.problem.empty() && step.differences.empty(); });
+                     [](const LifecycleStep& step) { return step.problem.empty() && step.differences.empty(); });
 }
 
-Life LiveThrough(const HookSettings& settings, const fs::path& package, const fs::path& upgrade) {
-  LifeRun run(settings);
-  LiveThrough(run, package, upgrade);
+Lifecycle RunLifecycle(const HookSettings& settings, const fs::path& package, const fs::path& upgrade) {
+  LifecycleRun run(settings);
+  RunLifecycle(run, package, upgrade);
   return {package.string(), run.TakeSteps()};
 }
 
-Lines DescribeLife(const Life& life) {
+Lines DescribeLifecycle(const Lifecycle& life) {
   Lines lines = {life.package + ": " +
-                 (life.Sound() ? "lived through without a trace" : "left traces, or failed; see the steps")};
-  for (const LifeStep& step : life.steps) {
+                 (life.Passed() ? "lived through without a trace" : "left traces, or failed; see the steps")};
+  for (const LifecycleStep& step : life.steps) {
     lines.push_back("    " + step.name + ": " + InWords(step));
     for (const std::string& difference : step.differences) lines.push_back("      " + difference);
   }
   return lines;
 }
 
-std::string ToJson(const Life& life) {
-  using Json = nlohmann::ordered_json;
-  Json json = {{"package", life.package}, {"sound", life.Sound()}, {"steps", Json::array()}};
-  for (const LifeStep& step : life.steps) {
+std::string ToJson(const Lifecycle& life) {
+  Json json = {{"package", life.package}, {"sound", life.Passed()}, {"steps", Json::array()}};
+  for (const LifecycleStep& step : life.steps) {
     json["steps"].push_back({{"step", step.name},
                              {"problem", step.problem.empty() ? Json() : Json(step.problem)},
                              {"differences", step.differences}});
   }
-  return json.dump(-1, ' ', true, Json::error_handler_t::replace);
+  return OneLine(json);
 }
 
 }  // namespace orvelbox

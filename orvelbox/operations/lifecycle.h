@@ -12,29 +12,29 @@
 namespace orvelbox {
 
 // One step of the life.
-struct LifeStep {
+struct LifecycleStep {
   std::string name;
   std::string problem;                   // why it failed; empty otherwise
   std::vector<std::string> differences;  // what it changed of that which it should have left, or brought back
 };
 
-struct Life {
+struct Lifecycle {
   std::string package;  // as asked for
-  std::vector<LifeStep> steps;
+  std::vector<LifecycleStep> steps;
 
   // Every step was done, and nothing was left behind or lost.
-  bool Sound() const;
+  bool Passed() const;
 };
 
 // Lives through install, clean, undo, recovery, an upgrade to `upgrade` (may be the same package), clean, recovery and
 // uninstall; it ends early at a step that fails. Packages are directories or archives. `settings` names the device,
 // which is changed, and had better be a throw-away one. Throws host::DeviceError when the device cannot be used.
-Life LiveThrough(const HookSettings& settings, const std::filesystem::path& package,
-                 const std::filesystem::path& upgrade);
+Lifecycle RunLifecycle(const HookSettings& settings, const std::filesystem::path& package,
+                       const std::filesystem::path& upgrade);
 
-Lines DescribeLife(const Life& life);
+Lines DescribeLifecycle(const Lifecycle& life);
 // One JSON object.
-std::string ToJson(const Life& life);
+std::string ToJson(const Lifecycle& life);
 
 }  // namespace orvelbox
 

@@ -35,47 +35,47 @@ HookRun CallInstallHooks(const Session& session, const std::string& main_hook, c
   });
 }
 
-Observation ObserveInstallHooks(const Session& session, const std::string& main_hook, const Manifest& manifest) {
+Effects ObserveInstallHooks(const Session& session, const std::string& main_hook, const Manifest& manifest) {
   const Snapshot before = TakeSnapshot(session.device());
-  return Observe(session.device(), before, CallInstallHooks(session, main_hook, manifest));
+  return EffectsSince(session.device(), before, CallInstallHooks(session, main_hook, manifest));
 }
 
 void SayHooks(const HookRun& hooks) {
   if (!hooks.results.empty()) Say("    " + DescribeHooks(hooks));
 }
 
-void SayDone(const std::string& headline, const Observation& seen, const std::string& root) {
+void SayDone(const std::string& headline, const Effects& seen, const std::string& root) {
   Say(headline);
   SayHooks(seen.hooks);
   SayAll(DescribeEffects(seen, root));
 }
 
-int ComplainOf(const std::string& command, const host::Package& package, const Observation& seen) {
+int ComplainOf(const std::string& command, const host::Package& package, const Effects& seen) {
   Complain(package.id + ": " + command + " failed, " + ReasonOfFailure(seen));
   return 1;
 }
 
 // For an operation that was taken back: what it had changed is gone, so only the reasons are told.
-void SayTakenBack(const std::string& headline, const Observation& seen, const std::string& root) {
+void SayTakenBack(const std::string& headline, const Effects& seen, const std::string& root) {
   Say(headline);
   SayHooks(seen.hooks);
   SayAll(ExplainDebuggingFailure(seen, root));
 }
 
-Observation ObserveHooks(const Session& session, const std::function<void(const HookCaller&)>& calls) {
+Effects ObserveHooks(const Session& session, const std::function<void(const HookCaller&)>& calls) {
   const Snapshot before = TakeSnapshot(session.device());
-  return Observe(session.device(), before, RunHooks(session.settings(), calls));
+  return EffectsSince(session.device(), before, RunHooks(session.settings(), calls));
 }
 
 // Calls `hooks` for an installed package, with the manifest that it was installed with.
-Observation ObserveHooks(const Session& session, const host::Package& package, const std::vector<std::string>& hooks) {
-  const Manifest manifest = ReadManifest(session.area().Place(package));
+Effects ObserveHooks(const Session& session, const host::Package& package, const std::vector<std::string>& hooks) {
+  const Manifest manifest = ReadManifest(session.trees().Place(package));
   return ObserveHooks(session, [&](const HookCaller& call) {
     for (const std::string& hook : hooks) call(hook, manifest.document.get(), package.id);
   });
 }
 
-void SayFailed(const std::string& headline, const Observation& seen, const std::string& root) {
+void SayFailed(const std::string& headline, const Effects& seen, const std::string& root) {
   SayDone(headline, seen, root);
   SayAll(ExplainDebuggingFailure(seen, root));
 }
@@ -84,21 +84,21 @@ void SayFailed(const std::string& headline, const Observation& seen, const std::
 
 int Install(const Session& session, const std::filesystem::path& directory) {
   const Manifest manifest = ReadManifest(directory);
-  const host::Package package = PlacedAt(manifest.package, session.area().RootOnDevice(manifest.package.id));
+  const host::Package package = PlacedAt(manifest.package, session.trees().RootOnDevice(manifest.package.id));
   const std::string file = (directory / kManifestName).string();
   if (session.OpenStore().Find(package.id)) {
     throw host::DeviceError(file + ": package " + package.id + " is installed already; use upgrade, or uninstall it");
   }
   RequireOwnApplications(session.OpenStore(), package, file);
-  session.area().Add(directory, package);
-  const Observation seen = Attempt([&] { return ObserveInstallHooks(session, "INSTALL", manifest); },
-                                   [&] { session.area().TakeBackAddition(package); });
+  session.trees().Add(directory, package);
+  const Effects seen = WithRollback([&] { return ObserveInstallHooks(session, "INSTALL", manifest); },
+                                    [&] { session.trees().TakeBackAddition(package); });
   if (seen.hooks.Succeeded()) {
-    session.area().KeepAddition();
+    session.trees().KeepAddition();
     SayDone("installed " + Named(package) + " (" + package.root + ")", seen, package.root);
     return 0;
   }
-  session.area().TakeBackAddition(package);
+  session.trees().TakeBackAddition(package);
   SayTakenBack("not installed: " + Named(package), seen, package.root);
   return ComplainOf("install", package, seen);
 }
@@ -112,34 +112,34 @@ int Upgrade(const Session& session, const std::filesystem::path& directory) {
   }
   const host::Package package = PlacedAt(manifest.package, installed->root);
   RequireOwnApplications(session.OpenStore(), package, file);
-  session.area().Replace(directory, package, *installed);
-  const Observation seen = Attempt([&] { return ObserveInstallHooks(session, "UPGRADE", manifest); },
-                                   [&] { session.area().RestorePrevious(*installed); });
+  session.trees().Replace(directory, package, *installed);
+  const Effects seen = WithRollback([&] { return ObserveInstallHooks(session, "UPGRADE", manifest); },
+                                    [&] { session.trees().RestorePrevious(*installed); });
   const std::string versions = Named(*installed) + " to " + package.version;
   if (seen.hooks.Succeeded()) {
-    session.area().KeepUpgrade(package.id);
+    session.trees().KeepUpgrade(package.id);
     SayDone("upgraded " + versions + " (" + package.root + ")", seen, package.root);
     return 0;
   }
-  session.area().RestorePrevious(*installed);
+  session.trees().RestorePrevious(*installed);
   SayTakenBack("not upgraded: " + versions + "; the version before is in place again", seen, package.root);
   return ComplainOf("upgrade", package, seen);
 }
 
 int Uninstall(const Session& session, const std::string& package_id) {
   const host::Package package = session.Installed(package_id);
-  session.area().BeginRemoval(package.id);
-  const Observation seen = Attempt(
+  session.trees().BeginRemoval(package.id);
+  const Effects seen = WithRollback(
       [&] {
         return ObserveHooks(session, package, {"UNINSTALL", "CLEAN"});
       },
-      [&] { session.area().TakeBackRemoval(); });
+      [&] { session.trees().TakeBackRemoval(); });
   if (!seen.hooks.Succeeded()) {
-    session.area().AbandonRemoval();
+    session.trees().AbandonRemoval();
     SayFailed("not uninstalled: " + Named(package) + "; it stays installed", seen, package.root);
     return ComplainOf("uninstall", package, seen);
   }
-  session.area().Remove(package);
+  session.trees().Remove(package);
   SayDone("uninstalled " + Named(package), seen, package.root);
   return 0;
 }
@@ -165,7 +165,7 @@ const std::vector<PackageEvent>& PackageEvents() {
 
 int RunPackageEvent(const Session& session, const PackageEvent& event, const std::string& package_id) {
   const host::Package package = session.Installed(package_id);
-  const Observation seen = ObserveHooks(session, package, event.hooks);
+  const Effects seen = ObserveHooks(session, package, event.hooks);
   if (!seen.hooks.Succeeded()) {
     SayFailed(std::string("not done: ") + event.command + " " + Named(package), seen, package.root);
     return ComplainOf(event.command, package, seen);
@@ -191,9 +191,9 @@ int RunRawEvents(const Session& session, const std::vector<RawEvent>& events) {
   std::map<std::string, Manifest> manifests;
   for (const RawEvent& event : events) {
     const host::Package package = session.Installed(event.package_id);
-    manifests.insert_or_assign(package.id, ReadManifest(session.area().Place(package)));
+    manifests.insert_or_assign(package.id, ReadManifest(session.trees().Place(package)));
   }
-  const Observation seen = ObserveHooks(session, [&](const HookCaller& call) {
+  const Effects seen = ObserveHooks(session, [&](const HookCaller& call) {
     for (const RawEvent& event : events) call(event.hook, manifests[event.package_id].document.get(), event.package_id);
   });
   SayAll(DescribeHooksByPackage(seen.hooks));

@@ -16,7 +16,7 @@ class Session {
 
   const host::Device& device() const { return settings_.device; }
   const HookSettings& settings() const { return settings_; }
-  const PackageArea& area() const { return area_; }
+  const InstalledTrees& trees() const { return trees_; }
 
   host::PackageStore OpenStore() const;
   // The record of an installed package. Throws host::DeviceError when it is not installed.
@@ -25,11 +25,8 @@ class Session {
  private:
   HookSettings settings_;
   DeviceLock lock_;
-  PackageArea area_;
+  InstalledTrees trees_;
 };
-
-// The record of an installed package in `store`. Throws host::DeviceError when it is not installed.
-host::Package FindInstalled(const host::PackageStore& store, const std::string& package_id);
 
 }  // namespace orvelbox
 

@@ -18,13 +18,13 @@ std::string Replaced(std::string text, const std::string& from, const std::strin
   return text;
 }
 
-int WithArchive(const fs::path& archive, const Scratch& scratch, const std::function<int(const fs::path&)>& work) {
+int WithArchive(const fs::path& archive, const UnpackPlace& scratch, const std::function<int(const fs::path&)>& work) {
   const auto unpack_and_work = [&] {
     Unpack(archive, scratch.directory, {}, scratch.wanted);
     return work(scratch.directory);
   };
   try {
-    const int result = Attempt(unpack_and_work, scratch.remove);
+    const int result = WithRollback(unpack_and_work, scratch.remove);
     scratch.remove();
     return result;
   } catch (const host::DeviceError& error) {
@@ -34,7 +34,7 @@ int WithArchive(const fs::path& archive, const Scratch& scratch, const std::func
 
 }  // namespace
 
-int WithPackage(const fs::path& package, const Scratch& scratch, const std::function<int(const fs::path&)>& work) {
+int WithPackage(const fs::path& package, const UnpackPlace& scratch, const std::function<int(const fs::path&)>& work) {
   std::error_code ignored;
   const bool archive = fs::exists(package, ignored) && !fs::is_directory(package, ignored);
   return archive ? WithArchive(package, scratch, work) : work(package);

@@ -24,7 +24,7 @@ std::optional<std::string> ObstacleTo(FixedPathsMethod method) {
   try {
     const HeldSignals signals;
     const auto set_up = [&] {
-      EnterMountNamespace(method);
+      EnterMountNamespace(method == FixedPathsMethod::kUserNamespace);
       TryMounting();
     };
     RunChild(signals, set_up, [] { return 0; });
@@ -64,10 +64,11 @@ void CheckRoot(const fs::path& root) {
 
 ChildOutcome RunInNamespace(FixedPathsMethod method, const fs::path& root, const std::function<int()>& body) {
   const HeldSignals signals;
+  const bool with_user = method == FixedPathsMethod::kUserNamespace;
   const auto set_up = [&] {
-    EnterMountNamespace(method);
+    EnterMountNamespace(with_user);
     LayFixedPathsOver(root);
-    if (method == FixedPathsMethod::kUserNamespace) DropNamespacePrivileges();
+    if (with_user) DropNamespacePrivileges();
   };
   return RunChild(signals, set_up, body);
 }

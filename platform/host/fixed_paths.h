@@ -7,6 +7,8 @@
 #include <functional>
 #include <string>
 
+#include "platform/host/child_process.h"
+
 namespace host {
 
 enum class FixedPathsMethod {
@@ -21,12 +23,6 @@ enum class FixedPathsMethod {
 // kInPlace is answered only when none of the fixed paths exists (our own leftovers of a killed run do not count).
 FixedPathsMethod AvailableFixedPathsMethod(std::string* reason);
 
-// How the child ended.
-struct ChildOutcome {
-  bool signalled = false;  // true: ended by signal `code`; false: ended with exit status `code`
-  int code = 0;
-};
-
 // Forks, gives the child the fixed paths of `root` (root/usr/share/dotnet.orvel at /usr/share/dotnet.orvel,
 // root/opt/usr at /opt/usr, and root/etc/release at /etc/release; a path that `root` does not have is not there) and
 // runs `body` in it; the low eight bits of its result are the child's exit status. The working directory stays the
@@ -35,7 +31,7 @@ struct ChildOutcome {
 // several processes take turns (so `body` must not run another), `before_in_place` is called first, to tell people, and
 // what was made at the fixed paths is removed even when the child crashes or is ended by one of those signals; what a
 // killed run left behind, the next one removes. Nothing outside of `root` and the fixed paths is ever written, but for
-// the lock file of those turns. Throws DeviceError (device.h) when the method is kNone, when `root` is no directory or
+// the lock file of those turns. Throws DeviceError when the method is kNone, when `root` is no directory or
 // lies under a fixed path itself, or when the child cannot be set up.
 ChildOutcome RunWithFixedPaths(
     const std::filesystem::path& root, const std::function<int()>& body,

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "orvelbox/check/check.h"
+#include "orvelbox/check/package_json.h"
 #include "orvelbox/check/process_pool.h"
 #include "orvelbox/check/project_lines.h"
 #include "orvelbox/check/sarif.h"
