@@ -1,6 +1,6 @@
 # The commands of everyday work. Each installs what is missing first; CMakePresets.json holds the builds.
-.PHONY: build test test-heavy demo bench bench-compare bench-programs coverage mutation fuzz lint format sanitize \
-  valgrind clean packages lint-packages package package-test reproducible package-tools test-devices
+.PHONY: build tests test test-heavy test-devices demo bench bench-compare bench-programs coverage mutation fuzz lint \
+  format sanitize valgrind clean packages lint-packages package package-test reproducible package-tools
 
 JOBS ?= $(shell nproc)
 
@@ -8,11 +8,14 @@ build: packages
 	cmake --preset release
 	cmake --build --preset release --parallel $(JOBS)
 
-test: build
+tests: build
+	cmake --build --preset release --parallel $(JOBS) --target tests
+
+test: tests
 	ctest --preset release --parallel $(JOBS)
 
 # The tests that take more than a few seconds each.
-test-heavy: build
+test-heavy: tests
 	@scripts/install-packages.sh scripts/test-heavy-packages.txt
 	ctest --preset heavy --parallel $(JOBS)
 

@@ -1,9 +1,9 @@
 // orvelbox: from the command line to the exit status.
 #include <exception>
 
-#include "orvelbox/command_line.h"
-#include "orvelbox/commands.h"
-#include "orvelbox/output.h"
+#include "orvelbox/cli/command_line.h"
+#include "orvelbox/commands/commands.h"
+#include "orvelbox/desk/output.h"
 
 namespace {
 

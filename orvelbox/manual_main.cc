@@ -3,7 +3,7 @@
 #include <fstream>
 #include <iostream>
 
-#include "orvelbox/manual.h"
+#include "orvelbox/manual/manual.h"
 
 namespace {
 

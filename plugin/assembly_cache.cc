@@ -4,12 +4,12 @@
 #include <cstdio>
 #include <exception>
 
+#include "base/fixed_names.h"
 #include "morvath/metadata_utils.h"
 #include "morvath/platform_utils.h"
 #include "plugin/catalogues.h"
 #include "plugin/duplicates.h"
 #include "plugin/log_source.h"
-#include "plugin/package_paths.h"
 #include "quarnel_util/quarnel_util.h"
 #include "util/privilege_checker.h"
 

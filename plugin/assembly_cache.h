@@ -7,7 +7,7 @@
 
 #include "morvath/export.h"
 #include "orvel/pkgmgr_info.h"
-#include "util/directory_walk.h"
+#include "util/platform_utils/directory_walk.h"
 
 // Runs the pass over package `pkgId`. Returns 0 when no duplicate was found, or when the pass before was for the same
 // id; -1 when duplicates were found (each of them was dealt with) or the package has no root directory. Leaves the

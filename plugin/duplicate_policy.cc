@@ -1,9 +1,9 @@
 // The duplicate policy.
 #include "plugin/duplicate_policy.h"
 
+#include "base/affix.h"
 #include "plugin/catalogues.h"
-#include "util/affix.h"
-#include "util/read_write_area.h"
+#include "util/platform_utils/read_write_area.h"
 
 namespace {
 

@@ -10,19 +10,18 @@
 #include <cstdio>
 #include <string>
 
+#include "base/affix.h"
+#include "base/fixed_names.h"
+#include "base/unique_fd.h"
 #include "morvath/platform_utils.h"
 #include "plugin/catalogues.h"
 #include "plugin/duplicate_policy.h"
 #include "plugin/log_source.h"
 #include "quarnel_util/quarnel_util.h"
-#include "util/affix.h"
-#include "util/directory_walk.h"
-#include "util/read_write_area.h"
-#include "util/unique_fd.h"
+#include "util/platform_utils/directory_walk.h"
+#include "util/platform_utils/read_write_area.h"
 
 namespace {
-
-constexpr const char* kInformationFileSuffix = "_deleted";
 
 // The catalogued path that decides about files called `name`; null when there is none.
 const std::string* FindOrigin(const std::string& name) {
@@ -74,8 +73,8 @@ bool WriteAll(int file, const std::string& text) {
 
 // Tells whoever looks into the package later what became of the DLL; without room for the text there is none.
 void LeaveInformationFile(const std::string& origin, const std::string& duplicated) {
-  const UniqueFd file = OpenInformationFile(duplicated + kInformationFileSuffix);
-  if (WriteAll(file.get(), duplicated + " was deleted because " + origin + " exists\n")) {
+  const UniqueFd file = OpenInformationFile(duplicated + std::string(kInformationFileSuffix));
+  if (file && WriteAll(file.get(), duplicated + " was deleted because " + origin + " exists\n")) {
     WriteAll(file.get(), "Remove " + duplicated + " from OPK\n");
   }
 }

@@ -8,7 +8,7 @@
 
 #include "morvath/export.h"
 #include "plugin/name_filter.h"
-#include "util/directory_walk.h"
+#include "util/platform_utils/directory_walk.h"
 
 // Judges the file `path` with bare name `name` by the catalogues. Returns 1 when it is kept; 0 when it is a duplicate
 // and its removal was attempted.

@@ -8,9 +8,9 @@
 #include <cerrno>
 #include <cstring>
 
-#include "util/affix.h"
-#include "util/log.h"
-#include "util/package_records.h"
+#include "base/affix.h"
+#include "base/log_line.h"
+#include "base/package_records.h"
 
 namespace {
 

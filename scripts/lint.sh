@@ -18,7 +18,7 @@ sources '*.sh' .ci/run | xargs shellcheck
 echo "cppcheck"
 cppcheck --quiet --error-exitcode=1 --enable=warning,performance,portability --inline-suppr --std=c++17 \
   --suppressions-list=scripts/cppcheck-suppressions.txt -j "$jobs" -I . -I include -I platform/include \
-  plugin util quarnel_util platform orvelbox bench
+  base plugin util quarnel_util platform orvelbox bench
 
 echo "clang"
 cmake --build "$build" --parallel "$jobs" --target plugin/all util/all quarnel_util/all platform/all orvelbox/all

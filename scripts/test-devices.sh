@@ -1,15 +1,15 @@
 #!/bin/sh
-# test-devices.sh: builds for each processor of the devices, with the commands that README.md shows, and passes under
-# qemu those tests that it can run. Tells in the end what was skipped, and why.
+# test-devices.sh: builds for each processor of the devices, with the commands that docs/device-build.md shows, and
+# passes under qemu those tests that it can run. Tells in the end what was skipped, and why.
 set -eu
 
 processors="armhf arm64"
 # They start programs that were built.
 starters='^integration_tests\.(CacheEvents\.|Loading\.a_programs_own_platform_functions)'
 
-# The indented lines of README.md's section for devices.
+# The indented lines of docs/device-build.md.
 commands() {
-  sed -n '/^## For a device/,/^## /s/^    //p' README.md | sed "s/^processor=[a-z0-9]*/processor=$processor/"
+  sed -n 's/^    //p' docs/device-build.md | sed "s/^processor=[a-z0-9]*/processor=$processor/"
 }
 
 on_processor() {

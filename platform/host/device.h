@@ -8,6 +8,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "base/fixed_names.h"
+
 namespace host {
 
 // What a person did wrong or has to mend: the text is one line that names the thing and the way out.
@@ -40,7 +42,6 @@ struct Device {
 inline constexpr const char* kPlatformAssemblies = "/usr/share/dotnet.orvel";
 inline constexpr const char* kPlatformAssemblyDirectories[] = {"netcoreapp", "framework", "d.pc", "tvappapi"};
 inline constexpr const char* kUserArea = "/opt/usr";
-inline constexpr const char* kCacheDirectory = "/opt/usr/home/owner/share/dotnet";
 inline constexpr const char* kReleaseMarker = "/etc/release";
 // Those under which everything else lies: what a device brings and a desk does not have.
 inline constexpr const char* kFixedPaths[] = {kPlatformAssemblies, kUserArea, kReleaseMarker};

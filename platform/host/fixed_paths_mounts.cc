@@ -19,9 +19,9 @@
 #include <string>
 #include <vector>
 
+#include "base/unique_fd.h"
 #include "platform/host/device.h"
 #include "platform/host/files.h"
-#include "platform/host/unique_fd.h"
 
 namespace host {
 namespace {

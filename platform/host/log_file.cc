@@ -12,8 +12,8 @@
 #include <cstdio>
 #include <ctime>
 
+#include "base/unique_fd.h"
 #include "platform/host/escape.h"
-#include "platform/host/unique_fd.h"
 
 namespace host {
 namespace {

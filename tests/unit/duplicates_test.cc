@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
 #include <deque>
 #include <filesystem>
 #include <string>
@@ -363,7 +364,7 @@ TEST(Duplicates, in_a_read_only_directory_the_removal_is_tried_and_nothing_else_
     Platform& platform = doubles::Reset();
     removeFileAndLeaveInformationFile(kOrigin, dll);
     EXPECT_TRUE(Holds(platform, {RemovalFrame(Source("quarnel_util", "removeFile")
-                                                  .Error("Failed to remove %s : %s", dll, "Permission denied"))}));
+                                                  .Error("Failed to remove %s : %s", dll, std::strerror(EACCES)))}));
   });
   EXPECT_EQ((std::vector<std::string>{"A.dll"}), support::NamesIn(package / "closed"));
   fs::permissions(package / "closed", fs::perms::owner_all);

@@ -1,5 +1,5 @@
 // More functions of the C library that this program defines itself: those that ask about a file or change its owner,
-// the link to the running program, open and write. As long as nothing is set they do what the real ones do.
+// the link to the running program, open, read and write. As long as nothing is set they do what the real ones do.
 #ifndef TESTS_UNIT_INTERPOSED_FILES_H_
 #define TESTS_UNIT_INTERPOSED_FILES_H_
 
@@ -32,11 +32,14 @@ struct FileSettings {
   std::optional<int> self_path_error;      // readlink of /proc/self/exe fails with this errno
   std::optional<std::string> self_target;  // readlink of /proc/self/exe gives this
   std::deque<WriteStep> writes;            // the next calls of write; those after them are ordinary ones again
+  std::deque<int> open_errors;             // the next calls of open fail with these; 0: an ordinary one
+  std::deque<int> read_errors;             // the next calls of read, likewise
   int open_flags = 0;                      // left here by open: the flags of the latest call
   std::vector<std::string> examined;       // left here by stat and stat64: the paths
 };
 
-// What is set now. chown and lchown appear in the doubles' journal as "chown(PATH, USER, GROUP)".
+// What is set now. A negative descriptor given to write or fstat is among the doubles' misuses. chown and lchown appear
+// in the doubles' journal as "chown(PATH, USER, GROUP)".
 FileSettings& Files();
 
 }  // namespace interposed

@@ -20,7 +20,7 @@
 #include "tests/support/standard_error.h"
 #include "tests/unit/interposed.h"
 #include "tests/unit/unit_case.h"
-#include "util/directory_walk.h"
+#include "util/platform_utils/directory_walk.h"
 
 namespace {
 

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "base/unique_fd.h"
 #include "morvath/platform_utils.h"
 #include "plugin/assembly_cache.h"
 #include "plugin/catalogues.h"
@@ -19,8 +20,7 @@
 #include "tests/support/files.h"
 #include "tests/support/removal_texts.h"
 #include "tests/unit/unit_case.h"
-#include "util/directory_walk.h"
-#include "util/unique_fd.h"
+#include "util/platform_utils/directory_walk.h"
 
 namespace {
 
@@ -78,6 +78,7 @@ TEST(TakenPlaces, without_an_information_file_its_text_goes_nowhere) {
     doubles::Reset();
     removeFileAndLeaveInformationFile(kOrigin, package / "A.dll");
     removeFileAndLeaveInformationFile(kOrigin, package / "B.dll");
+    EXPECT_TRUE(doubles::Current().misuses.empty());
     EXPECT_NE(-1, fcntl(STDIN_FILENO, F_GETFD));
     EXPECT_EQ("", ReadFile(package / "input"));
   });

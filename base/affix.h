@@ -1,0 +1,26 @@
+// Comparisons of names and their ends, whatever holds them; none asks the locale, which is the process's own affair.
+#ifndef BASE_AFFIX_H_
+#define BASE_AFFIX_H_
+
+#include <algorithm>
+#include <string_view>
+
+// Does `text` begin with `prefix`, end with `suffix`, byte for byte? An empty affix always matches.
+inline bool HasPrefix(std::string_view text, std::string_view prefix) {
+  return text.substr(0, prefix.size()) == prefix;
+}
+inline bool HasSuffix(std::string_view text, std::string_view suffix) {
+  return text.size() >= suffix.size() && text.substr(text.size() - suffix.size()) == suffix;
+}
+
+// Do the texts differ in nothing but the case of ASCII letters?
+inline bool EqualsIgnoringCase(std::string_view one, std::string_view other) {
+  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+  return std::equal(one.begin(), one.end(), other.begin(), other.end(),
+                    [lower](char a, char b) { return lower(a) == lower(b); });
+}
+
+// Is this the name, or the path, of an assembly? Case counts.
+inline bool IsAssemblyName(std::string_view name) { return HasSuffix(name, ".dll"); }
+
+#endif

@@ -1,0 +1,134 @@
+// From a question about a DLL to its answer.
+#include "orvelbox/history/why.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "orvelbox/desk/text_table.h"
+#include "orvelbox/operations/session.h"
+
+namespace fs = std::filesystem;
+
+namespace orvelbox {
+namespace {
+
+constexpr std::string_view kSuffix = "_deleted";
+
+bool IsAtOrBelow(const std::string& path, const std::string& place) {
+  if (path.compare(0, place.size(), place) != 0) return false;
+  return path.size() == place.size() || path[place.size()] == '/';
+}
+
+// A path of the desk inside of the device, as the device's; any other absolute path as it is.
+std::string OnDevice(const host::Device& device, const std::string& text) {
+  const fs::path path = fs::absolute(text).lexically_normal();
+  const fs::path inside = path.lexically_relative(device.Root());
+  const bool on_desk = !inside.empty() && *inside.begin() != "..";
+  std::string found = (on_desk ? "/" / inside : path).string();
+  while (found.size() > 1 && found.back() == '/') found.pop_back();
+  if (found.size() > kSuffix.size() && found.compare(found.size() - kSuffix.size(), kSuffix.size(), kSuffix) == 0) {
+    found.resize(found.size() - kSuffix.size());
+  }
+  return found;
+}
+
+std::string Below(const std::string& path, const std::string& root) {
+  return IsAtOrBelow(path, root) && path != root ? path.substr(root.size() + 1) : path;
+}
+
+const char* FateOf(const Removal& removal) { return removal.removed ? "removed" : "reported"; }
+
+std::string NoteOn(const Removal& removal) {
+  if (!removal.removed) return "kept, the copy that decided lies in the read-write area";
+  if (!removal.information_file) return "in an install before this one: there is no information file any more";
+  if (!removal.origin_there) return "the copy that decided is gone since; an install now would keep the DLL";
+  return "";
+}
+
+// The DLLs that are asked for and there, of which the removals know nothing.
+std::vector<CheckedDll> Untold(const WhyQuestion& question, const std::vector<Removal>& removals,
+                               const CheckedPackage& today) {
+  std::vector<CheckedDll> untold;
+  if (question.path.empty()) return untold;
+  for (const CheckedDll& dll : today.dlls) {
+    const std::string path = today.root + "/" + dll.path;
+    const bool told = std::any_of(removals.begin(), removals.end(),
+                                  [&](const Removal& removal) { return removal.dll == path && !removal.removed; });
+    if (IsAtOrBelow(path, question.path) && !told) untold.push_back(dll);
+  }
+  return untold;
+}
+
+std::string ReasonToday(const CheckedDll& dll, const CheckedPackage& today) {
+  if (!today.dotnet) return "the plug-in leaves the package alone: it has no application of a \"dotnet-\" type";
+  if (dll.verdict == Verdict::kRemoved) return "an install now would remove it";
+  if (dll.verdict == Verdict::kReportedOnly) return "an install now would report it, and keep it (read-write area)";
+  return dll.reason.empty() ? "no catalogue holds its name" : dll.reason;
+}
+
+}  // namespace
+
+WhyQuestion ReadQuestion(const host::Device& device, const host::PackageStore& store, const std::string& text) {
+  if (text.find('/') == std::string::npos) {
+    if (auto package = store.Find(text)) return {*std::move(package), ""};
+    if (!fs::exists(text)) return {FindInstalled(store, text), ""};
+  }
+  const std::string path = OnDevice(device, text);
+  for (host::Package& package : store.List()) {
+    if (path == package.root) return {std::move(package), ""};
+    if (IsAtOrBelow(path, package.root)) return {std::move(package), path};
+  }
+  throw host::DeviceError(text + ": belongs to no installed package; see what is with: orvelbox list");
+}
+
+std::vector<Removal> AskedFor(const WhyQuestion& question, std::vector<Removal> removals) {
+  const auto other = [&](const Removal& removal) {
+    return !question.path.empty() && !IsAtOrBelow(removal.dll, question.path);
+  };
+  removals.erase(std::remove_if(removals.begin(), removals.end(), other), removals.end());
+  return removals;
+}
+
+Lines DescribeWhy(const WhyQuestion& question, const std::vector<Removal>& removals, const CheckedPackage& today) {
+  const std::string& root = question.package.root;
+  const std::vector<CheckedDll> untold = Untold(question, removals, today);
+  Lines lines = {question.package.id + (question.package.version.empty() ? "" : " " + question.package.version) + " (" +
+                 root + ")"};
+  TextTable table({"WHAT", "DLL", "WHEN", "BECAUSE OF", "NOTE"});
+  for (const Removal& removal : removals) {
+    table.Add({FateOf(removal), Below(removal.dll, root), removal.time, removal.origin, NoteOn(removal)});
+  }
+  for (const CheckedDll& dll : untold) table.Add({"there", dll.path, "", dll.origin, ReasonToday(dll, today)});
+  if (removals.empty() && untold.empty()) {
+    const std::string asked = question.path.empty() ? "the package" : Below(question.path, root);
+    lines.push_back("    nothing is known of " + asked +
+                    ": no information file, no line in the log, and no DLL there that it could have been");
+    if (question.path.empty()) lines.back() = "    nothing was removed from the package, and nothing reported";
+    return lines;
+  }
+  for (const std::string& line : table.Render()) lines.push_back("    " + line);
+  return lines;
+}
+
+std::string WhyJson(const WhyQuestion& question, const std::vector<Removal>& removals, const CheckedPackage& today) {
+  using Json = nlohmann::ordered_json;
+  const host::Package& package = question.package;
+  Json json = {{"id", package.id}, {"version", package.version}, {"root", package.root}, {"dlls", Json::array()}};
+  for (const Removal& removal : removals) {
+    json["dlls"].push_back({{"path", Below(removal.dll, package.root)},
+                            {"fate", FateOf(removal)},
+                            {"time", removal.time.empty() ? Json() : Json(removal.time)},
+                            {"origin", removal.origin},
+                            {"origin_there", removal.origin_there},
+                            {"information_file", removal.information_file}});
+  }
+  for (const CheckedDll& dll : Untold(question, removals, today)) {
+    json["dlls"].push_back({{"path", dll.path},
+                            {"fate", "there"},
+                            {"origin", dll.origin.empty() ? Json() : Json(dll.origin)},
+                            {"reason", ReasonToday(dll, today)}});
+  }
+  return json.dump(-1, ' ', true, Json::error_handler_t::replace);
+}
+
+}  // namespace orvelbox
