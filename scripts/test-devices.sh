@@ -4,6 +4,7 @@
 set -eu
 
 processors="armhf arm64"
+programs="unit_tests integration_tests hostile_tests hardening_tests abi_tests fault_tests orvelbox_tests"
 # They start programs that were built.
 starters='^integration_tests\.(CacheEvents\.|Loading\.a_programs_own_platform_functions)'
 
@@ -17,6 +18,8 @@ on_processor() {
 }
 
 pass_tests() {
+  # shellcheck disable=SC2086  # the list is meant to be split
+  cmake --build --preset "$processor" --target $programs
   set -- ctest --preset "$processor" --parallel "${JOBS:-$(nproc)}"
   if on_processor true; then
     on_processor "$@"
