@@ -21,7 +21,7 @@ cppcheck --quiet --error-exitcode=1 --enable=warning,performance,portability --i
   base plugin util quarnel_util platform orvelbox bench
 
 echo "clang"
-cmake --build "$build" --parallel "$jobs" --target plugin/all util/all quarnel_util/all platform/all orvelbox/all
+cmake --build "$build" --parallel "$jobs"
 
 echo "clang-tidy"
 sources 'plugin/*.cc' 'util/*.cc' 'quarnel_util/*.cc' 'platform/*.cc' 'orvelbox/*.cc' |
