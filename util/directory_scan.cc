@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <climits>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -49,47 +50,30 @@ bool LeadsToFileOrDirectory(const std::string& path) {
   return stat64(path.c_str(), &status) == 0 && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
 }
 
-// `directory` with what concatPath puts between it and an entry's name.
-std::string WithJoint(const std::string& directory) {
-  const std::string anyName = "x";
-  std::string joined = concatPath(directory, anyName);
-  joined.resize(joined.size() - anyName.size());
-  return joined;
-}
-
 }  // namespace
 
-ListedFile::ListedFile(std::string& directory, std::string_view name, bool regular)
-    : directory_(directory), directoryLength_(directory.size()), name_(name), regular_(regular) {}
-
-ListedFile::~ListedFile() { directory_.resize(directoryLength_); }
-
-const std::string& ListedFile::path() const {
-  if (directory_.size() == directoryLength_) directory_ += name_;
-  return directory_;
-}
+std::string ListedFile::Path() const { return concatPath(directory, std::string(name)); }
 
 void WalkFiles(const std::string& path, FileVisitor visit, unsigned int depth) {
   if (path.find(kAssemblyCacheLinks) != std::string::npos) return;
   const Directory directory = OpenDirectory(path);
   if (directory.listing == nullptr) return;
 
-  std::string place = WithJoint(path);
   std::vector<std::string> subdirectories;
   while (const dirent64* entry = readdir64(directory.listing.get())) {
     const std::string_view name = entry->d_name;
-    const bool reachable = directory.searchable && place.size() + name.size() < PATH_MAX;
-    const ListedFile file(place, name, entry->d_type == DT_REG && reachable);
+    const bool reachable = directory.searchable && path.size() + std::strlen("/") + name.size() < PATH_MAX;
+    const ListedFile file{path, name, entry->d_type == DT_REG && reachable};
     switch (entry->d_type) {
       case DT_REG:
         visit(file);
         break;
       case DT_LNK:
       case DT_UNKNOWN:
-        if (LeadsToFileOrDirectory(file.path())) visit(file);
+        if (LeadsToFileOrDirectory(file.Path())) visit(file);
         break;
       case DT_DIR:
-        if (depth >= 2 && !IsDotOrDotDot(name)) subdirectories.push_back(file.path());
+        if (depth >= 2 && !IsDotOrDotDot(name)) subdirectories.push_back(file.Path());
         break;
       default:
         break;
@@ -99,7 +83,7 @@ void WalkFiles(const std::string& path, FileVisitor visit, unsigned int depth) {
 }
 
 void scanFilesInDirExcludeSymlink(const std::string& path, FileReader reader, unsigned int depth) {
-  auto read = [reader = std::move(reader)](const ListedFile& file) { reader(file.path(), std::string(file.name())); };
+  auto read = [reader = std::move(reader)](const ListedFile& file) { reader(file.Path(), std::string(file.name)); };
   WalkFiles(path, std::move(read), depth);
 }
 

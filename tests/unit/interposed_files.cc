@@ -65,6 +65,14 @@ int stat(const char* path, struct stat* status) noexcept {
   return 0;
 }
 
+int lstat(const char* path, struct stat* status) noexcept {
+  static auto* const next = reinterpret_cast<int (*)(const char*, struct stat*)>(dlsym(RTLD_NEXT, "lstat"));
+  const auto error = interposed::Files().look_errors.find(path);
+  if (error == interposed::Files().look_errors.end()) return next(path, status);
+  errno = error->second;
+  return -1;
+}
+
 int stat64(const char* path, struct stat64* status) noexcept {
   static auto* const next = reinterpret_cast<int (*)(const char*, struct stat64*)>(dlsym(RTLD_NEXT, "stat64"));
   doubles::Current().RecordCall(std::string("stat64(") + path + ")");

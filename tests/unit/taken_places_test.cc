@@ -4,29 +4,22 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <vector>
 
 #include "morvath/platform_utils.h"
-#include "plugin/assembly_cache.h"
-#include "plugin/catalogues.h"
 #include "plugin/duplicates.h"
+#include "tests/doubles/platform.h"
 #include "tests/support/child.h"
-#include "tests/support/device_root.h"
 #include "tests/support/files.h"
 #include "tests/support/removal_texts.h"
-#include "tests/unit/unit_case.h"
-#include "util/directory_walk.h"
 #include "util/unique_fd.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-using doubles::Platform;
 using support::ReadFile;
 using support::TempDir;
 using support::WriteFile;
@@ -135,68 +128,6 @@ TEST(TakenPlaces, what_an_earlier_write_left_in_the_temporary_files_place_is_use
 
 TEST(TakenPlaces, an_endless_device_reads_as_empty) { EXPECT_EQ("", readFileToString("/dev/zero")); }
 
-// What a walk of the package leaves of A.dll in a directory with whose place `change` deals before the walk gets there.
-bool IsKeptWhen(const std::function<void(const TempDir& package, const std::string& elsewhere)>& change) {
-  const TempDir package;
-  const TempDir elsewhere;
-  for (const std::string& file : {package / "first.dll", package / "a/b/A.dll", elsewhere / "b/A.dll"}) WriteFile(file);
-  coreFX = {{"A.dll", "/usr/share/dotnet.orvel/netcoreapp/A.dll"}};
-  const PackageJudge judge(package.path().string());
-  const auto visit = [&](const ListedFile& file) {
-    if (file.name() == "first.dll") change(package, elsewhere.path().string());
-    judge.Judge(file);
-  };
-  WalkFiles(package.path().string(), visit, 10);
-  return support::IsThere(package / "a/b/A.dll");
-}
-
-TEST(TakenPlaces, what_a_link_leads_to_that_took_a_directorys_place_during_the_walk_is_kept) {
-  support::InFreshProcess([] {
-    doubles::Reset();
-    EXPECT_FALSE(IsKeptWhen([](const TempDir&, const std::string&) {}));
-    EXPECT_TRUE(IsKeptWhen([](const TempDir& package, const std::string& elsewhere) {
-      fs::rename(package / "a", package / "moved");
-      fs::create_directory_symlink(elsewhere, package / "a");
-    }));
-    EXPECT_TRUE(IsKeptWhen([](const TempDir& package, const std::string& elsewhere) {
-      fs::rename(package / "a/b", package / "a/moved");
-      fs::create_directory_symlink(elsewhere + "/b", package / "a/b");
-    }));
-  });
-}
-
-TEST(TakenPlaces, a_link_above_the_packages_root_protects_nothing) {
-  support::InFreshProcess([] {
-    doubles::Reset();
-    const TempDir area;
-    WriteFile(area / "apps/pkg/A.dll");
-    fs::create_directory_symlink("apps", area / "link");
-    coreFX = {{"A.dll", "/usr/share/dotnet.orvel/netcoreapp/A.dll"}};
-    const PackageJudge judge(area / "link/pkg");
-    std::vector<int> answers;
-    WalkFiles(
-        area / "link/pkg", [&](const ListedFile& file) { answers.push_back(judge.Judge(file)); }, 10);
-    EXPECT_EQ(std::vector<int>{0}, answers);
-    EXPECT_FALSE(support::IsThere(area / "apps/pkg/A.dll"));
-  });
-}
-
-TEST(TakenPlaces, what_is_kept_because_of_a_link_is_answered_like_what_is_unique) {
-  support::InFreshProcess([] {
-    doubles::Reset();
-    const TempDir area;
-    WriteFile(area / "pkg/A.dll");
-    fs::create_directory_symlink("pkg", area / "root");
-    coreFX = {{"A.dll", "/usr/share/dotnet.orvel/netcoreapp/A.dll"}};
-    const PackageJudge judge(area / "root");
-    std::vector<int> answers;
-    WalkFiles(
-        area / "root", [&](const ListedFile& file) { answers.push_back(judge.Judge(file)); }, 10);
-    EXPECT_EQ(std::vector<int>{1}, answers);
-    EXPECT_TRUE(support::IsThere(area / "pkg/A.dll"));
-  });
-}
-
 TEST(TakenPlaces, a_directory_that_vanishes_during_the_walk_is_passed_over) {
   const TempDir root;
   for (const std::string& file : {root / "first", root / "sub/inside"}) WriteFile(file);
@@ -207,20 +138,6 @@ TEST(TakenPlaces, a_directory_that_vanishes_during_the_walk_is_passed_over) {
   };
   scanFilesInDirExcludeSymlink(root.path().string(), remove, 10);
   EXPECT_EQ((std::vector<std::string>{"first"}), seen);
-}
-
-TEST(TakenPlaces, what_is_in_a_package_whose_root_is_a_link_is_kept_with_an_error_line) {
-  FreshOnDevice([](Platform& platform) {
-    const std::string root = "/opt/usr/apps/pkg";
-    platform.packages.push_back(doubles::MakePackage("pkg", root));
-    support::WriteFiles({std::string(support::kCoreDirectory) + "A.dll", "/opt/usr/apps/other/bin/A.dll",
-                         "/opt/usr/apps/other/lib/L.dll"});
-    fs::create_directory_symlink("other", root);
-    EXPECT_EQ(0, gac("pkg"));
-    EXPECT_TRUE(support::IsThere("/opt/usr/apps/other/bin/A.dll"));
-    const std::vector<std::string> messages = platform.Messages();
-    EXPECT_EQ(1, std::count(messages.begin(), messages.end(), "Symbolic link is detected : " + root));
-  });
 }
 
 }  // namespace
