@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <exception>
+#include <utility>
 
 #include "morvath/metadata_utils.h"
 #include "morvath/platform_utils.h"
@@ -25,29 +26,35 @@ constexpr unsigned int kDirectoryOnly = 1;
 constexpr unsigned int kWithSubdirectories = 2;
 constexpr unsigned int kWholePackage = 10;
 
-// A reader that records what it is given in `table`.
-FileReader Filler(Catalogue& table) {
-  return [&table](const std::string& path, const std::string& name) { insertItem(table, name, path); };
+// Does insertItem for each file, but gives its strings away, and looks for the place beside that of the file before:
+// file systems of read-only images, and those in memory, list names in order.
+void CatalogueFiles(const std::string& directory, Catalogue& catalogue, unsigned int depth) {
+  const auto record = [&catalogue, place = catalogue.end()](const ListedFile& file) mutable {
+    std::string name(file.name);
+    std::string path = concatPath(file.directory, name);
+    place = catalogue.emplace_hint(place, std::move(name), std::move(path));
+  };
+  WalkFiles(directory, record, depth);
 }
 
 }  // namespace
 
 void CataloguePlatform(const Catalogues& catalogues, const std::string& platformRoot) {
-  scanFilesInDirExcludeSymlink(platformRoot + "netcoreapp/", Filler(catalogues.core), kDirectoryOnly);
-  scanFilesInDirExcludeSymlink(platformRoot + "framework/", Filler(catalogues.framework), kDirectoryOnly);
-  scanFilesInDirExcludeSymlink(platformRoot + "d.pc/", Filler(catalogues.framework), kWithSubdirectories);
+  CatalogueFiles(platformRoot + "netcoreapp/", catalogues.core, kDirectoryOnly);
+  CatalogueFiles(platformRoot + "framework/", catalogues.framework, kDirectoryOnly);
+  CatalogueFiles(platformRoot + "d.pc/", catalogues.framework, kWithSubdirectories);
 }
 
 void CatalogueTvAppApi(const Catalogues& catalogues, const std::string& platformRoot) {
-  scanFilesInDirExcludeSymlink(platformRoot + "tvappapi/", Filler(catalogues.framework), kDirectoryOnly);
+  CatalogueFiles(platformRoot + "tvappapi/", catalogues.framework, kDirectoryOnly);
 }
 
 void CatalogueSharedResources(const Catalogues& catalogues, const std::string& packageRoot) {
-  scanFilesInDirExcludeSymlink(packageRoot + kSharedResourceSuffix, Filler(catalogues.components), kDirectoryOnly);
+  CatalogueFiles(packageRoot + kSharedResourceSuffix, catalogues.components, kDirectoryOnly);
 }
 
 void CatalogueLibrary(const Catalogues& catalogues, const std::string& packageRoot) {
-  scanFilesInDirExcludeSymlink(packageRoot + kLibrarySuffix, Filler(catalogues.library), kDirectoryOnly);
+  CatalogueFiles(packageRoot + kLibrarySuffix, catalogues.library, kDirectoryOnly);
 }
 
 void VisitPackage(const std::string& packageRoot, const FileVisitor& visit) {
@@ -63,7 +70,7 @@ int RemoveDuplicates(const std::string& packageRoot) {
   VisitPackage(packageRoot, [&](const ListedFile& file) {
     // Of names that no catalogue holds the listing's word is enough: isUniqueDll would look, and keep them as well.
     if (!IsAssemblyName(file.name) || (file.regular && !catalogued.MayHold(file.name))) return;
-    if (isUniqueDll(file.Path(), std::string(file.name)) == 0) result = -1;
+    if (isUniqueDll(file) == 0) result = -1;
   });
   return result;
 }

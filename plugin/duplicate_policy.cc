@@ -24,7 +24,7 @@ const std::string* FindOrigin(const Catalogues& catalogues, const std::string& n
   return nullptr;
 }
 
-bool IsOnDpcPath(const std::string& path) { return path.find(kDpcDirectory) != std::string::npos; }
+bool IsOnDpcPath(const std::string& path) { return Contains(path, kDpcDirectory); }
 
 Exemption FindExemption(const std::string& origin, const std::string& path,
                         bool (*is_on_dpc_path)(const std::string&)) {

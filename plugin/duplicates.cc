@@ -38,7 +38,7 @@ UniqueFd OpenInformationFile(const std::string& path) {
     struct stat status;
     if (fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return UniqueFd(-1);
     link = status.st_nlink != 1;
-    if (!link && (status.st_size == 0 || ftruncate(file.get(), 0) == 0)) return file;
+    if (!link && ftruncate(file.get(), 0) == 0) return file;
   }
   if (!link || unlink(path.c_str()) != 0) return UniqueFd(-1);
   return OpenForWriting(path, O_EXCL);
@@ -58,9 +58,11 @@ bool WriteAll(int file, const std::string& text) {
 // Tells whoever looks into the package later what became of the DLL; without room for the text there is none.
 void LeaveInformationFile(const std::string& origin, const std::string& duplicated) {
   const UniqueFd file = OpenInformationFile(duplicated + kInformationFileSuffix);
-  if (WriteAll(file.get(), duplicated + " was deleted because " + origin + " exists\n")) {
-    WriteAll(file.get(), "Remove " + duplicated + " from OPK\n");
-  }
+  if (file.get() < 0) return;
+  std::string line = duplicated;
+  line.append(" was deleted because ").append(origin).append(" exists\n");
+  if (!WriteAll(file.get(), line)) return;
+  WriteAll(file.get(), line.assign("Remove ").append(duplicated).append(" from OPK\n"));
 }
 
 }  // namespace
@@ -71,6 +73,11 @@ int isUniqueDll(const std::string& path, const std::string& name) {
   if (origin == nullptr || !isDuplicatedDll(*origin, path)) return 1;
   removeFileAndLeaveInformationFile(*origin, path);
   return 0;
+}
+
+int isUniqueDll(const ListedFile& file) {
+  const std::string name(file.name);
+  return isUniqueDll(concatPath(file.directory, name), name);
 }
 
 bool isDuplicatedDll(const std::string& origin, const std::string& duplicated) {

@@ -7,10 +7,13 @@
 #include <string>
 
 #include "morvath/export.h"
+#include "util/directory_walk.h"
 
 // Holds the file `path` with bare name `name` against the plug-in's catalogues and deals with it. Returns 1 when it is
 // kept as no duplicate; 0 when it is one: then its removal was attempted, unless its origin is in the read-write area.
 ORVEL_EXPORT int isUniqueDll(const std::string& path, const std::string& name);
+// The same for a file that a walk has come to.
+int isUniqueDll(const ListedFile& file);
 
 // Is the file `duplicated` a duplicate that must go, `origin` being the catalogued copy? Not when both are the same
 // path, nor when either lies on a DPC path. A duplicate is reported in the log and on standard error.

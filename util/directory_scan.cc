@@ -4,7 +4,6 @@
 
 #include <cerrno>
 #include <climits>
-#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -13,6 +12,7 @@
 
 #include "morvath/platform_utils.h"
 #include "quarnel_util/quarnel_util.h"
+#include "util/affix.h"
 #include "util/directory_walk.h"
 #include "util/log.h"
 
@@ -31,16 +31,18 @@ Listing OpenListing(const std::string& path) { return Listing(opendir(path.c_str
 
 struct Directory {
   Listing listing;
-  bool searchable;  // its entries can be reached by path
+  std::size_t reachable;  // how long names are at most that can be reached by their paths
 };
 
 // A directory that may be listed need not let anybody reach its entries. Going through "." asks for that as well, in
 // the one call that opens it.
 Directory OpenDirectory(const std::string& path) {
-  if (path.empty()) return {nullptr, false};
-  Listing listing = OpenListing(path + "/.");
-  if (listing != nullptr || (errno != EACCES && errno != ENAMETOOLONG)) return {std::move(listing), true};
-  return {OpenListing(path), false};
+  if (path.empty()) return {nullptr, 0};
+  Listing listing = OpenListing(concatPath(path, "."));
+  if (listing != nullptr || (errno != EACCES && errno != ENAMETOOLONG)) {
+    return {std::move(listing), PATH_MAX - path.size() - sizeof "/"};
+  }
+  return {OpenListing(path), 0};
 }
 
 bool IsDotOrDotDot(std::string_view name) { return name == "." || name == ".."; }
@@ -55,15 +57,14 @@ bool LeadsToFileOrDirectory(const std::string& path) {
 std::string ListedFile::Path() const { return concatPath(directory, std::string(name)); }
 
 void WalkFiles(const std::string& path, FileVisitor visit, unsigned int depth) {
-  if (path.find(kAssemblyCacheLinks) != std::string::npos) return;
+  if (Contains(path, kAssemblyCacheLinks)) return;
   const Directory directory = OpenDirectory(path);
   if (directory.listing == nullptr) return;
 
   std::vector<std::string> subdirectories;
   while (const dirent64* entry = readdir64(directory.listing.get())) {
     const std::string_view name = entry->d_name;
-    const bool reachable = directory.searchable && path.size() + std::strlen("/") + name.size() < PATH_MAX;
-    const ListedFile file{path, name, entry->d_type == DT_REG && reachable};
+    const ListedFile file{path, name, entry->d_type == DT_REG && name.size() <= directory.reachable};
     switch (entry->d_type) {
       case DT_REG:
         visit(file);
@@ -73,13 +74,13 @@ void WalkFiles(const std::string& path, FileVisitor visit, unsigned int depth) {
         if (LeadsToFileOrDirectory(file.Path())) visit(file);
         break;
       case DT_DIR:
-        if (depth >= 2 && !IsDotOrDotDot(name)) subdirectories.push_back(file.Path());
+        if (depth >= 2 && !IsDotOrDotDot(name)) subdirectories.emplace_back(name);
         break;
       default:
         break;
     }
   }
-  for (const std::string& subdirectory : subdirectories) WalkFiles(subdirectory, visit, depth - 1);
+  for (const std::string& subdirectory : subdirectories) WalkFiles(concatPath(path, subdirectory), visit, depth - 1);
 }
 
 void scanFilesInDirExcludeSymlink(const std::string& path, FileReader reader, unsigned int depth) {

@@ -10,6 +10,7 @@
 #include "orvel/ovplatform.h"
 #include "orvel/pkgmgr_installer.h"
 #include "quarnel_util/quarnel_util.h"
+#include "util/affix.h"
 #include "util/log.h"
 #include "util/package_records.h"
 #include "util/read_write_area.h"
@@ -27,7 +28,7 @@ void Print(const char* text) { std::fwrite(text, 1, std::strlen(text), stdout); 
 
 bool IsInReadWriteArea(const std::string& path) {
   const char* root = ovplatform_getenv(OVPLATFORM_RW_APPS_ROOT);
-  return root == nullptr || path.find(root) != std::string::npos;
+  return root == nullptr || Contains(path, root);
 }
 
 bool isReleaseVersion() { return access(kReleaseMarker, F_OK) == 0; }
