@@ -54,9 +54,9 @@ DllCopy FactsOf(const fs::path& file) {
   return copy;
 }
 
-std::string ReasonToKeep(const std::string& path, const Judgement& judgement) {
-  if (judgement.origin == nullptr) return "";
-  if (*judgement.origin == path) return "it is the copy that others are compared with";
+std::string ReasonToKeep(Exemption exemption) {
+  if (exemption == Exemption::kNone) return "";
+  if (exemption == Exemption::kSamePath) return "it is the copy that others are compared with";
   return "a DLL on a DPC path is no duplicate";
 }
 
@@ -78,7 +78,7 @@ PackageChecker::PackageChecker(PlatformSet set, std::vector<std::string> privile
     : set_(std::move(set)), privileges_(std::move(privileges)) {
   SetReadWriteRoot(set_.read_write_root);
   const std::string desk = set_.assemblies.string() + "/";
-  CataloguePlatform(desk);
+  CataloguePlatform(OwnCatalogues(), desk);
   for (Catalogue* table : {&coreFX, &orvelFX}) {
     MoveTo(*table, desk, std::string(host::kPlatformAssemblies) + "/", set_.only_names);
   }
@@ -109,36 +109,35 @@ void PackageChecker::CatalogueRest(const fs::path& directory, const CheckedPacka
   if (platform) {
     const std::string desk = set_.assemblies.string() + "/";
     AddTo(orvelFX, desk, std::string(host::kPlatformAssemblies) + "/", set_.only_names,
-          [&] { CatalogueTvAppApi(desk); });
+          [&] { CatalogueTvAppApi(OwnCatalogues(), desk); });
   }
   RemoveCoba(package.id, set_);
   if (coba) AddCoba({package.id, directory, package.root}, set_);
   for (const PlacedPackage& other : set_.coba) {
-    AddTo(coBA, other.desk.string(), other.root, other.only_names, [&] { CatalogueSharedResources(other.desk); });
+    AddTo(coBA, other.desk.string(), other.root, other.only_names,
+          [&] { CatalogueSharedResources(OwnCatalogues(), other.desk); });
   }
-  AddTo(appLib, directory.string(), package.root, false, [&] { CatalogueLibrary(directory); });
+  AddTo(appLib, directory.string(), package.root, false, [&] { CatalogueLibrary(OwnCatalogues(), directory); });
 }
 
 void PackageChecker::JudgeAll(const fs::path& directory, CheckedPackage& package) {
   std::set<std::string> unseen = DllsIn(directory);
   const std::size_t root_length = directory.string().size() + 1;
   VisitPackage(directory, [&](const ListedFile& file) {
-    const std::string path = file.path().substr(root_length);
-    if (!IsAssemblyName(file.name())) return;
+    if (!IsAssemblyName(file.name)) return;
+    const std::string on_desk = file.Path();
+    const std::string path = on_desk.substr(root_length);
     unseen.erase(path);
-    if (!file.regular() && !isRealPath(file.path())) {
+    if (!file.regular && !isRealPath(on_desk)) {
       package.dlls.push_back(Kept(path, "a symbolic link is never judged"));
       return;
     }
     const std::string on_device = package.root + "/" + path;
-    const Judgement judgement = Judge(on_device, std::string(file.name()));
-    CheckedDll dll = Kept(path, ReasonToKeep(on_device, judgement));
+    const Judgement judgement = Foretell(OwnCatalogues(), on_device, std::string(file.name));
+    CheckedDll dll = Kept(path, ReasonToKeep(judgement.exemption));
     dll.verdict = judgement.verdict;
     if (judgement.origin != nullptr) dll.origin = *judgement.origin;
-    if (dll.IsDuplicate()) {
-      dll.reason.clear();
-      AddFacts(directory, dll);
-    }
+    if (dll.IsDuplicate()) AddFacts(directory, dll);
     package.dlls.push_back(std::move(dll));
   });
   for (const std::string& path : unseen) package.dlls.push_back(Kept(path, ReasonNotSeen(path)));

@@ -28,6 +28,7 @@ inline WriteStep WritesAtMost(std::size_t most) { return {0, most}; }
 
 struct FileSettings {
   std::map<std::string, Owner> owners;     // stat of a path that is there reports this owner
+  std::map<std::string, int> look_errors;  // lstat of the path fails with this errno
   std::optional<int> owner_change_error;   // chown and lchown change nothing: 0 is success, else it fails with it
   std::optional<int> self_path_error;      // readlink of /proc/self/exe fails with this errno
   std::optional<std::string> self_target;  // readlink of /proc/self/exe gives this

@@ -1,4 +1,4 @@
-// The quicker judging of a whole walk, and the policy without effects, held against isUniqueDll called for each file.
+// The pass's walk over a package, and the policy without effects, held against isUniqueDll called for each file.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "morvath/platform_utils.h"
+#include "plugin/assembly_cache.h"
 #include "plugin/catalogues.h"
 #include "plugin/duplicate_policy.h"
 #include "plugin/duplicates.h"
@@ -35,27 +36,23 @@ using Texts = std::vector<std::string>;
 
 // All that can be told of a walk afterwards.
 struct Outcome {
-  std::vector<int> answers;
+  int result;
   Texts log;
   std::string standard_error;
   Texts left;
 };
 
-constexpr unsigned int kEverywhere = 30;  // levels
+constexpr unsigned int kLevels = 10;
 
-using Walk = std::function<void(const std::string& root, std::vector<int>& answers)>;
+using Walk = std::function<int(const std::string& root)>;
 
-void EachByIsUniqueDll(const std::string& root, std::vector<int>& answers) {
-  const auto judge = [&](const std::string& path, const std::string& name) {
-    answers.push_back(isUniqueDll(path, name));
+int OfferEachToIsUniqueDll(const std::string& root) {
+  int result = 0;
+  const auto offer = [&](const std::string& path, const std::string& name) {
+    if (isUniqueDll(path, name) == 0) result = -1;
   };
-  scanFilesInDirExcludeSymlink(root, judge, kEverywhere);
-}
-
-void AllByPackageJudge(const std::string& root, std::vector<int>& answers) {
-  const PackageJudge judge(root);
-  WalkFiles(
-      root, [&](const ListedFile& file) { answers.push_back(judge.Judge(file)); }, kEverywhere);
+  scanFilesInDirExcludeSymlink(root, offer, kLevels);
+  return result;
 }
 
 Texts LinesOf(const Platform& platform) {
@@ -81,7 +78,7 @@ Texts Everything(const fs::path& root) {
 Outcome OutcomeOf(const std::string& root, const Walk& walk) {
   Outcome outcome;
   doubles::Current().journal.clear();
-  outcome.standard_error = StandardErrorOf([&] { walk(root, outcome.answers); });
+  outcome.standard_error = StandardErrorOf([&] { outcome.result = walk(root); });
   outcome.log = LinesOf(doubles::Current());
   outcome.left = Everything(root);
   return outcome;
@@ -94,13 +91,17 @@ void PutCatalogues(const std::string& package) {
   appLib = {{"L.dll", package + "/lib/L.dll"}, {"D.dll", "/x"}};
 }
 
-// Makes the package twice in the same place and walks it both ways; `failed_lstats` is how many files cannot be
-// examined.
-void ExpectSameOutcome(const std::function<void(const fs::path& root)>& make, bool as_root = true,
-                       std::ptrdiff_t failed_lstats = 0) {
+struct Circumstances {
+  fs::path place = "pkg";  // of the package below a temporary directory
+  bool as_root = true;
+  std::ptrdiff_t failed_lstats = 0;  // how many files cannot be examined
+};
+
+// Makes the package twice in the same place and walks it both ways. It has a duplicate at least.
+void ExpectSameOutcome(const std::function<void(const fs::path& root)>& make, const Circumstances& circumstances = {}) {
   const TempDir root;
   const auto outcome = [&](const Walk& walk) {
-    const fs::path package = root.path() / "pkg";
+    const fs::path package = root.path() / circumstances.place;
     fs::remove_all(package);
     make(package);
     Outcome found = OutcomeOf(package.string(), walk);
@@ -110,17 +111,17 @@ void ExpectSameOutcome(const std::function<void(const fs::path& root)>& make, bo
     return found;
   };
   Fresh([&](Platform&) {
-    if (!as_root) {
+    if (!circumstances.as_root) {
       fs::permissions(root.path(), fs::perms::all);
       ASSERT_TRUE(support::GiveUpPrivileges());
     }
-    PutCatalogues(root / "pkg");
-    const Outcome one_by_one = outcome(EachByIsUniqueDll);
-    const Outcome all_at_once = outcome(AllByPackageJudge);
-    EXPECT_FALSE(one_by_one.answers.empty());
+    PutCatalogues(root / circumstances.place.string());
+    const Outcome one_by_one = outcome(OfferEachToIsUniqueDll);
+    const Outcome all_at_once = outcome(RemoveDuplicates);
+    EXPECT_EQ(-1, one_by_one.result);
     const auto tells_of_lstat = [](const std::string& line) { return line.find("lstat error.") != std::string::npos; };
-    EXPECT_EQ(failed_lstats, std::count_if(one_by_one.log.begin(), one_by_one.log.end(), tells_of_lstat));
-    EXPECT_EQ(one_by_one.answers, all_at_once.answers);
+    EXPECT_EQ(circumstances.failed_lstats, std::count_if(one_by_one.log.begin(), one_by_one.log.end(), tells_of_lstat));
+    EXPECT_EQ(one_by_one.result, all_at_once.result);
     EXPECT_EQ(one_by_one.log, all_at_once.log);
     EXPECT_EQ(one_by_one.standard_error, all_at_once.standard_error);
     EXPECT_EQ(one_by_one.left, all_at_once.left);
@@ -135,9 +136,9 @@ void MakePackage(const fs::path& root) {
   }
 }
 
-TEST(PackageJudge, a_walk_ends_as_if_each_file_had_been_judged_alone) { ExpectSameOutcome(MakePackage); }
+TEST(DuplicateWalk, a_walk_ends_as_if_each_file_had_been_judged_alone) { ExpectSameOutcome(MakePackage); }
 
-TEST(PackageJudge, links_are_found_out_as_by_one) {
+TEST(DuplicateWalk, links_are_found_out_as_by_one) {
   ExpectSameOutcome([](const fs::path& root) {
     MakePackage(root);
     fs::create_directories(root / "links");
@@ -147,7 +148,7 @@ TEST(PackageJudge, links_are_found_out_as_by_one) {
   });
 }
 
-TEST(PackageJudge, a_directory_that_may_be_listed_but_not_searched_gives_the_lines_of_failed_lstats) {
+TEST(DuplicateWalk, a_directory_that_may_be_listed_but_not_searched_gives_the_lines_of_failed_lstats) {
   ExpectSameOutcome(
       [](const fs::path& root) {
         WriteFile(root / "A.dll");
@@ -155,10 +156,10 @@ TEST(PackageJudge, a_directory_that_may_be_listed_but_not_searched_gives_the_lin
         WriteFile(root / "closed/U.dll");
         fs::permissions(root / "closed", fs::perms::owner_read);
       },
-      false, 2);
+      {"pkg", false, 2});
 }
 
-TEST(PackageJudge, without_entry_types_every_file_is_examined) {
+TEST(DuplicateWalk, without_entry_types_every_file_is_examined) {
   ExpectSameOutcome([](const fs::path& root) {
     MakePackage(root);
     interposed::Now().entry_types_unknown = true;
@@ -181,7 +182,10 @@ void MakeLongPath(const fs::path& root, std::size_t length, const char* file) {
   fs::current_path(before);
 }
 
-TEST(PackageJudge, a_path_that_no_call_takes_gives_the_line_of_a_failed_lstat) {
+TEST(DuplicateWalk, a_path_that_no_call_takes_gives_the_line_of_a_failed_lstat) {
+  // The walk ends before paths get that long from a root that is not a long one itself.
+  const std::string level(200, 'r');
+  const fs::path place = fs::path(level) / level / level / level / level / level / level / level / level / level;
   // Directories that can be listed by their paths; with "/A.dll" behind it, the path just fits or is too long.
   for (const int short_of_it : {8, 7, 6, 3, 2, 1}) {
     SCOPED_TRACE(short_of_it);
@@ -190,7 +194,7 @@ TEST(PackageJudge, a_path_that_no_call_takes_gives_the_line_of_a_failed_lstat) {
       WriteFile(root / "A.dll");
       MakeLongPath(root, length, "A.dll");
     };
-    ExpectSameOutcome(make, true, length + std::strlen("/A.dll") < PATH_MAX ? 0 : 1);
+    ExpectSameOutcome(make, {place, true, length + std::strlen("/A.dll") < PATH_MAX ? 0 : 1});
   }
 }
 
@@ -205,30 +209,58 @@ TEST(DuplicatePolicy, says_beforehand_what_the_walk_does) {
     Texts removed;
     Texts reported;
     const auto foretell = [&](const std::string& path, const std::string& name) {
-      const Verdict verdict = Judge(path, name).verdict;
+      const Verdict verdict = Foretell(OwnCatalogues(), path, name).verdict;
       (verdict == Verdict::kKept ? kept : verdict == Verdict::kRemoved ? removed : reported).push_back(path);
     };
-    scanFilesInDirExcludeSymlink(package, foretell, kEverywhere);
-    const Outcome outcome = OutcomeOf(package, AllByPackageJudge);
+    scanFilesInDirExcludeSymlink(package, foretell, kLevels);
+    const Outcome outcome = OutcomeOf(package, RemoveDuplicates);
     const auto there = [](const std::string& path) { return support::IsThere(path); };
     EXPECT_TRUE(std::all_of(kept.begin(), kept.end(), there));
     EXPECT_TRUE(std::none_of(removed.begin(), removed.end(), there));
     EXPECT_TRUE(std::all_of(reported.begin(), reported.end(), there));
     EXPECT_EQ((Texts{package + "/C.dll"}), reported);
-    EXPECT_EQ(removed.size() + reported.size(),
-              static_cast<std::size_t>(std::count(outcome.answers.begin(), outcome.answers.end(), 0)));
-    EXPECT_THAT(removed, testing::SizeIs(6));
+    const auto tells_of_duplicate = [](const std::string& line) {
+      return line.find("### Duplicated DLL found ###") != std::string::npos;
+    };
+    EXPECT_EQ(static_cast<std::ptrdiff_t>(removed.size() + reported.size()),
+              std::count_if(outcome.log.begin(), outcome.log.end(), tells_of_duplicate));
+    EXPECT_THAT(removed, testing::SizeIs(5));
   });
 }
 
-TEST(DuplicatePolicy, names_the_first_catalogued_copy) {
-  Fresh([](Platform&) {
-    PutCatalogues("/pkg");
-    ASSERT_NE(nullptr, Judge("/pkg/A.dll", "A.dll").origin);
-    EXPECT_EQ("/usr/share/dotnet.orvel/netcoreapp/A.dll", *Judge("/pkg/A.dll", "A.dll").origin);
-    EXPECT_EQ("/pkg/lib/L.dll", *Judge("/pkg/lib/L.dll", "L.dll").origin);
-    EXPECT_EQ(nullptr, Judge("/pkg/U.dll", "U.dll").origin);
-    EXPECT_EQ(nullptr, Judge("/pkg/notes.json", "notes.json").origin);
+struct ForetoldRow {
+  const char* path;
+  const char* name;
+  Verdict verdict;
+  std::string origin;  // empty: none
+  Exemption exemption;
+};
+
+TEST(DuplicatePolicy, names_the_first_catalogued_copy_of_the_catalogues_it_is_given_and_what_exempts_a_file) {
+  Catalogue core = {{"A.dll", "/core/A.dll"}, {"notes.json", "/n"}};
+  Catalogue framework = {{"A.dll", "/second"}, {"P.dll", "/usr/d.pc/P.dll"}};
+  Catalogue components = {{"C.dll", "/opt/usr/globalapps/coba/C.dll"}, {"P.dll", "/second"}};
+  Catalogue library = {{"C.dll", "/second"}, {"L.dll", "/pkg/lib/L.dll"}};
+  const ForetoldRow rows[] = {
+      {"/pkg/A.dll", "A.dll", Verdict::kRemoved, "/core/A.dll", Exemption::kNone},
+      {"/pkg/d.pc/A.dll", "A.dll", Verdict::kKept, "/core/A.dll", Exemption::kOnDpcPath},
+      {"/pkg/P.dll", "P.dll", Verdict::kKept, "/usr/d.pc/P.dll", Exemption::kOriginOnDpcPath},
+      {"/pkg/d.pc/P.dll", "P.dll", Verdict::kKept, "/usr/d.pc/P.dll", Exemption::kOriginOnDpcPath},
+      {"/pkg/C.dll", "C.dll", Verdict::kReportedOnly, "/opt/usr/globalapps/coba/C.dll", Exemption::kNone},
+      {"/pkg/lib/L.dll", "L.dll", Verdict::kKept, "/pkg/lib/L.dll", Exemption::kSamePath},
+      {"/pkg/L.dll", "L.dll", Verdict::kRemoved, "/pkg/lib/L.dll", Exemption::kNone},
+      {"/pkg/U.dll", "U.dll", Verdict::kKept, "", Exemption::kNone},
+      {"/pkg/notes.json", "notes.json", Verdict::kKept, "", Exemption::kNone},
+  };
+  Fresh([&](Platform& platform) {
+    coreFX = {{"U.dll", "/not/asked"}, {"A.dll", "/not/asked"}};
+    for (const ForetoldRow& row : rows) {
+      const Judgement judgement = Foretell({core, framework, components, library}, row.path, row.name);
+      EXPECT_EQ(row.verdict, judgement.verdict) << row.path;
+      EXPECT_EQ(row.exemption, judgement.exemption) << row.path;
+      EXPECT_EQ(row.origin, judgement.origin == nullptr ? "" : *judgement.origin) << row.path;
+    }
+    EXPECT_TRUE(platform.Messages().empty());
   });
 }
 
