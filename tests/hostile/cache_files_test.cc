@@ -30,38 +30,32 @@ void WriteBoth(const std::string& text) {
   WriteFile(kCobaFile, text);
 }
 
-TEST(HostileCacheFiles, noise_without_an_entry_stays_as_it_is) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    const std::string noise = Noise(1 << 20, 4) + std::string(1000, '\0') + Noise(1000, 5);
-    WriteBoth(noise);
-    EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL).result);
-    EXPECT_EQ(noise, ReadFile(kTpaFile));
-    EXPECT_EQ(noise, ReadFile(kCobaFile));
-    EXPECT_EQ(0u, device.platform().Calls("rename").size());
-  });
+HOSTILE_TEST(HostileCacheFiles, noise_without_an_entry_stays_as_it_is) {
+  const std::string noise = Noise(1 << 20, 4) + std::string(1000, '\0') + Noise(1000, 5);
+  WriteBoth(noise);
+  EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL).result);
+  EXPECT_EQ(noise, ReadFile(kTpaFile));
+  EXPECT_EQ(noise, ReadFile(kCobaFile));
+  EXPECT_EQ(0u, device.platform().Calls("rename").size());
 }
 
-TEST(HostileCacheFiles, an_entry_is_taken_out_of_noise_and_the_rest_stays) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    const std::string front = Noise(4096, 6);
-    const std::string back = Noise(4096, 7);
-    WriteBoth(front + ":" + kRoot + "\n\x01%n:" + back);
-    EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL).result);
-    EXPECT_EQ(front + ":" + back, ReadFile(kTpaFile));
-    EXPECT_EQ(front + ":" + back, ReadFile(kCobaFile));
-  });
+HOSTILE_TEST(HostileCacheFiles, an_entry_is_taken_out_of_noise_and_the_rest_stays) {
+  const std::string front = Noise(4096, 6);
+  const std::string back = Noise(4096, 7);
+  WriteBoth(front + ":" + kRoot + "\n\x01%n:" + back);
+  EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL).result);
+  EXPECT_EQ(front + ":" + back, ReadFile(kTpaFile));
+  EXPECT_EQ(front + ":" + back, ReadFile(kCobaFile));
 }
 
-TEST(HostileCacheFiles, a_package_is_added_to_noise_as_to_any_text) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    const std::string noise = Noise(4096, 8);
-    WriteBoth(noise);
-    WriteFile(InPackage("shared/res/X.dll"));
-    device.SendCoba(PKGMGR_PARSER_PLUGIN_CLEAN);
-    const std::string kept = noise.substr(0, noise.size() - 5);
-    EXPECT_EQ(kept + ":" + InPackage("shared/res/X.dll") + "[END]", ReadFile(kTpaFile));
-    EXPECT_EQ(kept + ":" + InPackage("shared/res/") + "[END]", ReadFile(kCobaFile));
-  });
+HOSTILE_TEST(HostileCacheFiles, a_package_is_added_to_noise_as_to_any_text) {
+  const std::string noise = Noise(4096, 8);
+  WriteBoth(noise);
+  WriteFile(InPackage("shared/res/X.dll"));
+  device.SendCoba(PKGMGR_PARSER_PLUGIN_CLEAN);
+  const std::string kept = noise.substr(0, noise.size() - 5);
+  EXPECT_EQ(kept + ":" + InPackage("shared/res/X.dll") + "[END]", ReadFile(kTpaFile));
+  EXPECT_EQ(kept + ":" + InPackage("shared/res/") + "[END]", ReadFile(kCobaFile));
 }
 
 TEST(HostileCacheFiles, texts_that_are_nothing_but_structure_come_to_an_end) {
