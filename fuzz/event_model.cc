@@ -157,8 +157,7 @@ void EventModel::AddTo(const char* file, const std::string& root, const std::str
   if (cache == files.end() || entries.empty()) return;
   const std::string text = support::PlainErase(cache->second.content, root).text;
   if (text.empty()) return;
-  const std::string kept = text.size() < 5 ? text : text.substr(0, text.size() - 5);
-  cache->second = {false, kept + ":" + entries + "[END]"};
+  cache->second = {false, support::PlainAppend(text, entries)};
 }
 
 void EventModel::Add(const std::string& id) {

@@ -75,26 +75,21 @@ TEST(Formats, what_an_event_meets_is_never_taken_for_a_format) {
   });
 }
 
-TEST(Formats, a_package_without_a_root_is_told_by_its_own_id) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    const support::Document manifest = HostileManifest();
-    for (Hook* hook :
-         {PKGMGR_PARSER_PLUGIN_INSTALL, PKGMGR_PARSER_PLUGIN_CLEAN, PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL}) {
-      device.Watch([&] { return hook(manifest.get(), kData); });
-    }
-    EXPECT_TRUE(device.Logged(std::string("add to cache called for ") + kData + ", but pkgroot is empty!"));
-    ExpectNoDataInFormats(device.platform(), 2);
-  });
+HOSTILE_TEST(Formats, a_package_without_a_root_is_told_by_its_own_id) {
+  const support::Document manifest = HostileManifest();
+  for (Hook* hook : {PKGMGR_PARSER_PLUGIN_INSTALL, PKGMGR_PARSER_PLUGIN_CLEAN, PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL}) {
+    device.Watch([&] { return hook(manifest.get(), kData); });
+  }
+  EXPECT_TRUE(device.Logged(std::string("add to cache called for ") + kData + ", but pkgroot is empty!"));
+  ExpectNoDataInFormats(device.platform(), 2);
 }
 
-TEST(Formats, the_tools_helpers_take_nothing_for_a_format_either) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    printAll(std::string(kData) + ":" + kData);
-    device.platform().FailNext("smack_setlabel", -1);
-    device.Watch([] { return setSmack(kData, kData) ? 1 : 0; });
-    exist(InPackage(kData));
-    ExpectNoDataInFormats(device.platform(), 4);
-  });
+HOSTILE_TEST(Formats, the_tools_helpers_take_nothing_for_a_format_either) {
+  printAll(std::string(kData) + ":" + kData);
+  device.platform().FailNext("smack_setlabel", -1);
+  device.Watch([] { return setSmack(kData, kData) ? 1 : 0; });
+  exist(InPackage(kData));
+  ExpectNoDataInFormats(device.platform(), 4);
 }
 
 }  // namespace

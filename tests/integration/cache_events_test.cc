@@ -51,32 +51,30 @@ int RunEvent(const LoadedPlugin& plugin, const std::string& event, const char* i
   return result;
 }
 
-TEST(CacheEvents, a_devices_life_leaves_both_files_byte_by_byte) {
-  OnDesk([](const Desk& desk) {
-    const LoadedPlugin plugin;
-    ExpectCaches("[START][END]", "[START][END]");
-    const std::string a = AddCoba(desk, plugin, "org.a", {"Two.dll", "One.dll", "notes.txt"});
-    ExpectCaches("[START]:" + a + "One.dll:" + a + "Two.dll[END]", "[START]:" + a + "[END]");
-    EXPECT_EQ(1, desk.Loader().starts);
+DESK_TEST(CacheEvents, a_devices_life_leaves_both_files_byte_by_byte) {
+  const LoadedPlugin plugin;
+  ExpectCaches("[START][END]", "[START][END]");
+  const std::string a = AddCoba(desk, plugin, "org.a", {"Two.dll", "One.dll", "notes.txt"});
+  ExpectCaches("[START]:" + a + "One.dll:" + a + "Two.dll[END]", "[START]:" + a + "[END]");
+  EXPECT_EQ(1, desk.Loader().starts);
 
-    const std::string b = AddCoba(desk, plugin, "org.b", {"B.dll"});
-    ExpectCaches("[START]:" + a + "One.dll:" + a + "Two.dll:" + b + "B.dll[END]", "[START]:" + a + ":" + b + "[END]");
-    EXPECT_THAT(desk.Loader().tpa, ElementsAre(a + "One.dll", a + "Two.dll", b + "B.dll"));
-    EXPECT_THAT(desk.Loader().coba, ElementsAre(a, b));
+  const std::string b = AddCoba(desk, plugin, "org.b", {"B.dll"});
+  ExpectCaches("[START]:" + a + "One.dll:" + a + "Two.dll:" + b + "B.dll[END]", "[START]:" + a + ":" + b + "[END]");
+  EXPECT_THAT(desk.Loader().tpa, ElementsAre(a + "One.dll", a + "Two.dll", b + "B.dll"));
+  EXPECT_THAT(desk.Loader().coba, ElementsAre(a, b));
 
-    std::filesystem::remove(a + "Two.dll");
-    AddCoba(desk, plugin, "org.a", {"Three.dll"});
-    ExpectCaches("[START]:" + b + "B.dll:" + a + "One.dll:" + a + "Three.dll[END]", "[START]:" + b + ":" + a + "[END]");
+  std::filesystem::remove(a + "Two.dll");
+  AddCoba(desk, plugin, "org.a", {"Three.dll"});
+  ExpectCaches("[START]:" + b + "B.dll:" + a + "One.dll:" + a + "Three.dll[END]", "[START]:" + b + ":" + a + "[END]");
 
-    EXPECT_EQ(0, RunEvent(plugin, "UNINSTALL", "org.b"));
-    ExpectCaches("[START]:" + a + "One.dll:" + a + "Three.dll[END]", "[START]:" + a + "[END]");
-    EXPECT_EQ(0, RunEvent(plugin, "UNINSTALL", "org.a"));
-    ExpectCaches("[START][END]", "[START][END]");
-    EXPECT_EQ(5, desk.Loader().starts);
-    EXPECT_THAT(desk.Loader().tpa, IsEmpty());
-    EXPECT_EQ("", desk.Loader().error);
-    EXPECT_THAT(desk.LogTexts("Can't restart"), IsEmpty());
-  });
+  EXPECT_EQ(0, RunEvent(plugin, "UNINSTALL", "org.b"));
+  ExpectCaches("[START]:" + a + "One.dll:" + a + "Three.dll[END]", "[START]:" + a + "[END]");
+  EXPECT_EQ(0, RunEvent(plugin, "UNINSTALL", "org.a"));
+  ExpectCaches("[START][END]", "[START][END]");
+  EXPECT_EQ(5, desk.Loader().starts);
+  EXPECT_THAT(desk.Loader().tpa, IsEmpty());
+  EXPECT_EQ("", desk.Loader().error);
+  EXPECT_THAT(desk.LogTexts("Can't restart"), IsEmpty());
 }
 
 TEST(CacheEvents, upgrade_then_clean_takes_an_ordinary_package_out) {
@@ -99,15 +97,13 @@ TEST(CacheEvents, upgrade_then_clean_takes_an_ordinary_package_out) {
   }
 }
 
-TEST(CacheEvents, a_loader_that_refuses_the_new_cache_fails_no_event) {
-  OnDesk([](const Desk& desk) {
-    const LoadedPlugin plugin;
-    desk.RegisterCoba("org.pkg");  // without a shared resource directory, which the loader misses
-    StandardErrorOf([&] { EXPECT_EQ(0, plugin.Event("CLEAN", CobaManifest().get(), "org.pkg")); });
-    ExpectCaches("[START][END]", "[START]:/opt/usr/apps/org.pkg/shared/res/[END]");
-    EXPECT_THAT(desk.LogTexts("Can't restart dotnet-loader-inhouse"), SizeIs(1));
-    EXPECT_NE("", desk.Loader().error);
-  });
+DESK_TEST(CacheEvents, a_loader_that_refuses_the_new_cache_fails_no_event) {
+  const LoadedPlugin plugin;
+  desk.RegisterCoba("org.pkg");  // without a shared resource directory, which the loader misses
+  StandardErrorOf([&] { EXPECT_EQ(0, plugin.Event("CLEAN", CobaManifest().get(), "org.pkg")); });
+  ExpectCaches("[START][END]", "[START]:/opt/usr/apps/org.pkg/shared/res/[END]");
+  EXPECT_THAT(desk.LogTexts("Can't restart dotnet-loader-inhouse"), SizeIs(1));
+  EXPECT_NE("", desk.Loader().error);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "platform/host/device.h"
 #include "platform/host/log_file.h"
 #include "platform/host/package_store.h"
+#include "tests/support/framed_test.h"
 
 // What the loader noted at its last start.
 struct LoaderRecord {
@@ -43,5 +44,8 @@ class Desk {
 
 // Runs the body in a child process on a new device. To be the last statement of a test.
 void OnDesk(const std::function<void(const Desk&)>& body);
+
+// A test with such a body, which knows the device as `desk`.
+#define DESK_TEST(suite, name) FRAMED_TEST(OnDesk, const Desk& desk, suite, name)
 
 #endif

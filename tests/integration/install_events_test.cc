@@ -36,59 +36,53 @@ int RunEvent(const LoadedPlugin& plugin, const std::string& event, const std::st
   return result;
 }
 
-TEST(InstallEvents, packages_in_turn_each_lose_their_duplicates) {
-  OnDesk([](const Desk& desk) {
-    const std::string first = desk.Register("org.first") + "/bin/A.dll";
-    const std::string second = desk.Register("org.second") + "/bin/A.dll";
-    for (const std::string& file : {kFrameworkDll, first, second}) WriteFile(file, "MZ");
-    const LoadedPlugin plugin;
-    std::string text;
-    EXPECT_EQ(0, RunEvent(plugin, "INSTALL", "org.first", &text));
-    EXPECT_EQ("### INSTALL : morvath : org.first\n" + DuplicateLine(kFrameworkDll, first), text);
-    EXPECT_EQ(0, RunEvent(plugin, "INSTALL", "org.second", &text));
-    EXPECT_EQ("### INSTALL : morvath : org.second\n" + DuplicateLine(kFrameworkDll, second), text);
-    WriteFile(first, "MZ");
-    EXPECT_EQ(0, RunEvent(plugin, "INSTALL", "org.first", &text));
-    EXPECT_EQ("### INSTALL : morvath : org.first\n" + DuplicateLine(kFrameworkDll, first), text);
-    for (const std::string& dll : {first, second}) {
-      EXPECT_FALSE(IsThere(dll));
-      EXPECT_EQ(support::InformationText(kFrameworkDll, dll), ReadFile(dll + "_deleted"));
-    }
-    EXPECT_THAT(desk.LogTexts("orvelFX size = 1"), SizeIs(3));
-    EXPECT_EQ("MZ", ReadFile(kFrameworkDll));
-  });
+DESK_TEST(InstallEvents, packages_in_turn_each_lose_their_duplicates) {
+  const std::string first = desk.Register("org.first") + "/bin/A.dll";
+  const std::string second = desk.Register("org.second") + "/bin/A.dll";
+  for (const std::string& file : {kFrameworkDll, first, second}) WriteFile(file, "MZ");
+  const LoadedPlugin plugin;
+  std::string text;
+  EXPECT_EQ(0, RunEvent(plugin, "INSTALL", "org.first", &text));
+  EXPECT_EQ("### INSTALL : morvath : org.first\n" + DuplicateLine(kFrameworkDll, first), text);
+  EXPECT_EQ(0, RunEvent(plugin, "INSTALL", "org.second", &text));
+  EXPECT_EQ("### INSTALL : morvath : org.second\n" + DuplicateLine(kFrameworkDll, second), text);
+  WriteFile(first, "MZ");
+  EXPECT_EQ(0, RunEvent(plugin, "INSTALL", "org.first", &text));
+  EXPECT_EQ("### INSTALL : morvath : org.first\n" + DuplicateLine(kFrameworkDll, first), text);
+  for (const std::string& dll : {first, second}) {
+    EXPECT_FALSE(IsThere(dll));
+    EXPECT_EQ(support::InformationText(kFrameworkDll, dll), ReadFile(dll + "_deleted"));
+  }
+  EXPECT_THAT(desk.LogTexts("orvelFX size = 1"), SizeIs(3));
+  EXPECT_EQ("MZ", ReadFile(kFrameworkDll));
 }
 
-TEST(InstallEvents, a_package_that_is_not_registered_is_only_told) {
-  OnDesk([](const Desk&) {
-    const LoadedPlugin plugin;
-    std::string text;
-    EXPECT_EQ(0, RunEvent(plugin, "INSTALL", "org.unknown", &text));
-    EXPECT_EQ("### INSTALL : morvath : org.unknown\n### INSTALL : morvath, pkgRoot is empty : org.unknown\n", text);
-  });
+DESK_TEST(InstallEvents, a_package_that_is_not_registered_is_only_told) {
+  const LoadedPlugin plugin;
+  std::string text;
+  EXPECT_EQ(0, RunEvent(plugin, "INSTALL", "org.unknown", &text));
+  EXPECT_EQ("### INSTALL : morvath : org.unknown\n### INSTALL : morvath, pkgRoot is empty : org.unknown\n", text);
 }
 
-TEST(InstallEvents, the_log_holds_whole_lines_under_both_tags) {
-  OnDesk([](const Desk& desk) {
-    const LoadedPlugin plugin;
-    EXPECT_EQ(0, RunEvent(plugin, "UNDO", "org.pkg"));
-    std::vector<std::string> lines;
-    for (const host::LogRecord& record : desk.Log())
-      lines.push_back(record.priority + (" " + record.tag) + " " + record.text);
-    EXPECT_THAT(
-        lines,
-        ElementsAre(
-            testing::MatchesRegex("D QUARNEL log: FunctionEntryExitTracker\\([0-9]+\\) > .\\[90m \\+DotNETLog:morvath"
-                                  "\\([0-9]+\\) int PKGMGR_PARSER_PLUGIN_UNDO\\(xmlDocPtr, const char\\*\\).\\[0m"),
-            testing::MatchesRegex("D NETCORE_INSTALLER_PLUGIN morvath: isAppDotnetInhouse\\([0-9]+\\) > .\\[0mname "
-                                  "manifest.\\[0m"),
-            testing::MatchesRegex("D NETCORE_INSTALLER_PLUGIN morvath: isAppDotnetInhouse\\([0-9]+\\) > .\\[0mname "
-                                  "ui-application.\\[0m"),
-            testing::MatchesRegex("I NETCORE_INSTALLER_PLUGIN morvath: isAppDotnetInhouse\\([0-9]+\\) > .\\[36mApp is "
-                                  "dotnet-\\*.\\[0m"),
-            testing::MatchesRegex("D QUARNEL log: ~FunctionEntryExitTracker\\([0-9]+\\) > .\\[90m-DotNETLog:morvath"
-                                  "\\([0-9]+\\) int PKGMGR_PARSER_PLUGIN_UNDO\\(xmlDocPtr, const char\\*\\).\\[0m")));
-  });
+DESK_TEST(InstallEvents, the_log_holds_whole_lines_under_both_tags) {
+  const LoadedPlugin plugin;
+  EXPECT_EQ(0, RunEvent(plugin, "UNDO", "org.pkg"));
+  std::vector<std::string> lines;
+  for (const host::LogRecord& record : desk.Log())
+    lines.push_back(record.priority + (" " + record.tag) + " " + record.text);
+  EXPECT_THAT(
+      lines,
+      ElementsAre(
+          testing::MatchesRegex("D QUARNEL log: FunctionEntryExitTracker\\([0-9]+\\) > .\\[90m \\+DotNETLog:morvath"
+                                "\\([0-9]+\\) int PKGMGR_PARSER_PLUGIN_UNDO\\(xmlDocPtr, const char\\*\\).\\[0m"),
+          testing::MatchesRegex("D NETCORE_INSTALLER_PLUGIN morvath: isAppDotnetInhouse\\([0-9]+\\) > .\\[0mname "
+                                "manifest.\\[0m"),
+          testing::MatchesRegex("D NETCORE_INSTALLER_PLUGIN morvath: isAppDotnetInhouse\\([0-9]+\\) > .\\[0mname "
+                                "ui-application.\\[0m"),
+          testing::MatchesRegex("I NETCORE_INSTALLER_PLUGIN morvath: isAppDotnetInhouse\\([0-9]+\\) > .\\[36mApp is "
+                                "dotnet-\\*.\\[0m"),
+          testing::MatchesRegex("D QUARNEL log: ~FunctionEntryExitTracker\\([0-9]+\\) > .\\[90m-DotNETLog:morvath"
+                                "\\([0-9]+\\) int PKGMGR_PARSER_PLUGIN_UNDO\\(xmlDocPtr, const char\\*\\).\\[0m")));
 }
 
 // The phases and the signatures of the trace file, in order: "B gac", "E gac".
@@ -101,23 +95,21 @@ std::vector<std::string> SpansOf(const std::string& file) {
   return spans;
 }
 
-TEST(InstallEvents, spans_nest_like_the_calls) {
-  OnDesk([](const Desk& desk) {
-    desk.Register("org.pkg");
-    const std::string file = (desk.device().directory / "trace.json").string();
-    setenv(host::kTraceVariable, file.c_str(), 1);
-    const LoadedPlugin plugin;
-    EXPECT_EQ(0, RunEvent(plugin, "UPGRADE", "org.pkg"));
-    const std::string upgrade = " int PKGMGR_PARSER_PLUGIN_UPGRADE(xmlDocPtr, const char*)";
-    const std::string install = " int PKGMGR_PARSER_PLUGIN_INSTALL(xmlDocPtr, const char*)";
-    const std::string gac = " int gac(const std::string&)";
-    const std::string platform = " bool HasPlatformPrivilege(const std::string&)";
-    const std::string privilege = " bool HasPrivilege(const std::string&, const std::string&)";
-    const std::string search = " void getPackageByMetadataTag(pkgmgrinfo_app_list_cb, const std::string&)";
-    EXPECT_THAT(SpansOf(file),
-                ElementsAre("B" + upgrade, "B" + install, "B" + gac, "B" + platform, "B" + privilege, "E" + privilege,
-                            "E" + platform, "B" + search, "E" + search, "E" + gac, "E" + install, "E" + upgrade));
-  });
+DESK_TEST(InstallEvents, spans_nest_like_the_calls) {
+  desk.Register("org.pkg");
+  const std::string file = (desk.device().directory / "trace.json").string();
+  setenv(host::kTraceVariable, file.c_str(), 1);
+  const LoadedPlugin plugin;
+  EXPECT_EQ(0, RunEvent(plugin, "UPGRADE", "org.pkg"));
+  const std::string upgrade = " int PKGMGR_PARSER_PLUGIN_UPGRADE(xmlDocPtr, const char*)";
+  const std::string install = " int PKGMGR_PARSER_PLUGIN_INSTALL(xmlDocPtr, const char*)";
+  const std::string gac = " int gac(const std::string&)";
+  const std::string platform = " bool HasPlatformPrivilege(const std::string&)";
+  const std::string privilege = " bool HasPrivilege(const std::string&, const std::string&)";
+  const std::string search = " void getPackageByMetadataTag(pkgmgrinfo_app_list_cb, const std::string&)";
+  EXPECT_THAT(SpansOf(file),
+              ElementsAre("B" + upgrade, "B" + install, "B" + gac, "B" + platform, "B" + privilege, "E" + privilege,
+                          "E" + platform, "B" + search, "E" + search, "E" + gac, "E" + install, "E" + upgrade));
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 
 #include "tests/doubles/expected_journal.h"
 #include "tests/doubles/platform.h"
+#include "tests/support/framed_test.h"
 
 using Body = std::function<void(doubles::Platform&)>;
 
@@ -19,6 +20,10 @@ void Fresh(const Body& body);
 
 // The same with the fixed paths of an empty device (device_root.h). To be the last statement of a test.
 void FreshOnDevice(const Body& body);
+
+// Tests with such a body, which knows its doubles as `platform`.
+#define FRESH_TEST(suite, name) FRAMED_TEST(Fresh, doubles::Platform& platform, suite, name)
+#define DEVICE_TEST(suite, name) FRAMED_TEST(FreshOnDevice, doubles::Platform& platform, suite, name)
 
 // Does the journal hold exactly these steps?
 testing::AssertionResult Holds(const doubles::Platform& platform, std::initializer_list<doubles::Steps> expected);

@@ -104,15 +104,6 @@ TEST(AssemblyCache, the_application_api_is_catalogued_for_a_package_with_the_pla
   });
 }
 
-TEST(AssemblyCache, a_copy_of_an_application_api_assembly_is_kept_without_the_privilege) {
-  FreshOnDevice([](Platform& platform) {
-    PutPackage(platform);
-    WriteFiles({TvAppApi("T.dll"), InPackage("bin/T.dll")});
-    EXPECT_EQ(0, gac("pkg"));
-    EXPECT_TRUE(IsThere(InPackage("bin/T.dll")));
-  });
-}
-
 TEST(AssemblyCache, a_name_keeps_its_first_path_in_the_order_of_the_directories) {
   FreshOnDevice([](Platform& platform) {
     PutPackage(platform);
