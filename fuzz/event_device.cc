@@ -12,6 +12,7 @@
 
 #include "fuzz/memory_directory.h"
 #include "platform/host/device.h"
+#include "platform/host/fixed_paths.h"
 #include "platform/host/fixed_paths_mounts.h"
 #include "plugin/catalogues.h"
 #include "plugin/hooks.h"

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <regex>
 #include <stdexcept>
@@ -80,7 +81,11 @@ TEST_P(DocumentSessions, end_and_print_as_they_are_shown) {
   }
 }
 
-std::string NameOf(const testing::TestParamInfo<std::string>& info) { return fs::path(info.param).stem(); }
+std::string NameOf(const testing::TestParamInfo<std::string>& info) {
+  std::string name = fs::path(info.param).stem();
+  std::replace(name.begin(), name.end(), '-', '_');
+  return name;
+}
 
 INSTANTIATE_TEST_SUITE_P(Documents, DocumentSessions, testing::ValuesIn(Documents()), NameOf);
 
