@@ -2,14 +2,17 @@
 #include <exception>
 
 #include "orvelbox/cli/command_line.h"
-#include "orvelbox/commands/commands.h"
+#include "orvelbox/commands/all.h"
 #include "orvelbox/desk/output.h"
+#include "orvelbox/trace/trace_file.h"
 
 namespace {
 
-int Run(const orvelbox::Options& options) {
+int Run(const orvelbox::Request& request) {
+  orvelbox::SetQuiet(request.global.quiet);
   try {
-    return orvelbox::RunCommand(options);
+    if (!request.global.trace.empty()) orvelbox::RequireTraceable(request.global.trace);
+    return request.command->Run(request.global);
   } catch (const std::exception& error) {
     orvelbox::Complain(error.what());
     return orvelbox::kFailed;
@@ -19,9 +22,10 @@ int Run(const orvelbox::Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const auto parsed = orvelbox::ParseCommandLine(argc, argv);
+  const orvelbox::Commands commands = orvelbox::AllCommands();
+  const auto parsed = orvelbox::ParseCommandLine(commands, argc, argv);
   if (const int* status = std::get_if<int>(&parsed)) return *status;
-  const int status = Run(std::get<orvelbox::Options>(parsed));
+  const int status = Run(std::get<orvelbox::Request>(parsed));
   if (orvelbox::FlushOutput()) return status;
   orvelbox::Complain("standard output cannot be written");
   return orvelbox::kFailed;

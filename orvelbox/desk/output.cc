@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <iostream>
-#include <utility>
 
 #include "orvelbox/desk/progress.h"
 
@@ -87,7 +86,7 @@ std::string Printable(std::string_view text) {
   return printable;
 }
 
-bool SetQuiet(bool wanted) { return std::exchange(quiet, wanted); }
+void SetQuiet(bool wanted) { quiet = wanted; }
 
 void Say(std::string_view line) { SayColoured(Printable(line)); }
 
