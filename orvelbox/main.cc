@@ -2,17 +2,25 @@
 #include <exception>
 
 #include "orvelbox/cli/command_line.h"
-#include "orvelbox/commands/commands.h"
+#include "orvelbox/commands/all.h"
 #include "orvelbox/desk/output.h"
+#include "orvelbox/trace/trace_file.h"
 
 namespace {
+
+int Run(const orvelbox::Request& request) {
+  orvelbox::SetQuiet(request.global.quiet);
+  if (!request.global.trace.empty()) orvelbox::RequireTraceable(request.global.trace);
+  return request.command->Run(request.global);
+}
 
 // No exception ends the program without a line for people, be it one of the command line's own making.
 int Run(int argc, char** argv) {
   try {
-    const auto parsed = orvelbox::ParseCommandLine(argc, argv);
+    const orvelbox::Commands commands = orvelbox::AllCommands();
+    const auto parsed = orvelbox::ParseCommandLine(commands, argc, argv);
     if (const int* status = std::get_if<int>(&parsed)) return *status;
-    return orvelbox::RunCommand(std::get<orvelbox::Options>(parsed));
+    return Run(std::get<orvelbox::Request>(parsed));
   } catch (const std::exception& error) {
     orvelbox::Complain(error.what());
     return orvelbox::kFailed;

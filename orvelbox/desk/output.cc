@@ -6,7 +6,6 @@
 #include <array>
 #include <cstdio>
 #include <iostream>
-#include <utility>
 
 #include "orvelbox/desk/progress.h"
 #include "platform/host/utf8.h"
@@ -55,7 +54,7 @@ std::string Printable(std::string_view text) {
   return printable;
 }
 
-bool SetQuiet(bool wanted) { return std::exchange(quiet, wanted); }
+void SetQuiet(bool wanted) { quiet = wanted; }
 
 void Say(std::string_view line) { SayColoured(Printable(line)); }
 

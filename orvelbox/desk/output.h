@@ -15,8 +15,8 @@ namespace orvelbox {
 // for eyes, not for reading back.
 std::string Printable(std::string_view text);
 
-// Whether nothing but complaints is printed from here on. Returns what was set before.
-bool SetQuiet(bool quiet);
+// Whether nothing but complaints is printed from here on.
+void SetQuiet(bool quiet);
 
 // Prints `line`, made printable, and a line feed on standard output.
 void Say(std::string_view line);

@@ -39,7 +39,7 @@ fs::path InstalledTrees::Place(const host::Package& package) const { return devi
 
 fs::path InstalledTrees::StagingArea() const { return device_.OnDesk(root_) / ".staging"; }
 
-fs::path InstalledTrees::Unpacking() const { return Staging(kUnpacked); }
+fs::path InstalledTrees::Unpacked() const { return Staging(kUnpacked); }
 
 fs::path InstalledTrees::PreviousArea() const { return device_.OnDesk(root_) / ".previous"; }
 
@@ -64,11 +64,13 @@ void InstalledTrees::RemoveStaged(const std::string& package_id) const {
   RemoveIfEmpty(StagingArea());
 }
 
-void InstalledTrees::RemoveUnpacked() const { RemoveStaged(kUnpacked); }
+UnpackPlace InstalledTrees::PlaceToUnpack() const {
+  return {Unpacked(), [this] { RemoveStaged(kUnpacked); }};
+}
 
 void InstalledTrees::Stage(const fs::path& source, const std::string& package_id) const {
   MakeDirectory(StagingArea());
-  const auto stage = source == Unpacking() ? Move : CopyTree;
+  const auto stage = source == Unpacked() ? Move : CopyTree;
   WithRollback([&] { stage(source, Staging(package_id)); }, [&] { RemoveStaged(package_id); });
 }
 

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "orvelbox/device/journal.h"
+#include "orvelbox/package/source.h"
 #include "platform/host/device.h"
 #include "platform/host/package_store.h"
 
@@ -31,10 +32,9 @@ class InstalledTrees {
   // Where the package's tree stands on the desk.
   std::filesystem::path Place(const host::Package& package) const;
 
-  // Where a package may be unpacked before Add or Replace take it from there; RemoveUnpacked removes it,
-  // and Mend after a killed run.
-  std::filesystem::path Unpacking() const;
-  void RemoveUnpacked() const;
+  // Where a package may be unpacked before Add or Replace take it from there. After a killed run Mend clears it. Must
+  // not outlive this object.
+  UnpackPlace PlaceToUnpack() const;
 
   // Puts a copy of `source` in place and registers `package` (PlacedAt its root). The package is there for good with
   // KeepAddition and gone, the cache files as before, with TakeBackAddition. Leaves nothing when it fails.
@@ -65,6 +65,7 @@ class InstalledTrees {
  private:
   std::filesystem::path StagingArea() const;
   std::filesystem::path PreviousArea() const;
+  std::filesystem::path Unpacked() const;
   std::filesystem::path Staging(const std::string& package_id) const;
   std::filesystem::path Previous(const std::string& package_id) const;
   void Stage(const std::filesystem::path& source, const std::string& package_id) const;

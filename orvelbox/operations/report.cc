@@ -54,10 +54,7 @@ std::string DescribeHook(const HookResult& result) {
   return result.message;
 }
 
-bool Failed(const HookResult& result) { return result.end != HookResult::End::kReturned || result.value != 0; }
-
-}  // namespace
-
+// What hooks returned on one line ("INSTALL returned 0, CLEAN returned 0").
 std::string DescribeHooks(const HookRun& hooks) {
   std::string text;
   for (const HookResult& result : hooks.results) {
@@ -65,6 +62,12 @@ std::string DescribeHooks(const HookRun& hooks) {
   }
   return text;
 }
+
+void AppendTo(Lines& lines, const Lines& more) { lines.insert(lines.end(), more.begin(), more.end()); }
+
+bool Failed(const HookResult& result) { return result.end != HookResult::End::kReturned || result.value != 0; }
+
+}  // namespace
 
 Lines DescribeHooksByPackage(const HookRun& hooks) {
   Lines lines;
@@ -112,6 +115,19 @@ std::string ReasonOfFailure(const Effects& seen) {
   const auto failed = std::find_if(results.begin(), results.end(), Failed);
   if (failed == results.end()) return "";
   return failed->hook + " " + DescribeHook(*failed) + "; see: orvelbox log --priority E";
+}
+
+Lines DescribeChange(const Change& change) {
+  const HookRun& hooks = change.effects.hooks;
+  Lines lines;
+  if (!hooks.results.empty()) lines.push_back("    " + DescribeHooks(hooks));
+  if (!change.taken_back) AppendTo(lines, DescribeEffects(change.effects, change.package.root));
+  if (!change.Done()) AppendTo(lines, ExplainDebuggingFailure(change.effects, change.package.root));
+  return lines;
+}
+
+std::string ComplaintAbout(const std::string& command, const Change& change) {
+  return change.package.id + ": " + command + " failed, " + ReasonOfFailure(change.effects);
 }
 
 }  // namespace orvelbox

@@ -1,8 +1,6 @@
 // Opening a device for a change.
 #include "orvelbox/operations/session.h"
 
-#include "orvelbox/desk/output.h"
-
 namespace orvelbox {
 
 Session::Session(HookSettings settings)
@@ -10,7 +8,7 @@ Session::Session(HookSettings settings)
       lock_(settings_.device),
       trees_(settings_.device, host::ReadConfig(settings_.device)) {
   OpenStore();
-  for (const std::string& line : trees_.Mend()) Say(line);
+  mended_ = trees_.Mend();
 }
 
 host::PackageStore Session::OpenStore() const {

@@ -16,11 +16,10 @@ struct UnpackPlace {
   Wanted wanted = [](const std::string&) { return true; };
 };
 
-// Runs `work` with the directory of the package `package`, and gives its result; an archive is in `scratch` meanwhile.
-// Throws host::DeviceError, also what `work` throws, with the archive's name wherever the text names the scratch
-// directory.
-int WithPackage(const std::filesystem::path& package, const UnpackPlace& scratch,
-                const std::function<int(const std::filesystem::path& directory)>& work);
+// Runs `work` with the directory of the package `package`; an archive is unpacked at `place` meanwhile. Throws
+// host::DeviceError, also what `work` throws, with the archive's name wherever the text names the place.
+void WithPackage(const std::filesystem::path& package, const UnpackPlace& place,
+                 const std::function<void(const std::filesystem::path& directory)>& work);
 
 }  // namespace orvelbox
 
