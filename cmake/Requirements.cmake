@@ -1,6 +1,11 @@
 # The libraries that the build takes from the machine. Those that are missing are named by what they are, a line each,
 # because on machines without Debian's packages nothing else says so.
 
+# Boost describes itself; newer releases of CMake warn of their own description of it.
+if(POLICY CMP0167)
+  cmake_policy(SET CMP0167 NEW)
+endif()
+
 # require(PACKAGE VERSION WORDS…): find_package(PACKAGE VERSION); WORDS name it. `COMPONENTS…` may follow.
 macro(require package version words)
   find_package(${package} ${version} QUIET ${ARGN})

@@ -1,5 +1,5 @@
 #!/bin/sh
-# lend.sh TREE COMMAND…: runs COMMAND as the user "nobody" in this very directory, in whose place the directory TREE then
+# lend.sh TREE COMMAND…: runs COMMAND as an ordinary user in this very directory, in whose place the directory TREE then
 # lies, because a build knows its path. To be started in a mount namespace of its own.
 set -eu
 
@@ -19,4 +19,4 @@ exec 3<"$tree" # by which it is reached even where it lies below what is covered
 mkdir -p "$place"
 mount --bind /proc/self/fd/3 "$place"
 cd "$place"
-exec setpriv --reuid=nobody --regid=nogroup --clear-groups env HOME=/nonexistent "$@" 3<&-
+exec setpriv --reuid=65534 --regid=65534 --clear-groups env HOME=/nonexistent "$@" 3<&-
