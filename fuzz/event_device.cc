@@ -115,7 +115,7 @@ bool EnterDevice() {
   }
   static const MemoryDirectory root;
   for (const char* area : kAreas) fs::create_directories(root.path().string() + area);
-  host::EnterMountNamespace(method);
+  host::EnterMountNamespace(method == host::FixedPathsMethod::kUserNamespace);
   host::LayFixedPathsOver(root.path());
   inside = true;
   return true;

@@ -21,7 +21,6 @@
 #include "morvath/platform_utils.h"
 #include "platform/host/child_process.h"
 #include "platform/host/device.h"
-#include "platform/host/fixed_paths.h"
 #include "platform/host/fixed_paths_mounts.h"
 #include "plugin/catalogues.h"
 #include "plugin/duplicates.h"
@@ -61,8 +60,7 @@ void MountOverlay(const fs::path& root) {
 }
 
 void EnterNamespaceWithOverlay(const fs::path& root) {
-  host::EnterMountNamespace(geteuid() == 0 ? host::FixedPathsMethod::kMountNamespace
-                                           : host::FixedPathsMethod::kUserNamespace);
+  host::EnterMountNamespace(geteuid() != 0);
   MountOverlay(root);
 }
 

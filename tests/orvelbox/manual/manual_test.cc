@@ -60,11 +60,11 @@ TEST(Manual, every_command_has_an_example_that_calls_it) {
 
 // Releases of CLI11 differ in what they take for a name of an argument; these are taken by all.
 TEST(Manual, every_name_is_a_plain_word) {
-  const CommandFacts program = DescribeProgram();
-  for (const OptionFacts& option : program.options) EXPECT_THAT(option.name, MatchesRegex("--[a-z]+"));
+  const CommandFacts program = Program();
+  for (const Option& option : program.options) EXPECT_THAT(option.name, MatchesRegex("--[a-z]+"));
   ForEachCommand(program, [](const CommandFacts& command) {
-    for (const OptionFacts& option : command.options) EXPECT_THAT(option.name, MatchesRegex("--[a-z]+"));
-    for (const OptionFacts& argument : command.arguments) EXPECT_THAT(argument.name, MatchesRegex("[A-Z|]+"));
+    for (const Option& option : command.options) EXPECT_THAT(option.name, MatchesRegex("--[a-z]+"));
+    for (const Option& argument : command.arguments) EXPECT_THAT(argument.name, MatchesRegex("[A-Z|]+"));
   });
 }
 
