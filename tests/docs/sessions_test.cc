@@ -115,8 +115,8 @@ TEST(DocumentCommands, every_make_target_that_is_named_is_there) {
 std::string Sources() {
   std::string text;
   for (const char* folder : {"plugin", "util", "quarnel_util"}) {
-    for (const auto& entry : fs::directory_iterator(fs::path(SOURCE_DIRECTORY) / folder)) {
-      text += support::ReadFile(entry.path());
+    for (const auto& entry : fs::recursive_directory_iterator(fs::path(SOURCE_DIRECTORY) / folder)) {
+      if (entry.is_regular_file()) text += support::ReadFile(entry.path());
     }
   }
   return text;
