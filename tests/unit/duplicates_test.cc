@@ -278,10 +278,14 @@ TEST(Duplicates, the_information_file_is_left_although_the_removal_failed) {
   EXPECT_EQ(InformationText(kOrigin, dll), support::ReadFile(dll + "_deleted"));
 }
 
-TEST(Duplicates, an_information_file_that_cannot_be_made_is_no_matter) {
-  Platform& platform = doubles::Reset();
-  EXPECT_EQ("", StandardErrorOf([] { removeFileAndLeaveInformationFile(kOrigin, "/proc/nowhere/A.dll"); }));
-  EXPECT_TRUE(Holds(platform, {RemovalFrame()}));
+TEST(Duplicates, an_information_file_that_cannot_be_made_is_no_matter_and_nothing_is_written) {
+  support::InFreshProcess([] {
+    Platform& platform = doubles::Reset();
+    interposed::Files().writes = {interposed::Fails(EIO)};
+    EXPECT_EQ("", StandardErrorOf([] { removeFileAndLeaveInformationFile(kOrigin, "/proc/nowhere/A.dll"); }));
+    EXPECT_TRUE(Holds(platform, {RemovalFrame()}));
+    EXPECT_EQ(1u, interposed::Files().writes.size());
+  });
 }
 
 TEST(Duplicates, a_disk_without_room_leaves_an_empty_information_file_silently) {
