@@ -202,9 +202,10 @@ TEST(Duplicates, without_an_information_file_its_text_goes_nowhere) {
 TEST(Duplicates, the_open_information_file_is_neither_inherited_nor_made_the_terminal) {
   const TempDir package;
   doubles::Reset();
+  interposed::Files().common_open_flags = ~0;
   removeFileAndLeaveInformationFile(kOrigin, package / "A.dll");
-  EXPECT_NE(0, interposed::Files().open_flags & O_CLOEXEC);
-  EXPECT_NE(0, interposed::Files().open_flags & O_NOCTTY);
+  EXPECT_NE(0, interposed::Files().common_open_flags & O_CLOEXEC);
+  EXPECT_NE(0, interposed::Files().common_open_flags & O_NOCTTY);
 }
 
 TEST(Duplicates, the_descriptor_of_a_closed_standard_input_is_as_good_as_any) {

@@ -100,7 +100,7 @@ int open(const char* path, int flags, ...) {
     mode = va_arg(arguments, mode_t);
     va_end(arguments);
   }
-  interposed::Files().open_flags = flags;
+  interposed::Files().common_open_flags &= flags;
   return interposed::NextFails(interposed::Files().open_errors) ? -1 : openat(AT_FDCWD, path, flags, mode);
 }
 

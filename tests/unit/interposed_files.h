@@ -35,7 +35,7 @@ struct FileSettings {
   std::deque<WriteStep> writes;            // the next calls of write; those after them are ordinary ones again
   std::deque<int> open_errors;             // the next calls of open fail with these; 0: an ordinary one
   std::deque<int> read_errors;             // the next calls of read, likewise
-  int open_flags = 0;                      // left here by open: the flags of the latest call
+  int common_open_flags = ~0;              // left here by open: the flags of all calls since this was set
   std::vector<std::string> examined;       // left here by stat and stat64: the paths
 };
 
