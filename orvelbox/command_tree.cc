@@ -53,6 +53,7 @@ void AddChangingCommands(CLI::App& app, Options& options) {
   }
 }
 
+// From 2.4 on CLI11 takes no ":" in a name.
 void AddEventsCommand(CLI::App& app, Options& options, std::vector<std::string>& texts) {
   AddCommand(app, options, "events", "Call hooks one after the other in one process, and nothing else",
              "events clean:org.example.shop uninstall:org.example.shop")
