@@ -10,15 +10,11 @@ constexpr const char* kDpcDirectory = "/d.pc/";
 
 }  // namespace
 
-std::array<const Catalogue*, 4> ByPrecedence(const Catalogues& catalogues) {
-  return {&catalogues.core, &catalogues.framework, &catalogues.components, &catalogues.library};
-}
-
 bool Holds(const Catalogue& catalogue, const std::string& name) { return catalogue.count(name) != 0; }
 
-const std::string* FindOrigin(const Catalogues& catalogues, const std::string& name,
+const std::string* FindOrigin(const CatalogueList& catalogues, const std::string& name,
                               bool (*holds)(const Catalogue&, const std::string&)) {
-  for (const Catalogue* catalogue : ByPrecedence(catalogues)) {
+  for (const Catalogue* catalogue : catalogues) {
     if (holds(*catalogue, name)) return &catalogue->at(name);
   }
   return nullptr;
@@ -37,7 +33,7 @@ Verdict VerdictOnDuplicateOf(const std::string& origin) {
   return IsInReadWriteArea(origin) ? Verdict::kReportedOnly : Verdict::kRemoved;
 }
 
-Judgement Foretell(const Catalogues& catalogues, const std::string& path, const std::string& name) {
+Judgement Foretell(const CatalogueList& catalogues, const std::string& path, const std::string& name) {
   const std::string* const origin = IsAssemblyName(path) ? FindOrigin(catalogues, name) : nullptr;
   if (origin == nullptr) return {Verdict::kKept, nullptr, Exemption::kNone};
   const Exemption exemption = FindExemption(*origin, path);

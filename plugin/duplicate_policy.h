@@ -12,11 +12,14 @@
 bool Holds(const Catalogue& catalogue, const std::string& name);
 bool IsOnDpcPath(const std::string& path);
 
-// The first catalogue that holds a name decides about the files of that name.
-std::array<const Catalogue*, 4> ByPrecedence(const Catalogues& catalogues);
+// Catalogues in the order of precedence: the first one that holds a name decides about the files of that name.
+using CatalogueList = std::array<const Catalogue*, 4>;
+inline CatalogueList ByPrecedence(const Catalogues& all) {
+  return {&all.core, &all.framework, &all.components, &all.library};
+}
 
 // The catalogued path that decides about files called `name`, owned by its catalogue; null when none holds the name.
-const std::string* FindOrigin(const Catalogues& catalogues, const std::string& name,
+const std::string* FindOrigin(const CatalogueList& catalogues, const std::string& name,
                               bool (*holds)(const Catalogue&, const std::string&) = Holds);
 
 // What keeps the file `path` from being a duplicate of `origin`, the catalogued file of its name.
@@ -35,6 +38,6 @@ struct Judgement {
 };
 
 // What isUniqueDll would do, by these catalogues, with the file `path` of bare name `name`, a regular one.
-Judgement Foretell(const Catalogues& catalogues, const std::string& path, const std::string& name);
+Judgement Foretell(const CatalogueList& catalogues, const std::string& path, const std::string& name);
 
 #endif

@@ -68,7 +68,7 @@ void LeaveInformationFile(const std::string& origin, const std::string& duplicat
 
 int isUniqueDll(const std::string& path, const std::string& name) {
   if (!IsAssemblyName(path) || !isRealPath(path)) return 1;
-  const std::string* const origin = FindOrigin(OwnCatalogues(), name, isExistInList);
+  const std::string* const origin = FindOrigin(ByPrecedence(OwnCatalogues()), name, isExistInList);
   if (origin == nullptr || !isDuplicatedDll(*origin, path)) return 1;
   removeFileAndLeaveInformationFile(*origin, path);
   return 0;

@@ -4,15 +4,16 @@
 #include <algorithm>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include "base/affix.h"
 #include "orvelbox/check/package_checker.h"
-#include "orvelbox/check/package_json.h"
-#include "orvelbox/check/process_pool.h"
+#include "orvelbox/check/workers.h"
 #include "orvelbox/desk/scratch_directory.h"
 #include "orvelbox/desk/tree.h"
 #include "orvelbox/package/manifest.h"
 #include "orvelbox/package/source.h"
+#include "platform/host/child_process.h"
 #include "platform/host/device.h"
 #include "util/privilege_checker.h"
 
@@ -51,23 +52,21 @@ PlatformSet CollectSet(const CheckRequest& request, const fs::path& device, cons
   return set;
 }
 
-// What a child does: the facts about one package as JSON.
-std::string CheckOne(PackageChecker& checker, const fs::path& package, const fs::path& scratch) {
+// What goes wrong with one package is that one's problem.
+CheckedPackage CheckOne(const PackageChecker& checker, const std::string& package, const fs::path& scratch,
+                        const std::atomic<bool>& stopped) {
   CheckedPackage result;
   try {
-    WithPackage(package, PlaceAt(scratch), [&](const fs::path& directory) { result = checker.Check(directory); });
-  } catch (const std::exception& error) {
+    UnpackPlace place = PlaceAt(scratch);
+    place.wanted = [&](const std::string& path) {
+      if (stopped) throw host::DeviceError("interrupted");
+      return IsNeeded(path);
+    };
+    WithPackage(package, place, [&](const fs::path& directory) { result = checker.Check(directory); });
+  } catch (const host::DeviceError& error) {
     result.problem = error.what();
-  }
-  return ToJson(result);
-}
-
-CheckedPackage ReadResult(const std::string& package, const PieceResult& piece) {
-  CheckedPackage result;
-  if (piece.problem.empty()) {
-    result = CheckedPackageFromJson(piece.text);
-  } else {
-    result.problem = package + ": could not be checked, " + piece.problem + "; please report it with the package";
+  } catch (const std::exception& error) {
+    result.problem = package + ": could not be checked, " + error.what() + "; please report it with the package";
   }
   result.name = package;
   return result;
@@ -86,12 +85,14 @@ std::string PrivilegeUri(const std::string& text) {
 void CheckPackages(const CheckRequest& request, const fs::path& device, CheckReceiver& receiver) {
   const host::HeldSignals signals;
   const ScratchDirectory scratch;
-  PackageChecker checker(CollectSet(request, device, scratch.path()), request.privileges);
+  const PackageChecker checker(CollectSet(request, device, scratch.path()), request.privileges);
   const unsigned jobs = request.jobs != 0 ? request.jobs : std::max(1U, std::thread::hardware_concurrency());
-  RunInProcesses(
-      signals, request.packages.size(), jobs,
-      [&](std::size_t i) { return CheckOne(checker, request.packages[i], scratch.path() / std::to_string(i)); },
-      [&](std::size_t i, const PieceResult& piece) { receiver.Receive(ReadResult(request.packages[i], piece)); },
+  RunOnThreads(
+      request.packages.size(), jobs,
+      [&](std::size_t i, const std::atomic<bool>& stopped) {
+        return CheckOne(checker, request.packages[i], scratch.path() / std::to_string(i), stopped);
+      },
+      [&](std::size_t, CheckedPackage package) { receiver.Receive(std::move(package)); },
       [&](std::size_t finished) { receiver.Finished(finished); });
 }
 

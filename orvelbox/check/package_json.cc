@@ -9,25 +9,9 @@
 namespace orvelbox {
 namespace {
 
-Verdict VerdictOf(const std::string& name) {
-  for (const Verdict verdict : {Verdict::kReportedOnly, Verdict::kRemoved}) {
-    if (name == ToString(verdict)) return verdict;
-  }
-  return Verdict::kKept;
-}
-
 void AddCopy(const std::string& prefix, const DllCopy& copy, Json& json) {
   if (copy.size) json[prefix + "size"] = *copy.size;
   if (copy.version) json[prefix + "assembly_version"] = ToString(*copy.version);
-}
-
-DllCopy CopyOf(const std::string& prefix, const Json& json) {
-  DllCopy copy;
-  if (json.contains(prefix + "size")) copy.size = json[prefix + "size"].get<std::uint64_t>();
-  if (json.contains(prefix + "assembly_version")) {
-    copy.version = ParseAssemblyVersion(json[prefix + "assembly_version"].get<std::string>());
-  }
-  return copy;
 }
 
 Json ToJson(const CheckedDll& dll) {
@@ -38,17 +22,6 @@ Json ToJson(const CheckedDll& dll) {
   AddCopy("origin_", dll.provided, json);
   if (dll.IsNewer()) json["newer_than_origin"] = true;
   return json;
-}
-
-CheckedDll DllOf(const Json& json) {
-  CheckedDll dll;
-  dll.path = json.at("path").get<std::string>();
-  dll.verdict = VerdictOf(json.at("verdict").get<std::string>());
-  dll.reason = json.value("reason", "");
-  dll.origin = json.value("origin", "");
-  dll.own = CopyOf("", json);
-  dll.provided = CopyOf("origin_", json);
-  return dll;
 }
 
 }  // namespace
@@ -69,21 +42,6 @@ std::string ToJson(const CheckedPackage& package) {
     if (const auto lines = ProjectLines(package); !lines.empty()) json["project_lines"] = lines;
   }
   return OneLine(json);
-}
-
-CheckedPackage CheckedPackageFromJson(const std::string& line) {
-  const Json json = Json::parse(line);
-  CheckedPackage package;
-  package.name = json.at("package").get<std::string>();
-  package.problem = json.value("error", "");
-  if (!package.problem.empty()) return package;
-  package.id = json.at("id").get<std::string>();
-  package.version = json.at("version").get<std::string>();
-  package.root = json.at("root").get<std::string>();
-  package.dotnet = json.at("dotnet").get<bool>();
-  package.debugging = json.at("debugging").get<bool>();
-  for (const Json& dll : json.at("dlls")) package.dlls.push_back(DllOf(dll));
-  return package;
 }
 
 }  // namespace orvelbox

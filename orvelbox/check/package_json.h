@@ -8,10 +8,8 @@
 
 namespace orvelbox {
 
-// Everything as one line, and back. The reader takes only what the writer writes (nlohmann::json's exceptions tell of
-// anything else).
+// Everything as one line.
 std::string ToJson(const CheckedPackage& package);
-CheckedPackage CheckedPackageFromJson(const std::string& line);
 
 }  // namespace orvelbox
 

@@ -209,7 +209,7 @@ TEST(DuplicatePolicy, says_beforehand_what_the_walk_does) {
     Texts removed;
     Texts reported;
     const auto foretell = [&](const std::string& path, const std::string& name) {
-      const Verdict verdict = Foretell(OwnCatalogues(), path, name).verdict;
+      const Verdict verdict = Foretell(ByPrecedence(OwnCatalogues()), path, name).verdict;
       (verdict == Verdict::kKept ? kept : verdict == Verdict::kRemoved ? removed : reported).push_back(path);
     };
     scanFilesInDirExcludeSymlink(package, foretell, kLevels);
@@ -255,7 +255,7 @@ TEST(DuplicatePolicy, names_the_first_catalogued_copy_of_the_catalogues_it_is_gi
   Fresh([&](Platform& platform) {
     coreFX = {{"U.dll", "/not/asked"}, {"A.dll", "/not/asked"}};
     for (const ForetoldRow& row : rows) {
-      const Judgement judgement = Foretell({core, framework, components, library}, row.path, row.name);
+      const Judgement judgement = Foretell({&core, &framework, &components, &library}, row.path, row.name);
       EXPECT_EQ(row.verdict, judgement.verdict) << row.path;
       EXPECT_EQ(row.exemption, judgement.exemption) << row.path;
       EXPECT_EQ(row.origin, judgement.origin == nullptr ? "" : *judgement.origin) << row.path;
