@@ -1,8 +1,11 @@
-// Comparisons of names and their ends, whatever holds them; none asks the locale, which is the process's own affair.
+// Comparisons of names, of their ends and of what paths contain; none asks the locale, which is the process's own
+// affair.
 #ifndef BASE_AFFIX_H_
 #define BASE_AFFIX_H_
 
 #include <algorithm>
+#include <cstring>
+#include <string>
 #include <string_view>
 
 // Does `text` begin with `prefix`, end with `suffix`, byte for byte? An empty affix always matches.
@@ -10,7 +13,7 @@ inline bool HasPrefix(std::string_view text, std::string_view prefix) {
   return text.substr(0, prefix.size()) == prefix;
 }
 inline bool HasSuffix(std::string_view text, std::string_view suffix) {
-  return text.size() >= suffix.size() && text.substr(text.size() - suffix.size()) == suffix;
+  return text.size() >= suffix.size() && text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0;
 }
 
 // Do the texts differ in nothing but the case of ASCII letters?
@@ -22,5 +25,8 @@ inline bool EqualsIgnoringCase(std::string_view one, std::string_view other) {
 
 // Is this the name, or the path, of an assembly? Case counts.
 inline bool IsAssemblyName(std::string_view name) { return HasSuffix(name, ".dll"); }
+
+// Does `path`, which as a path holds no NUL, contain `part` anywhere?
+inline bool Contains(const std::string& path, const char* part) { return std::strstr(path.c_str(), part) != nullptr; }
 
 #endif

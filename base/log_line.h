@@ -20,7 +20,9 @@ inline constexpr const char* kUtilityTag = "QUARNEL";
 #define LOG_MESSAGE_(priority, colour, function, line, format, ...)                                             \
   __dlog_print(DLOG_MAIN, priority, kLogSource.tag, "%s: %s(%d) > " colour format "\033[0m\n", kLogSource.unit, \
                function, line, ##__VA_ARGS__)
-#define LOG_DEBUG_AT(line, format, ...) LOG_MESSAGE_(DLOG_DEBUG, "\033[0m", __func__, line, format, ##__VA_ARGS__)
+#define LOG_DEBUG_IN(function, line, format, ...) \
+  LOG_MESSAGE_(DLOG_DEBUG, "\033[0m", function, line, format, ##__VA_ARGS__)
+#define LOG_DEBUG_AT(line, format, ...) LOG_DEBUG_IN(__func__, line, format, ##__VA_ARGS__)
 #define LOG_INFO_IN(function, line, format, ...) \
   LOG_MESSAGE_(DLOG_INFO, "\033[36m", function, line, format, ##__VA_ARGS__)
 #define LOG_INFO_AT(line, format, ...) LOG_INFO_IN(__func__, line, format, ##__VA_ARGS__)

@@ -12,10 +12,12 @@
 
 #include "fuzz/memory_directory.h"
 #include "platform/host/device.h"
+#include "platform/host/fixed_paths.h"
 #include "platform/host/fixed_paths_mounts.h"
 #include "plugin/catalogues.h"
 #include "plugin/hooks.h"
 #include "tests/doubles/platform.h"
+#include "tests/support/uris.h"
 
 #pragma GCC visibility push(default)
 extern "C" int fsync(int) { return 0; }
@@ -29,9 +31,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* kAreas[] = {"/usr/share/dotnet.orvel", "/opt/usr"};
-const std::string kCobaKey = "http://" ORVEL_DEVELOPER_HOST "/orvel/metadata/support-fs-external-component";
-const std::string kDebugging = "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/appdebugging";
-const std::string kPlatform = "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/default/platform";
 
 // Standard error, sent away while this lives: the plug-in tells people there what it does.
 class Silence {
@@ -70,7 +69,7 @@ std::string TextOf(ModelManifest manifest) {
     case ModelManifest::kDotnet:
       return application("dotnet-inhouse");
     default:
-      return application("dotnet-inhouse") + "<metadata key='" + kCobaKey + "' value='true'/>";
+      return application("dotnet-inhouse") + "<metadata key='" + support::kCobaKey + "' value='true'/>";
   }
 }
 
@@ -82,9 +81,9 @@ Document DocumentOf(ModelManifest manifest) {
 
 doubles::Package PackageOf(const ModelPackage& model) {
   doubles::Package package = doubles::MakePackage(model.id, model.root);
-  if (model.debugged) package.privileges.push_back(kDebugging);
-  if (model.platform) package.privileges.push_back(kPlatform);
-  if (model.coba) package.applications[0].metadata = {{kCobaKey, "true"}};
+  if (model.debugged) package.privileges.push_back(support::kDebuggingPrivilege);
+  if (model.platform) package.privileges.push_back(support::kPlatformPrivilege);
+  if (model.coba) package.applications[0].metadata = {{support::kCobaKey, "true"}};
   return package;
 }
 
@@ -116,7 +115,7 @@ bool EnterDevice() {
   }
   static const MemoryDirectory root;
   for (const char* area : kAreas) fs::create_directories(root.path().string() + area);
-  host::EnterMountNamespace(method);
+  host::EnterMountNamespace(method == host::FixedPathsMethod::kUserNamespace);
   host::LayFixedPathsOver(root.path());
   inside = true;
   return true;

@@ -1,6 +1,7 @@
 // The model's rules, each as short as it can be said.
 #include "fuzz/event_model.h"
 
+#include "tests/support/device_root.h"
 #include "tests/support/plain_cache_edit.h"
 #include "tests/support/removal_texts.h"
 
@@ -146,8 +147,8 @@ bool EventModel::RemoveFrom(const char* file, const std::string& root) {
 bool EventModel::Remove(const std::string& id) {
   const std::string root = RootOf(id);
   if (root.empty()) return false;
-  const bool from_tpa = RemoveFrom(kTpaFile, root);
-  const bool from_coba = RemoveFrom(kCobaFile, root);
+  const bool from_tpa = RemoveFrom(support::kTpaFile, root);
+  const bool from_coba = RemoveFrom(support::kCobaFile, root);
   return from_tpa || from_coba;
 }
 
@@ -156,8 +157,7 @@ void EventModel::AddTo(const char* file, const std::string& root, const std::str
   if (cache == files.end() || entries.empty()) return;
   const std::string text = support::PlainErase(cache->second.content, root).text;
   if (text.empty()) return;
-  const std::string kept = text.size() < 5 ? text : text.substr(0, text.size() - 5);
-  cache->second = {false, kept + ":" + entries + "[END]"};
+  cache->second = {false, support::PlainAppend(text, entries)};
 }
 
 void EventModel::Add(const std::string& id) {
@@ -169,8 +169,8 @@ void EventModel::Add(const std::string& id) {
     if (!EndsIn(name, ".dll") || Holds(name, ":") || Holds(name, "[")) continue;
     assemblies += (assemblies.empty() ? "" : ":") + resources + name;
   }
-  AddTo(kTpaFile, root, assemblies);
-  AddTo(kCobaFile, root, resources);
+  AddTo(support::kTpaFile, root, assemblies);
+  AddTo(support::kCobaFile, root, resources);
 }
 
 }  // namespace fuzz

@@ -11,8 +11,6 @@
 namespace fuzz {
 
 inline constexpr const char* kReadWriteRoot = "/opt/usr/globalapps";
-inline constexpr const char* kTpaFile = "/opt/usr/home/owner/share/dotnet/TPA.txt";
-inline constexpr const char* kCobaFile = "/opt/usr/home/owner/share/dotnet/CoBA.txt";
 // What every link leads to.
 inline constexpr const char* kLinkTarget = "/opt/usr/store/target";
 

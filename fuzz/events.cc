@@ -6,6 +6,7 @@
 #include "fuzz/event_device.h"
 #include "fuzz/event_model.h"
 #include "fuzz/input.h"
+#include "tests/support/device_root.h"
 
 namespace {
 
@@ -109,7 +110,7 @@ class Sequence {
 
   void LayDownCache(fuzz::Input& input) {
     const std::size_t choice = input.Byte();
-    const char* file = (choice & 1) != 0 ? fuzz::kTpaFile : fuzz::kCobaFile;
+    const char* file = (choice & 1) != 0 ? support::kTpaFile : support::kCobaFile;
     std::string text;
     for (std::size_t left = choice / 2 % 12; left > 0; --left) text += kPieces[input.Below(kPieces.size())];
     if ((choice & 128) != 0) return Remove(file);

@@ -4,7 +4,6 @@
 #include <libxml/xmlreader.h>
 
 #include <memory>
-#include <optional>
 #include <string_view>
 
 #include "morvath/metadata_utils.h"
@@ -31,7 +30,7 @@ constexpr int kMostNested = 16;
 
 // What is left of `budget` when the nodes of an attribute's value or of an entity are taken from it, a reference
 // counting as at least one byte; nothing when it is not enough, or when entities are nested deeper than `levels`.
-std::optional<std::size_t> Left(std::size_t budget, const xmlNode* nodes, int levels) {
+std::optional<std::size_t> RemainingBudget(std::size_t budget, const xmlNode* nodes, int levels) {
   std::optional<std::size_t> left = budget;
   for (const xmlNode* node = nodes; node != nullptr && left; node = node->next) {
     const bool is_reference = node->type == XML_ENTITY_REF_NODE;
@@ -39,7 +38,7 @@ std::optional<std::size_t> Left(std::size_t budget, const xmlNode* nodes, int le
     const std::size_t size = is_reference ? 1 : static_cast<std::size_t>(xmlStrlen(node->content));
     if (size > *left || (entity != nullptr && levels == 0)) return std::nullopt;
     *left -= size;
-    if (entity != nullptr) left = Left(*left, entity->children, levels - 1);
+    if (entity != nullptr) left = RemainingBudget(*left, entity->children, levels - 1);
   }
   return left;
 }
@@ -50,7 +49,7 @@ bool IsEntityBomb(const Reader& reader, const xmlChar* name) {
   // The declaration of a default value, which may stand here in the attribute's stead, has no children.
   const xmlNode* node = attribute == nullptr ? nullptr : attribute->children;
   while (node != nullptr && node->type != XML_ENTITY_REF_NODE) node = node->next;
-  return node != nullptr && !Left(kMostExpanded, attribute->children, kMostNested);
+  return node != nullptr && !RemainingBudget(kMostExpanded, attribute->children, kMostNested);
 }
 
 // The current node's attribute; null when it has none of that name, or one that is not to be expanded, as `walk` says.
@@ -79,37 +78,43 @@ bool HoldsCobaEntry(const Reader& reader, const char* walk, std::string_view nam
 
 }  // namespace
 
-bool isAppDotnetInhouse(xmlDocPtr doc) {
-  // Never reset: one dotnet-inhouse manifest decides for as long as the library is loaded.
-  static bool isDotnetInhouseType = false;
-
+std::optional<ApplicationKind> DeclaredKind(xmlDocPtr doc) {
+  const char* const walk = "isAppDotnetInhouse";
   if (doc == nullptr) {
-    LOG_ERROR("xml provided is null");
-    return false;
+    LOG_ERROR_IN(walk, __LINE__, "xml provided is null");
+    return std::nullopt;
   }
   const Reader reader(xmlReaderWalker(doc));
-  if (reader == nullptr) return false;
+  if (reader == nullptr) return std::nullopt;
 
   while (xmlTextReaderRead(reader.get()) == 1) {
     const xmlChar* name = xmlTextReaderConstName(reader.get());
     if (name == nullptr) {
-      LOG_ERROR("Error: Failed xmlTextReaderConstName");
+      LOG_ERROR_IN(walk, __LINE__, "Error: Failed xmlTextReaderConstName");
       break;
     }
-    LOG_DEBUG("name %s", AsChars(name));
+    LOG_DEBUG_IN(walk, __LINE__, "name %s", AsChars(name));
     if (!IsApplicationElement(AsChars(name))) continue;
-    const Text type = Attribute(reader, __func__, "type");
+    const Text type = Attribute(reader, walk, "type");
     if (type == nullptr) continue;
     if (Contains(AsChars(type.get()), "apitest")) {
-      LOG_INFO("### Is sample app ###");
-      break;
+      LOG_INFO_IN(walk, __LINE__, "### Is sample app ###");
+      return ApplicationKind::kSample;
     }
     if (Contains(AsChars(type.get()), "dotnet-")) {
-      LOG_INFO("App is dotnet-*");
-      isDotnetInhouseType = true;
-      break;
+      LOG_INFO_IN(walk, __LINE__, "App is dotnet-*");
+      return ApplicationKind::kDotnet;
     }
   }
+  return ApplicationKind::kOther;
+}
+
+bool isAppDotnetInhouse(xmlDocPtr doc) {
+  // Never reset: one dotnet-inhouse manifest decides for as long as the library is loaded.
+  static bool isDotnetInhouseType = false;
+  const std::optional<ApplicationKind> kind = DeclaredKind(doc);
+  if (!kind) return false;
+  if (*kind == ApplicationKind::kDotnet) isDotnetInhouseType = true;
   return isDotnetInhouseType;
 }
 

@@ -68,7 +68,12 @@ std::string getRootPath(const std::string& pkgId) {
 std::string concatPath(const std::string& path1, const std::string& path2) {
   if (path1.empty()) return path2;
   if (path2.empty()) return path1;
-  return WithoutTrailingSlash(path1) + "/" + path2.substr(std::min(path2.find_first_not_of('/'), path2.size()));
+  const std::size_t end = path1.find_last_not_of('/') + 1;
+  const std::size_t begin = std::min(path2.find_first_not_of('/'), path2.size());
+  std::string joined(end + 1 + path2.size() - begin, '/');
+  path1.copy(&joined[0], end);
+  path2.copy(&joined[end + 1], std::string::npos, begin);
+  return joined;
 }
 
 std::string getAbsolutePath(const std::string& path) {

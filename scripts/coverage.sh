@@ -1,11 +1,11 @@
 #!/bin/sh
-# coverage.sh BUILD: runs the unit tests of a coverage build and reports what of plugin/ and util/ they reach: an HTML
-# report in BUILD/coverage and one line. Fails below the marks that the project holds.
+# coverage.sh BUILD: runs the unit and hostile tests of a coverage build and reports what of plugin/ and util/ they
+# reach: an HTML report in BUILD/coverage and one line. Fails below the marks that the project holds.
 set -eu
 build=$1
 
 find "$build" -name '*.gcda' -delete
-ctest --test-dir "$build" --tests-regex '^unit_tests\.' --parallel "$(nproc)" --quiet
+ctest --test-dir "$build" --tests-regex '^(unit|hostile)_tests\.' --parallel "$(nproc)" --quiet
 mkdir -p "$build/coverage"
 gcovr --root . --object-directory "$build" --filter 'base/' --filter 'plugin/' --filter 'util/' \
   --exclude-throw-branches --exclude-unreachable-branches \

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Measures the unit tests: changes one thing at a time in plugin/ and util/ and looks whether a test fails.
+"""Measures the unit and hostile tests: changes one thing at a time in plugin/ and util/ and looks whether a test fails.
 
 Usage: scripts/mutation.py [--only PATH…] [--every N] [--jobs N] [--resume]
 
@@ -24,7 +24,7 @@ WORK = ROOT / "build" / "mutation"
 VERDICTS = WORK / "verdicts.txt"
 EQUIVALENTS = ROOT / "scripts" / "mutation-equivalents.txt"
 SOURCES = ["base", "plugin", "util"]
-TEST_PROGRAM = "unit_tests"
+TEST_PROGRAMS = ["tests/unit/unit_tests", "tests/hostile/hostile_tests"]  # the second only for what the first lets pass
 # Enough for several runs of all tests. A mutant that never ends is told by its processor time, whatever else the
 # machine does; one that collects without end by its memory; one that waits for ever only by the clock, whose limit is
 # wide, because a busy machine must not kill a mutant.
@@ -48,11 +48,12 @@ def copy_if_changed(origin, copy):
 
 
 class Worker:
-    """A copy of the tree with a build of the unit tests."""
+    """A copy of the tree with a build of the tests."""
 
     def __init__(self, number):
         self.tree = WORK / f"worker-{number}"
-        self.killers = collections.defaultdict(dict)  # by source file, the tests that have killed mutants of it
+        # By test program and source file, the tests that have killed mutants of that file.
+        self.killers = collections.defaultdict(dict)
         for name in files():
             copy_if_changed(ROOT / name, self.tree / name)
         linker = "-fuse-ld=gold" if shutil.which("ld.gold") else ""
@@ -61,23 +62,23 @@ class Worker:
                         "-DCMAKE_PROJECT_INCLUDE=scripts/mutation.cmake",
                         "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST"],
                        cwd=self.tree, check=True, stdout=subprocess.DEVNULL)
-        if not self.builds():
-            sys.exit(f"the unit tests do not build; see: ninja -C {self.tree}/build {TEST_PROGRAM}")
-        passed, failing = self.run_tests()
-        if not passed:
-            sys.exit(f"the unit tests fail before anything is changed: {failing or 'they ran into a limit'}")
+        for program in TEST_PROGRAMS:
+            if not self.builds(program):
+                sys.exit(f"the tests do not build; see: ninja -C {self.tree}/build {program}")
+            passed, failing = self.run_tests(program)
+            if not passed:
+                sys.exit(f"{program} fails before anything is changed: {failing or 'it ran into a limit'}")
 
-    def builds(self):
-        return subprocess.run(["ninja", "-C", "build", TEST_PROGRAM], cwd=self.tree, stdout=subprocess.DEVNULL,
+    def builds(self, program):
+        return subprocess.run(["ninja", "-C", "build", program], cwd=self.tree, stdout=subprocess.DEVNULL,
                               stderr=subprocess.DEVNULL).returncode == 0
 
-    def run_tests(self, names=("*",)):
+    def run_tests(self, program, names=("*",)):
         """Do these tests pass, and if not: which was the first to fail (None when the program did not get to say)?"""
         environment = dict(os.environ, GTEST_BRIEF="1", GTEST_FAIL_FAST="1", GTEST_FILTER=":".join(names))
         limited = f'ulimit -t {PROCESSOR_SECONDS} && ulimit -v {MEMORY_KB} && exec "$0"'
-        program = self.tree / "build" / "tests" / "unit" / TEST_PROGRAM
         try:
-            result = subprocess.run(["sh", "-c", limited, program], cwd=self.tree / "build", env=environment,
+            result = subprocess.run(["sh", "-c", limited, f"./{program}"], cwd=self.tree / "build", env=environment,
                                     timeout=CLOCK_SECONDS, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                                     stderr=subprocess.DEVNULL)
         except subprocess.TimeoutExpired:
@@ -85,12 +86,12 @@ class Worker:
         failure = re.search(rb"\[  FAILED  \] ([\w.]+)", result.stdout)
         return result.returncode == 0, failure and failure.group(1).decode()
 
-    def tests_pass(self, path):
+    def tests_pass(self, program, path):
         """Those that have told mutants of this file before go first: most mutants need no others."""
-        killers = self.killers[path]
-        if killers and not self.run_tests(killers)[0]:
+        killers = self.killers[program, path]
+        if killers and not self.run_tests(program, killers)[0]:
             return False
-        passed, failing = self.run_tests()
+        passed, failing = self.run_tests(program)
         if failing:
             killers[failing] = True
         return passed
@@ -101,9 +102,12 @@ class Worker:
         text = file.read_text()
         file.write_text(mutant.mutated_text)
         try:
-            if not self.builds():
-                return "invalid"
-            return "survived" if self.tests_pass(mutant.path) else "killed"
+            for program in TEST_PROGRAMS:
+                if not self.builds(program):
+                    return "invalid"
+                if not self.tests_pass(program, mutant.path):
+                    return "killed"
+            return "survived"
         finally:
             file.write_text(text)
 

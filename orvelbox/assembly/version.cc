@@ -1,8 +1,6 @@
 // The way from a file's first bytes to the row of the Assembly table.
 #include "orvelbox/assembly/version.h"
 
-#include <cstdio>
-
 #include "orvelbox/assembly/byte_view.h"
 #include "orvelbox/assembly/metadata_tables.h"
 
@@ -103,13 +101,6 @@ std::string ToString(const AssemblyVersion& version) {
   std::string text;
   for (const std::uint16_t number : version) text += (text.empty() ? "" : ".") + std::to_string(number);
   return text;
-}
-
-std::optional<AssemblyVersion> ParseAssemblyVersion(const std::string& text) {
-  AssemblyVersion version{};
-  const int read = std::sscanf(text.c_str(), "%5hu.%5hu.%5hu.%5hu", &version[0], &version[1], &version[2], &version[3]);
-  if (read != static_cast<int>(version.size()) || ToString(version) != text) return std::nullopt;
-  return version;
 }
 
 }  // namespace orvelbox

@@ -17,9 +17,8 @@ using AssemblyVersion = std::array<std::uint16_t, 4>;
 // one.
 std::optional<AssemblyVersion> ReadAssemblyVersion(std::string_view file);
 
-// "1.2.3.4", and back. ParseAssemblyVersion takes nothing but what ToString writes.
+// "1.2.3.4".
 std::string ToString(const AssemblyVersion& version);
-std::optional<AssemblyVersion> ParseAssemblyVersion(const std::string& text);
 
 }  // namespace orvelbox
 

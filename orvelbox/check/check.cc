@@ -1,22 +1,19 @@
-// From the options of `check` to its output.
+// From a request to the facts about every package.
 #include "orvelbox/check/check.h"
 
 #include <algorithm>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include "base/affix.h"
 #include "orvelbox/check/package_checker.h"
-#include "orvelbox/check/process_pool.h"
-#include "orvelbox/check/result.h"
-#include "orvelbox/check/sarif.h"
-#include "orvelbox/check/table.h"
-#include "orvelbox/desk/output.h"
-#include "orvelbox/desk/progress.h"
+#include "orvelbox/check/workers.h"
 #include "orvelbox/desk/scratch_directory.h"
 #include "orvelbox/desk/tree.h"
 #include "orvelbox/package/manifest.h"
 #include "orvelbox/package/source.h"
+#include "platform/host/child_process.h"
 #include "platform/host/device.h"
 #include "util/privilege_checker.h"
 
@@ -25,20 +22,16 @@ namespace fs = std::filesystem;
 namespace orvelbox {
 namespace {
 
-constexpr int kNoDuplicates = 0;
-constexpr int kDuplicates = 1;
-constexpr int kUnreadable = 2;
-
 // Of an archive only these are needed; the other files count by name.
 bool IsNeeded(const std::string& path) { return path == kManifestName || IsAssemblyName(path); }
 
-Scratch ScratchAt(const fs::path& directory) {
+UnpackPlace PlaceAt(const fs::path& directory) {
   return {directory, [directory] { RemoveTree(directory); }, IsNeeded};
 }
 
 // Adds the CoBA package, which stays unpacked at `scratch` when it is an archive.
 void AddCobaPackage(const fs::path& package, const fs::path& scratch, PlatformSet& set) {
-  Scratch place = ScratchAt(scratch);
+  UnpackPlace place = PlaceAt(scratch);
   place.remove = [] {};
   WithPackage(package, place, [&](const fs::path& directory) {
     const host::Package described = ReadManifest(directory).package;
@@ -47,91 +40,36 @@ void AddCobaPackage(const fs::path& package, const fs::path& scratch, PlatformSe
                               "that makes one; leave it out");
     }
     AddCoba({described.id, fs::canonical(directory), RootOnDevice(set, described.id)}, set);
-    return 0;
   });
 }
 
-PlatformSet CollectSet(const CheckOptions& options, const fs::path& device, const fs::path& scratch) {
-  PlatformSet set = options.platform.empty() ? SetOfDevice(host::OpenDevice(device))
-                                             : SetOfPlatform(options.platform, scratch / "list");
-  for (std::size_t i = 0; i < options.coba.size(); ++i) {
-    AddCobaPackage(options.coba[i], scratch / ("coba-" + std::to_string(i)), set);
+PlatformSet CollectSet(const CheckRequest& request, const fs::path& device, const fs::path& scratch) {
+  PlatformSet set = request.platform.empty() ? SetOfDevice(host::OpenDevice(device))
+                                             : SetOfPlatform(request.platform, scratch / "list");
+  for (std::size_t i = 0; i < request.coba.size(); ++i) {
+    AddCobaPackage(request.coba[i], scratch / ("coba-" + std::to_string(i)), set);
   }
   return set;
 }
 
-// What a child does: the facts about one package as JSON.
-std::string CheckOne(PackageChecker& checker, const fs::path& package, const fs::path& scratch) {
+// What goes wrong with one package is that one's problem.
+CheckedPackage CheckOne(const PackageChecker& checker, const std::string& package, const fs::path& scratch,
+                        const std::atomic<bool>& stopped) {
   CheckedPackage result;
   try {
-    WithPackage(package, ScratchAt(scratch), [&](const fs::path& directory) {
-      result = checker.Check(directory);
-      return 0;
-    });
-  } catch (const std::exception& error) {
+    UnpackPlace place = PlaceAt(scratch);
+    place.wanted = [&](const std::string& path) {
+      if (stopped) throw host::DeviceError("interrupted");
+      return IsNeeded(path);
+    };
+    WithPackage(package, place, [&](const fs::path& directory) { result = checker.Check(directory); });
+  } catch (const host::DeviceError& error) {
     result.problem = error.what();
-  }
-  return ToJson(result);
-}
-
-CheckedPackage ReadResult(const std::string& package, const PieceResult& piece) {
-  CheckedPackage result;
-  if (piece.problem.empty()) {
-    result = CheckedPackageFromJson(piece.text);
-  } else {
-    result.problem = package + ": could not be checked, " + piece.problem + "; please report it with the package";
+  } catch (const std::exception& error) {
+    result.problem = package + ": could not be checked, " + error.what() + "; please report it with the package";
   }
   result.name = package;
   return result;
-}
-
-// Tells results as they come, or all together where the format wants it so.
-class Teller {
- public:
-  explicit Teller(const CheckOptions& options)
-      : options_(options), progress_("checking", options.packages.size(), !options.quiet) {}
-
-  void Tell(CheckedPackage package) {
-    progress_.Clear();
-    if (!package.problem.empty()) Complain(package.problem);
-    status_ = std::max(status_, StatusOf(package));
-    if (options_.format == CheckOptions::Format::kJson) SayColoured(ToJson(package));
-    if (options_.format == CheckOptions::Format::kTable && package.problem.empty()) SayAll(DescribeCheck(package));
-    if (options_.format == CheckOptions::Format::kSarif) kept_.push_back(std::move(package));
-  }
-
-  void ShowProgress(std::size_t finished) { progress_.Show(finished); }
-
-  int Finish() {
-    progress_.Clear();
-    if (options_.format == CheckOptions::Format::kSarif) SayColoured(ToSarif(kept_));
-    return status_;
-  }
-
- private:
-  static int StatusOf(const CheckedPackage& package) {
-    if (!package.problem.empty()) return kUnreadable;
-    return CountDuplicates(package) > 0 ? kDuplicates : kNoDuplicates;
-  }
-
-  const CheckOptions& options_;
-  Progress progress_;
-  std::vector<CheckedPackage> kept_;
-  int status_ = kNoDuplicates;
-};
-
-int CheckAll(const CheckOptions& options, const fs::path& device) {
-  const host::HeldSignals signals;
-  const ScratchDirectory scratch;
-  PackageChecker checker(CollectSet(options, device, scratch.path()), options.privileges);
-  Teller teller(options);
-  const unsigned jobs = options.jobs != 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency());
-  RunInProcesses(
-      signals, options.packages.size(), jobs,
-      [&](std::size_t i) { return CheckOne(checker, options.packages[i], scratch.path() / std::to_string(i)); },
-      [&](std::size_t i, const PieceResult& piece) { teller.Tell(ReadResult(options.packages[i], piece)); },
-      [&](std::size_t finished) { teller.ShowProgress(finished); });
-  return teller.Finish();
 }
 
 }  // namespace
@@ -144,13 +82,18 @@ std::string PrivilegeUri(const std::string& text) {
   throw std::invalid_argument(text + ": no privilege; write its URI, or \"platform\" or \"appdebugging\"");
 }
 
-int Check(const CheckOptions& options, const fs::path& device) {
-  try {
-    return CheckAll(options, device);
-  } catch (const std::exception& error) {
-    Complain(error.what());
-    return kUnreadable;
-  }
+void CheckPackages(const CheckRequest& request, const fs::path& device, CheckReceiver& receiver) {
+  const host::HeldSignals signals;
+  const ScratchDirectory scratch;
+  const PackageChecker checker(CollectSet(request, device, scratch.path()), request.privileges);
+  const unsigned jobs = request.jobs != 0 ? request.jobs : std::max(1U, std::thread::hardware_concurrency());
+  RunOnThreads(
+      request.packages.size(), jobs,
+      [&](std::size_t i, const std::atomic<bool>& stopped) {
+        return CheckOne(checker, request.packages[i], scratch.path() / std::to_string(i), stopped);
+      },
+      [&](std::size_t, CheckedPackage package) { receiver.Receive(std::move(package)); },
+      [&](std::size_t finished) { receiver.Finished(finished); });
 }
 
 }  // namespace orvelbox

@@ -2,13 +2,14 @@
 // the same order, the same walk, the same policy.
 #include "orvelbox/check/package_checker.h"
 
+#include <libxml/parser.h>
+
 #include <algorithm>
 #include <set>
 
 #include "base/affix.h"
 #include "morvath/platform_utils.h"
 #include "orvelbox/check/silent_platform.h"
-#include "orvelbox/package/manifest.h"
 #include "platform/host/files.h"
 #include "plugin/assembly_cache.h"
 #include "plugin/catalogues.h"
@@ -54,9 +55,9 @@ DllCopy FactsOf(const fs::path& file) {
   return copy;
 }
 
-std::string ReasonToKeep(const std::string& path, const Judgement& judgement) {
-  if (judgement.origin == nullptr) return "";
-  if (*judgement.origin == path) return "it is the copy that others are compared with";
+std::string ReasonToKeep(Exemption exemption) {
+  if (exemption == Exemption::kNone) return "";
+  if (exemption == Exemption::kSamePath) return "it is the copy that others are compared with";
   return "a DLL on a DPC path is no duplicate";
 }
 
@@ -72,73 +73,96 @@ std::string ReasonNotSeen(const std::string& path) {
   return "the plug-in does not look that deep, nor into \".sac_symlink\"";
 }
 
+// Catalogues for the plug-in's functions to fill.
+struct OwnedCatalogues {
+  Catalogues All() { return {core, framework, components, library}; }
+
+  Catalogue core;
+  Catalogue framework;
+  Catalogue components;
+  Catalogue library;
+};
+
 }  // namespace
 
 PackageChecker::PackageChecker(PlatformSet set, std::vector<std::string> privileges)
     : set_(std::move(set)), privileges_(std::move(privileges)) {
+  xmlInitParser();  // in this thread, before others read manifests
   SetReadWriteRoot(set_.read_write_root);
   const std::string desk = set_.assemblies.string() + "/";
-  CataloguePlatform(desk);
-  for (Catalogue* table : {&coreFX, &orvelFX}) {
-    MoveTo(*table, desk, std::string(host::kPlatformAssemblies) + "/", set_.only_names);
+  const std::string device = std::string(host::kPlatformAssemblies) + "/";
+  Places unread;  // from a list come names without files
+  Places& places = set_.only_names ? unread : places_;
+  OwnedCatalogues found;
+  CataloguePlatform(found.All(), desk);
+  core_ = MovedToDevice(found.core, desk, device, places);
+  framework_ = MovedToDevice(found.framework, desk, device, places);
+  OwnedCatalogues api;
+  CatalogueTvAppApi(api.All(), desk);
+  framework_with_api_ = framework_;
+  framework_with_api_.merge(MovedToDevice(api.framework, desk, device, places));
+  for (const PlacedPackage& component : set_.coba) {
+    components_[component.id] = ComponentOf(component, component.only_names ? unread : places_);
   }
 }
 
 // Turns paths of the desk into those of the device, which are what the policy is about.
-void PackageChecker::MoveTo(Catalogue& table, const std::string& desk, const std::string& device, bool only_names) {
-  for (auto& [name, path] : table) {
-    std::string moved = device + path.substr(desk.size());
-    if (!only_names) on_desk_[moved] = path;
-    path = std::move(moved);
+Catalogue PackageChecker::MovedToDevice(const Catalogue& on_desk, const std::string& desk, const std::string& device,
+                                        Places& places) {
+  Catalogue moved;
+  for (const auto& [name, path] : on_desk) {
+    const std::string& on_device = moved[name] = device + path.substr(desk.size());
+    places[on_device] = path;
   }
+  return moved;
 }
 
-// Adds to `table` what `fill` finds on the desk. It fills an empty one first, so that only what is new is moved.
-template <typename Fill>
-void PackageChecker::AddTo(Catalogue& table, const std::string& desk, const std::string& device, bool only_names,
-                           const Fill& fill) {
-  Catalogue before;
-  before.swap(table);
-  fill();
-  before.swap(table);
-  MoveTo(before, desk, device, only_names);
-  for (const auto& [name, path] : before) insertItem(table, name, path);
+Catalogue PackageChecker::ComponentOf(const PlacedPackage& package, Places& places) {
+  OwnedCatalogues found;
+  CatalogueSharedResources(found.All(), package.desk);
+  return MovedToDevice(found.components, package.desk.string(), package.root, places);
 }
 
-void PackageChecker::CatalogueRest(const fs::path& directory, const CheckedPackage& package, bool coba, bool platform) {
-  if (platform) {
-    const std::string desk = set_.assemblies.string() + "/";
-    AddTo(orvelFX, desk, std::string(host::kPlatformAssemblies) + "/", set_.only_names,
-          [&] { CatalogueTvAppApi(desk); });
-  }
-  RemoveCoba(package.id, set_);
-  if (coba) AddCoba({package.id, directory, package.root}, set_);
-  for (const PlacedPackage& other : set_.coba) {
-    AddTo(coBA, other.desk.string(), other.root, other.only_names, [&] { CatalogueSharedResources(other.desk); });
-  }
-  AddTo(appLib, directory.string(), package.root, false, [&] { CatalogueLibrary(directory); });
+// What is shared once the package is there: an earlier version of it shares nothing any more.
+Catalogue PackageChecker::ComponentsBeside(const PlacedPackage& own, bool coba, Places& places) const {
+  std::map<std::string, Catalogue> components = components_;
+  components.erase(own.id);
+  if (coba) components[own.id] = ComponentOf(own, places);
+  Catalogue all;
+  for (auto& [id, component] : components) all.merge(component);
+  return all;
 }
 
-void PackageChecker::JudgeAll(const fs::path& directory, CheckedPackage& package) {
+void PackageChecker::JudgeDotnet(const fs::path& directory, const Manifest& manifest, bool platform,
+                                 CheckedPackage& package) const {
+  Places places;
+  const PlacedPackage own{package.id, directory, package.root};
+  const Catalogue components = ComponentsBeside(own, IsCobaPackage(manifest.package), places);
+  OwnedCatalogues found;
+  CatalogueLibrary(found.All(), directory);
+  const Catalogue library = MovedToDevice(found.library, directory.string(), package.root, places);
+  JudgeAll(directory, {&core_, platform ? &framework_with_api_ : &framework_, &components, &library}, places, package);
+}
+
+void PackageChecker::JudgeAll(const fs::path& directory, const CatalogueList& catalogues, const Places& places,
+                              CheckedPackage& package) const {
   std::set<std::string> unseen = DllsIn(directory);
   const std::size_t root_length = directory.string().size() + 1;
   VisitPackage(directory, [&](const ListedFile& file) {
-    const std::string path = file.path().substr(root_length);
-    if (!IsAssemblyName(file.name())) return;
+    if (!IsAssemblyName(file.name)) return;
+    const std::string on_desk = file.Path();
+    const std::string path = on_desk.substr(root_length);
     unseen.erase(path);
-    if (!file.regular() && !isRealPath(file.path())) {
+    if (!file.regular && !isRealPath(on_desk)) {
       package.dlls.push_back(Kept(path, "a symbolic link is never judged"));
       return;
     }
     const std::string on_device = package.root + "/" + path;
-    const Judgement judgement = Judge(on_device, std::string(file.name()));
-    CheckedDll dll = Kept(path, ReasonToKeep(on_device, judgement));
+    const Judgement judgement = Foretell(catalogues, on_device, std::string(file.name));
+    CheckedDll dll = Kept(path, ReasonToKeep(judgement.exemption));
     dll.verdict = judgement.verdict;
     if (judgement.origin != nullptr) dll.origin = *judgement.origin;
-    if (dll.IsDuplicate()) {
-      dll.reason.clear();
-      AddFacts(directory, dll);
-    }
+    if (dll.IsDuplicate()) AddFacts(directory, places, dll);
     package.dlls.push_back(std::move(dll));
   });
   for (const std::string& path : unseen) package.dlls.push_back(Kept(path, ReasonNotSeen(path)));
@@ -146,26 +170,29 @@ void PackageChecker::JudgeAll(const fs::path& directory, CheckedPackage& package
             [](const CheckedDll& a, const CheckedDll& b) { return a.path < b.path; });
 }
 
-void PackageChecker::AddFacts(const fs::path& directory, CheckedDll& dll) const {
+void PackageChecker::AddFacts(const fs::path& directory, const Places& places, CheckedDll& dll) const {
   dll.own = FactsOf(directory / dll.path);
-  const auto provided = on_desk_.find(dll.origin);
-  if (provided != on_desk_.end()) dll.provided = FactsOf(provided->second);
+  for (const Places* known : {&places, &places_}) {
+    const auto provided = known->find(dll.origin);
+    if (provided == known->end()) continue;
+    dll.provided = FactsOf(provided->second);
+    return;
+  }
 }
 
-CheckedPackage PackageChecker::Check(const fs::path& package_directory) {
+CheckedPackage PackageChecker::Check(const fs::path& package_directory) const {
   const Manifest manifest = ReadManifest(package_directory);
   const fs::path directory = fs::canonical(package_directory);
   CheckedPackage package;
   package.id = manifest.package.id;
   package.version = manifest.package.version;
   package.root = RootOnDevice(set_, package.id);
-  package.dotnet = isAppDotnetInhouse(manifest.document.get());
+  package.dotnet = DeclaredKind(manifest.document.get()) == ApplicationKind::kDotnet;
   std::set<std::string> privileges(privileges_.begin(), privileges_.end());
   privileges.insert(manifest.package.privileges.begin(), manifest.package.privileges.end());
   package.debugging = privileges.count(kAppDebuggingPrivilege) != 0;
   if (package.dotnet) {
-    CatalogueRest(directory, package, IsCobaPackage(manifest.package), privileges.count(kPlatformPrivilege) != 0);
-    JudgeAll(directory, package);
+    JudgeDotnet(directory, manifest, privileges.count(kPlatformPrivilege) != 0, package);
   } else {
     for (const std::string& path : DllsIn(directory)) package.dlls.push_back(Kept(path, ""));
   }

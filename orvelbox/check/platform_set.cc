@@ -7,6 +7,7 @@
 
 #include "base/fixed_names.h"
 #include "morvath/metadata_utils.h"
+#include "orvelbox/desk/paths.h"
 #include "orvelbox/desk/tree.h"
 #include "platform/host/files.h"
 
@@ -53,11 +54,10 @@ PlatformSet SetOfList(const fs::path& list, const fs::path& scratch) {
   PlatformSet set;
   set.assemblies = scratch / "platform";
   set.only_names = true;
-  const std::string platform = std::string(host::kPlatformAssemblies) + "/";
   for (const std::string& path : ReadList(list)) {
     const std::size_t shared = path.rfind(kSharedResourceSuffix);
-    if (path.compare(0, platform.size(), platform) == 0) {
-      Touch(set.assemblies / path.substr(platform.size()));
+    if (IsBelow(path, host::kPlatformAssemblies)) {
+      Touch(set.assemblies / From(host::kPlatformAssemblies, path));
     } else if (shared != std::string::npos && shared > 0) {
       const std::string root = path.substr(0, shared);
       const fs::path desk = scratch / "coba" / fs::path(root).relative_path();

@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <set>
 
+#include "orvelbox/desk/paths.h"
+
 namespace orvelbox {
 namespace {
 
@@ -55,8 +57,8 @@ std::string ConditionText(const std::string& text) {
 std::set<std::string> ProvidedElsewhere(const CheckedPackage& package) {
   std::set<std::string> names;
   for (const CheckedDll& dll : package.dlls) {
-    const bool inside = dll.origin.compare(0, package.root.size() + 1, package.root + "/") == 0;
-    if (dll.IsDuplicate() && !inside) names.insert(std::filesystem::path(dll.path).stem().string());
+    if (dll.IsDuplicate() && !IsBelow(dll.origin, package.root))
+      names.insert(std::filesystem::path(dll.path).stem().string());
   }
   return names;
 }

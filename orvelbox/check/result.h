@@ -43,15 +43,11 @@ struct CheckedPackage {
 };
 
 // "kept", "reported" or "removed".
-std::string ToString(Verdict verdict);
+const char* ToString(Verdict verdict);
 
-// How many DLLs of the package are duplicates.
+// How many DLLs of the package have the verdict, and how many are duplicates.
+std::size_t CountOf(const CheckedPackage& package, Verdict verdict);
 std::size_t CountDuplicates(const CheckedPackage& package);
-
-// Everything as one line of JSON, and back. The reader takes only what the writer writes (nlohmann::json's exceptions
-// tell of anything else). The line is ASCII; text that is no UTF-8 is written with replacement characters.
-std::string ToJson(const CheckedPackage& package);
-CheckedPackage CheckedPackageFromJson(const std::string& line);
 
 }  // namespace orvelbox
 

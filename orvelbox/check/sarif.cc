@@ -4,10 +4,10 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "orvelbox/desk/json.h"
+
 namespace orvelbox {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 constexpr const char* kRemovedRule = "duplicate-removed";
 constexpr const char* kReportedRule = "duplicate-reported";

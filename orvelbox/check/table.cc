@@ -1,26 +1,19 @@
 // The table of a check.
 #include "orvelbox/check/table.h"
 
-#include <algorithm>
-
 #include "orvelbox/check/project_lines.h"
 #include "orvelbox/desk/text_table.h"
 
 namespace orvelbox {
 namespace {
 
-std::size_t Count(const CheckedPackage& package, Verdict verdict) {
-  return static_cast<std::size_t>(std::count_if(package.dlls.begin(), package.dlls.end(),
-                                                [&](const CheckedDll& dll) { return dll.verdict == verdict; }));
-}
-
 std::string Headline(const CheckedPackage& package) {
-  std::string name = package.id + (package.version.empty() ? "" : " " + package.version);
+  const std::string name = WithVersion(package.id, package.version);
   if (package.dlls.empty()) return package.name + ": " + name + ": no DLLs";
   return package.name + ": " + name + ": of " + std::to_string(package.dlls.size()) + " DLLs " +
-         std::to_string(Count(package, Verdict::kRemoved)) + " would be removed, " +
-         std::to_string(Count(package, Verdict::kReportedOnly)) + " reported but kept (read-write area), " +
-         std::to_string(Count(package, Verdict::kKept)) + " kept";
+         std::to_string(CountOf(package, Verdict::kRemoved)) + " would be removed, " +
+         std::to_string(CountOf(package, Verdict::kReportedOnly)) + " reported but kept (read-write area), " +
+         std::to_string(CountOf(package, Verdict::kKept)) + " kept";
 }
 
 std::string SizeOf(const DllCopy& copy) { return copy.size ? std::to_string(*copy.size) : ""; }

@@ -3,7 +3,7 @@
 #define ORVEL_ORVELBOX_CHECK_TABLE_H_
 
 #include "orvelbox/check/result.h"
-#include "orvelbox/operations/report.h"
+#include "orvelbox/desk/lines.h"
 
 namespace orvelbox {
 

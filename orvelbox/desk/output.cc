@@ -6,7 +6,6 @@
 #include <array>
 #include <cstdio>
 #include <iostream>
-#include <utility>
 
 #include "orvelbox/desk/progress.h"
 #include "platform/host/utf8.h"
@@ -55,11 +54,11 @@ std::string Printable(std::string_view text) {
   return printable;
 }
 
-bool SetQuiet(bool wanted) { return std::exchange(quiet, wanted); }
+void SetQuiet(bool wanted) { quiet = wanted; }
 
 void Say(std::string_view line) { SayColoured(Printable(line)); }
 
-void SayAll(const std::vector<std::string>& lines) {
+void SayAll(const Lines& lines) {
   for (const std::string& line : lines) Say(line);
 }
 
@@ -71,8 +70,12 @@ void SayColoured(std::string_view safe_line) {
 
 void Complain(std::string_view line) {
   Activity::End();
+  Remark(line);
+}
+
+void Remark(std::string_view line) {
   std::cout.flush();
-  std::cerr << "orvelbox: " + Printable(line) + "\n";
+  Activity::PutLineAbove("orvelbox: " + Printable(line));
 }
 
 bool FlushOutput() { return static_cast<bool>(std::cout.flush()); }

@@ -5,7 +5,8 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
+
+#include "orvelbox/desk/lines.h"
 
 namespace orvelbox {
 
@@ -14,16 +15,18 @@ namespace orvelbox {
 // for eyes, not for reading back.
 std::string Printable(std::string_view text);
 
-// Whether nothing but complaints is printed from here on. Returns what was set before.
-bool SetQuiet(bool quiet);
+// Whether nothing but complaints is printed from here on.
+void SetQuiet(bool quiet);
 
 // Prints `line`, made printable, and a line feed on standard output.
 void Say(std::string_view line);
-void SayAll(const std::vector<std::string>& lines);
+void SayAll(const Lines& lines);
 // As Say, for a line that is safe already and may hold colour sequences.
 void SayColoured(std::string_view safe_line);
 // Prints "orvelbox: ", `line` made printable, and a line feed on standard error.
 void Complain(std::string_view line);
+// The same for what is no complaint: work that is being told of goes on.
+void Remark(std::string_view line);
 
 // Writes out what is still buffered. False when standard output did not take everything (a full disk, say).
 bool FlushOutput();

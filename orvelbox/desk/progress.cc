@@ -17,13 +17,15 @@ constexpr std::size_t kWidth = 30;
 constexpr std::chrono::milliseconds kPause{100};
 constexpr std::chrono::seconds kSecond{1};
 
+constexpr const char* kErase = "\r\x1b[K";
+
 Activity* current = nullptr;
 
 void Write(const std::string& text) { host::WriteAll(STDERR_FILENO, text); }
 
 void Draw(const std::string& line) { Write("\r" + line + "\x1b[K"); }
 
-void Erase() { Write("\r\x1b[K"); }
+void Erase() { Write(kErase); }
 
 // Runs `start` with all signals held back: a thread that it starts leaves them to the others for good.
 template <typename Start>
@@ -64,7 +66,7 @@ Activity::Activity(std::string action, bool wanted) : action_(std::move(action))
   if (!wanted || isatty(STDERR_FILENO) != 1) return;
   WithoutSignals([&] {
     try {
-      teller_ = std::thread([this] { Tell(); });
+      thread_ = std::thread([this] { Tell(); });
       current = this;
     } catch (const std::system_error&) {
       // The work matters more than its line.
@@ -82,6 +84,8 @@ void Activity::End() {
   if (current != nullptr) current->Stop();
 }
 
+void Activity::PutLineAbove(const std::string& line) { Write((current == nullptr ? "" : kErase) + line + "\n"); }
+
 void Activity::Tell() {
   std::unique_lock lock(mutex_);
   long seconds = 0;
@@ -92,14 +96,14 @@ void Activity::Tell() {
 }
 
 void Activity::Stop() {
-  if (!teller_.joinable()) return;
+  if (!thread_.joinable()) return;
   current = nullptr;
   {
     const std::lock_guard lock(mutex_);
     stopped_ = true;
   }
   stop_.notify_one();
-  teller_.join();
+  thread_.join();
 }
 
 }  // namespace orvelbox

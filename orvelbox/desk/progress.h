@@ -50,6 +50,8 @@ class Activity {
   static void CountFile();
   // Takes the line away for good, so that something else can be printed.
   static void End();
+  // Writes another line on standard error, which an activity goes on below.
+  static void PutLineAbove(const std::string& line);
 
  private:
   void Tell();
@@ -60,7 +62,7 @@ class Activity {
   std::mutex mutex_;
   std::condition_variable stop_;
   bool stopped_ = false;
-  std::thread teller_;
+  std::thread thread_;
 };
 
 }  // namespace orvelbox

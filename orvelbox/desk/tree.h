@@ -1,4 +1,4 @@
-// Copies and removes whole directory trees. Where they belong is package_area's business.
+// Copies and removes whole directory trees. Where they belong is installed_trees' business.
 #ifndef ORVEL_ORVELBOX_DESK_TREE_H_
 #define ORVEL_ORVELBOX_DESK_TREE_H_
 

@@ -12,7 +12,7 @@ namespace orvelbox {
 // Does `work` and gives its result. When it throws, does `undo` and lets the error go on; when `undo` fails too,
 // host::DeviceError tells of both.
 template <typename Work, typename Undo>
-auto Attempt(const Work& work, const Undo& undo) {
+auto WithRollback(const Work& work, const Undo& undo) {
   try {
     return work();
   } catch (const std::exception& error) {

@@ -3,17 +3,13 @@
 
 #include <algorithm>
 
+#include "base/affix.h"
+#include "base/fixed_names.h"
+#include "orvelbox/desk/tree.h"
+#include "platform/host/files.h"
+
 namespace orvelbox {
 namespace {
-
-constexpr std::string_view kStart = "[START]";
-constexpr std::string_view kEnd = "[END]";
-
-bool HasStart(std::string_view text) { return text.substr(0, kStart.size()) == kStart; }
-
-bool HasEnd(std::string_view text) {
-  return text.size() >= kEnd.size() && text.substr(text.size() - kEnd.size()) == kEnd;
-}
 
 // What of `entries` is not in `others`; an entry that is there twice counts twice.
 std::vector<std::string> Without(const std::vector<std::string>& entries, std::vector<std::string> others) {
@@ -31,19 +27,36 @@ std::vector<std::string> Without(const std::vector<std::string>& entries, std::v
 
 }  // namespace
 
+CacheText ReadCache(const host::Device& device, const std::string& name) {
+  const std::filesystem::path file = device.OnDesk(kCacheDirectory) / name;
+  if (!IsThere(file)) return std::nullopt;
+  return host::ReadFile(file);
+}
+
 CacheState StateOf(const CacheText& text) {
   if (!text) return CacheState::kMissing;
-  return HasStart(*text) && HasEnd(*text) ? CacheState::kSound : CacheState::kDamaged;
+  return HasPrefix(*text, kStartMarker) && HasSuffix(*text, kEndMarker) ? CacheState::kSound : CacheState::kDamaged;
+}
+
+std::string StateInWords(CacheState state) {
+  switch (state) {
+    case CacheState::kMissing:
+      return "missing";
+    case CacheState::kDamaged:
+      return "damaged: it does not begin with [START] and end with [END]";
+    default:
+      return "";
+  }
 }
 
 std::vector<std::string> EntriesOf(const CacheText& text) {
   std::string_view rest;
   if (text) rest = *text;
-  if (HasStart(rest)) rest.remove_prefix(kStart.size());
-  if (HasEnd(rest)) rest.remove_suffix(kEnd.size());
+  if (HasPrefix(rest, kStartMarker)) rest.remove_prefix(kStartMarker.size());
+  if (HasSuffix(rest, kEndMarker)) rest.remove_suffix(kEndMarker.size());
   std::vector<std::string> entries;
   while (!rest.empty()) {
-    const std::size_t end = std::min(rest.find(':'), rest.size());
+    const std::size_t end = std::min(rest.find(kEntrySeparator), rest.size());
     if (end > 0) entries.emplace_back(rest.substr(0, end));
     rest.remove_prefix(std::min(end + 1, rest.size()));
   }

@@ -5,14 +5,12 @@
 #include <nlohmann/json.hpp>
 #include <set>
 
-#include "platform/host/device.h"
+#include "base/fixed_names.h"
+#include "orvelbox/desk/json.h"
+#include "orvelbox/desk/paths.h"
 
 namespace orvelbox {
 namespace {
-
-bool BeginsWith(const std::string& text, const std::string& prefix) {
-  return text.compare(0, prefix.size(), prefix) == 0;
-}
 
 std::string Place(const std::string& name) { return std::string(kCacheDirectory) + name; }
 
@@ -21,7 +19,7 @@ const host::Package* OwnerOf(const std::string& entry, const std::vector<host::P
   const host::Package* owner = nullptr;
   for (const host::Package& package : packages) {
     const bool longer = owner == nullptr || package.root.size() > owner->root.size();
-    if (longer && BeginsWith(entry, package.root + "/")) owner = &package;
+    if (longer && IsBelow(entry, package.root)) owner = &package;
   }
   return owner;
 }
@@ -83,7 +81,7 @@ std::vector<CacheFinding> FindPrefixHazards(const std::vector<host::Package>& pa
   std::vector<CacheFinding> findings;
   for (const host::Package& package : packages) {
     for (const host::Package& other : packages) {
-      if (package.id == other.id || !BeginsWith(other.root, package.root)) continue;
+      if (package.id == other.id || !HasPrefix(other.root, package.root)) continue;
       findings.push_back({"", "prefix", package.root,
                           package.root + " (" + package.id + ") begins " + other.root + " (" + other.id +
                               "); what takes the entries of the first out takes those of the second along, so after " +
@@ -94,13 +92,12 @@ std::vector<CacheFinding> FindPrefixHazards(const std::vector<host::Package>& pa
 }
 
 std::string ToJson(const std::vector<CacheFinding>& findings) {
-  using Json = nlohmann::ordered_json;
   Json json = {{"sound", findings.empty()}, {"findings", Json::array()}};
   for (const CacheFinding& finding : findings) {
     json["findings"].push_back(
         {{"file", finding.file}, {"kind", finding.kind}, {"entry", finding.entry}, {"text", finding.text}});
   }
-  return json.dump(-1, ' ', true, Json::error_handler_t::replace);
+  return OneLine(json);
 }
 
 }  // namespace orvelbox

@@ -30,87 +30,90 @@ void RemoveIfEmpty(const fs::path& directory) { rmdir(directory.c_str()); }
 
 }  // namespace
 
-PackageArea::PackageArea(host::Device device, const host::DeviceConfig& config)
-    : device_(std::move(device)), root_(config.read_write_root), note_(device_) {}
+InstalledTrees::InstalledTrees(host::Device device, const host::DeviceConfig& config)
+    : device_(std::move(device)), root_(config.read_write_root), journal_(device_) {}
 
-std::string PackageArea::RootOnDevice(const std::string& package_id) const { return root_ + "/" + package_id; }
+std::string InstalledTrees::RootOnDevice(const std::string& package_id) const { return root_ + "/" + package_id; }
 
-fs::path PackageArea::Place(const host::Package& package) const { return device_.OnDesk(package.root); }
+fs::path InstalledTrees::Place(const host::Package& package) const { return device_.OnDesk(package.root); }
 
-fs::path PackageArea::StagingArea() const { return device_.OnDesk(root_) / ".staging"; }
+fs::path InstalledTrees::StagingArea() const { return device_.OnDesk(root_) / ".staging"; }
 
-fs::path PackageArea::Unpacking() const { return Staging(kUnpacked); }
+fs::path InstalledTrees::Unpacked() const { return Staging(kUnpacked); }
 
-fs::path PackageArea::PreviousArea() const { return device_.OnDesk(root_) / ".previous"; }
+fs::path InstalledTrees::PreviousArea() const { return device_.OnDesk(root_) / ".previous"; }
 
-fs::path PackageArea::Staging(const std::string& package_id) const { return StagingArea() / package_id; }
+fs::path InstalledTrees::Staging(const std::string& package_id) const { return StagingArea() / package_id; }
 
-fs::path PackageArea::Previous(const std::string& package_id) const { return PreviousArea() / package_id; }
+fs::path InstalledTrees::Previous(const std::string& package_id) const { return PreviousArea() / package_id; }
 
-void PackageArea::Register(const host::Package& package) const {
+void InstalledTrees::Register(const host::Package& package) const {
   host::PackageStore(device_.Database(), host::PackageStore::Mode::kReadWrite).Put(package);
 }
 
-std::optional<host::Package> PackageArea::Registered(const std::string& package_id) const {
+std::optional<host::Package> InstalledTrees::Registered(const std::string& package_id) const {
   return host::PackageStore(device_.Database(), host::PackageStore::Mode::kReadOnly).Find(package_id);
 }
 
-void PackageArea::Forget(const std::string& package_id) const {
+void InstalledTrees::Forget(const std::string& package_id) const {
   host::PackageStore(device_.Database(), host::PackageStore::Mode::kReadWrite).Remove(package_id);
 }
 
-void PackageArea::RemoveStaged(const std::string& package_id) const {
+void InstalledTrees::RemoveStaged(const std::string& package_id) const {
   RemoveTree(Staging(package_id));
   RemoveIfEmpty(StagingArea());
 }
 
-void PackageArea::RemoveUnpacked() const { RemoveStaged(kUnpacked); }
+UnpackPlace InstalledTrees::PlaceToUnpack() const {
+  return {Unpacked(), [this] { RemoveStaged(kUnpacked); }};
+}
 
-void PackageArea::Stage(const fs::path& source, const std::string& package_id) const {
+void InstalledTrees::Stage(const fs::path& source, const std::string& package_id) const {
   MakeDirectory(StagingArea());
-  const auto stage = source == Unpacking() ? Move : CopyTree;
-  Attempt([&] { stage(source, Staging(package_id)); }, [&] { RemoveStaged(package_id); });
+  const auto stage = source == Unpacked() ? Move : CopyTree;
+  WithRollback([&] { stage(source, Staging(package_id)); }, [&] { RemoveStaged(package_id); });
 }
 
 // Takes the tree out of its place in one step; RemoveStaged then takes its time.
-void PackageArea::MoveAside(const host::Package& package) const {
+void InstalledTrees::MoveAside(const host::Package& package) const {
   RemoveTree(Staging(package.id));
   MakeDirectory(StagingArea());
   if (IsThere(Place(package))) Move(Place(package), Staging(package.id));
 }
 
-void PackageArea::Add(const fs::path& source, const host::Package& package) const {
+void InstalledTrees::Add(const fs::path& source, const host::Package& package) const {
   if (IsThere(Place(package))) {
     throw host::DeviceError(Place(package).string() + ": is in the way, and belongs to no installed package; " +
                             "move it away and try again");
   }
-  note_.Begin(Operation::kInstall, package.id);
+  journal_.Begin(Operation::kInstall, package.id);
   const auto put_in_place = [&] {
     Stage(source, package.id);
     Register(package);
     Move(Staging(package.id), Place(package));
     RemoveStaged(package.id);
   };
-  Attempt(put_in_place, [&] { TakeBackAddition(package); });
+  WithRollback(put_in_place, [&] { TakeBackAddition(package); });
 }
 
-void PackageArea::KeepAddition() const { note_.End(); }
+void InstalledTrees::KeepAddition() const { journal_.End(); }
 
-void PackageArea::TakeBackAddition(const host::Package& package) const {
+void InstalledTrees::TakeBackAddition(const host::Package& package) const {
   Discard(package);
-  note_.RestoreCaches();
-  note_.End();
+  journal_.RestoreCaches();
+  journal_.End();
 }
 
 // Takes the package's tree and record away.
-void PackageArea::Discard(const host::Package& package) const {
+void InstalledTrees::Discard(const host::Package& package) const {
   MoveAside(package);
   RemoveStaged(package.id);
   Forget(package.id);
 }
 
-void PackageArea::Replace(const fs::path& source, const host::Package& package, const host::Package& installed) const {
-  note_.Begin(Operation::kUpgrade, package.id);
+void InstalledTrees::Replace(const fs::path& source, const host::Package& package,
+                             const host::Package& installed) const {
+  journal_.Begin(Operation::kUpgrade, package.id);
   const auto put_in_place = [&] {
     Stage(source, package.id);
     MakeDirectory(PreviousArea());
@@ -119,29 +122,29 @@ void PackageArea::Replace(const fs::path& source, const host::Package& package, 
     Register(package);
     RemoveStaged(package.id);
   };
-  Attempt(put_in_place, [&] { RestorePrevious(installed); });
+  WithRollback(put_in_place, [&] { RestorePrevious(installed); });
 }
 
-void PackageArea::KeepUpgrade(const std::string& package_id) const {
-  note_.Decide();
+void InstalledTrees::KeepUpgrade(const std::string& package_id) const {
+  journal_.Decide();
   DropPrevious(package_id);
-  note_.End();
+  journal_.End();
 }
 
-void PackageArea::RestorePrevious(const host::Package& previous) const {
+void InstalledTrees::RestorePrevious(const host::Package& previous) const {
   PutPreviousBack(previous);
-  note_.RestoreCaches();
-  note_.End();
+  journal_.RestoreCaches();
+  journal_.End();
 }
 
-void PackageArea::DropPrevious(const std::string& package_id) const {
+void InstalledTrees::DropPrevious(const std::string& package_id) const {
   MakeDirectory(StagingArea());
   if (IsThere(Previous(package_id))) Move(Previous(package_id), Staging(package_id));
   RemoveIfEmpty(PreviousArea());
   RemoveStaged(package_id);
 }
 
-void PackageArea::PutPreviousBack(const host::Package& previous) const {
+void InstalledTrees::PutPreviousBack(const host::Package& previous) const {
   if (IsThere(Previous(previous.id))) {
     MoveAside(previous);
     RemoveStaged(previous.id);
@@ -152,29 +155,29 @@ void PackageArea::PutPreviousBack(const host::Package& previous) const {
   RemoveStaged(previous.id);
 }
 
-void PackageArea::BeginRemoval(const std::string& package_id) const {
+void InstalledTrees::BeginRemoval(const std::string& package_id) const {
   try {
-    note_.Begin(Operation::kUninstall, package_id);
+    journal_.Begin(Operation::kUninstall, package_id);
   } catch (const host::DeviceError&) {
     // Uninstalling is how a full disk gets room again: it goes on without the note.
   }
 }
 
-void PackageArea::AbandonRemoval() const { note_.End(); }
+void InstalledTrees::AbandonRemoval() const { journal_.End(); }
 
-void PackageArea::TakeBackRemoval() const {
-  note_.RestoreCaches();
-  note_.End();
+void InstalledTrees::TakeBackRemoval() const {
+  journal_.RestoreCaches();
+  journal_.End();
 }
 
-void PackageArea::Remove(const host::Package& package) const {
-  note_.Decide();
+void InstalledTrees::Remove(const host::Package& package) const {
+  journal_.Decide();
   Discard(package);
-  note_.End();
+  journal_.End();
 }
 
 // The packages whose record has no tree.
-std::vector<std::string> PackageArea::Unplaced() const {
+std::vector<std::string> InstalledTrees::Unplaced() const {
   const host::PackageStore store(device_.Database(), host::PackageStore::Mode::kReadOnly);
   std::vector<std::string> ids;
   for (const host::Package& package : store.List()) {
@@ -184,7 +187,7 @@ std::vector<std::string> PackageArea::Unplaced() const {
 }
 
 // Does what was left to do of an operation that was decided.
-std::string PackageArea::Complete(const Pending& pending) const {
+std::string InstalledTrees::Complete(const Pending& pending) const {
   if (pending.operation == Operation::kUpgrade) {
     DropPrevious(pending.package_id);
     return "an upgrade was interrupted at its end; the new version stays";
@@ -194,7 +197,7 @@ std::string PackageArea::Complete(const Pending& pending) const {
 }
 
 // Undoes what was done to trees and records in an operation that was not decided.
-std::string PackageArea::TakeBack(const Pending& pending) const {
+std::string InstalledTrees::TakeBack(const Pending& pending) const {
   const std::string& id = pending.package_id;
   switch (pending.operation) {
     case Operation::kInstall: {
@@ -211,14 +214,14 @@ std::string PackageArea::TakeBack(const Pending& pending) const {
   }
 }
 
-std::vector<std::string> PackageArea::Mend() const {
+std::vector<std::string> InstalledTrees::Mend() const {
   std::vector<std::string> mended;
-  if (const auto pending = note_.Read()) {
+  if (const auto pending = journal_.Read()) {
     const std::string outcome = pending->decided ? Complete(*pending) : TakeBack(*pending);
-    if (!pending->decided) note_.RestoreCaches();
+    if (!pending->decided) journal_.RestoreCaches();
     mended.push_back("mended " + pending->package_id + ": " + outcome);
   }
-  note_.End();
+  journal_.End();
   for (const std::string& id : NamesIn(PreviousArea())) {
     PutPreviousBack(PlacedAt(ReadManifest(Previous(id)).package, RootOnDevice(id)));
     mended.push_back("mended " + id + ": an upgrade was interrupted; the version before it is in place again");
@@ -233,6 +236,11 @@ std::vector<std::string> PackageArea::Mend() const {
     mended.push_back("mended " + id + ": its files are gone, so it is no longer installed");
   }
   return mended;
+}
+
+host::Package FindInstalled(const host::PackageStore& store, const std::string& package_id) {
+  if (auto package = store.Find(package_id)) return *std::move(package);
+  throw host::DeviceError(package_id + ": not installed; see what is with: orvelbox list");
 }
 
 }  // namespace orvelbox

@@ -16,25 +16,25 @@
 #include <vector>
 
 #include "orvelbox/device/journal.h"
+#include "orvelbox/package/source.h"
 #include "platform/host/device.h"
 #include "platform/host/package_store.h"
 
 namespace orvelbox {
 
 // Every function throws host::DeviceError. None of them keeps the package database open.
-class PackageArea {
+class InstalledTrees {
  public:
-  PackageArea(host::Device device, const host::DeviceConfig& config);
+  InstalledTrees(host::Device device, const host::DeviceConfig& config);
 
   // Where the tree of a new package is to stand on the device.
   std::string RootOnDevice(const std::string& package_id) const;
   // Where the package's tree stands on the desk.
   std::filesystem::path Place(const host::Package& package) const;
 
-  // Where a package may be unpacked before Add or Replace take it from there; RemoveUnpacked removes it,
-  // and Mend after a killed run.
-  std::filesystem::path Unpacking() const;
-  void RemoveUnpacked() const;
+  // Where a package may be unpacked before Add or Replace take it from there. After a killed run Mend clears it. Must
+  // not outlive this object.
+  UnpackPlace PlaceToUnpack() const;
 
   // Puts a copy of `source` in place and registers `package` (PlacedAt its root). The package is there for good with
   // KeepAddition and gone, the cache files as before, with TakeBackAddition. Leaves nothing when it fails.
@@ -65,6 +65,7 @@ class PackageArea {
  private:
   std::filesystem::path StagingArea() const;
   std::filesystem::path PreviousArea() const;
+  std::filesystem::path Unpacked() const;
   std::filesystem::path Staging(const std::string& package_id) const;
   std::filesystem::path Previous(const std::string& package_id) const;
   void Stage(const std::filesystem::path& source, const std::string& package_id) const;
@@ -82,8 +83,11 @@ class PackageArea {
 
   host::Device device_;
   std::string root_;  // on the device
-  PendingNote note_;
+  Journal journal_;
 };
+
+// The record of an installed package in `store`. Throws host::DeviceError when it is not installed.
+host::Package FindInstalled(const host::PackageStore& store, const std::string& package_id);
 
 }  // namespace orvelbox
 

@@ -7,7 +7,7 @@
 
 #include "orvelbox/desk/tree.h"
 #include "orvelbox/desk/with_rollback.h"
-#include "orvelbox/operations/effects.h"
+#include "orvelbox/device/cache_text.h"
 #include "platform/host/files.h"
 
 namespace fs = std::filesystem;
@@ -17,7 +17,6 @@ namespace {
 
 constexpr const char* kBegun = "begun";
 constexpr const char* kDecided = "decided";
-constexpr const char* kCacheNames[] = {"TPA.txt", "CoBA.txt"};
 
 constexpr std::array<std::pair<Operation, const char*>, 3> kOperations = {
     {{Operation::kInstall, "install"}, {Operation::kUpgrade, "upgrade"}, {Operation::kUninstall, "uninstall"}}};
@@ -42,28 +41,28 @@ Pending Parse(const fs::path& file, const std::string& text, bool decided) {
 
 }  // namespace
 
-PendingNote::PendingNote(host::Device device) : device_(std::move(device)) {}
+Journal::Journal(host::Device device) : device_(std::move(device)) {}
 
-void PendingNote::Begin(Operation operation, const std::string& package_id) const {
+void Journal::Begin(Operation operation, const std::string& package_id) const {
   const auto write_note = [&] {
-    RemoveTree(Workshop());
-    MakeDirectory(Workshop());
-    host::CreateFile(Workshop() / kBegun, std::string(NameOf(operation)) + " " + package_id);
-    for (const char* name : kCacheNames) {
-      if (const CacheText text = ReadCache(device_, name)) host::CreateFile(Workshop() / name, *text);
+    RemoveTree(Temporary());
+    MakeDirectory(Temporary());
+    host::CreateFile(Temporary() / kBegun, std::string(NameOf(operation)) + " " + package_id);
+    for (const char* name : kCacheFiles) {
+      if (const CacheText text = ReadCache(device_, name)) host::CreateFile(Temporary() / name, *text);
     }
-    Move(Workshop(), Directory());
+    Move(Temporary(), Directory());
   };
-  Attempt(write_note, [&] { RemoveTree(Workshop()); });
+  WithRollback(write_note, [&] { RemoveTree(Temporary()); });
 }
 
-void PendingNote::Decide() const {
+void Journal::Decide() const {
   if (IsThere(Directory())) Move(Directory() / kBegun, Directory() / kDecided);
 }
 
 // The copies themselves go there: that takes one step each, and no disk space. A copy that is gone has done its work.
-void PendingNote::RestoreCaches() const {
-  for (const char* name : kCacheNames) {
+void Journal::RestoreCaches() const {
+  for (const char* name : kCacheFiles) {
     const fs::path copy = Directory() / name;
     if (IsThere(copy) && ReadCache(device_, name) != host::ReadFile(copy)) {
       Move(copy, device_.OnDesk(kCacheDirectory) / name);
@@ -71,13 +70,13 @@ void PendingNote::RestoreCaches() const {
   }
 }
 
-void PendingNote::End() const {
-  RemoveTree(Workshop());
-  if (IsThere(Directory())) Move(Directory(), Workshop());
-  RemoveTree(Workshop());
+void Journal::End() const {
+  RemoveTree(Temporary());
+  if (IsThere(Directory())) Move(Directory(), Temporary());
+  RemoveTree(Temporary());
 }
 
-std::optional<Pending> PendingNote::Read() const {
+std::optional<Pending> Journal::Read() const {
   if (!IsThere(Directory())) return std::nullopt;
   const bool decided = IsThere(Directory() / kDecided);
   const fs::path file = Directory() / (decided ? kDecided : kBegun);

@@ -24,9 +24,9 @@ struct Pending {
 };
 
 // Every function throws host::DeviceError.
-class PendingNote {
+class Journal {
  public:
-  explicit PendingNote(host::Device device);
+  explicit Journal(host::Device device);
 
   // Notes that the operation begins. Leaves nothing when it fails.
   void Begin(Operation operation, const std::string& package_id) const;
@@ -43,7 +43,7 @@ class PendingNote {
  private:
   std::filesystem::path Directory() const { return device_.directory / "pending"; }
   // Where the note is made, and taken apart.
-  std::filesystem::path Workshop() const { return device_.directory / "pending.new"; }
+  std::filesystem::path Temporary() const { return device_.directory / "pending.new"; }
 
   host::Device device_;
 };

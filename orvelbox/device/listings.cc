@@ -1,14 +1,14 @@
-// JSON of the listings.
+// Packages and cache files, listed.
 #include "orvelbox/device/listings.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
+
+#include "base/fixed_names.h"
+#include "orvelbox/desk/json.h"
 
 namespace orvelbox {
 namespace {
-
-using Json = nlohmann::ordered_json;
-
-std::string OneLine(const Json& json) { return json.dump(-1, ' ', true, Json::error_handler_t::replace); }
 
 Json Brief(const host::Package& package) {
   return {{"id", package.id}, {"version", package.version}, {"type", package.type}, {"root", package.root}};
@@ -32,12 +32,52 @@ Json Whole(const CacheText& text) {
   return {{"state", name}, {"entries", EntriesOf(text)}};
 }
 
+void AddField(const std::string& name, const std::string& value, Lines& lines) {
+  if (!value.empty()) lines.push_back(Padded(name, 11) + value);
+}
+
+void AddApplication(const host::Application& application, Lines& lines) {
+  lines.push_back("");
+  lines.push_back(application.kind + " " + application.id);
+  AddField("  type", application.type, lines);
+  AddField("  exec", application.exec, lines);
+  for (const host::MetadataEntry& entry : application.metadata) {
+    AddField("  metadata", entry.key + " = " + entry.value, lines);
+  }
+}
+
 }  // namespace
+
+Lines DescribePackages(const std::vector<host::Package>& packages) {
+  std::size_t id_width = 0;
+  std::size_t version_width = 0;
+  for (const host::Package& package : packages) {
+    id_width = std::max(id_width, package.id.size());
+    version_width = std::max(version_width, package.version.size());
+  }
+  Lines lines;
+  for (const host::Package& package : packages) {
+    lines.push_back(Padded(package.id, id_width) + "  " + Padded(package.version, version_width) + "  " + package.root);
+  }
+  return lines;
+}
 
 std::string PackagesJson(const std::vector<host::Package>& packages) {
   Json json = Json::array();
   for (const host::Package& package : packages) json.push_back(Brief(package));
   return OneLine(json);
+}
+
+Lines DescribePackage(const host::Package& package) {
+  Lines lines;
+  AddField("package", package.id, lines);
+  AddField("version", package.version, lines);
+  AddField("type", package.type, lines);
+  AddField("root", package.root, lines);
+  AddField("main app", package.main_app_id, lines);
+  for (const std::string& privilege : package.privileges) AddField("privilege", privilege, lines);
+  for (const host::Application& application : package.applications) AddApplication(application, lines);
+  return lines;
 }
 
 std::string PackageJson(const host::Package& package) {
@@ -49,16 +89,18 @@ std::string PackageJson(const host::Package& package) {
   return OneLine(json);
 }
 
-std::string CachesJson(const CacheText& tpa, const CacheText& coba) {
-  return OneLine({{"TPA.txt", Whole(tpa)}, {"CoBA.txt", Whole(coba)}});
+Lines DescribeCache(const std::string& name, const CacheText& text) {
+  const std::vector<std::string> entries = EntriesOf(text);
+  const std::string state = StateInWords(StateOf(text));
+  const std::string path = kCacheDirectory + name;
+  Lines lines = {path + ": " + (text ? Counted(entries.size(), "entry", "entries") : state)};
+  if (text && !state.empty()) lines.back() += ", " + state;
+  for (const std::string& entry : entries) lines.push_back("  " + entry);
+  return lines;
 }
 
-std::string RecordJson(const host::LogRecord& record) {
-  return OneLine({{"time", record.time},
-                  {"priority", std::string(1, record.priority)},
-                  {"tag", record.tag},
-                  {"pid", record.pid},
-                  {"text", record.text}});
+std::string CachesJson(const CacheText& tpa, const CacheText& coba) {
+  return OneLine({{kTpaFile, Whole(tpa)}, {kCobaFile, Whole(coba)}});
 }
 
 }  // namespace orvelbox

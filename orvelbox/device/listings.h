@@ -1,25 +1,29 @@
-// What the listings list, as JSON for programs. The texts are ASCII; what is no UTF-8 becomes replacement characters.
+// What the listings list, in words for people and as JSON for programs. The words are still to be made printable
+// (output.h); JSON is on one line.
 #ifndef ORVEL_ORVELBOX_DEVICE_LISTINGS_H_
 #define ORVEL_ORVELBOX_DEVICE_LISTINGS_H_
 
 #include <string>
 #include <vector>
 
+#include "orvelbox/desk/lines.h"
 #include "orvelbox/device/cache_text.h"
-#include "platform/host/log_file.h"
 #include "platform/host/package_store.h"
 
 namespace orvelbox {
 
-// An array with an object per package, and one package whole, each on one line.
+// A line per package, or an array with an object per package.
+Lines DescribePackages(const std::vector<host::Package>& packages);
 std::string PackagesJson(const std::vector<host::Package>& packages);
+
+// All about one package.
+Lines DescribePackage(const host::Package& package);
 std::string PackageJson(const host::Package& package);
 
+// The line about a cache file and the lines of its entries.
+Lines DescribeCache(const std::string& name, const CacheText& text);
 // One object with both cache files: for each its "state" ("sound", "missing" or "damaged") and its "entries".
 std::string CachesJson(const CacheText& tpa, const CacheText& coba);
-
-// One record on one line, its text as it was logged, colour sequences included.
-std::string RecordJson(const host::LogRecord& record);
 
 }  // namespace orvelbox
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "base/affix.h"
 #include "orvelbox/desk/colour.h"
 
 namespace orvelbox {
@@ -15,8 +16,6 @@ constexpr std::string_view kReadWrite = "Origin file is in RW area. so doesn't r
 constexpr std::string_view kGuide = "Duplicated DLL found. Please refer guide : ";
 constexpr std::string_view kNotInhouse = "### App type is not dotnet-inhouse ###";
 constexpr std::string_view kRestartFailed = "Can't restart dotnet-loader-inhouse";
-
-bool StartsWith(std::string_view text, std::string_view prefix) { return text.substr(0, prefix.size()) == prefix; }
 
 std::string WithoutColours(std::string_view text) {
   std::string plain;
@@ -36,9 +35,9 @@ class Collector {
     if (text == kFound) {
       found_ = {};
       found_.time = time;
-    } else if (StartsWith(text, kOrigin)) {
+    } else if (HasPrefix(text, kOrigin)) {
       found_.origin = text.substr(kOrigin.size());
-    } else if (StartsWith(text, kDuplicated)) {
+    } else if (HasPrefix(text, kDuplicated)) {
       found_.duplicated = text.substr(kDuplicated.size());
       AddDuplicate();
     } else if (text == kReadWrite) {
@@ -68,7 +67,7 @@ class Collector {
   }
 
   void AddOutcome(const std::string& text) {
-    if (StartsWith(text, kGuide)) {
+    if (HasPrefix(text, kGuide)) {
       facts_.guide = text;
     } else if (text == kRestartFailed) {
       facts_.restart_failed = true;

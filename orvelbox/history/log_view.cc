@@ -8,12 +8,13 @@
 
 #include <array>
 #include <cerrno>
+#include <nlohmann/json.hpp>
 #include <optional>
 
 #include "base/unique_fd.h"
 #include "orvelbox/desk/colour.h"
+#include "orvelbox/desk/json.h"
 #include "orvelbox/desk/output.h"
-#include "orvelbox/device/listings.h"
 #include "platform/host/files.h"
 
 namespace orvelbox {
@@ -34,6 +35,14 @@ std::string ShowText(std::string_view text, bool colour) {
     plain_begin = i;
   }
   return shown + Printable(text.substr(plain_begin)) + (colour && plain_begin > 0 ? "\x1b[0m" : "");
+}
+
+std::string RecordJson(const host::LogRecord& record) {
+  return OneLine({{"time", record.time},
+                  {"priority", std::string(1, record.priority)},
+                  {"tag", record.tag},
+                  {"pid", record.pid},
+                  {"text", record.text}});
 }
 
 int Rank(char priority) {

@@ -25,7 +25,7 @@ struct LogView {
   LogFilter filter;
   bool follow = false;
   bool colour = false;
-  bool json = false;  // one JSON object a record
+  bool json = false;  // one JSON object a record, its text as it was logged, colour sequences included
 };
 
 // Shows the log on standard output; with `follow` it goes on with every record that comes, until it is interrupted

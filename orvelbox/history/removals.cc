@@ -3,6 +3,9 @@
 
 #include <map>
 
+#include "base/affix.h"
+#include "base/fixed_names.h"
+#include "orvelbox/desk/paths.h"
 #include "orvelbox/desk/tree.h"
 #include "platform/host/files.h"
 
@@ -11,12 +14,7 @@ namespace fs = std::filesystem;
 namespace orvelbox {
 namespace {
 
-constexpr std::string_view kSuffix = "_deleted";
 constexpr std::uintmax_t kLongestInformation = 65536;
-
-bool EndsWith(const std::string& text, std::string_view suffix) {
-  return text.size() >= suffix.size() && text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0;
-}
 
 // What the plug-in's walk left in the package's tree.
 void AddInformationFiles(const host::Device& device, const host::Package& package,
@@ -27,9 +25,9 @@ void AddInformationFiles(const host::Device& device, const host::Package& packag
   for (fs::recursive_directory_iterator entry(root, readable, error), end; !error && entry != end;
        entry.increment(error)) {
     const std::string name = entry->path().lexically_relative(root).string();
-    if (!EndsWith(name, kSuffix) || !fs::is_regular_file(entry->symlink_status())) continue;
+    if (!HasSuffix(name, kInformationFileSuffix) || !fs::is_regular_file(entry->symlink_status())) continue;
     if (entry->file_size(error) > kLongestInformation || error) continue;
-    const std::string dll = package.root + "/" + name.substr(0, name.size() - kSuffix.size());
+    const std::string dll = package.root + "/" + name.substr(0, name.size() - kInformationFileSuffix.size());
     if (const auto information = ParseInformationFile(dll, host::ReadFile(entry->path()))) {
       removals[dll] = {dll, information->origin, "", true, true, false};
     }
@@ -38,9 +36,8 @@ void AddInformationFiles(const host::Device& device, const host::Package& packag
 
 // The log knows when, and what was only reported. A later report of another kind leaves the information file's word.
 void AddLog(const host::Device& device, const host::Package& package, std::map<std::string, Removal>& removals) {
-  const std::string below = package.root + "/";
   for (const Duplicate& duplicate : InterpretLog(ParseLog(host::ReadFile(device.Log()))).duplicates) {
-    if (duplicate.duplicated.compare(0, below.size(), below) != 0) continue;
+    if (!IsBelow(duplicate.duplicated, package.root)) continue;
     Removal& removal = removals[duplicate.duplicated];
     if (removal.information_file && removal.origin != duplicate.origin) continue;
     removal.dll = duplicate.duplicated;
@@ -56,7 +53,7 @@ std::optional<InformationFile> ParseInformationFile(const std::string& dll, std:
   const std::string begin = dll + " was deleted because ";
   const std::string end = " exists\nRemove " + dll + " from OPK\n";
   if (text.size() <= begin.size() + end.size()) return std::nullopt;
-  if (text.substr(0, begin.size()) != begin || text.substr(text.size() - end.size()) != end) return std::nullopt;
+  if (!HasPrefix(text, begin) || !HasSuffix(text, end)) return std::nullopt;
   return InformationFile{dll, std::string(text.substr(begin.size(), text.size() - begin.size() - end.size()))};
 }
 

@@ -4,20 +4,18 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "base/fixed_names.h"
+#include "orvelbox/desk/json.h"
+#include "orvelbox/desk/paths.h"
 #include "orvelbox/desk/text_table.h"
-#include "orvelbox/operations/session.h"
+#include "orvelbox/device/installed_trees.h"
 
 namespace fs = std::filesystem;
 
 namespace orvelbox {
 namespace {
 
-constexpr std::string_view kSuffix = "_deleted";
-
-bool IsAtOrBelow(const std::string& path, const std::string& place) {
-  if (path.compare(0, place.size(), place) != 0) return false;
-  return path.size() == place.size() || path[place.size()] == '/';
-}
+bool IsAtOrBelow(const std::string& path, const std::string& place) { return path == place || IsBelow(path, place); }
 
 // A path of the desk inside of the device, as the device's; any other absolute path as it is.
 std::string OnDevice(const host::Device& device, const std::string& text) {
@@ -26,14 +24,8 @@ std::string OnDevice(const host::Device& device, const std::string& text) {
   const bool on_desk = !inside.empty() && *inside.begin() != "..";
   std::string found = (on_desk ? "/" / inside : path).string();
   while (found.size() > 1 && found.back() == '/') found.pop_back();
-  if (found.size() > kSuffix.size() && found.compare(found.size() - kSuffix.size(), kSuffix.size(), kSuffix) == 0) {
-    found.resize(found.size() - kSuffix.size());
-  }
+  if (HasSuffix(found, kInformationFileSuffix)) found.resize(found.size() - kInformationFileSuffix.size());
   return found;
-}
-
-std::string Below(const std::string& path, const std::string& root) {
-  return IsAtOrBelow(path, root) && path != root ? path.substr(root.size() + 1) : path;
 }
 
 const char* FateOf(const Removal& removal) { return removal.removed ? "removed" : "reported"; }
@@ -92,15 +84,14 @@ std::vector<Removal> AskedFor(const WhyQuestion& question, std::vector<Removal> 
 Lines DescribeWhy(const WhyQuestion& question, const std::vector<Removal>& removals, const CheckedPackage& today) {
   const std::string& root = question.package.root;
   const std::vector<CheckedDll> untold = Untold(question, removals, today);
-  Lines lines = {question.package.id + (question.package.version.empty() ? "" : " " + question.package.version) + " (" +
-                 root + ")"};
+  Lines lines = {WithVersion(question.package.id, question.package.version) + " (" + root + ")"};
   TextTable table({"WHAT", "DLL", "WHEN", "BECAUSE OF", "NOTE"});
   for (const Removal& removal : removals) {
-    table.Add({FateOf(removal), Below(removal.dll, root), removal.time, removal.origin, NoteOn(removal)});
+    table.Add({FateOf(removal), From(root, removal.dll), removal.time, removal.origin, NoteOn(removal)});
   }
   for (const CheckedDll& dll : untold) table.Add({"there", dll.path, "", dll.origin, ReasonToday(dll, today)});
   if (removals.empty() && untold.empty()) {
-    const std::string asked = question.path.empty() ? "the package" : Below(question.path, root);
+    const std::string asked = question.path.empty() ? "the package" : From(root, question.path);
     lines.push_back("    nothing is known of " + asked +
                     ": no information file, no line in the log, and no DLL there that it could have been");
     if (question.path.empty()) lines.back() = "    nothing was removed from the package, and nothing reported";
@@ -111,11 +102,10 @@ Lines DescribeWhy(const WhyQuestion& question, const std::vector<Removal>& remov
 }
 
 std::string WhyJson(const WhyQuestion& question, const std::vector<Removal>& removals, const CheckedPackage& today) {
-  using Json = nlohmann::ordered_json;
   const host::Package& package = question.package;
   Json json = {{"id", package.id}, {"version", package.version}, {"root", package.root}, {"dlls", Json::array()}};
   for (const Removal& removal : removals) {
-    json["dlls"].push_back({{"path", Below(removal.dll, package.root)},
+    json["dlls"].push_back({{"path", From(package.root, removal.dll)},
                             {"fate", FateOf(removal)},
                             {"time", removal.time.empty() ? Json() : Json(removal.time)},
                             {"origin", removal.origin},
@@ -128,7 +118,7 @@ std::string WhyJson(const WhyQuestion& question, const std::vector<Removal>& rem
                             {"origin", dll.origin.empty() ? Json() : Json(dll.origin)},
                             {"reason", ReasonToday(dll, today)}});
   }
-  return json.dump(-1, ' ', true, Json::error_handler_t::replace);
+  return OneLine(json);
 }
 
 }  // namespace orvelbox

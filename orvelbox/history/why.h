@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "orvelbox/check/result.h"
+#include "orvelbox/desk/lines.h"
 #include "orvelbox/history/removals.h"
-#include "orvelbox/operations/report.h"
 
 namespace orvelbox {
 

@@ -35,12 +35,12 @@ std::string QuotedForFish(const std::string& text) {
 }
 
 // Every option of the program and its commands, each name once.
-std::vector<OptionFacts> AllOptions(const CommandFacts& program) {
-  std::vector<OptionFacts> all = program.options;
+std::vector<Option> AllOptions(const CommandFacts& program) {
+  std::vector<Option> all = program.options;
   for (const CommandFacts& command : program.commands) {
-    for (const OptionFacts& option : command.options) {
+    for (const Option& option : command.options) {
       bool known = false;
-      for (const OptionFacts& other : all) known = known || other.name == option.name;
+      for (const Option& other : all) known = known || other.name == option.name;
       if (!known) all.push_back(option);
     }
   }
@@ -50,7 +50,7 @@ std::vector<OptionFacts> AllOptions(const CommandFacts& program) {
 // The names of the options that a value follows.
 std::vector<std::string> WithValue(const CommandFacts& program) {
   std::vector<std::string> names;
-  for (const OptionFacts& option : AllOptions(program)) {
+  for (const Option& option : AllOptions(program)) {
     if (!option.value.empty()) names.push_back(option.name);
   }
   return names;
@@ -62,7 +62,7 @@ std::string BashValues(const CommandFacts& program) {
   const std::string end = " -- \"$word\"); return ;;\n";
   std::string text;
   std::vector<std::string> files;
-  for (const OptionFacts& option : AllOptions(program)) {
+  for (const Option& option : AllOptions(program)) {
     if (!option.choices.empty()) {
       text.append("    ").append(option.name).append(")").append(answer);
       text.append("-W ").append(Quoted(Joined(option.choices, " "))).append(end);
@@ -85,7 +85,7 @@ std::string BashWords(const CommandFacts& program) {
 }
 
 // One line of zsh's _arguments for an option. What follows a ":" or "]" is read, so they are escaped.
-std::string ZshArgument(const OptionFacts& option) {
+std::string ZshArgument(const Option& option) {
   std::string text = option.name + "[";
   for (const char c : option.description) text += (c == ':' || c == '[' || c == ']' ? "\\" : "") + std::string(1, c);
   text += "]";
@@ -95,9 +95,9 @@ std::string ZshArgument(const OptionFacts& option) {
   return Quoted(text);
 }
 
-std::string ZshOptions(const std::vector<OptionFacts>& options) {
+std::string ZshOptions(const std::vector<Option>& options) {
   std::string text;
-  for (const OptionFacts& option : options) text += " \\\n        " + ZshArgument(option);
+  for (const Option& option : options) text += " \\\n        " + ZshArgument(option);
   return text;
 }
 
@@ -108,7 +108,7 @@ std::string ZshCommand(const CommandFacts& command) {
          Quoted("*:argument:" + words) + " ;;\n";
 }
 
-std::string FishOption(const OptionFacts& option, const std::string& condition) {
+std::string FishOption(const Option& option, const std::string& condition) {
   std::string text = "complete -c orvelbox" + condition + " -l " + option.name.substr(2);
   if (!option.value.empty()) text += " -r";
   if (!option.choices.empty()) text += " -f -a " + QuotedForFish(Joined(option.choices, " "));
@@ -119,7 +119,7 @@ std::string FishCommand(const CommandFacts& command) {
   std::string text = "complete -c orvelbox -n __fish_use_subcommand -f -a " + command.name + " -d " +
                      QuotedForFish(command.description) + "\n";
   const std::string condition = " -n '__fish_seen_subcommand_from " + command.name + "'";
-  for (const OptionFacts& option : command.options) text += FishOption(option, condition);
+  for (const Option& option : command.options) text += FishOption(option, condition);
   for (const CommandFacts& below : command.commands) {
     text +=
         "complete -c orvelbox" + condition + " -f -a " + below.name + " -d " + QuotedForFish(below.description) + "\n";
@@ -176,7 +176,7 @@ std::string ZshCompletion(const CommandFacts& program) {
 
 std::string FishCompletion(const CommandFacts& program) {
   std::string text = "# Completion of orvelbox for fish.\n";
-  for (const OptionFacts& option : program.options) text += FishOption(option, "");
+  for (const Option& option : program.options) text += FishOption(option, "");
   for (const CommandFacts& command : program.commands) text += FishCommand(command);
   return text;
 }

@@ -29,7 +29,7 @@ std::string Lines(const std::string& text) {
   return lines;
 }
 
-std::string Entry(const OptionFacts& option) {
+std::string Entry(const Option& option) {
   const std::string value = option.value.empty() ? "" : " \\fI" + Roff(option.value) + "\\fR";
   const std::string face = option.name.front() == '-' ? "\\fB" : "\\fI";
   return ".TP\n" + face + Roff(option.name) + "\\fR" + value + "\n" + Roff(option.description) + "\n";
@@ -37,8 +37,8 @@ std::string Entry(const OptionFacts& option) {
 
 std::string Entries(const CommandFacts& command) {
   std::string text;
-  for (const OptionFacts& argument : command.arguments) text += Entry(argument);
-  for (const OptionFacts& option : command.options) text += Entry(option);
+  for (const Option& argument : command.arguments) text += Entry(argument);
+  for (const Option& option : command.options) text += Entry(option);
   return text;
 }
 
@@ -46,7 +46,7 @@ std::string Entries(const CommandFacts& command) {
 std::string Section(const CommandFacts& command, const std::string& prefix) {
   const std::string name = prefix + command.name;
   std::string synopsis = "\\fB" + Roff(name) + "\\fR";
-  for (const OptionFacts& argument : command.arguments) synopsis += " \\fI" + Roff(argument.name) + "\\fR";
+  for (const Option& argument : command.arguments) synopsis += " \\fI" + Roff(argument.name) + "\\fR";
   std::string text = ".SS \"" + synopsis + "\"\n" + Roff(command.description) + "\n" + Entries(command) + ".PP\n" +
                      Lines(command.footer);
   for (const CommandFacts& below : command.commands) text += Section(below, name + " ");

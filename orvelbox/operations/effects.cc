@@ -32,7 +32,7 @@ std::vector<DllFate> FatesOf(const host::Device& device, const std::vector<Dupli
   std::vector<DllFate> fates;
   for (const Duplicate& duplicate : duplicates) {
     const std::filesystem::path dll = device.OnDesk(duplicate.duplicated);
-    fates.push_back({duplicate, IsThere(dll), IsThere(dll.string() + "_deleted")});
+    fates.push_back({duplicate, IsThere(dll), IsThere(dll.string() + kInformationFileSuffix.data())});
   }
   std::sort(fates.begin(), fates.end(),
             [](const DllFate& a, const DllFate& b) { return a.duplicate.duplicated < b.duplicate.duplicated; });
@@ -41,23 +41,17 @@ std::vector<DllFate> FatesOf(const host::Device& device, const std::vector<Dupli
 
 }  // namespace
 
-CacheText ReadCache(const host::Device& device, const std::string& name) {
-  const std::filesystem::path file = device.OnDesk(kCacheDirectory) / name;
-  if (!IsThere(file)) return std::nullopt;
-  return host::ReadFile(file);
-}
-
 Snapshot TakeSnapshot(const host::Device& device) {
-  return {LogSize(device), ReadCache(device, "TPA.txt"), ReadCache(device, "CoBA.txt"), ReadLoaderState(device)};
+  return {LogSize(device), ReadCache(device, kTpaFile), ReadCache(device, kCobaFile), ReadLoaderState(device)};
 }
 
-Observation Observe(const host::Device& device, const Snapshot& before, HookRun hooks) {
-  Observation seen;
+Effects EffectsSince(const host::Device& device, const Snapshot& before, HookRun hooks) {
+  Effects seen;
   seen.hooks = std::move(hooks);
   seen.log = InterpretLog(ParseLog(ReadLogFrom(device, before.log_size)));
   seen.dlls = FatesOf(device, seen.log.duplicates);
-  seen.tpa = Compare(before.tpa, ReadCache(device, "TPA.txt"));
-  seen.coba = Compare(before.coba, ReadCache(device, "CoBA.txt"));
+  seen.tpa = Compare(before.tpa, ReadCache(device, kTpaFile));
+  seen.coba = Compare(before.coba, ReadCache(device, kCobaFile));
   const LoaderState loader = ReadLoaderState(device);
   seen.loader_restarted = loader.starts > before.loader.starts;
   seen.loader_error = loader.error;

@@ -35,7 +35,7 @@ struct DllFate {
   bool information_file = false;  // "…_deleted" beside it
 };
 
-struct Observation {
+struct Effects {
   HookRun hooks;
   LogFacts log;
   std::vector<DllFate> dlls;  // ordered by path
@@ -45,11 +45,8 @@ struct Observation {
   std::string loader_error;  // of the last start, when log.restart_failed
 };
 
-// The whole text of a cache file ("TPA.txt" or "CoBA.txt"). Throws host::DeviceError when it cannot be read.
-CacheText ReadCache(const host::Device& device, const std::string& name);
-
 Snapshot TakeSnapshot(const host::Device& device);
-Observation Observe(const host::Device& device, const Snapshot& before, HookRun hooks);
+Effects EffectsSince(const host::Device& device, const Snapshot& before, HookRun hooks);
 
 // Reads the text of the loader's record; a damaged one says nothing.
 LoaderState ParseLoaderRecord(const std::string& record);

@@ -12,7 +12,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <utility>
 
+#include "base/affix.h"
 #include "base/unique_fd.h"
 #include "orvelbox/desk/output.h"
 #include "platform/host/files.h"
@@ -105,6 +107,15 @@ int RunChild(const HookSettings& settings, int report, const std::function<void(
   return 0;
 }
 
+// Said once, however many operations the command has.
+void TellWorkingInPlace() {
+  static bool told = false;
+  if (!std::exchange(told, true)) {
+    Remark(std::string("no namespaces here: working in place on ") + host::kPlatformAssemblies + " and " +
+           host::kUserArea);
+  }
+}
+
 std::string InWords(const host::ChildOutcome& outcome) {
   if (!outcome.signalled) return "ended its process with exit status " + std::to_string(outcome.code);
   return "was killed by signal " + std::to_string(outcome.code) + " (" + strsignal(outcome.code) + ")";
@@ -112,7 +123,7 @@ std::string InWords(const host::ChildOutcome& outcome) {
 
 // Takes `prefix` off the front of `line`; false when it is not there.
 bool Take(std::string_view& line, std::string_view prefix) {
-  if (line.substr(0, prefix.size()) != prefix) return false;
+  if (!HasPrefix(line, prefix)) return false;
   line.remove_prefix(prefix.size());
   return true;
 }
@@ -168,8 +179,11 @@ HookRun RunHooks(const HookSettings& settings, const std::function<void(const Ho
   }
   const UniqueFd report = MakeReport();
   FlushOutput();
-  const host::ChildOutcome outcome =
-      host::RunWithFixedPaths(settings.device.Root(), [&] { return RunChild(settings, report.get(), body); });
+  const auto tell = [&] {
+    if (settings.tells_in_place) TellWorkingInPlace();
+  };
+  const host::ChildOutcome outcome = host::RunWithFixedPaths(
+      settings.device.Root(), [&] { return RunChild(settings, report.get(), body); }, tell);
   HookRun run = ReadHookReport(ReadAll(report.get()), InWords(outcome));
   const bool failed = outcome.signalled || outcome.code != 0;
   const bool explained = !run.problem.empty() || (!run.results.empty() && !run.results.back().message.empty());

@@ -46,6 +46,7 @@ struct HookSettings {
   std::filesystem::path plugin;  // absolute
   std::filesystem::path trace;   // absolute; empty: as the environment says
   bool quiet = false;            // what the plug-in prints is dropped
+  bool tells_in_place = true;    // one line on standard error says so where the machine has no namespaces
 };
 
 // Runs `body` in a child process, where it calls hooks through its argument; a hook that throws ends it. Returns what

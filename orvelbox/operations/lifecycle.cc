@@ -5,151 +5,132 @@
 #include <functional>
 #include <nlohmann/json.hpp>
 
-#include "orvelbox/desk/output.h"
+#include "orvelbox/desk/json.h"
 #include "orvelbox/device/state.h"
 #include "orvelbox/operations/operations.h"
+#include "orvelbox/operations/report.h"
 #include "orvelbox/package/manifest.h"
-#include "orvelbox/package/source.h"
 
 namespace fs = std::filesystem;
 
 namespace orvelbox {
 namespace {
 
-// Keeps the operations' own words back.
-class Silence {
+class LifecycleRun {
  public:
-  Silence() : before_(SetQuiet(true)) {}
-  Silence(const Silence&) = delete;
-  Silence& operator=(const Silence&) = delete;
-  ~Silence() { SetQuiet(before_); }
+  LifecycleRun(const HookSettings& settings, const fs::path& package) : session_(settings), id_(IdOf(package)) {}
 
- private:
-  bool before_;
-};
-
-class LifeRun {
- public:
-  explicit LifeRun(const HookSettings& settings) : session_(settings) {}
-
-  // The id of the package that lives.
-  void ReadId(const fs::path& package) {
-    Scratch unpacked = Unpacked();
-    unpacked.wanted = [](const std::string& path) { return path == kManifestName; };
-    WithPackage(package, unpacked, [&](const fs::path& directory) {
-      id_ = ReadManifest(directory).package.id;
-      return 0;
-    });
+  // The steps up to the one that fails.
+  void Run(const fs::path& package, const fs::path& upgrade) {
+    const DeviceState empty = State();
+    if (!PutIn("install", package, empty, Install)) return;
+    if (!StaysAsItIs({{"clean", kCleanHooks}, {"undo", kUndoHooks}, {"recover", kRecoverHooks}})) return;
+    const DeviceState installed = State();
+    if (!PutIn("upgrade", upgrade, installed, Upgrade)) return;
+    if (!StaysAsItIs({{"clean", kCleanHooks}, {"recover", kRecoverHooks}})) return;
+    Do("uninstall", [&] { return Uninstall(session_, id_); });
+    Compare(empty);
   }
 
-  // Does the step; afterwards the device is to be as `expected`, where that is given.
-  bool Do(const std::string& name, const std::function<int()>& step, const DeviceState* expected) {
-    LifeStep done{name, "", {}};
+  std::vector<LifecycleStep> TakeSteps() { return std::move(steps_); }
+
+ private:
+  using Event = std::pair<const char*, HookNames>;
+
+  std::string IdOf(const fs::path& package) const {
+    UnpackPlace place = session_.trees().PlaceToUnpack();
+    place.wanted = [](const std::string& path) { return path == kManifestName; };
+    std::string id;
+    WithPackage(package, place, [&](const fs::path& directory) { id = ReadManifest(directory).package.id; });
+    return id;
+  }
+
+  DeviceState State() const { return StateOf(session_.device()); }
+
+  // Adds the step; false when it fails.
+  bool Do(const std::string& name, const std::function<Change()>& operation) {
+    LifecycleStep step{name, "", "", {}};
     try {
-      const Silence silence;
-      if (step() != 0) done.problem = "failed; what the plug-in said stands above";
+      const Change change = operation();
+      if (!change.Done()) {
+        step.problem = "failed; what the plug-in said stands above";
+        step.complaint = ComplaintAbout(name, change);
+      }
     } catch (const host::DeviceError& error) {
-      done.problem = error.what();
+      step.problem = error.what();
     }
-    if (expected != nullptr) done.differences = Differences(*expected, State());
-    steps_.push_back(std::move(done));
+    steps_.push_back(std::move(step));
     return steps_.back().problem.empty();
   }
 
-  int Change(const fs::path& package, int (*change)(const Session&, const fs::path&)) const {
-    return WithPackage(package, Unpacked(), [&](const fs::path& directory) { return change(session_, directory); });
+  // After the last step the device is to be as `expected`.
+  void Compare(const DeviceState& expected) { steps_.back().differences = Differences(expected, State()); }
+
+  // Puts the package in; when that fails, the device is to be as `before`.
+  bool PutIn(const std::string& name, const fs::path& package, const DeviceState& before,
+             Change (*change)(const Session&, const fs::path&)) {
+    const bool done = Do(name, [&] {
+      Change result;
+      WithPackage(package, session_.trees().PlaceToUnpack(),
+                  [&](const fs::path& directory) { result = change(session_, directory); });
+      return result;
+    });
+    if (done) return true;
+    steps_.push_back({"taking the " + name + " back", "", "", Differences(before, State())});
+    return false;
   }
 
-  int Tell(const std::string& event) const {
-    const auto& events = PackageEvents();
-    const auto found =
-        std::find_if(events.begin(), events.end(), [&](const PackageEvent& other) { return other.command == event; });
-    return RunPackageEvent(session_, *found, id_);
-  }
-
-  int Leave() const { return Uninstall(session_, id_); }
-
-  DeviceState State() const { return StateOf(session_.device()); }
-  std::vector<LifeStep> TakeSteps() { return std::move(steps_); }
-
- private:
-  Scratch Unpacked() const {
-    return {session_.area().Unpacking(), [this] { session_.area().RemoveUnpacked(); }};
+  // The package, told of these events, is to stay as it is.
+  bool StaysAsItIs(const std::vector<Event>& events) {
+    const DeviceState state = State();
+    return std::all_of(events.begin(), events.end(), [&](const Event& event) {
+      const bool done = Do(event.first, [&] { return CallHooks(session_, event.second, id_); });
+      Compare(state);
+      return done;
+    });
   }
 
   Session session_;
   std::string id_;
-  std::vector<LifeStep> steps_;
+  std::vector<LifecycleStep> steps_;
 };
 
-// A package that is there, told of these events, is to stay as it is.
-bool StaysAsItIs(LifeRun& run, const std::vector<std::string>& events) {
-  const DeviceState state = run.State();
-  return std::all_of(events.begin(), events.end(), [&](const std::string& event) {
-    return run.Do(
-        event, [&] { return run.Tell(event); }, &state);
-  });
-}
-
-void LiveThrough(LifeRun& run, const fs::path& package, const fs::path& upgrade) {
-  run.ReadId(package);
-  const DeviceState empty = run.State();
-  if (!run.Do(
-          "install", [&] { return run.Change(package, Install); }, nullptr)) {
-    run.Do(
-        "taking the install back", [] { return 0; }, &empty);
-    return;
-  }
-  if (!StaysAsItIs(run, {"clean", "undo", "recover"})) return;
-  const DeviceState installed = run.State();
-  if (!run.Do(
-          "upgrade", [&] { return run.Change(upgrade, Upgrade); }, nullptr)) {
-    run.Do(
-        "taking the upgrade back", [] { return 0; }, &installed);
-    return;
-  }
-  if (!StaysAsItIs(run, {"clean", "recover"})) return;
-  run.Do(
-      "uninstall", [&] { return run.Leave(); }, &empty);
-}
-
-std::string InWords(const LifeStep& step) {
+std::string InWords(const LifecycleStep& step) {
   if (!step.problem.empty()) return step.problem;
   return step.differences.empty() ? "done" : "done, but the device is not as it should be:";
 }
 
 }  // namespace
 
-bool Life::Sound() const {
+bool Lifecycle::Passed() const {
   return std::all_of(steps.begin(), steps.end(),
-                     [](const LifeStep& step) { return step.problem.empty() && step.differences.empty(); });
+                     [](const LifecycleStep& step) { return step.problem.empty() && step.differences.empty(); });
 }
 
-Life LiveThrough(const HookSettings& settings, const fs::path& package, const fs::path& upgrade) {
-  LifeRun run(settings);
-  LiveThrough(run, package, upgrade);
+Lifecycle RunLifecycle(const HookSettings& settings, const fs::path& package, const fs::path& upgrade) {
+  LifecycleRun run(settings, package);
+  run.Run(package, upgrade);
   return {package.string(), run.TakeSteps()};
 }
 
-Lines DescribeLife(const Life& life) {
-  Lines lines = {life.package + ": " +
-                 (life.Sound() ? "lived through without a trace" : "left traces, or failed; see the steps")};
-  for (const LifeStep& step : life.steps) {
+Lines DescribeLifecycle(const Lifecycle& lifecycle) {
+  Lines lines = {lifecycle.package + ": " +
+                 (lifecycle.Passed() ? "lived through without a trace" : "left traces, or failed; see the steps")};
+  for (const LifecycleStep& step : lifecycle.steps) {
     lines.push_back("    " + step.name + ": " + InWords(step));
     for (const std::string& difference : step.differences) lines.push_back("      " + difference);
   }
   return lines;
 }
 
-std::string ToJson(const Life& life) {
-  using Json = nlohmann::ordered_json;
-  Json json = {{"package", life.package}, {"sound", life.Sound()}, {"steps", Json::array()}};
-  for (const LifeStep& step : life.steps) {
+std::string ToJson(const Lifecycle& lifecycle) {
+  Json json = {{"package", lifecycle.package}, {"sound", lifecycle.Passed()}, {"steps", Json::array()}};
+  for (const LifecycleStep& step : lifecycle.steps) {
     json["steps"].push_back({{"step", step.name},
                              {"problem", step.problem.empty() ? Json() : Json(step.problem)},
                              {"differences", step.differences}});
   }
-  return json.dump(-1, ' ', true, Json::error_handler_t::replace);
+  return OneLine(json);
 }
 
 }  // namespace orvelbox

@@ -1,38 +1,51 @@
-// The changing commands: what each does to packages, which hooks it calls, and when it takes everything back. Each
-// returns the exit status (0, or 1 when the operation failed and said so) and throws host::DeviceError for what it
-// refuses; then device and database are as before.
+// The operations on packages: what each does, which hooks it calls, and when it takes everything back. An operation
+// prints nothing; it returns what happened, also when a hook failed. It throws host::DeviceError for what it refuses;
+// then device and database are as before.
 #ifndef ORVEL_ORVELBOX_OPERATIONS_OPERATIONS_H_
 #define ORVEL_ORVELBOX_OPERATIONS_OPERATIONS_H_
 
 #include <filesystem>
+#include <initializer_list>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "orvelbox/operations/effects.h"
 #include "orvelbox/operations/session.h"
 
 namespace orvelbox {
 
+// What an operation did to a package.
+struct Change {
+  host::Package package;                  // with its place on the device, also when it was not let in
+  std::optional<host::Package> previous;  // the version that an upgrade replaces
+  Effects effects;
+  bool taken_back = false;  // a hook failed, and the device is as before
+
+  bool Done() const { return effects.hooks.Succeeded(); }
+};
+
 // INSTALL, then CLEAN (UNDO after -1). The package is taken away again when that fails.
-int Install(const Session& session, const std::filesystem::path& directory);
+Change Install(const Session& session, const std::filesystem::path& directory);
 
 // UPGRADE, then CLEAN (UNDO after -1). The version before is put back when that fails.
-int Upgrade(const Session& session, const std::filesystem::path& directory);
+Change Upgrade(const Session& session, const std::filesystem::path& directory);
 
 // UNINSTALL, then CLEAN; then the package goes. It stays when a hook fails.
-int Uninstall(const Session& session, const std::string& package_id);
+Change Uninstall(const Session& session, const std::string& package_id);
 
-// A command that only tells the plug-in of an event, in the words of the command line.
-struct PackageEvent {
-  const char* command;
-  const char* explanation;
-  const char* done;    // "cleaned", to be followed by the package
-  const char* effect;  // after the package; may be empty
-  std::vector<std::string> hooks;
-};
-const std::vector<PackageEvent>& PackageEvents();
-int RunPackageEvent(const Session& session, const PackageEvent& event, const std::string& package_id);
+// The hooks of the events that change nothing but what the hooks do.
+using HookNames = std::initializer_list<const char*>;
+inline constexpr HookNames kRemoveHooks = {"REMOVED", "CLEAN"};
+inline constexpr HookNames kRecoverHooks = {"RECOVERUNINSTALL", "CLEAN"};
+inline constexpr HookNames kCleanHooks = {"CLEAN"};
+inline constexpr HookNames kCleanupHooks = {"CLEANUP"};
+inline constexpr HookNames kUndoHooks = {"UNDO"};
 
-// A raw event, as `events` takes it.
+// Calls the hooks for an installed package, in one process.
+Change CallHooks(const Session& session, HookNames hooks, const std::string& package_id);
+
+// One hook for one package.
 struct RawEvent {
   std::string hook;
   std::string package_id;
@@ -40,7 +53,7 @@ struct RawEvent {
 // Reads "EVENT:PKG". Throws std::invalid_argument, with a line for people, when it is none.
 RawEvent ParseRawEvent(const std::string& text);
 // Calls the hooks of all events in one process. Nothing but what the hooks do is changed.
-int RunRawEvents(const Session& session, const std::vector<RawEvent>& events);
+Effects CallRawEvents(const Session& session, const std::vector<RawEvent>& events);
 
 }  // namespace orvelbox
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "orvelbox/package/archive.h"
+#include "orvelbox/package/archive_limits.h"
 
 namespace orvelbox {
 

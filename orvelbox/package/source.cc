@@ -18,26 +18,29 @@ std::string Replaced(std::string text, const std::string& from, const std::strin
   return text;
 }
 
-int WithArchive(const fs::path& archive, const Scratch& scratch, const std::function<int(const fs::path&)>& work) {
+void WithArchive(const fs::path& archive, const UnpackPlace& place, const std::function<void(const fs::path&)>& work) {
   const auto unpack_and_work = [&] {
-    Unpack(archive, scratch.directory, {}, scratch.wanted);
-    return work(scratch.directory);
+    Unpack(archive, place.directory, {}, place.wanted);
+    work(place.directory);
   };
   try {
-    const int result = Attempt(unpack_and_work, scratch.remove);
-    scratch.remove();
-    return result;
+    WithRollback(unpack_and_work, place.remove);
+    place.remove();
   } catch (const host::DeviceError& error) {
-    throw host::DeviceError(Replaced(error.what(), scratch.directory.string(), archive.string()));
+    throw host::DeviceError(Replaced(error.what(), place.directory.string(), archive.string()));
   }
 }
 
 }  // namespace
 
-int WithPackage(const fs::path& package, const Scratch& scratch, const std::function<int(const fs::path&)>& work) {
+void WithPackage(const fs::path& package, const UnpackPlace& place, const std::function<void(const fs::path&)>& work) {
   std::error_code ignored;
   const bool archive = fs::exists(package, ignored) && !fs::is_directory(package, ignored);
-  return archive ? WithArchive(package, scratch, work) : work(package);
+  if (archive) {
+    WithArchive(package, place, work);
+  } else {
+    work(package);
+  }
 }
 
 }  // namespace orvelbox

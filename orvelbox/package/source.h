@@ -10,17 +10,16 @@
 namespace orvelbox {
 
 // Where archives are unpacked to.
-struct Scratch {
+struct UnpackPlace {
   std::filesystem::path directory;  // not there yet
   std::function<void()> remove;     // takes away what is there in the end; nothing there is no error
   Wanted wanted = [](const std::string&) { return true; };
 };
 
-// Runs `work` with the directory of the package `package`, and gives its result; an archive is in `scratch` meanwhile.
-// Throws host::DeviceError, also what `work` throws, with the archive's name wherever the text names the scratch
-// directory.
-int WithPackage(const std::filesystem::path& package, const Scratch& scratch,
-                const std::function<int(const std::filesystem::path& directory)>& work);
+// Runs `work` with the directory of the package `package`; an archive is unpacked at `place` meanwhile. Throws
+// host::DeviceError, also what `work` throws, with the archive's name wherever the text names the place.
+void WithPackage(const std::filesystem::path& package, const UnpackPlace& place,
+                 const std::function<void(const std::filesystem::path& directory)>& work);
 
 }  // namespace orvelbox
 

@@ -56,7 +56,7 @@ void Unpack(const fs::path& file, const fs::path& to, const ArchiveLimits& limit
     TreeWriter writer(to, wanted);
     ReadArchive(file, limits, writer);
   };
-  Attempt(unpack, [&] { RemoveTree(to); });
+  WithRollback(unpack, [&] { RemoveTree(to); });
 }
 
 }  // namespace orvelbox

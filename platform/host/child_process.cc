@@ -13,7 +13,7 @@
 #include <string>
 
 #include "base/unique_fd.h"
-#include "platform/host/device.h"
+#include "platform/host/device_error.h"
 #include "platform/host/files.h"
 
 namespace host {

@@ -6,6 +6,7 @@
 
 #include "platform/host/device_config.h"
 #include "platform/host/files.h"
+#include "platform/host/json.h"
 
 namespace host {
 namespace {
@@ -15,7 +16,7 @@ namespace {
                     "); restore it, or make a new device with: orvelbox init");
 }
 
-void CheckFormat(const Device& device, const nlohmann::json& config) {
+void CheckFormat(const Device& device, const Json& config) {
   const auto format = config.find("format");
   if (format == config.end() || !format->is_number_unsigned()) ThrowDamaged(device, "\"format\" is no number");
   const auto number = format->get<unsigned long>();
@@ -56,7 +57,7 @@ Device OpenDevice(const std::filesystem::path& directory) {
 }
 
 DeviceConfig ReadConfig(const Device& device) {
-  const auto json = nlohmann::json::parse(ReadFile(device.ConfigFile()), nullptr, false);
+  const auto json = ParseJson(ReadFile(device.ConfigFile()));
   if (!json.is_object()) ThrowDamaged(device, "it is no JSON object");
   CheckFormat(device, json);
   const auto root = json.find("read_write_root");

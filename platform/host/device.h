@@ -5,18 +5,12 @@
 
 #include <filesystem>
 #include <optional>
-#include <stdexcept>
 #include <string>
 
 #include "base/fixed_names.h"
+#include "platform/host/device_error.h"
 
 namespace host {
-
-// What a person did wrong or has to mend: the text is one line that names the thing and the way out.
-class DeviceError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
 
 // The environment variable through which the platform's libraries learn their device.
 inline constexpr const char* kDeviceVariable = "ORVELBOX_DEVICE";

@@ -8,6 +8,7 @@
 #include "platform/host/device.h"
 #include "platform/host/device_config.h"
 #include "platform/host/files.h"
+#include "platform/host/json.h"
 #include "platform/host/package_store.h"
 
 namespace host {
@@ -83,8 +84,7 @@ void MakeRoot(const Device& device, const DeviceConfig& config) {
 void MakeDatabase(const Device& device) { const PackageStore database(device.Database(), PackageStore::Mode::kCreate); }
 
 std::string ConfigText(const DeviceConfig& config) {
-  const nlohmann::ordered_json json = {{"format", kDeviceFormat}, {"read_write_root", config.read_write_root}};
-  return json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+  return JsonText({{"format", kDeviceFormat}, {"read_write_root", config.read_write_root}}, 2) + "\n";
 }
 
 }  // namespace

@@ -10,7 +10,7 @@
 #include <system_error>
 
 #include "base/unique_fd.h"
-#include "platform/host/device.h"
+#include "platform/host/device_error.h"
 
 namespace host {
 namespace {

@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <cstdio>
 #include <optional>
 
 #include "platform/host/child_process.h"
@@ -25,7 +24,7 @@ std::optional<std::string> ObstacleTo(FixedPathsMethod method) {
   try {
     const HeldSignals signals;
     const auto set_up = [&] {
-      EnterMountNamespace(method);
+      EnterMountNamespace(method == FixedPathsMethod::kUserNamespace);
       TryMounting();
     };
     RunChild(signals, set_up, [] { return 0; });
@@ -65,10 +64,11 @@ void CheckRoot(const fs::path& root) {
 
 ChildOutcome RunInNamespace(FixedPathsMethod method, const fs::path& root, const std::function<int()>& body) {
   const HeldSignals signals;
+  const bool with_user = method == FixedPathsMethod::kUserNamespace;
   const auto set_up = [&] {
-    EnterMountNamespace(method);
+    EnterMountNamespace(with_user);
     LayFixedPathsOver(root);
-    if (method == FixedPathsMethod::kUserNamespace) DropNamespacePrivileges();
+    if (with_user) DropNamespacePrivileges();
   };
   return RunChild(signals, set_up, body);
 }
@@ -76,7 +76,6 @@ ChildOutcome RunInNamespace(FixedPathsMethod method, const fs::path& root, const
 ChildOutcome RunInPlace(const fs::path& root, const std::function<int()>& body) {
   const InPlaceTurn turn;  // waits, and may be interrupted while it does
   const HeldSignals signals;
-  std::fprintf(stderr, "orvelbox: no namespaces here: working in place on %s and %s\n", kPlatformAssemblies, kUserArea);
   const InPlaceLinks links(turn, root);
   return RunChild(
       signals, [] {}, body);
@@ -94,7 +93,8 @@ FixedPathsMethod AvailableFixedPathsMethod(std::string* reason) {
   return MethodWithoutNamespaces(*refusal, reason);
 }
 
-ChildOutcome RunWithFixedPaths(const fs::path& root, const std::function<int()>& body) {
+ChildOutcome RunWithFixedPaths(const fs::path& root, const std::function<int()>& body,
+                               const std::function<void()>& before_in_place) {
   std::error_code error;
   const fs::path canonical = fs::canonical(root, error);
   CheckRoot(error ? root : canonical);
@@ -104,6 +104,7 @@ ChildOutcome RunWithFixedPaths(const fs::path& root, const std::function<int()>&
     case FixedPathsMethod::kNone:
       throw DeviceError(reason);
     case FixedPathsMethod::kInPlace:
+      before_in_place();
       return RunInPlace(canonical, body);
     default:
       return RunInNamespace(method, canonical, body);

@@ -13,12 +13,12 @@
 
 #include "platform/host/device.h"
 #include "platform/host/files.h"
+#include "platform/host/json.h"
 
 namespace host {
 namespace {
 
 namespace fs = std::filesystem;
-using Json = nlohmann::json;
 
 // What a run makes: links (fixed path to target) and the directories above them, the outermost first.
 struct Made {
@@ -52,7 +52,7 @@ std::string Recorded(int lock_file) {
 }
 
 Made ReadRecord(int lock_file) try {
-  const Json json = Json::parse(Recorded(lock_file));
+  const Json json = ParseJson(Recorded(lock_file));
   return {json.at("links"), json.at("directories")};
 } catch (const Json::exception&) {
   return {};  // empty, or cut short before anything was made

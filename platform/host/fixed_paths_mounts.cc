@@ -190,15 +190,14 @@ class WorkingDirectory {
 
 }  // namespace
 
-void EnterMountNamespace(FixedPathsMethod method) {
-  const bool user = method == FixedPathsMethod::kUserNamespace;
+void EnterMountNamespace(bool with_user) {
   const unsigned uid = geteuid();
   const unsigned gid = getegid();
   prctl(PR_SET_DUMPABLE, 1);  // a process that has changed its user may write in its own /proc only then
-  if (unshare(CLONE_NEWNS | (user ? CLONE_NEWUSER : 0)) != 0) {
-    ThrowSystemError(user ? "make a user namespace" : "make a mount namespace", errno);
+  if (unshare(CLONE_NEWNS | (with_user ? CLONE_NEWUSER : 0)) != 0) {
+    ThrowSystemError(with_user ? "make a user namespace" : "make a mount namespace", errno);
   }
-  if (!user) return;
+  if (!with_user) return;
   WriteProcFile("/proc/self/setgroups", "deny");  // the kernel asks for it before it takes a group
   WriteProcFile("/proc/self/uid_map", SameId(uid));
   WriteProcFile("/proc/self/gid_map", SameId(gid));

@@ -6,6 +6,7 @@
 #include "base/affix.h"
 #include "base/fixed_names.h"
 #include "platform/host/files.h"
+#include "platform/host/json.h"
 
 namespace host {
 namespace {
@@ -38,7 +39,7 @@ void Load(const fs::path& file, std::vector<std::string>* entries) {
 unsigned long EarlierStarts(const fs::path& record) {
   std::error_code error;
   if (!fs::exists(record, error)) return 0;
-  const auto json = nlohmann::json::parse(ReadFile(record), nullptr, false);
+  const auto json = ParseJson(ReadFile(record));
   if (!json.is_object() || !json.contains("starts") || !json["starts"].is_number_unsigned()) return 0;
   return json["starts"].get<unsigned long>();
 }
@@ -67,11 +68,10 @@ LoaderStart StartLoader(const fs::path& directory) {
 }
 
 void RecordLoaderStart(const Device& device, const LoaderStart& start) {
-  nlohmann::ordered_json record = {{"TPA", start.tpa}, {"CoBA", start.coba}};
+  Json record = {{"TPA", start.tpa}, {"CoBA", start.coba}};
   record["starts"] = EarlierStarts(device.LoaderRecord()) + 1;
-  record["error"] = start.error.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(start.error);
-  const auto replace = nlohmann::ordered_json::error_handler_t::replace;  // paths need not be UTF-8
-  ReplaceFile(device.LoaderRecord(), record.dump(2, ' ', false, replace) + "\n");
+  record["error"] = start.error.empty() ? Json() : Json(start.error);
+  ReplaceFile(device.LoaderRecord(), JsonText(record, 2) + "\n");
 }
 
 }  // namespace host

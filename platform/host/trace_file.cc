@@ -12,6 +12,7 @@
 
 #include "base/unique_fd.h"
 #include "platform/host/files.h"
+#include "platform/host/json.h"
 
 namespace host {
 namespace {
@@ -20,12 +21,11 @@ std::string EventText(char phase, const std::string& name) {
   using std::chrono::microseconds;
   // The steady clock is CLOCK_MONOTONIC, common to all processes.
   const auto now = std::chrono::duration_cast<microseconds>(std::chrono::steady_clock::now().time_since_epoch());
-  const nlohmann::ordered_json event = {{"name", name},
-                                        {"ph", std::string(1, phase)},
-                                        {"pid", getpid()},
-                                        {"tid", syscall(SYS_gettid)},
-                                        {"ts", now.count()}};
-  return event.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+  return JsonText({{"name", name},
+                   {"ph", std::string(1, phase)},
+                   {"pid", getpid()},
+                   {"tid", syscall(SYS_gettid)},
+                   {"ts", now.count()}});
 }
 
 }  // namespace

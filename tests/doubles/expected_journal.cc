@@ -9,16 +9,11 @@ namespace doubles {
 
 namespace {
 
-constexpr const char* kReset = "\033[0m\n";
 constexpr const char* kEntryMark = " +DotNETLog:";
 constexpr const char* kExitMark = "-DotNETLog:";
 constexpr const char* kCallStep = "call ";
 
 const char* TagOf(const std::string& unit) { return unit == "morvath" ? "NETCORE_INSTALLER_PLUGIN" : "QUARNEL"; }
-
-std::string Position(const LogLine& line) {
-  return line.unit + ": " + line.function + "(" + std::to_string(line.line) + ") > ";
-}
 
 bool StartsWith(const std::string& text, const std::string& start) { return text.rfind(start, 0) == 0; }
 
@@ -61,7 +56,7 @@ bool HasFrame(const Event& event, const MessageKind& kind, const std::string& un
 }
 
 bool HasText(const LogLine& line, const MessageKind& kind, const std::string& message) {
-  return line.text == Position(line) + kind.colour + message + kReset;
+  return line.text == PositionOf(line) + kind.colour + message + kReset;
 }
 
 // Is `label` "unit(line) signature"?
@@ -154,19 +149,6 @@ std::string Formatted(const char* format, ...) {
   va_end(arguments);
 #pragma GCC diagnostic pop
   return text.data();
-}
-
-std::string MessageOf(const LogLine& line) {
-  std::string message = line.text;
-  const std::string position = Position(line);
-  if (StartsWith(message, position)) message.erase(0, position.size());
-  for (const MessageKind& kind : {kInfo, kError, kTrace, kDebug}) {
-    if (!StartsWith(message, kind.colour)) continue;
-    message.erase(0, std::string(kind.colour).size());
-    break;
-  }
-  const std::size_t reset = message.rfind(kReset);
-  return reset == std::string::npos ? message : message.substr(0, reset);
 }
 
 Steps Source::Message(const MessageKind& kind, const std::string& format, const std::string& message) const {

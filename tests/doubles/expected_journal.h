@@ -17,9 +17,6 @@
 
 namespace doubles {
 
-// What the format of every log line begins with.
-inline constexpr const char* kLineStart = "%s: %s(%d) > ";
-
 // Stands for any line number above zero.
 inline constexpr int kAnyLine = 0;
 
@@ -30,22 +27,8 @@ struct Step {
 };
 using Steps = std::vector<Step>;
 
-// The message of a log line: its text without position, colour and the closing reset.
-std::string MessageOf(const LogLine& line);
-
 // The text that printf would make.
 std::string Formatted(const char* format, ...);
-
-// A kind of message.
-struct MessageKind {
-  char letter;
-  int priority;
-  const char* colour;
-};
-inline constexpr MessageKind kDebug{'D', 3, "\033[0m"};
-inline constexpr MessageKind kInfo{'I', 4, "\033[36m"};
-inline constexpr MessageKind kError{'E', 6, "\033[31m"};
-inline constexpr MessageKind kTrace{'T', 3, "\033[90m"};
 
 // The function that logs, within its unit; the tag follows from the unit. A message is given by its own format and
 // arguments, and both the format and the text must be those of the line.

@@ -4,8 +4,6 @@
 #include <memory>
 #include <utility>
 
-#include "tests/doubles/expected_journal.h"
-
 namespace doubles {
 
 namespace {

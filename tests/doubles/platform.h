@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/doubles/log_line.h"
+
 namespace doubles {
 
 struct MetadataEntry {
@@ -35,19 +37,6 @@ struct Package {
 
 // A package with one application, both of that id.
 Package MakePackage(const std::string& id, const std::string& root);
-
-// One call of __dlog_print. The three fields at the end are read from the arguments; they are empty (the line 0) when
-// the format does not begin with "%s: %s(%d) > ".
-struct LogLine {
-  int log_id = 0;
-  int priority = 0;
-  std::string tag;
-  std::string format;
-  std::string text;
-  std::string unit;
-  std::string function;
-  int line = 0;
-};
 
 struct Event {
   enum class Kind { kLog, kSpanBegin, kSpanEnd, kRestart, kCall };

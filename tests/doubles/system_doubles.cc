@@ -10,7 +10,6 @@
 #include "orvel/ovplatform.h"
 #include "orvel/pkgmgr_installer.h"
 #include "orvel/trace.h"
-#include "tests/doubles/expected_journal.h"
 #include "tests/doubles/platform.h"
 
 namespace {

@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include "tests/e2e/desk.h"
+#include "tests/support/orvelbox_desk.h"
 #include "tests/support/zip.h"
 
 namespace e2e {

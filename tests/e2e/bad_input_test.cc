@@ -9,7 +9,7 @@
 
 #include "base/unique_fd.h"
 #include "platform/host/package_store.h"
-#include "tests/e2e/desk.h"
+#include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
 namespace {

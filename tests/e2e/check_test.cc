@@ -5,8 +5,9 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "tests/e2e/desk.h"
 #include "tests/support/assembly.h"
+#include "tests/support/orvelbox_desk.h"
+#include "tests/support/uris.h"
 #include "tests/support/zip.h"
 
 namespace e2e {
@@ -20,7 +21,6 @@ using testing::Not;
 using testing::StartsWith;
 
 constexpr const char* kPlatform = "/usr/share/dotnet.orvel/";
-constexpr const char* kPlatformPrivilege = "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/default/platform";
 
 class CheckE2e : public Desk {
  protected:
@@ -263,7 +263,7 @@ INSTANTIATE_TEST_SUITE_P(
              {"tvappapi/X.dll"},
              AllOverThePackage("X.dll"),
              "",
-             std::string("<privileges><privilege>") + kPlatformPrivilege + "</privilege></privileges>"},
+             std::string("<privileges><privilege>") + support::kPlatformPrivilege + "</privilege></privileges>"},
         Case{"own_library_twice", {}, AllOverThePackage("Mine.dll"), "", ""},
         Case{"component", {}, AllOverThePackage("Component.dll"), "", ""},
         Case{"a_component_itself",

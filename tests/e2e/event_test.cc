@@ -1,7 +1,7 @@
 // The commands that only tell the plug-in of an event, uninstalling, and raw events.
 #include <gmock/gmock.h>
 
-#include "tests/e2e/desk.h"
+#include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
 namespace {

@@ -8,8 +8,8 @@
 #include <cstring>
 #include <fstream>
 
-#include "tests/e2e/desk.h"
 #include "tests/support/child.h"
+#include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
 namespace {

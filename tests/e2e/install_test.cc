@@ -1,7 +1,7 @@
 // Installing and upgrading through the real plug-in: DLLs, cache files, rollback, and what is told about them.
 #include <gmock/gmock.h>
 
-#include "tests/e2e/desk.h"
+#include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
 namespace {

@@ -12,8 +12,8 @@
 #include <thread>
 
 #include "base/unique_fd.h"
-#include "tests/e2e/desk.h"
 #include "tests/e2e/terminal.h"
+#include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
 namespace {

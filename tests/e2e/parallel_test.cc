@@ -5,8 +5,8 @@
 #include <set>
 #include <sstream>
 
-#include "tests/e2e/desk.h"
 #include "tests/support/command.h"
+#include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
 namespace {

@@ -9,8 +9,8 @@
 #include "base/unique_fd.h"
 #include "platform/host/log_file.h"
 #include "platform/host/package_store.h"
-#include "tests/e2e/desk.h"
 #include "tests/e2e/terminal.h"
+#include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
 namespace {

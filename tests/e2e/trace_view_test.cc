@@ -1,7 +1,7 @@
 // Traces of operations, written and drawn.
 #include <gmock/gmock.h>
 
-#include "tests/e2e/desk.h"
+#include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
 namespace {

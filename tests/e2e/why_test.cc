@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/host/package_store.h"
-#include "tests/e2e/desk.h"
+#include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
 namespace {

@@ -16,6 +16,7 @@
 #include "tests/support/device_root.h"
 #include "tests/support/files.h"
 #include "tests/support/removal_texts.h"
+#include "tests/support/uris.h"
 
 namespace {
 
@@ -205,7 +206,7 @@ TEST(Failure, of_any_call_of_an_install_fails_no_install) {
 // The install of a package under debugging is let through only where the duplicate or the privilege was not seen.
 TEST(Failure, of_any_call_of_a_debugged_install_refuses_it_whenever_duplicate_and_privilege_were_seen) {
   fault_desk::OnDevice([] {
-    small_platform::Now().packages[0].privilege = fault_desk::kDebuggingPrivilege;
+    small_platform::Now().packages[0].privilege = support::kDebuggingPrivilege;
     FailEveryCallOfInstall([](const std::string& call) {
       const bool may_miss = IsOneOf(FunctionOf(call), {"opendir", "readdir", "lstat", "package_info_create",
                                                        "package_info_foreach_privilege_info"});

@@ -8,9 +8,9 @@
 
 #include "tests/faults/fault_points.h"
 #include "tests/faults/small_platform.h"
-#include "tests/integration/loaded_plugin.h"
 #include "tests/support/device_root.h"
 #include "tests/support/files.h"
+#include "tests/support/loaded_plugin.h"
 #include "tests/support/standard_error.h"
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -22,7 +22,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kCobaKey = "http://" ORVEL_DEVELOPER_HOST "/orvel/metadata/support-fs-external-component";
 constexpr const char* kOther = "/opt/usr/apps/org.other/shared/res/";
 
 std::optional<std::string> ReadIfThere(const char* file) {
@@ -65,7 +64,7 @@ std::string Text(const std::string& entries) { return "[START]" + entries + "[EN
 
 void OnDevice(const std::function<void()>& body) {
   support::OnDevice([&] {
-    for (const char* path : {"/opt/usr", "/usr/share/dotnet.orvel"}) faults::Watch(fs::canonical(path).string());
+    for (const char* path : {"/opt/usr", "/usr/share/dotnet.orvel"}) faults::Watch(fs::canonical(path), path);
     small_platform::Now().packages[0] = {kId, kRoot, true, nullptr};
     for (const char* name : {"A.dll", "B.dll"}) support::WriteFile(std::string(kSharedResources) + name);
     support::WriteFile(kPlatformDll, "the platform's");
@@ -87,8 +86,7 @@ void LayOutCaches(const CacheTexts& texts) {
 }
 
 support::Document ManifestFor(const Event& event) {
-  return support::ManifestOf(support::ApplicationElement("ui-application", "dotnet-inhouse") +
-                             (event.coba ? support::MetadataElement(kCobaKey, "true") : ""));
+  return event.coba ? support::CobaManifest() : support::DotnetManifest();
 }
 
 std::optional<int> Call(const Event& event) {

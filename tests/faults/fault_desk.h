@@ -17,7 +17,6 @@ inline constexpr const char* kSharedResources = "/opt/usr/apps/org.pkg/shared/re
 inline constexpr const char* kPlatformDll = "/usr/share/dotnet.orvel/netcoreapp/Dup.dll";
 inline constexpr const char* kDll = "/opt/usr/apps/org.pkg/bin/Dup.dll";
 inline constexpr const char* kInformationFile = "/opt/usr/apps/org.pkg/bin/Dup.dll_deleted";
-inline constexpr const char* kDebuggingPrivilege = "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/appdebugging";
 
 // Runs `body` in a process with a new device: the package has two shared assemblies and one DLL that the platform has
 // as well; the cache files are missing. To be the last statement of a test.

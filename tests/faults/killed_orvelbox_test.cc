@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/e2e/desk.h"
 #include "tests/faults/killable.h"
+#include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
 namespace {

@@ -7,8 +7,8 @@
 
 #include "tests/faults/fault_desk.h"
 #include "tests/faults/small_platform.h"
-#include "tests/integration/loaded_plugin.h"
 #include "tests/support/files.h"
+#include "tests/support/loaded_plugin.h"
 #include "tests/support/manifests.h"
 #include "tests/support/standard_error.h"
 

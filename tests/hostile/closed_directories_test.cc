@@ -40,6 +40,8 @@ void OnClosedDevice(const std::function<void(const WatchedDevice&)>& body) {
   });
 }
 
+#define CLOSED_TEST(suite, name) FRAMED_TEST(OnClosedDevice, const WatchedDevice& device, suite, name)
+
 void ExpectLeft(const Names& in_closed) {
   EXPECT_EQ(in_closed, support::NamesIn(InPackage("closed")));
   EXPECT_EQ((Names{"B.dll_deleted"}), support::NamesIn(InPackage("open"))) << "the walk went on";
@@ -54,35 +56,27 @@ TEST(ClosedDirectories, one_that_may_not_be_read_is_passed_over) {
   }
 }
 
-TEST(ClosedDirectories, in_one_that_may_be_listed_but_not_searched_everything_stays) {
-  OnClosedDevice([](const WatchedDevice& device) {
-    InstallWith(device, InPackage("closed"), kListOnly);
-    ExpectLeft({"A.dll"});
-    EXPECT_TRUE(device.Logged("lstat error."));
-  });
+CLOSED_TEST(ClosedDirectories, in_one_that_may_be_listed_but_not_searched_everything_stays) {
+  InstallWith(device, InPackage("closed"), kListOnly);
+  ExpectLeft({"A.dll"});
+  EXPECT_TRUE(device.Logged("lstat error."));
 }
 
-TEST(ClosedDirectories, in_one_that_may_not_be_written_a_duplicate_stays_and_is_told_of) {
-  OnClosedDevice([](const WatchedDevice& device) {
-    InstallWith(device, InPackage("closed"), kReadOnly);
-    ExpectLeft({"A.dll"});
-    EXPECT_TRUE(device.Logged("Failed to remove " + InPackage("closed/A.dll") + " : Permission denied"));
-  });
+CLOSED_TEST(ClosedDirectories, in_one_that_may_not_be_written_a_duplicate_stays_and_is_told_of) {
+  InstallWith(device, InPackage("closed"), kReadOnly);
+  ExpectLeft({"A.dll"});
+  EXPECT_TRUE(device.Logged("Failed to remove " + InPackage("closed/A.dll") + " : Permission denied"));
 }
 
-TEST(ClosedDirectories, a_root_that_may_not_be_read_has_no_files) {
-  OnClosedDevice([](const WatchedDevice& device) {
-    EXPECT_EQ(0, InstallWith(device, kRoot, fs::perms::none).result);
-    EXPECT_EQ((Names{"A.dll"}), support::NamesIn(InPackage("closed")));
-  });
+CLOSED_TEST(ClosedDirectories, a_root_that_may_not_be_read_has_no_files) {
+  EXPECT_EQ(0, InstallWith(device, kRoot, fs::perms::none).result);
+  EXPECT_EQ((Names{"A.dll"}), support::NamesIn(InPackage("closed")));
 }
 
-TEST(ClosedDirectories, a_root_that_may_be_listed_but_not_searched_keeps_everything) {
-  OnClosedDevice([](const WatchedDevice& device) {
-    WriteFile(InPackage("A.dll"));
-    EXPECT_EQ(0, InstallWith(device, kRoot, kListOnly).result);
-    EXPECT_EQ((Names{"A.dll", "closed", "open"}), NamesInRoot());
-  });
+CLOSED_TEST(ClosedDirectories, a_root_that_may_be_listed_but_not_searched_keeps_everything) {
+  WriteFile(InPackage("A.dll"));
+  EXPECT_EQ(0, InstallWith(device, kRoot, kListOnly).result);
+  EXPECT_EQ((Names{"A.dll", "closed", "open"}), NamesInRoot());
 }
 
 }  // namespace

@@ -11,9 +11,10 @@
 #include "tests/doubles/expected_journal.h"
 #include "tests/hostile/watched_device.h"
 #include "tests/support/device_root.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
 #include "tests/support/manifests.h"
-#include "tests/unit/expected_lines.h"
+#include "tests/support/uris.h"
 
 namespace hostile {
 namespace {
@@ -40,12 +41,12 @@ void ExpectNoDataInFormats(const doubles::Platform& platform, int mentions) {
 support::Document HostileManifest() {
   return support::ManifestOf(
       "<stranger/>" + support::ApplicationElement("ui-application", std::string("dotnet-") + kData) +
-      support::MetadataElement(kData, kData) + support::MetadataElement(expected::kCobaKey, "true"));
+      support::MetadataElement(kData, kData) + support::MetadataElement(support::kCobaKey, "true"));
 }
 
 void PutHostilePackage(const WatchedDevice& device) {
   doubles::Package package = doubles::MakePackage(kData, InPackage(kData));
-  package.privileges = {kData, std::string("http://" ORVEL_NAMESPACE_HOST "/privilege/internal/appdebugging")};
+  package.privileges = {kData, support::kDebuggingPrivilege};
   device.platform().packages = {package, expected::CobaPackage("coba", InPackage(std::string("coba") + kData))};
   const std::string dll = std::string(kData) + ".dll";
   WriteFile(Core(dll));
@@ -74,26 +75,21 @@ TEST(Formats, what_an_event_meets_is_never_taken_for_a_format) {
   });
 }
 
-TEST(Formats, a_package_without_a_root_is_told_by_its_own_id) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    const support::Document manifest = HostileManifest();
-    for (Hook* hook :
-         {PKGMGR_PARSER_PLUGIN_INSTALL, PKGMGR_PARSER_PLUGIN_CLEAN, PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL}) {
-      device.Watch([&] { return hook(manifest.get(), kData); });
-    }
-    EXPECT_TRUE(device.Logged(std::string("add to cache called for ") + kData + ", but pkgroot is empty!"));
-    ExpectNoDataInFormats(device.platform(), 2);
-  });
+HOSTILE_TEST(Formats, a_package_without_a_root_is_told_by_its_own_id) {
+  const support::Document manifest = HostileManifest();
+  for (Hook* hook : {PKGMGR_PARSER_PLUGIN_INSTALL, PKGMGR_PARSER_PLUGIN_CLEAN, PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL}) {
+    device.Watch([&] { return hook(manifest.get(), kData); });
+  }
+  EXPECT_TRUE(device.Logged(std::string("add to cache called for ") + kData + ", but pkgroot is empty!"));
+  ExpectNoDataInFormats(device.platform(), 2);
 }
 
-TEST(Formats, the_tools_helpers_take_nothing_for_a_format_either) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    printAll(std::string(kData) + ":" + kData);
-    device.platform().FailNext("smack_setlabel", -1);
-    device.Watch([] { return setSmack(kData, kData) ? 1 : 0; });
-    exist(InPackage(kData));
-    ExpectNoDataInFormats(device.platform(), 4);
-  });
+HOSTILE_TEST(Formats, the_tools_helpers_take_nothing_for_a_format_either) {
+  printAll(std::string(kData) + ":" + kData);
+  device.platform().FailNext("smack_setlabel", -1);
+  device.Watch([] { return setSmack(kData, kData) ? 1 : 0; });
+  exist(InPackage(kData));
+  ExpectNoDataInFormats(device.platform(), 4);
 }
 
 }  // namespace

@@ -15,9 +15,10 @@
 #include "plugin/manifest.h"
 #include "tests/hostile/watched_device.h"
 #include "tests/support/device_root.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
+#include "tests/support/uris.h"
 
 namespace hostile {
 namespace {
@@ -27,7 +28,7 @@ using support::Document;
 using support::MetadataElement;
 
 const std::string kDotnet = ApplicationElement("ui-application", "dotnet-inhouse");
-const std::string kCoba = MetadataElement(expected::kCobaKey, "true");
+const std::string kCoba = MetadataElement(support::kCobaKey, "true");
 
 Document ParseGenerously(const std::string& xml) {
   const int options = XML_PARSE_HUGE | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
@@ -43,7 +44,7 @@ TEST(HostileManifests, elements_nested_without_end_are_walked) {
     for (int i = 0; i < 200000; ++i) node = xmlNewChild(node, nullptr, ToXml("deep"), nullptr);
     xmlNewProp(xmlNewChild(node, nullptr, ToXml("widget-application"), nullptr), ToXml("type"), ToXml("dotnet-x"));
     xmlNode* metadata = xmlNewChild(node, nullptr, ToXml("metadata"), nullptr);
-    xmlNewProp(metadata, ToXml("key"), ToXml(expected::kCobaKey));
+    xmlNewProp(metadata, ToXml("key"), ToXml(support::kCobaKey));
     xmlNewProp(metadata, ToXml("value"), ToXml("true"));
     EXPECT_TRUE(isAppDotnetInhouse(document.get()));
     EXPECT_TRUE(isAppCoBARelated(document.get()));
@@ -117,7 +118,7 @@ TEST(HostileManifests, an_attribute_made_of_references_without_end_is_not_put_to
 TEST(HostileManifests, ordinary_entities_are_expanded) {
   Fresh([](doubles::Platform&) {
     const Document document = support::Parse(
-        "<!DOCTYPE manifest [<!ENTITY net 'dotnet-'><!ENTITY k '" + std::string(expected::kCobaKey) +
+        "<!DOCTYPE manifest [<!ENTITY net 'dotnet-'><!ENTITY k '" + std::string(support::kCobaKey) +
         "'>]><manifest><ui-application type='&#97; &net;inhouse'/><metadata key='&k;' value='t&#114;ue'/></manifest>");
     EXPECT_TRUE(isAppDotnetInhouse(document.get()));
     EXPECT_TRUE(isAppCoBARelated(document.get()));

@@ -13,10 +13,11 @@
 #include "tests/hostile/deep_tree.h"
 #include "tests/hostile/watched_device.h"
 #include "tests/support/device_root.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
 #include "tests/support/manifests.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
+#include "tests/support/uris.h"
 
 namespace hostile {
 namespace {
@@ -32,14 +33,12 @@ using support::WriteFile;
 constexpr std::size_t kManifestSize = 100 << 20;
 constexpr std::size_t kCacheSize = 100 << 20;
 
-TEST(Masses, ten_thousand_levels_are_walked_nine_levels_below_the_root) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    MakeDeepTree(kRoot, "d", 10000);
-    device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
-    EXPECT_EQ(9991u, CountBelow(kRoot, "A.dll"));
-    EXPECT_EQ(9u, CountBelow(kRoot, "A.dll_deleted"));
-    RemoveDeepTree(kRoot);
-  });
+HOSTILE_TEST(Masses, ten_thousand_levels_are_walked_nine_levels_below_the_root) {
+  MakeDeepTree(kRoot, "d", 10000);
+  device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+  EXPECT_EQ(9991u, CountBelow(kRoot, "A.dll"));
+  EXPECT_EQ(9u, CountBelow(kRoot, "A.dll_deleted"));
+  RemoveDeepTree(kRoot);
 }
 
 TEST(Masses, the_duplicates_among_a_million_files_are_found) {
@@ -64,7 +63,7 @@ Document ManifestOfSize(std::size_t size, const std::string& filling) {
   xml.reserve(size + 1000);
   while (xml.size() < size) xml += filling;
   xml += support::ApplicationElement("ui-application", "dotnet-inhouse") +
-         support::MetadataElement(expected::kCobaKey, "true") + "</manifest>";
+         support::MetadataElement(support::kCobaKey, "true") + "</manifest>";
   return Document(xmlReadMemory(xml.data(), static_cast<int>(xml.size()), "manifest", nullptr, XML_PARSE_HUGE));
 }
 
@@ -115,37 +114,31 @@ CacheText MakeCacheText(int own) {
   return text;
 }
 
-TEST(Masses, a_package_is_taken_out_of_a_cache_file_of_100_mb) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    const CacheText text = MakeCacheText(1000);
-    ASSERT_LE(kCacheSize * 9 / 10, text.whole.size());
-    WriteFile(kTpaFile, text.whole);
-    device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL);
-    EXPECT_TRUE(text.others == ReadFile(kTpaFile)) << "what is left is not what others had there";
-  });
+HOSTILE_TEST(Masses, a_package_is_taken_out_of_a_cache_file_of_100_mb) {
+  const CacheText text = MakeCacheText(1000);
+  ASSERT_LE(kCacheSize * 9 / 10, text.whole.size());
+  WriteFile(kTpaFile, text.whole);
+  device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL);
+  EXPECT_TRUE(text.others == ReadFile(kTpaFile)) << "what is left is not what others had there";
 }
 
-TEST(Masses, a_package_is_added_to_a_cache_file_of_100_mb) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    const CacheText text = MakeCacheText(1000);
-    for (const char* file : {kTpaFile, kCobaFile}) WriteFile(file, text.whole);
-    WriteFile(InPackage("shared/res/X.dll"));
-    device.SendCoba(PKGMGR_PARSER_PLUGIN_CLEAN);
-    const std::string kept = text.others.substr(0, text.others.size() - 5);
-    EXPECT_TRUE(kept + ":" + InPackage("shared/res/X.dll[END]") == ReadFile(kTpaFile));
-    EXPECT_TRUE(kept + ":" + InPackage("shared/res/[END]") == ReadFile(kCobaFile));
-  });
+HOSTILE_TEST(Masses, a_package_is_added_to_a_cache_file_of_100_mb) {
+  const CacheText text = MakeCacheText(1000);
+  for (const char* file : {kTpaFile, kCobaFile}) WriteFile(file, text.whole);
+  WriteFile(InPackage("shared/res/X.dll"));
+  device.SendCoba(PKGMGR_PARSER_PLUGIN_CLEAN);
+  const std::string kept = text.others.substr(0, text.others.size() - 5);
+  EXPECT_TRUE(kept + ":" + InPackage("shared/res/X.dll[END]") == ReadFile(kTpaFile));
+  EXPECT_TRUE(kept + ":" + InPackage("shared/res/[END]") == ReadFile(kCobaFile));
 }
 
-TEST(Masses, a_cache_file_of_100_mb_of_noise_stays_as_it_is) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    std::string noise(kCacheSize, '\0');
-    std::mt19937 engine(9);
-    std::generate(noise.begin(), noise.end(), [&] { return static_cast<char>(engine()); });
-    WriteFile(kTpaFile, noise);
-    device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL);
-    EXPECT_TRUE(noise == ReadFile(kTpaFile));
-  });
+HOSTILE_TEST(Masses, a_cache_file_of_100_mb_of_noise_stays_as_it_is) {
+  std::string noise(kCacheSize, '\0');
+  std::mt19937 engine(9);
+  std::generate(noise.begin(), noise.end(), [&] { return static_cast<char>(engine()); });
+  WriteFile(kTpaFile, noise);
+  device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL);
+  EXPECT_TRUE(noise == ReadFile(kTpaFile));
 }
 
 }  // namespace

@@ -21,7 +21,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using support::IsThere;
 using support::kCobaFile;
 using support::kTpaFile;
 using support::WriteFile;
@@ -48,15 +47,15 @@ void OnImpatientDevice(const std::function<void(const WatchedDevice&)>& body) {
   });
 }
 
-TEST(SpecialFiles, pipes_and_sockets_with_names_of_assemblies_stay) {
-  OnImpatientDevice([](const WatchedDevice& device) {
-    fs::create_directories(InPackage("lib"));
-    for (const char* name : {"A.dll", "lib/B.dll"}) MakePipe(InPackage(name));
-    for (const char* name : {"B.dll", "lib/A.dll"}) MakeSocket(InPackage(name));
-    EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_INSTALL).result);
-    EXPECT_EQ((Names{"A.dll", "B.dll", "lib"}), NamesInRoot());
-    EXPECT_EQ((Names{"A.dll", "B.dll"}), support::NamesIn(InPackage("lib")));
-  });
+#define IMPATIENT_TEST(suite, name) FRAMED_TEST(OnImpatientDevice, const WatchedDevice& device, suite, name)
+
+IMPATIENT_TEST(SpecialFiles, pipes_and_sockets_with_names_of_assemblies_stay) {
+  fs::create_directories(InPackage("lib"));
+  for (const char* name : {"A.dll", "lib/B.dll"}) MakePipe(InPackage(name));
+  for (const char* name : {"B.dll", "lib/A.dll"}) MakeSocket(InPackage(name));
+  EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_INSTALL).result);
+  EXPECT_EQ((Names{"A.dll", "B.dll", "lib"}), NamesInRoot());
+  EXPECT_EQ((Names{"A.dll", "B.dll"}), support::NamesIn(InPackage("lib")));
 }
 
 TEST(SpecialFiles, a_root_or_lib_that_is_a_pipe_is_passed_over) {
@@ -74,41 +73,36 @@ TEST(SpecialFiles, a_root_or_lib_that_is_a_pipe_is_passed_over) {
   });
 }
 
-TEST(SpecialFiles, a_dll_that_is_a_directory_is_walked_and_stays) {
-  OnImpatientDevice([](const WatchedDevice& device) {
-    WriteFile(InPackage("A.dll/B.dll"));
-    WriteFile(InPackage("A.dll/Own.dll"));
-    device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
-    EXPECT_EQ((Names{"A.dll"}), NamesInRoot());
-    EXPECT_EQ((Names{"B.dll_deleted", "Own.dll"}), support::NamesIn(InPackage("A.dll")));
-  });
+IMPATIENT_TEST(SpecialFiles, a_dll_that_is_a_directory_is_walked_and_stays) {
+  WriteFile(InPackage("A.dll/B.dll"));
+  WriteFile(InPackage("A.dll/Own.dll"));
+  device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+  EXPECT_EQ((Names{"A.dll"}), NamesInRoot());
+  EXPECT_EQ((Names{"B.dll_deleted", "Own.dll"}), support::NamesIn(InPackage("A.dll")));
 }
 
-TEST(SpecialFiles, an_information_file_in_the_place_of_which_something_else_stands_is_not_written) {
-  OnImpatientDevice([](const WatchedDevice& device) {
-    WriteFile(InPackage("A.dll"));
-    fs::create_directories(InPackage("A.dll_deleted"));
-    WriteFile(InPackage("B.dll"));
-    MakeSocket(InPackage("B.dll_deleted"));
-    device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
-    EXPECT_FALSE(IsThere(InPackage("A.dll")));
-    EXPECT_FALSE(IsThere(InPackage("B.dll")));
-    EXPECT_TRUE(fs::is_empty(InPackage("A.dll_deleted")));
-    EXPECT_TRUE(fs::is_socket(InPackage("B.dll_deleted")));
-  });
+IMPATIENT_TEST(SpecialFiles, an_information_file_in_the_place_of_which_something_else_stands_is_not_written) {
+  for (const char* dll : {"A.dll", "B.dll", "sub/A.dll"}) WriteFile(InPackage(dll));
+  fs::create_directories(InPackage("A.dll_deleted"));
+  MakeSocket(InPackage("B.dll_deleted"));
+  MakePipe(InPackage("sub/A.dll_deleted"));
+  device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+  EXPECT_EQ((Names{"A.dll_deleted", "B.dll_deleted", "sub"}), NamesInRoot());
+  EXPECT_TRUE(fs::is_empty(InPackage("A.dll_deleted")));
+  EXPECT_TRUE(fs::is_socket(InPackage("B.dll_deleted")));
+  EXPECT_EQ((Names{"A.dll_deleted"}), support::NamesIn(InPackage("sub")));
+  EXPECT_TRUE(fs::is_fifo(InPackage("sub/A.dll_deleted")));
 }
 
-TEST(SpecialFiles, whoever_listens_at_a_pipe_in_the_information_files_place_hears_nothing) {
-  OnImpatientDevice([](const WatchedDevice& device) {
-    WriteFile(InPackage("A.dll"));
-    MakePipe(InPackage("A.dll_deleted"));
-    const UniqueFd listener(open(InPackage("A.dll_deleted").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    ASSERT_LE(0, listener.get());
-    device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
-    char heard = 0;
-    EXPECT_GE(0, read(listener.get(), &heard, 1));
-    EXPECT_EQ((Names{"A.dll_deleted"}), NamesInRoot());
-  });
+IMPATIENT_TEST(SpecialFiles, whoever_listens_at_a_pipe_in_the_information_files_place_hears_nothing) {
+  WriteFile(InPackage("A.dll"));
+  MakePipe(InPackage("A.dll_deleted"));
+  const UniqueFd listener(open(InPackage("A.dll_deleted").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  ASSERT_LE(0, listener.get());
+  device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+  char heard = 0;
+  EXPECT_GE(0, read(listener.get(), &heard, 1));
+  EXPECT_EQ((Names{"A.dll_deleted"}), NamesInRoot());
 }
 
 TEST(SpecialFiles, cache_files_that_are_none_read_as_empty_and_stay) {
@@ -130,24 +124,20 @@ TEST(SpecialFiles, cache_files_that_are_none_read_as_empty_and_stay) {
   });
 }
 
-TEST(SpecialFiles, a_pipe_in_the_temporary_files_place_never_becomes_a_cache_file) {
-  OnImpatientDevice([](const WatchedDevice& device) {
-    MakeCacheFiles();
-    MakePipe(kTemporaryTpa);
-    device.Send(PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL);
-    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(kTpaFile)));
-    EXPECT_EQ("[START]/opt/usr/apps/other/Y.dll[END]", support::ReadFile(kTpaFile));
-  });
+IMPATIENT_TEST(SpecialFiles, a_pipe_in_the_temporary_files_place_never_becomes_a_cache_file) {
+  MakeCacheFiles();
+  MakePipe(kTemporaryTpa);
+  device.Send(PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL);
+  EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(kTpaFile)));
+  EXPECT_EQ("[START]/opt/usr/apps/other/Y.dll[END]", support::ReadFile(kTpaFile));
 }
 
-TEST(SpecialFiles, a_directory_in_the_temporary_files_place_is_told_and_stays) {
-  OnImpatientDevice([](const WatchedDevice& device) {
-    MakeCacheFiles();
-    fs::create_directory(kTemporaryTpa);
-    device.Send(PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL);
-    EXPECT_TRUE(device.Logged("Fail to write string to file - open error(Is a directory)"));
-    EXPECT_EQ("[START]/opt/usr/apps/other/[END]", support::ReadFile(kCobaFile));
-  });
+IMPATIENT_TEST(SpecialFiles, a_directory_in_the_temporary_files_place_is_told_and_stays) {
+  MakeCacheFiles();
+  fs::create_directory(kTemporaryTpa);
+  device.Send(PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL);
+  EXPECT_TRUE(device.Logged("Fail to write string to file - open error(Is a directory)"));
+  EXPECT_EQ("[START]/opt/usr/apps/other/[END]", support::ReadFile(kCobaFile));
 }
 
 }  // namespace

@@ -10,11 +10,11 @@
 
 #include "tests/doubles/expected_journal.h"
 #include "tests/support/device_root.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
 #include "tests/support/manifests.h"
 #include "tests/support/standard_error.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
 
 namespace hostile {
 
@@ -111,12 +111,7 @@ Outcome WatchedDevice::Send(Hook* hook, xmlDocPtr manifest) const {
   return Watch([&] { return hook(manifest == nullptr ? usual.get() : manifest, kId); });
 }
 
-Outcome WatchedDevice::SendCoba(Hook* hook) const {
-  const support::Document manifest =
-      support::ManifestOf(support::ApplicationElement("ui-application", "dotnet-inhouse") +
-                          support::MetadataElement(expected::kCobaKey, "true"));
-  return Send(hook, manifest.get());
-}
+Outcome WatchedDevice::SendCoba(Hook* hook) const { return Send(hook, support::CobaManifest().get()); }
 
 void WatchedDevice::At(const std::string& text, const std::function<void()>& change) const {
   platform_.on_event = [text, change, &platform = platform_](const doubles::Event& event) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "tests/doubles/platform.h"
+#include "tests/support/framed_test.h"
 
 namespace hostile {
 
@@ -62,6 +63,9 @@ class WatchedDevice {
 // Runs the body in a fresh process on a new device: the package is registered and its root is an empty directory,
 // "A.dll" and "B.dll" are core assemblies, and no cache file is there. To be the last statement of a test.
 void OnWatchedDevice(const std::function<void(const WatchedDevice&)>& body);
+
+// A test with such a body, which knows the device as `device`.
+#define HOSTILE_TEST(suite, name) FRAMED_TEST(OnWatchedDevice, const WatchedDevice& device, suite, name)
 
 // Makes "TPA.txt" and "CoBA.txt" with an entry of the package and one of another.
 void MakeCacheFiles();

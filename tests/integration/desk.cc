@@ -10,6 +10,7 @@
 
 #include "tests/support/child.h"
 #include "tests/support/files.h"
+#include "tests/support/uris.h"
 
 // Takes the C library's place: forcing the whole machine's data to disk is not what is tested here, and may take long.
 #pragma GCC visibility push(default)
@@ -36,7 +37,7 @@ std::string Desk::Register(const std::string& id, const std::vector<std::string>
   return package.root;
 }
 
-std::string Desk::RegisterCoba(const std::string& id) const { return Register(id, {}, {{kCobaKey, "true"}}); }
+std::string Desk::RegisterCoba(const std::string& id) const { return Register(id, {}, {{support::kCobaKey, "true"}}); }
 
 std::vector<host::LogRecord> Desk::Log() const {
   std::vector<host::LogRecord> records;

@@ -10,6 +10,7 @@
 #include "platform/host/device.h"
 #include "platform/host/log_file.h"
 #include "platform/host/package_store.h"
+#include "tests/support/framed_test.h"
 
 // What the loader noted at its last start.
 struct LoaderRecord {
@@ -41,11 +42,10 @@ class Desk {
   host::Device device_;
 };
 
-inline constexpr const char* kCobaKey = "http://" ORVEL_DEVELOPER_HOST "/orvel/metadata/support-fs-external-component";
-inline constexpr const char* kDebuggingPrivilege = "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/appdebugging";
-inline constexpr const char* kPlatformPrivilege = "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/default/platform";
-
 // Runs the body in a child process on a new device. To be the last statement of a test.
 void OnDesk(const std::function<void(const Desk&)>& body);
+
+// A test with such a body, which knows the device as `desk`.
+#define DESK_TEST(suite, name) FRAMED_TEST(OnDesk, const Desk& desk, suite, name)
 
 #endif

@@ -35,14 +35,6 @@ Names DynamicSymbols(const std::string& library, const std::string& option) {
   return names;
 }
 
-TEST(Symbols, all_eight_hooks_are_shown_unmangled) {
-  const Names shown = DynamicSymbols(MORVATH_LIBRARY, "--defined-only");
-  for (const char* event :
-       {"INSTALL", "UPGRADE", "REMOVED", "UNINSTALL", "RECOVERUNINSTALL", "CLEAN", "CLEANUP", "UNDO"}) {
-    EXPECT_EQ(1u, shown.count(std::string("PKGMGR_PARSER_PLUGIN_") + event)) << event;
-  }
-}
-
 TEST(Symbols, the_platform_and_the_utility_library_are_left_to_others) {
   const Names undefined = DynamicSymbols(MORVATH_LIBRARY, "--undefined-only");
   const Names utilities = Listed(QUARNEL_UTIL_EXPORTS);

@@ -5,13 +5,13 @@
 #include "platform/host/package_store.h"
 #include "tests/package/installed_tree.h"
 #include "tests/support/command.h"
+#include "tests/support/uris.h"
 
 namespace package {
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kCobaKey = "http://" ORVEL_DEVELOPER_HOST "/orvel/metadata/support-fs-external-component";
 constexpr const char* kDpcTypeKey = "http://" ORVEL_TV_HOST "/tv/metadata/d.pc/type";
 
 host::Package PackageAt(const std::string& root, const std::vector<host::MetadataEntry>& metadata = {}) {
@@ -25,7 +25,7 @@ class InstalledTool : public InstalledTree {
   InstalledTool() : device_(host::CreateDevice(InTestDirectory("device"))) {
     host::PackageStore store(device_.Database(), host::PackageStore::Mode::kReadWrite);
     store.Put(PackageAt("/opt/usr/globalapps/shop"));
-    store.Put(PackageAt("/opt/usr/globalapps/component", {{kCobaKey, "true"}}));
+    store.Put(PackageAt("/opt/usr/globalapps/component", {{support::kCobaKey, "true"}}));
     store.Put(PackageAt("/opt/usr/globalapps/driver", {{kDpcTypeKey, "orvelfxtv"}}));
     store.Put(PackageAt("/usr/apps/preloaded"));
   }

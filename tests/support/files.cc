@@ -47,6 +47,11 @@ std::string ReadFile(const fs::path& file) {
 
 bool IsThere(const fs::path& path) { return fs::symlink_status(path).type() != fs::file_type::not_found; }
 
+ino_t InodeOf(const fs::path& path) {
+  struct stat status {};
+  return lstat(path.c_str(), &status) == 0 ? status.st_ino : 0;
+}
+
 std::vector<std::string> NamesIn(const fs::path& directory) {
   std::vector<std::string> names;
   for (const fs::directory_entry& entry : fs::directory_iterator(directory)) {

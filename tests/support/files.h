@@ -2,6 +2,8 @@
 #ifndef TESTS_SUPPORT_FILES_H_
 #define TESTS_SUPPORT_FILES_H_
 
+#include <sys/types.h>
+
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -35,6 +37,9 @@ std::string ReadFile(const std::filesystem::path& file);
 
 // True when something stands at the path, a dangling link included.
 bool IsThere(const std::filesystem::path& path);
+
+// The number of the file at the path, by which one knows it again; 0 when there is none.
+ino_t InodeOf(const std::filesystem::path& path);
 
 // The names in the directory, sorted.
 std::vector<std::string> NamesIn(const std::filesystem::path& directory);

@@ -5,6 +5,8 @@
 
 #include <stdexcept>
 
+#include "tests/support/uris.h"
+
 namespace support {
 
 Document Parse(const std::string& xml) {
@@ -24,6 +26,10 @@ std::string MetadataElement(const std::string& key, const std::string& value) {
 }
 
 Document DotnetManifest() { return ManifestOf(ApplicationElement("ui-application", "dotnet-inhouse")); }
+
+Document CobaManifest() {
+  return ManifestOf(ApplicationElement("ui-application", "dotnet-inhouse") + MetadataElement(kCobaKey, "true"));
+}
 
 Document OtherManifest() { return ManifestOf(ApplicationElement("ui-application", "capp")); }
 

@@ -26,8 +26,9 @@ std::string ApplicationElement(const std::string& name, const std::string& type)
 // A metadata element.
 std::string MetadataElement(const std::string& key, const std::string& value);
 
-// The manifests of a dotnet-inhouse package, and of one of another kind.
+// The manifests of a dotnet-inhouse package, of a CoBA package, and of one of another kind.
 Document DotnetManifest();
+Document CobaManifest();
 Document OtherManifest();
 
 }  // namespace support

@@ -1,9 +1,12 @@
-// Erasing, step by step as it is told.
+// Erasing and adding, step by step as they are told.
 #include "tests/support/plain_cache_edit.h"
 
 namespace support {
 
-std::size_t PlainFind(const std::string& text, const std::string& root) {
+namespace {
+
+// Where the first entry of `root` begins; npos when there is none.
+std::size_t FindEntry(const std::string& text, const std::string& root) {
   std::size_t pos = text.find(root, 0);
   while (pos != std::string::npos) {
     if (pos > 0 && (text[pos - 1] == ':' || text[pos - 1] == ']')) return pos;
@@ -12,11 +15,13 @@ std::size_t PlainFind(const std::string& text, const std::string& root) {
   return pos;
 }
 
+}  // namespace
+
 PlainEdit PlainErase(const std::string& text, const std::string& root) {
   PlainEdit edit{text, {}};
   std::size_t last = 0;
   for (;;) {
-    const std::size_t pos = PlainFind(edit.text, root);
+    const std::size_t pos = FindEntry(edit.text, root);
     if (pos == std::string::npos) return edit;
     if (pos < last) edit.went_back = true;
     std::size_t begin = pos;
@@ -33,6 +38,11 @@ PlainEdit PlainErase(const std::string& text, const std::string& root) {
     edit.text.erase(begin, end - begin);
     last = begin;
   }
+}
+
+std::string PlainAppend(const std::string& text, const std::string& entries) {
+  const std::string kept = text.size() < 5 ? text : text.substr(0, text.size() - 5);
+  return kept + ":" + entries + "[END]";
 }
 
 }  // namespace support

@@ -1,4 +1,4 @@
-// The plainest form of erasing entries from a cache text, to hold any other form against.
+// The plainest form of erasing entries from a cache text and of adding them, to hold any other form against.
 #ifndef TESTS_SUPPORT_PLAIN_CACHE_EDIT_H_
 #define TESTS_SUPPORT_PLAIN_CACHE_EDIT_H_
 
@@ -14,11 +14,11 @@ struct PlainEdit {
   bool went_back = false;  // an erasure made an entry that begins further at the front
 };
 
-// Where the first entry of `root` begins; npos when there is none.
-std::size_t PlainFind(const std::string& text, const std::string& root);
-
 // Erases them one by one. After every erasure the search starts again at the front.
 PlainEdit PlainErase(const std::string& text, const std::string& root);
+
+// Puts the entries (":"-separated) before the end marker, in whose place, the last five characters, anything may stand.
+std::string PlainAppend(const std::string& text, const std::string& entries);
 
 }  // namespace support
 

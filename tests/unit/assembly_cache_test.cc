@@ -2,8 +2,10 @@
 #include "plugin/assembly_cache.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -11,11 +13,13 @@
 
 #include "plugin/catalogues.h"
 #include "tests/support/device_root.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
 #include "tests/support/removal_texts.h"
 #include "tests/support/standard_error.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
+#include "tests/support/uris.h"
+#include "tests/unit/interposed_files.h"
 
 namespace {
 
@@ -27,7 +31,6 @@ using doubles::Steps;
 using expected::CobaPackage;
 using expected::ComparedWithItself;
 using expected::DuplicateRemoved;
-using expected::kPlatformPrivilege;
 using expected::Pass;
 using expected::Plugin;
 using expected::TracedPlugin;
@@ -36,6 +39,7 @@ using support::IsThere;
 using support::kCoreDirectory;
 using support::kDpcDirectory;
 using support::kFrameworkDirectory;
+using support::kPlatformPrivilege;
 using support::kTvAppApiDirectory;
 using support::StandardErrorOf;
 using support::WriteFiles;
@@ -100,15 +104,6 @@ TEST(AssemblyCache, the_application_api_is_catalogued_for_a_package_with_the_pla
   });
 }
 
-TEST(AssemblyCache, a_copy_of_an_application_api_assembly_is_kept_without_the_privilege) {
-  FreshOnDevice([](Platform& platform) {
-    PutPackage(platform);
-    WriteFiles({TvAppApi("T.dll"), InPackage("bin/T.dll")});
-    EXPECT_EQ(0, gac("pkg"));
-    EXPECT_TRUE(IsThere(InPackage("bin/T.dll")));
-  });
-}
-
 TEST(AssemblyCache, a_name_keeps_its_first_path_in_the_order_of_the_directories) {
   FreshOnDevice([](Platform& platform) {
     PutPackage(platform);
@@ -128,7 +123,7 @@ TEST(AssemblyCache, the_platform_privilege_is_asked_in_a_frame_of_its_own) {
   Fresh([](Platform& platform) {
     PutPackage(platform);
     EXPECT_FALSE(HasPlatformPrivilege("pkg"));
-    platform.packages[0].privileges = {expected::kDebuggingPrivilege, kPlatformPrivilege};
+    platform.packages[0].privileges = {support::kDebuggingPrivilege, kPlatformPrivilege};
     EXPECT_TRUE(HasPlatformPrivilege("pkg"));
     const std::string signature = "bool HasPlatformPrivilege(const std::string&)";
     EXPECT_TRUE(Holds(platform, {TracedPlugin(signature, expected::NoPrivilege()),
@@ -227,6 +222,46 @@ TEST(AssemblyCache, links_are_catalogued_by_their_own_path_and_kept_in_the_packa
     EXPECT_EQ((Catalogue{{"A.dll", Core("A.dll")}}), coreFX);
     EXPECT_TRUE(fs::is_symlink(InPackage("bin/link.dll")));
     EXPECT_TRUE(IsThere(InPackage("x/B.dll")));
+  });
+}
+
+TEST(AssemblyCache, a_package_whose_root_is_a_link_is_walked_like_any_other) {
+  FreshOnDevice([](Platform& platform) {
+    PutPackage(platform);
+    WriteFiles({Core("A.dll"), "/opt/usr/real/bin/A.dll", "/opt/usr/real/lib/L.dll"});
+    fs::create_directory("/opt/usr/apps");
+    fs::create_directory_symlink("/opt/usr/real", kRoot);
+    EXPECT_EQ(DuplicateLine(Core("A.dll"), InPackage("bin/A.dll")), StandardErrorOf([] { EXPECT_EQ(-1, gac("pkg")); }));
+    EXPECT_EQ((std::vector<std::string>{"A.dll_deleted"}), support::NamesIn("/opt/usr/real/bin"));
+    EXPECT_TRUE(IsThere(InPackage("lib/L.dll")));
+    const std::vector<std::string> messages = platform.Messages();
+    EXPECT_EQ(0, std::count(messages.begin(), messages.end(), std::string("Symbolic link is detected : ") + kRoot));
+  });
+}
+
+TEST(AssemblyCache, a_catalogued_name_whose_file_cannot_be_examined_is_kept_with_an_error_line) {
+  FreshOnDevice([](Platform& platform) {
+    PutPackage(platform);
+    WriteFiles({Core("A.dll"), InPackage("bin/A.dll")});
+    interposed::Files().look_errors = {{InPackage("bin/A.dll"), EIO}};
+    EXPECT_EQ("", StandardErrorOf([] { EXPECT_EQ(0, gac("pkg")); }));
+    EXPECT_EQ((std::vector<std::string>{"A.dll"}), support::NamesIn(InPackage("bin")));
+    EXPECT_TRUE(Holds(platform, {Pass(1, 0, doubles::Source("platform_utils", "isRealPath").Error("lstat error."))}));
+  });
+}
+
+// The root "/" is that of a directory of the test's own: this process sees nothing else any more.
+TEST(AssemblyCache, a_package_may_have_the_root_directory_itself) {
+  FreshOnDevice([](Platform&) {
+    WriteFiles({"/opt/usr/jail/A.dll", "/opt/usr/jail/bin/A.dll", "/opt/usr/jail/bin/Own.dll"});
+    ASSERT_EQ(0, chroot("/opt/usr/jail"));
+    ASSERT_EQ(0, chdir("/"));
+    ASSERT_EQ((std::vector<std::string>{"A.dll", "bin"}), support::NamesIn("/"));
+    coreFX = {{"A.dll", Core("A.dll")}};
+    EXPECT_EQ(DuplicateLine(Core("A.dll"), "/A.dll") + DuplicateLine(Core("A.dll"), "/bin/A.dll"),
+              StandardErrorOf([] { EXPECT_EQ(-1, RemoveDuplicates("/")); }));
+    EXPECT_EQ((std::vector<std::string>{"A.dll_deleted", "bin"}), support::NamesIn("/"));
+    EXPECT_EQ((std::vector<std::string>{"A.dll_deleted", "Own.dll"}), support::NamesIn("/bin"));
   });
 }
 

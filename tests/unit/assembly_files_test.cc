@@ -15,9 +15,9 @@
 
 #include "tests/support/child.h"
 #include "tests/support/files.h"
+#include "tests/support/unit_case.h"
 #include "tests/unit/allocation_limit.h"
 #include "tests/unit/interposed_files.h"
-#include "tests/unit/unit_case.h"
 
 namespace {
 

@@ -11,8 +11,8 @@
 #include "morvath/assembly_files.h"
 #include "tests/support/files.h"
 #include "tests/support/standard_error.h"
+#include "tests/support/unit_case.h"
 #include "tests/unit/interposed_files.h"
-#include "tests/unit/unit_case.h"
 
 namespace {
 

@@ -9,17 +9,16 @@
 #include <string>
 
 #include "tests/support/device_root.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/interposed.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/interposed.h"
+#include "tests/support/unit_case.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
 using doubles::Platform;
-using doubles::Source;
 using doubles::Steps;
 using doubles::Traced;
 using expected::CacheMissing;
@@ -59,20 +58,18 @@ Steps Adding(std::initializer_list<Steps> inside) {
   return Traced("morvath", "void addPkgToTPACacheFile(const char*)", inside, 448);
 }
 
-TEST(CacheFiles, a_listed_package_is_taken_out_of_both_files) {
-  FreshOnDevice([](Platform& platform) {
-    Put(platform, "[START]/a/A.dll:" + kResources + "1.dll:" + kResources + "2.dll[END]",
-        "[START]" + kResources + ":/a/shared/res/[END]");
-    EXPECT_TRUE(removedPkgFromTPACacheFile("pkg"));
-    ExpectCaches("[START]/a/A.dll[END]", "[START]/a/shared/res/[END]");
-    EXPECT_TRUE(Holds(
-        platform,
-        {Removing({CacheRead(kTpaFile, {kResources + "1.dll:", ":" + kResources + "2.dll"}, "[START]/a/A.dll[END]"),
-                   Saved(kTpaFile), CacheRead(kCobaFile, {kResources + ":"}, "[START]/a/shared/res/[END]"),
-                   Saved(kCobaFile)})}));
-    EXPECT_EQ((std::vector<std::string>{"CoBA.txt", "TPA.txt"}), support::NamesIn(support::kCacheDirectory));
-    EXPECT_TRUE(AllRecordsDestroyed(platform));
-  });
+DEVICE_TEST(CacheFiles, a_listed_package_is_taken_out_of_both_files) {
+  Put(platform, "[START]/a/A.dll:" + kResources + "1.dll:" + kResources + "2.dll[END]",
+      "[START]" + kResources + ":/a/shared/res/[END]");
+  EXPECT_TRUE(removedPkgFromTPACacheFile("pkg"));
+  ExpectCaches("[START]/a/A.dll[END]", "[START]/a/shared/res/[END]");
+  EXPECT_TRUE(
+      Holds(platform,
+            {Removing({CacheRead(kTpaFile, {kResources + "1.dll:", ":" + kResources + "2.dll"}, "[START]/a/A.dll[END]"),
+                       Saved(kTpaFile), CacheRead(kCobaFile, {kResources + ":"}, "[START]/a/shared/res/[END]"),
+                       Saved(kCobaFile)})}));
+  EXPECT_EQ((std::vector<std::string>{"CoBA.txt", "TPA.txt"}), support::NamesIn(support::kCacheDirectory));
+  EXPECT_TRUE(AllRecordsDestroyed(platform));
 }
 
 struct RemoveRow {
@@ -111,77 +108,65 @@ TEST(CacheFiles, a_file_is_rewritten_only_when_it_listed_the_package) {
   }
 }
 
-TEST(CacheFiles, a_text_that_is_empty_after_the_removal_is_not_written_but_counts) {
-  FreshOnDevice([](Platform& platform) {
-    // A damaged file: the entry counts because of the separator, which goes with it.
-    Put(platform, ":" + kResources + "A.dll", "[START][END]");
-    EXPECT_TRUE(removedPkgFromTPACacheFile("pkg"));
-    ExpectCaches(":" + kResources + "A.dll", "[START][END]");
-    EXPECT_TRUE(Holds(platform, {Removing({CacheRead(kTpaFile, {":" + kResources + "A.dll"}, ""),
-                                           CacheRead(kCobaFile, {}, "[START][END]")})}));
-  });
+DEVICE_TEST(CacheFiles, a_text_that_is_empty_after_the_removal_is_not_written_but_counts) {
+  // A damaged file: the entry counts because of the separator, which goes with it.
+  Put(platform, ":" + kResources + "A.dll", "[START][END]");
+  EXPECT_TRUE(removedPkgFromTPACacheFile("pkg"));
+  ExpectCaches(":" + kResources + "A.dll", "[START][END]");
+  EXPECT_TRUE(Holds(platform, {Removing({CacheRead(kTpaFile, {":" + kResources + "A.dll"}, ""),
+                                         CacheRead(kCobaFile, {}, "[START][END]")})}));
 }
 
-TEST(CacheFiles, a_missing_file_stays_missing_and_the_other_is_still_edited) {
-  FreshOnDevice([](Platform& platform) {
-    Put(platform, "", "[START]" + kResources + "[END]");
-    fs::remove(kTpaFile);
-    EXPECT_TRUE(removedPkgFromTPACacheFile("pkg"));
-    EXPECT_FALSE(IsThere(kTpaFile));
-    EXPECT_EQ("[START][END]", ReadFile(kCobaFile));
-    EXPECT_TRUE(Holds(platform, {Removing({CacheMissing(kTpaFile), CacheRead(kCobaFile, {kResources}, "[START][END]"),
-                                           Saved(kCobaFile)})}));
-  });
+DEVICE_TEST(CacheFiles, a_missing_file_stays_missing_and_the_other_is_still_edited) {
+  Put(platform, "", "[START]" + kResources + "[END]");
+  fs::remove(kTpaFile);
+  EXPECT_TRUE(removedPkgFromTPACacheFile("pkg"));
+  EXPECT_FALSE(IsThere(kTpaFile));
+  EXPECT_EQ("[START][END]", ReadFile(kCobaFile));
+  EXPECT_TRUE(Holds(platform, {Removing({CacheMissing(kTpaFile), CacheRead(kCobaFile, {kResources}, "[START][END]"),
+                                         Saved(kCobaFile)})}));
 }
 
-TEST(CacheFiles, without_any_file_nothing_is_removed_and_none_is_made) {
-  FreshOnDevice([](Platform& platform) {
-    platform.packages.push_back(doubles::MakePackage("pkg", kRoot));
-    PutAssemblies({"A.dll"});
-    EXPECT_FALSE(removedPkgFromTPACacheFile("pkg"));
-    addPkgToTPACacheFile("pkg");
-    EXPECT_TRUE(support::NamesIn(support::kCacheDirectory).empty());
-    EXPECT_TRUE(Holds(platform, {Removing({CacheMissing(kTpaFile), CacheMissing(kCobaFile)}),
-                                 Adding({CacheMissing(kTpaFile), CacheMissing(kCobaFile)})}));
-  });
+DEVICE_TEST(CacheFiles, without_any_file_nothing_is_removed_and_none_is_made) {
+  platform.packages.push_back(doubles::MakePackage("pkg", kRoot));
+  PutAssemblies({"A.dll"});
+  EXPECT_FALSE(removedPkgFromTPACacheFile("pkg"));
+  addPkgToTPACacheFile("pkg");
+  EXPECT_TRUE(support::NamesIn(support::kCacheDirectory).empty());
+  EXPECT_TRUE(Holds(platform, {Removing({CacheMissing(kTpaFile), CacheMissing(kCobaFile)}),
+                               Adding({CacheMissing(kTpaFile), CacheMissing(kCobaFile)})}));
 }
 
-TEST(CacheFiles, a_package_without_a_root_is_an_error_line_and_nothing_is_read) {
-  FreshOnDevice([](Platform& platform) {
-    Put(platform, "[START]/a[END]", "[START]/a[END]");
-    EXPECT_FALSE(removedPkgFromTPACacheFile("unknown"));
-    addPkgToTPACacheFile("unknown");
-    ExpectCaches("[START]/a[END]", "[START]/a[END]");
-    EXPECT_TRUE(
-        Holds(platform, {Removing({Plugin("removedPkgFromTPACacheFile")
-                                       .At(426)
-                                       .Error("remove from cache called for %s, but pkgroot is empty!", "unknown")}),
-                         Adding({Plugin("addPkgToTPACacheFile")
-                                     .At(452)
-                                     .Error("add to cache called for %s, but pkgroot is empty!", "unknown")})}));
-  });
+DEVICE_TEST(CacheFiles, a_package_without_a_root_is_an_error_line_and_nothing_is_read) {
+  Put(platform, "[START]/a[END]", "[START]/a[END]");
+  EXPECT_FALSE(removedPkgFromTPACacheFile("unknown"));
+  addPkgToTPACacheFile("unknown");
+  ExpectCaches("[START]/a[END]", "[START]/a[END]");
+  EXPECT_TRUE(
+      Holds(platform, {Removing({Plugin("removedPkgFromTPACacheFile")
+                                     .At(426)
+                                     .Error("remove from cache called for %s, but pkgroot is empty!", "unknown")}),
+                       Adding({Plugin("addPkgToTPACacheFile")
+                                   .At(452)
+                                   .Error("add to cache called for %s, but pkgroot is empty!", "unknown")})}));
 }
 
-TEST(CacheFiles, a_null_id_raises_after_the_exit_line) {
-  Fresh([](Platform& platform) {
-    EXPECT_TRUE(RaisesNullString([] { removedPkgFromTPACacheFile(nullptr); }));
-    EXPECT_TRUE(RaisesNullString([] { addPkgToTPACacheFile(nullptr); }));
-    EXPECT_TRUE(Holds(platform, {Removing({}), Adding({})}));
-  });
+FRESH_TEST(CacheFiles, a_null_id_raises_after_the_exit_line) {
+  EXPECT_TRUE(RaisesNullString([] { removedPkgFromTPACacheFile(nullptr); }));
+  EXPECT_TRUE(RaisesNullString([] { addPkgToTPACacheFile(nullptr); }));
+  EXPECT_TRUE(Holds(platform, {Removing({}), Adding({})}));
 }
 
-TEST(CacheFiles, a_package_is_added_at_the_end_of_both_files) {
-  FreshOnDevice([](Platform& platform) {
-    Put(platform, "[START]/a/A.dll[END]", "[START]/a/shared/res/[END]");
-    PutAssemblies({"b.dll", "B.dll", "A.dll", "C.txt", "deep/D.dll", "E.DLL"});
-    addPkgToTPACacheFile("pkg");
-    ExpectCaches("[START]/a/A.dll:" + kResources + "A.dll:" + kResources + "B.dll:" + kResources + "b.dll[END]",
-                 "[START]/a/shared/res/:" + kResources + "[END]");
-    EXPECT_TRUE(Holds(platform, {Adding({CacheRead(kTpaFile, {}, "[START]/a/A.dll[END]"), Saved(kTpaFile),
-                                         CacheRead(kCobaFile, {}, "[START]/a/shared/res/[END]"), Saved(kCobaFile)})}));
-    EXPECT_EQ((std::vector<std::string>{"CoBA.txt", "TPA.txt"}), support::NamesIn(support::kCacheDirectory));
-    EXPECT_TRUE(AllRecordsDestroyed(platform));
-  });
+DEVICE_TEST(CacheFiles, a_package_is_added_at_the_end_of_both_files) {
+  Put(platform, "[START]/a/A.dll[END]", "[START]/a/shared/res/[END]");
+  PutAssemblies({"b.dll", "B.dll", "A.dll", "C.txt", "deep/D.dll", "E.DLL"});
+  addPkgToTPACacheFile("pkg");
+  ExpectCaches("[START]/a/A.dll:" + kResources + "A.dll:" + kResources + "B.dll:" + kResources + "b.dll[END]",
+               "[START]/a/shared/res/:" + kResources + "[END]");
+  EXPECT_TRUE(Holds(platform, {Adding({CacheRead(kTpaFile, {}, "[START]/a/A.dll[END]"), Saved(kTpaFile),
+                                       CacheRead(kCobaFile, {}, "[START]/a/shared/res/[END]"), Saved(kCobaFile)})}));
+  EXPECT_EQ((std::vector<std::string>{"CoBA.txt", "TPA.txt"}), support::NamesIn(support::kCacheDirectory));
+  EXPECT_TRUE(AllRecordsDestroyed(platform));
 }
 
 struct AddRow {
@@ -222,41 +207,35 @@ TEST(CacheFiles, adding_appends_before_the_end_marker_unseen) {
   }
 }
 
-TEST(CacheFiles, adding_a_package_without_assemblies_leaves_the_first_file_and_lists_the_directory) {
-  FreshOnDevice([](Platform& platform) {
-    const std::string tpa = "[START]" + kResources + "Old.dll:/a/A.dll[END]";
-    Put(platform, tpa, "[START]" + kResources + ":/a/[END]");
-    fs::create_hard_link(kTpaFile, std::string(kTpaFile) + ".same");
-    addPkgToTPACacheFile("pkg");
-    ExpectCaches(tpa, "[START]/a/:" + kResources + "[END]");
-    EXPECT_EQ(2u, fs::hard_link_count(kTpaFile)) << "the file was rewritten";
-    EXPECT_TRUE(
-        Holds(platform, {Adding({CacheRead(kTpaFile, {kResources + "Old.dll:"}, "[START]/a/A.dll[END]"),
-                                 CacheRead(kCobaFile, {kResources + ":"}, "[START]/a/[END]"), Saved(kCobaFile)})}));
-  });
+DEVICE_TEST(CacheFiles, adding_a_package_without_assemblies_leaves_the_first_file_and_lists_the_directory) {
+  const std::string tpa = "[START]" + kResources + "Old.dll:/a/A.dll[END]";
+  Put(platform, tpa, "[START]" + kResources + ":/a/[END]");
+  fs::create_hard_link(kTpaFile, std::string(kTpaFile) + ".same");
+  addPkgToTPACacheFile("pkg");
+  ExpectCaches(tpa, "[START]/a/:" + kResources + "[END]");
+  EXPECT_EQ(2u, fs::hard_link_count(kTpaFile)) << "the file was rewritten";
+  EXPECT_TRUE(
+      Holds(platform, {Adding({CacheRead(kTpaFile, {kResources + "Old.dll:"}, "[START]/a/A.dll[END]"),
+                               CacheRead(kCobaFile, {kResources + ":"}, "[START]/a/[END]"), Saved(kCobaFile)})}));
 }
 
-TEST(CacheFiles, a_root_that_begins_anothers_takes_that_ones_entries_too) {
-  FreshOnDevice([](Platform& platform) {
-    Put(platform, "[START]" + kRoot + "2/shared/res/X.dll:" + kResources + "A.dll[END]",
-        "[START]" + kRoot + "2/shared/res/[END]");
-    PutAssemblies({"A.dll"});
-    addPkgToTPACacheFile("pkg");
-    ExpectCaches("[START]:" + kResources + "A.dll[END]", "[START]:" + kResources + "[END]");
-  });
+DEVICE_TEST(CacheFiles, a_root_that_begins_anothers_takes_that_ones_entries_too) {
+  Put(platform, "[START]" + kRoot + "2/shared/res/X.dll:" + kResources + "A.dll[END]",
+      "[START]" + kRoot + "2/shared/res/[END]");
+  PutAssemblies({"A.dll"});
+  addPkgToTPACacheFile("pkg");
+  ExpectCaches("[START]:" + kResources + "A.dll[END]", "[START]:" + kResources + "[END]");
 }
 
 // Assemblies are listed by absolute paths, the directory as the root gives it.
-TEST(CacheFiles, of_a_relative_root_only_the_assemblies_paths_are_made_absolute) {
-  FreshOnDevice([](Platform& platform) {
-    Put(platform, "[START][END]", "[START][END]");
-    platform.packages[0].applications[0].root = "apps/pkg";
-    PutAssemblies({"A.dll"});
-    fs::current_path("/opt/usr");
-    addPkgToTPACacheFile("pkg");
-    ExpectCaches("[START]:" + fs::current_path().string() + "/apps/pkg/shared/res/A.dll[END]",
-                 "[START]:apps/pkg/shared/res/[END]");
-  });
+DEVICE_TEST(CacheFiles, of_a_relative_root_only_the_assemblies_paths_are_made_absolute) {
+  Put(platform, "[START][END]", "[START][END]");
+  platform.packages[0].applications[0].root = "apps/pkg";
+  PutAssemblies({"A.dll"});
+  fs::current_path("/opt/usr");
+  addPkgToTPACacheFile("pkg");
+  ExpectCaches("[START]:" + fs::current_path().string() + "/apps/pkg/shared/res/A.dll[END]",
+               "[START]:apps/pkg/shared/res/[END]");
 }
 
 struct FailingWrite {
@@ -310,19 +289,6 @@ TEST(CacheFiles, a_rename_that_fails_leaves_the_temporary_files_and_no_cache_fil
     });
     if (testing::Test::IsSkipped()) return;
   }
-}
-
-TEST(CacheFiles, a_link_in_a_cache_files_place_is_read_through_and_replaced) {
-  FreshOnDevice([](Platform& platform) {
-    Put(platform, "", "[START][END]");
-    fs::remove(kTpaFile);
-    WriteFile("/opt/usr/elsewhere", "[START]" + kResources + "A.dll[END]");
-    fs::create_symlink("/opt/usr/elsewhere", kTpaFile);
-    EXPECT_TRUE(removedPkgFromTPACacheFile("pkg"));
-    EXPECT_FALSE(fs::is_symlink(kTpaFile));
-    EXPECT_EQ("[START][END]", ReadFile(kTpaFile));
-    EXPECT_EQ("[START]" + kResources + "A.dll[END]", ReadFile("/opt/usr/elsewhere"));
-  });
 }
 
 }  // namespace

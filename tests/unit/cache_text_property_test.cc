@@ -10,10 +10,10 @@
 
 #include "plugin/cache_files.h"
 #include "tests/support/cache_edit.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
 #include "tests/support/plain_cache_edit.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
 
 namespace {
 
@@ -21,7 +21,6 @@ using support::CacheEdit;
 using support::Erase;
 using support::PlainEdit;
 using support::PlainErase;
-using support::PlainFind;
 
 using Texts = std::vector<std::string>;
 
@@ -173,18 +172,6 @@ TEST(CacheTextProperty, erasing_gives_what_the_plain_search_from_the_front_gives
   }
 }
 
-TEST(CacheTextProperty, what_is_left_holds_no_entry_of_the_root_any_more) {
-  Random random(kSeed + 1);
-  for (int i = 0; i < 10000 && !HasFailure(); ++i) {
-    const Case made = AnyCase(random);
-    if (PlainErase(made.text, made.root).endless) continue;
-    const CacheEdit edit = Erase(made.text, made.root);
-    EXPECT_EQ(std::string::npos, PlainFind(edit.text, made.root))
-        << "seed " << kSeed + 1 << ", case " << i << ": " << made.text << " without " << made.root;
-    EXPECT_TRUE(Erase(edit.text, made.root).erased.empty());
-  }
-}
-
 TEST(CacheTextProperty, a_file_is_edited_and_logged_like_its_text) {
   Random random(kSeed + 2);
   const support::TempDir directory;
@@ -205,79 +192,21 @@ TEST(CacheTextProperty, a_file_is_edited_and_logged_like_its_text) {
   }
 }
 
-// Adding to ordinary lists.
-
-bool BeginsWith(const std::string& text, const std::string& start) { return text.rfind(start, 0) == 0; }
-
-// What stands between the markers; the empty first element, which an add into an empty list leaves, does not count.
-Texts Elements(const std::string& text) {
-  const std::string list = text.substr(7, text.size() - 12);
-  Texts elements;
-  for (std::size_t begin = 0; begin <= list.size();) {
-    const std::size_t end = std::min(list.find(':', begin), list.size());
-    if (end > begin) elements.push_back(list.substr(begin, end - begin));
-    begin = end + 1;
+TEST(CacheTextProperty, adding_puts_one_copy_at_the_end_and_erasing_takes_it_away_again) {
+  Random random(kSeed + 3);
+  for (int i = 0; i < 4000 && !HasFailure(); ++i) {
+    const Case made = OrdinaryList(random);
+    Texts entries;
+    do {
+      entries.push_back(made.root + random.OneOf(kPlainEnds));
+    } while (!random.OneIn(3));
+    SCOPED_TRACE("seed " + std::to_string(kSeed + 3) + ", case " + std::to_string(i) + ": " + made.text + " with " +
+                 Joined(entries));
+    const std::string without = Erase(made.text, made.root).text;
+    const std::string added = AppendEntries(without, Joined(entries));
+    EXPECT_EQ(support::PlainAppend(PlainErase(made.text, made.root).text, Joined(entries)), added);
+    EXPECT_EQ(without, Erase(added, made.root).text);
   }
-  return elements;
-}
-
-Texts Without(const Texts& elements, const std::string& root) {
-  Texts others;
-  std::copy_if(elements.begin(), elements.end(), std::back_inserter(others),
-               [&](const std::string& element) { return !BeginsWith(element, root); });
-  return others;
-}
-
-struct Addition {
-  std::string text;
-  std::string root;
-  Texts entries;
-
-  std::string Into(const std::string& list) const { return AppendEntries(Erase(list, root).text, Joined(entries)); }
-};
-
-Addition AnyAddition(Random& random) {
-  const Case made = OrdinaryList(random);
-  Addition addition{made.text, made.root, {}};
-  do {
-    addition.entries.push_back(made.root + random.OneOf(kPlainEnds));
-  } while (!random.OneIn(3));
-  return addition;
-}
-
-void ForManyAdditions(unsigned seed, void (*check)(const Addition&)) {
-  Random random(seed);
-  for (int i = 0; i < 4000 && !testing::Test::HasFailure(); ++i) {
-    const Addition addition = AnyAddition(random);
-    SCOPED_TRACE("seed " + std::to_string(seed) + ", case " + std::to_string(i) + ": " + addition.text + " with " +
-                 Joined(addition.entries));
-    check(addition);
-  }
-}
-
-TEST(CacheTextProperty, an_added_package_has_one_copy_at_the_end_and_the_others_keep_their_order) {
-  ForManyAdditions(kSeed + 3, [](const Addition& addition) {
-    const std::string text = addition.Into(addition.text);
-    EXPECT_EQ("[START]", text.substr(0, 7));
-    EXPECT_EQ("[END]", text.substr(text.size() - 5));
-    Texts expected = Without(Elements(addition.text), addition.root);
-    expected.insert(expected.end(), addition.entries.begin(), addition.entries.end());
-    EXPECT_EQ(expected, Elements(text));
-  });
-}
-
-TEST(CacheTextProperty, adding_a_package_again_changes_nothing) {
-  ForManyAdditions(kSeed + 4, [](const Addition& addition) {
-    const std::string once = addition.Into(addition.text);
-    EXPECT_EQ(once, addition.Into(once));
-  });
-}
-
-TEST(CacheTextProperty, erasing_an_added_package_leaves_the_text_as_if_it_had_never_been_added) {
-  ForManyAdditions(kSeed + 5, [](const Addition& addition) {
-    const std::string without = Erase(addition.text, addition.root).text;
-    EXPECT_EQ(without, Erase(addition.Into(addition.text), addition.root).text);
-  });
 }
 
 }  // namespace

@@ -6,9 +6,9 @@
 
 #include "plugin/cache_files.h"
 #include "tests/support/child.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
 
 namespace {
 

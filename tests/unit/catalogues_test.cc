@@ -6,8 +6,8 @@
 #include <map>
 #include <string>
 
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/expected_lines.h"
+#include "tests/support/unit_case.h"
 
 namespace {
 

@@ -5,10 +5,11 @@
 
 #include "plugin/hooks.h"
 #include "tests/support/device_root.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
 #include "tests/support/manifests.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
+#include "tests/support/uris.h"
 
 namespace {
 
@@ -25,6 +26,7 @@ using expected::NotInhouse;
 using expected::OtherWalk;
 using expected::Plugin;
 using expected::Saved;
+using support::CobaManifest;
 using support::DotnetManifest;
 using support::kCobaFile;
 using support::kTpaFile;
@@ -39,11 +41,6 @@ constexpr const char* kTpaWithPackage = "[START]/b/B.dll:/opt/usr/apps/pkg/share
 constexpr const char* kCobaWithPackage = "[START]/opt/usr/apps/pkg/shared/res/:/b/shared/res/[END]";
 constexpr const char* kTpaWithout = "[START]/b/B.dll[END]";
 constexpr const char* kCobaWithout = "[START]/b/shared/res/[END]";
-
-support::Document CobaManifest() {
-  return support::ManifestOf(support::ApplicationElement("ui-application", "dotnet-inhouse") +
-                             support::MetadataElement(expected::kCobaKey, "true"));
-}
 
 // A package with a root, listed in both cache files.
 void PutListedPackage(Platform& platform) {
@@ -71,10 +68,15 @@ Steps RemovedFromBoth() {
                    CacheRead(kCobaFile, {std::string(kDirectory) + ":"}, kCobaWithout), Saved(kCobaFile)});
 }
 
+// The package found in neither file any more.
+Steps NothingRemoved() {
+  return Removing({CacheRead(kTpaFile, {}, kTpaWithout), CacheRead(kCobaFile, {}, kCobaWithout)});
+}
+
 Steps CobaWalk() {
   const Source walk = Plugin("isAppCoBARelated");
   const Source matcher("metadata_utils", "isMetadataInfoHasKey");
-  const std::string key = expected::kCobaKey;
+  const std::string key = support::kCobaKey;
   return expected::TracedPlugin(
       "bool isAppCoBARelated(xmlDocPtr)",
       {walk.Debug("Local name %s", "manifest"), walk.Debug("Local name %s", "ui-application"),
@@ -90,244 +92,187 @@ Steps NoCobaWalk() {
                                  walk.Debug("Local name %s", "manifest")});
 }
 
-TEST(Uninstall, a_listed_package_is_marked_taken_out_and_the_loader_restarted) {
-  FreshOnDevice([](Platform& platform) {
-    PutListedPackage(platform);
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UNINSTALL(DotnetManifest().get(), "pkg"));
-    EXPECT_TRUE(Holds(platform, {Hook("UNINSTALL", {DotnetWalk(), RemovedFromBoth(), LoaderRestarted()})}));
-    ExpectCaches(kTpaWithout, kCobaWithout);
-    EXPECT_EQ((Flags{{"pkg", true}}), cacheStateUninstall);
-    EXPECT_TRUE(aotStateUpgrade.empty());
-    EXPECT_TRUE(AllRecordsDestroyed(platform));
-  });
+DEVICE_TEST(Uninstall, a_listed_package_is_marked_taken_out_and_the_loader_restarted) {
+  PutListedPackage(platform);
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UNINSTALL(DotnetManifest().get(), "pkg"));
+  EXPECT_TRUE(Holds(platform, {Hook("UNINSTALL", {DotnetWalk(), RemovedFromBoth(), LoaderRestarted()})}));
+  ExpectCaches(kTpaWithout, kCobaWithout);
+  EXPECT_EQ((Flags{{"pkg", true}}), cacheStateUninstall);
+  EXPECT_TRUE(aotStateUpgrade.empty());
+  EXPECT_TRUE(AllRecordsDestroyed(platform));
 }
 
-TEST(Uninstall, a_package_that_is_not_listed_restarts_nothing) {
-  FreshOnDevice([](Platform& platform) {
-    PutListedPackage(platform);
-    platform.packages.push_back(doubles::MakePackage("other", "/opt/usr/apps/other"));
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UNINSTALL(DotnetManifest().get(), "other"));
-    EXPECT_TRUE(
-        Holds(platform, {Hook("UNINSTALL", {DotnetWalk(), Removing({CacheRead(kTpaFile, {}, kTpaWithPackage),
-                                                                    CacheRead(kCobaFile, {}, kCobaWithPackage)})})}));
-    ExpectCaches(kTpaWithPackage, kCobaWithPackage);
-  });
+DEVICE_TEST(Uninstall, a_package_that_is_not_listed_restarts_nothing) {
+  PutListedPackage(platform);
+  platform.packages.push_back(doubles::MakePackage("other", "/opt/usr/apps/other"));
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UNINSTALL(DotnetManifest().get(), "other"));
+  EXPECT_TRUE(
+      Holds(platform, {Hook("UNINSTALL", {DotnetWalk(), Removing({CacheRead(kTpaFile, {}, kTpaWithPackage),
+                                                                  CacheRead(kCobaFile, {}, kCobaWithPackage)})})}));
+  ExpectCaches(kTpaWithPackage, kCobaWithPackage);
 }
 
-TEST(Uninstall, a_package_without_a_root_is_marked_and_nothing_else) {
-  FreshOnDevice([](Platform& platform) {
-    PutListedPackage(platform);
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UNINSTALL(DotnetManifest().get(), "unknown"));
-    EXPECT_TRUE(Holds(platform, {Hook("UNINSTALL", {DotnetWalk()})}));
-    ExpectCaches(kTpaWithPackage, kCobaWithPackage);
-    EXPECT_EQ((Flags{{"unknown", true}}), cacheStateUninstall);
-  });
+DEVICE_TEST(Uninstall, a_package_without_a_root_is_marked_and_nothing_else) {
+  PutListedPackage(platform);
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UNINSTALL(DotnetManifest().get(), "unknown"));
+  EXPECT_TRUE(Holds(platform, {Hook("UNINSTALL", {DotnetWalk()})}));
+  ExpectCaches(kTpaWithPackage, kCobaWithPackage);
+  EXPECT_EQ((Flags{{"unknown", true}}), cacheStateUninstall);
 }
 
-TEST(Uninstall, a_failed_restart_does_not_fail_the_event) {
-  FreshOnDevice([](Platform& platform) {
-    PutListedPackage(platform);
-    platform.FailNext("aul_restart_loader", -1);
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UNINSTALL(DotnetManifest().get(), "pkg"));
-    ExpectCaches(kTpaWithout, kCobaWithout);
-  });
+DEVICE_TEST(Uninstall, a_failed_restart_does_not_fail_the_event) {
+  PutListedPackage(platform);
+  platform.FailNext("aul_restart_loader", -1);
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UNINSTALL(DotnetManifest().get(), "pkg"));
+  ExpectCaches(kTpaWithout, kCobaWithout);
 }
 
-TEST(Uninstall, the_following_clean_leaves_everything_alone) {
-  FreshOnDevice([](Platform& platform) {
-    PutListedPackage(platform);
-    PKGMGR_PARSER_PLUGIN_UNINSTALL(DotnetManifest().get(), "pkg");
-    platform.journal.clear();
-    PutListedPackage(platform);
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(DotnetManifest().get(), "pkg"));
-    EXPECT_TRUE(Holds(platform, {Hook("CLEAN", {DotnetWalk()})}));
-    ExpectCaches(kTpaWithPackage, kCobaWithPackage);
-    EXPECT_EQ((Flags{{"pkg", true}}), cacheStateUninstall);
-    EXPECT_TRUE(aotStateUpgrade.empty());
-  });
+DEVICE_TEST(Uninstall, the_following_clean_leaves_everything_alone) {
+  PutListedPackage(platform);
+  PKGMGR_PARSER_PLUGIN_UNINSTALL(DotnetManifest().get(), "pkg");
+  platform.journal.clear();
+  PutListedPackage(platform);
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(DotnetManifest().get(), "pkg"));
+  EXPECT_TRUE(Holds(platform, {Hook("CLEAN", {DotnetWalk()})}));
+  ExpectCaches(kTpaWithPackage, kCobaWithPackage);
+  EXPECT_EQ((Flags{{"pkg", true}}), cacheStateUninstall);
+  EXPECT_TRUE(aotStateUpgrade.empty());
 }
 
-TEST(Uninstall, a_package_once_marked_is_never_cleaned_again) {
-  FreshOnDevice([](Platform& platform) {
-    PutListedPackage(platform);
-    PKGMGR_PARSER_PLUGIN_UNINSTALL(DotnetManifest().get(), "pkg");
-    PutListedPackage(platform);
-    platform.journal.clear();
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEANUP(CobaManifest().get(), "pkg"));
-    EXPECT_TRUE(Holds(platform, {Hook("CLEANUP", {Hook("CLEAN", {DotnetWalk()})})}));
-    ExpectCaches(kTpaWithPackage, kCobaWithPackage);
-  });
+DEVICE_TEST(Uninstall, a_package_once_marked_is_never_cleaned_again) {
+  PutListedPackage(platform);
+  PKGMGR_PARSER_PLUGIN_UNINSTALL(DotnetManifest().get(), "pkg");
+  PutListedPackage(platform);
+  platform.journal.clear();
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEANUP(CobaManifest().get(), "pkg"));
+  EXPECT_TRUE(Holds(platform, {Hook("CLEANUP", {Hook("CLEAN", {DotnetWalk()})})}));
+  ExpectCaches(kTpaWithPackage, kCobaWithPackage);
 }
 
-TEST(Recover, a_listed_package_is_taken_out_even_with_a_null_manifest) {
-  FreshOnDevice([](Platform& platform) {
-    PutListedPackage(platform);
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL(nullptr, "pkg"));
-    EXPECT_TRUE(Holds(platform, {Hook("RECOVERUNINSTALL", {RemovedFromBoth(), LoaderRestarted()})}));
-    ExpectCaches(kTpaWithout, kCobaWithout);
-    EXPECT_TRUE(cacheStateUninstall.empty());
-    EXPECT_TRUE(aotStateUpgrade.empty());
-  });
+DEVICE_TEST(Recover, a_listed_package_is_taken_out_even_with_a_null_manifest) {
+  PutListedPackage(platform);
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL(nullptr, "pkg"));
+  EXPECT_TRUE(Holds(platform, {Hook("RECOVERUNINSTALL", {RemovedFromBoth(), LoaderRestarted()})}));
+  ExpectCaches(kTpaWithout, kCobaWithout);
+  EXPECT_TRUE(cacheStateUninstall.empty());
+  EXPECT_TRUE(aotStateUpgrade.empty());
+  platform.journal.clear();
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL(OtherManifest().get(), "pkg"));
+  EXPECT_TRUE(Holds(platform, {Hook("RECOVERUNINSTALL", {NothingRemoved()})}));
 }
 
-TEST(Recover, a_manifest_of_another_kind_makes_no_difference) {
-  FreshOnDevice([](Platform& platform) {
-    PutListedPackage(platform);
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL(OtherManifest().get(), "pkg"));
-    EXPECT_TRUE(Holds(platform, {Hook("RECOVERUNINSTALL", {RemovedFromBoth(), LoaderRestarted()})}));
-  });
+DEVICE_TEST(Recover, a_package_without_a_root_is_only_logged) {
+  PutListedPackage(platform);
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL(DotnetManifest().get(), "unknown"));
+  EXPECT_TRUE(Holds(
+      platform, {Hook("RECOVERUNINSTALL",
+                      {Removing({Plugin("removedPkgFromTPACacheFile")
+                                     .At(426)
+                                     .Error("remove from cache called for %s, but pkgroot is empty!", "unknown")})})}));
+  ExpectCaches(kTpaWithPackage, kCobaWithPackage);
 }
 
-TEST(Recover, a_package_without_a_root_is_only_logged) {
-  FreshOnDevice([](Platform& platform) {
-    PutListedPackage(platform);
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL(DotnetManifest().get(), "unknown"));
-    EXPECT_TRUE(
-        Holds(platform,
-              {Hook("RECOVERUNINSTALL",
-                    {Removing({Plugin("removedPkgFromTPACacheFile")
-                                   .At(426)
-                                   .Error("remove from cache called for %s, but pkgroot is empty!", "unknown")})})}));
-    ExpectCaches(kTpaWithPackage, kCobaWithPackage);
-  });
+DEVICE_TEST(Clean, a_coba_package_is_added_and_the_loader_restarted) {
+  PutListedPackage(platform);
+  support::WriteFile(kAssembly);
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(CobaManifest().get(), "pkg"));
+  EXPECT_TRUE(Holds(
+      platform,
+      {Hook("CLEAN", {DotnetWalk(), CobaWalk(),
+                      Adding({CacheRead(kTpaFile, {std::string(":") + kAssembly}, kTpaWithout), Saved(kTpaFile),
+                              CacheRead(kCobaFile, {std::string(kDirectory) + ":"}, kCobaWithout), Saved(kCobaFile)}),
+                      LoaderRestarted()})}));
+  ExpectCaches(kTpaWithPackage, "[START]/b/shared/res/:/opt/usr/apps/pkg/shared/res/[END]");
+  EXPECT_EQ((Flags{{"pkg", false}}), cacheStateUninstall);
+  EXPECT_TRUE(aotStateUpgrade.empty());  // not asked for a CoBA package
+  EXPECT_TRUE(AllRecordsDestroyed(platform));
 }
 
-TEST(Clean, a_coba_package_is_added_and_the_loader_restarted) {
-  FreshOnDevice([](Platform& platform) {
-    PutListedPackage(platform);
-    support::WriteFile(kAssembly);
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(CobaManifest().get(), "pkg"));
-    EXPECT_TRUE(Holds(
-        platform,
-        {Hook("CLEAN", {DotnetWalk(), CobaWalk(),
-                        Adding({CacheRead(kTpaFile, {std::string(":") + kAssembly}, kTpaWithout), Saved(kTpaFile),
-                                CacheRead(kCobaFile, {std::string(kDirectory) + ":"}, kCobaWithout), Saved(kCobaFile)}),
-                        LoaderRestarted()})}));
-    ExpectCaches(kTpaWithPackage, "[START]/b/shared/res/:/opt/usr/apps/pkg/shared/res/[END]");
-    EXPECT_EQ((Flags{{"pkg", false}}), cacheStateUninstall);
-    EXPECT_TRUE(aotStateUpgrade.empty());  // not asked for a CoBA package
-    EXPECT_TRUE(AllRecordsDestroyed(platform));
-  });
+DEVICE_TEST(Clean, a_coba_package_restarts_the_loader_even_when_nothing_could_be_added) {
+  platform.packages.push_back(doubles::MakePackage("pkg", kRoot));
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(CobaManifest().get(), "pkg"));
+  EXPECT_TRUE(
+      Holds(platform, {Hook("CLEAN", {DotnetWalk(), CobaWalk(),
+                                      Adding({CacheMissing(kTpaFile), CacheMissing(kCobaFile)}), LoaderRestarted()})}));
+  EXPECT_FALSE(support::IsThere(kTpaFile));
+  EXPECT_FALSE(support::IsThere(kCobaFile));
 }
 
-TEST(Clean, a_coba_package_restarts_the_loader_even_when_nothing_could_be_added) {
-  FreshOnDevice([](Platform& platform) {
-    platform.packages.push_back(doubles::MakePackage("pkg", kRoot));
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(CobaManifest().get(), "pkg"));
-    EXPECT_TRUE(Holds(
-        platform, {Hook("CLEAN", {DotnetWalk(), CobaWalk(), Adding({CacheMissing(kTpaFile), CacheMissing(kCobaFile)}),
-                                  LoaderRestarted()})}));
-    EXPECT_FALSE(support::IsThere(kTpaFile));
-    EXPECT_FALSE(support::IsThere(kCobaFile));
-  });
+DEVICE_TEST(Clean, a_coba_package_without_a_root_restarts_the_loader_too) {
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(CobaManifest().get(), "unknown"));
+  EXPECT_TRUE(Holds(
+      platform, {Hook("CLEAN", {DotnetWalk(), CobaWalk(),
+                                Adding({Plugin("addPkgToTPACacheFile")
+                                            .At(452)
+                                            .Error("add to cache called for %s, but pkgroot is empty!", "unknown")}),
+                                LoaderRestarted()})}));
 }
 
-TEST(Clean, a_coba_package_without_a_root_restarts_the_loader_too) {
-  FreshOnDevice([](Platform& platform) {
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(CobaManifest().get(), "unknown"));
-    EXPECT_TRUE(Holds(
-        platform, {Hook("CLEAN", {DotnetWalk(), CobaWalk(),
-                                  Adding({Plugin("addPkgToTPACacheFile")
-                                              .At(452)
-                                              .Error("add to cache called for %s, but pkgroot is empty!", "unknown")}),
-                                  LoaderRestarted()})}));
-  });
+DEVICE_TEST(Clean, an_upgraded_package_is_taken_out_and_the_loader_restarted) {
+  PutListedPackage(platform);
+  aotStateUpgrade["pkg"] = true;
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(DotnetManifest().get(), "pkg"));
+  EXPECT_TRUE(Holds(platform, {Hook("CLEAN", {DotnetWalk(), NoCobaWalk(), RemovedFromBoth(), LoaderRestarted()})}));
+  ExpectCaches(kTpaWithout, kCobaWithout);
+  EXPECT_EQ((Flags{{"pkg", true}}), aotStateUpgrade);
+  EXPECT_EQ((Flags{{"pkg", false}}), cacheStateUninstall);
 }
 
-TEST(Clean, an_upgraded_package_is_taken_out_and_the_loader_restarted) {
-  FreshOnDevice([](Platform& platform) {
-    PutListedPackage(platform);
-    aotStateUpgrade["pkg"] = true;
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(DotnetManifest().get(), "pkg"));
-    EXPECT_TRUE(Holds(platform, {Hook("CLEAN", {DotnetWalk(), NoCobaWalk(), RemovedFromBoth(), LoaderRestarted()})}));
-    ExpectCaches(kTpaWithout, kCobaWithout);
-    EXPECT_EQ((Flags{{"pkg", true}}), aotStateUpgrade);
-    EXPECT_EQ((Flags{{"pkg", false}}), cacheStateUninstall);
-  });
+DEVICE_TEST(Clean, an_upgraded_package_that_is_not_listed_restarts_nothing) {
+  platform.packages.push_back(doubles::MakePackage("pkg", kRoot));
+  support::WriteFile(kTpaFile, kTpaWithout);
+  support::WriteFile(kCobaFile, kCobaWithout);
+  aotStateUpgrade["pkg"] = true;
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(DotnetManifest().get(), "pkg"));
+  EXPECT_TRUE(Holds(platform, {Hook("CLEAN", {DotnetWalk(), NoCobaWalk(), NothingRemoved()})}));
 }
 
-TEST(Clean, an_upgraded_package_that_is_not_listed_restarts_nothing) {
-  FreshOnDevice([](Platform& platform) {
-    platform.packages.push_back(doubles::MakePackage("pkg", kRoot));
-    support::WriteFile(kTpaFile, kTpaWithout);
-    support::WriteFile(kCobaFile, kCobaWithout);
-    aotStateUpgrade["pkg"] = true;
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(DotnetManifest().get(), "pkg"));
-    EXPECT_TRUE(Holds(
-        platform,
-        {Hook("CLEAN", {DotnetWalk(), NoCobaWalk(),
-                        Removing({CacheRead(kTpaFile, {}, kTpaWithout), CacheRead(kCobaFile, {}, kCobaWithout)})})}));
-  });
+DEVICE_TEST(Clean, a_package_never_upgraded_is_left_alone_and_leaves_false_flags) {
+  PutListedPackage(platform);
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(DotnetManifest().get(), "pkg"));
+  EXPECT_TRUE(Holds(platform, {Hook("CLEAN", {DotnetWalk(), NoCobaWalk()})}));
+  ExpectCaches(kTpaWithPackage, kCobaWithPackage);
+  EXPECT_EQ((Flags{{"pkg", false}}), cacheStateUninstall);
+  EXPECT_EQ((Flags{{"pkg", false}}), aotStateUpgrade);
 }
 
-TEST(Clean, an_upgraded_coba_package_is_added_not_taken_out) {
-  FreshOnDevice([](Platform& platform) {
-    PutListedPackage(platform);
-    support::WriteFile(kAssembly);
-    aotStateUpgrade["pkg"] = true;
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(CobaManifest().get(), "pkg"));
-    ExpectCaches(kTpaWithPackage, "[START]/b/shared/res/:/opt/usr/apps/pkg/shared/res/[END]");
-  });
+FRESH_TEST(Clean, another_kind_of_package_leaves_no_flags) {
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(OtherManifest().get(), "pkg"));
+  EXPECT_TRUE(cacheStateUninstall.empty());
+  EXPECT_TRUE(aotStateUpgrade.empty());
 }
 
-TEST(Clean, a_package_never_upgraded_is_left_alone_and_leaves_false_flags) {
-  FreshOnDevice([](Platform& platform) {
-    PutListedPackage(platform);
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(DotnetManifest().get(), "pkg"));
-    EXPECT_TRUE(Holds(platform, {Hook("CLEAN", {DotnetWalk(), NoCobaWalk()})}));
-    ExpectCaches(kTpaWithPackage, kCobaWithPackage);
-    EXPECT_EQ((Flags{{"pkg", false}}), cacheStateUninstall);
-    EXPECT_EQ((Flags{{"pkg", false}}), aotStateUpgrade);
-  });
+DEVICE_TEST(Clean, keys_of_flags_are_whole_ids) {
+  PutListedPackage(platform);
+  cacheStateUninstall["PKG"] = true;
+  cacheStateUninstall["pkg2"] = true;
+  aotStateUpgrade["pkg"] = true;
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(DotnetManifest().get(), "pkg"));
+  ExpectCaches(kTpaWithout, kCobaWithout);
 }
 
-TEST(Clean, another_kind_of_package_leaves_no_flags) {
-  Fresh([](Platform&) {
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(OtherManifest().get(), "pkg"));
-    EXPECT_TRUE(cacheStateUninstall.empty());
-    EXPECT_TRUE(aotStateUpgrade.empty());
-  });
+FRESH_TEST(CleanUp, a_package_without_a_root_is_not_classified_and_not_marked) {
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEANUP(DotnetManifest().get(), "unknown"));
+  EXPECT_TRUE(Holds(platform, {Hook("CLEANUP", {})}));
+  EXPECT_TRUE(aotStateUpgrade.empty());
+  EXPECT_TRUE(cacheStateUninstall.empty());
 }
 
-TEST(Clean, keys_of_flags_are_whole_ids) {
-  FreshOnDevice([](Platform& platform) {
-    PutListedPackage(platform);
-    cacheStateUninstall["PKG"] = true;
-    cacheStateUninstall["pkg2"] = true;
-    aotStateUpgrade["pkg"] = true;
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(DotnetManifest().get(), "pkg"));
-    ExpectCaches(kTpaWithout, kCobaWithout);
-  });
+DEVICE_TEST(CleanUp, a_listed_package_is_marked_and_cleaned) {
+  PutListedPackage(platform);
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEANUP(DotnetManifest().get(), "pkg"));
+  EXPECT_TRUE(
+      Holds(platform,
+            {Hook("CLEANUP", {Hook("CLEAN", {DotnetWalk(), NoCobaWalk(), RemovedFromBoth(), LoaderRestarted()})})}));
+  ExpectCaches(kTpaWithout, kCobaWithout);
+  EXPECT_EQ((Flags{{"pkg", true}}), aotStateUpgrade);
 }
 
-TEST(CleanUp, a_package_without_a_root_is_not_classified_and_not_marked) {
-  Fresh([](Platform& platform) {
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEANUP(DotnetManifest().get(), "unknown"));
-    EXPECT_TRUE(Holds(platform, {Hook("CLEANUP", {})}));
-    EXPECT_TRUE(aotStateUpgrade.empty());
-    EXPECT_TRUE(cacheStateUninstall.empty());
-  });
-}
-
-TEST(CleanUp, a_listed_package_is_marked_and_cleaned) {
-  FreshOnDevice([](Platform& platform) {
-    PutListedPackage(platform);
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEANUP(DotnetManifest().get(), "pkg"));
-    EXPECT_TRUE(
-        Holds(platform,
-              {Hook("CLEANUP", {Hook("CLEAN", {DotnetWalk(), NoCobaWalk(), RemovedFromBoth(), LoaderRestarted()})})}));
-    ExpectCaches(kTpaWithout, kCobaWithout);
-    EXPECT_EQ((Flags{{"pkg", true}}), aotStateUpgrade);
-  });
-}
-
-TEST(CleanUp, another_kind_of_package_is_marked_before_it_is_refused) {
-  Fresh([](Platform& platform) {
-    platform.packages.push_back(doubles::MakePackage("pkg", kRoot));
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEANUP(OtherManifest().get(), "pkg"));
-    EXPECT_TRUE(Holds(platform, {Hook("CLEANUP", {Hook("CLEAN", {OtherWalk(), NotInhouse("CLEAN")})})}));
-    EXPECT_EQ((Flags{{"pkg", true}}), aotStateUpgrade);
-  });
+FRESH_TEST(CleanUp, another_kind_of_package_is_marked_before_it_is_refused) {
+  platform.packages.push_back(doubles::MakePackage("pkg", kRoot));
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEANUP(OtherManifest().get(), "pkg"));
+  EXPECT_TRUE(Holds(platform, {Hook("CLEANUP", {Hook("CLEAN", {OtherWalk(), NotInhouse("CLEAN")})})}));
+  EXPECT_EQ((Flags{{"pkg", true}}), aotStateUpgrade);
 }
 
 }  // namespace

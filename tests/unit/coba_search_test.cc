@@ -9,11 +9,12 @@
 #include "plugin/assembly_cache.h"
 #include "plugin/catalogues.h"
 #include "tests/support/device_root.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
 #include "tests/support/standard_error.h"
+#include "tests/support/unit_case.h"
+#include "tests/support/uris.h"
 #include "tests/unit/allocation_limit.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/unit_case.h"
 
 namespace {
 
@@ -23,10 +24,10 @@ using doubles::Platform;
 using doubles::Record;
 using doubles::Steps;
 using expected::CobaPackage;
-using expected::kCobaKey;
 using expected::Plugin;
 using expected::TracedPlugin;
 using support::IsThere;
+using support::kCobaKey;
 using support::StandardErrorOf;
 using support::WriteFiles;
 
@@ -35,41 +36,36 @@ using Catalogue = std::map<std::string, std::string>;
 constexpr const char* kRoot = "/opt/usr/apps/pkg";
 constexpr const char* kSearch = "void getPackageByMetadataTag(pkgmgrinfo_app_list_cb, const std::string&)";
 
-TEST(CobaSearch, coba_applications_are_catalogued_and_the_filter_is_left) {
-  FreshOnDevice([](Platform& platform) {
-    platform.packages.push_back(doubles::MakePackage("pkg", kRoot));
-    platform.packages.push_back(CobaPackage("one", "/opt/usr/apps/one"));
-    platform.packages.push_back(CobaPackage("without.directory", "/opt/usr/apps/none"));
-    platform.packages.push_back(CobaPackage("two", "/opt/usr/apps/two"));
-    platform.packages.push_back(CobaPackage("switched.off", "/opt/usr/apps/off"));
-    platform.packages.back().applications[0].metadata[0].value = "false";
-    WriteFiles({"/opt/usr/apps/one/shared/res/C.dll", "/opt/usr/apps/one/shared/res/sub/Deep.dll",
-                "/opt/usr/apps/one/lib/Other.dll", "/opt/usr/apps/two/shared/res/C.dll",
-                "/opt/usr/apps/two/shared/res/E.dll", "/opt/usr/apps/off/shared/res/F.dll"});
-    EXPECT_EQ(0, gac("pkg"));
-    EXPECT_EQ(
-        (Catalogue{{"C.dll", "/opt/usr/apps/one/shared/res/C.dll"}, {"E.dll", "/opt/usr/apps/two/shared/res/E.dll"}}),
-        coBA);
-    EXPECT_EQ((std::vector<std::string>{"pkgmgrinfo_appinfo_metadata_filter_create()",
-                                        "pkgmgrinfo_appinfo_metadata_filter_add(" + std::string(kCobaKey) + ", true)",
-                                        "pkgmgrinfo_appinfo_metadata_filter_foreach(no user data)"}),
-              platform.Calls("pkgmgrinfo_appinfo_metadata_filter"));
-    EXPECT_EQ(1, platform.Alive(Record::Kind::kFilter));
-    EXPECT_EQ(1, platform.Alive());
-    const std::vector<std::string> messages = platform.Messages();
-    EXPECT_EQ(1, std::count(messages.begin(), messages.end(), "Path : /opt/usr/apps/one"));
-    EXPECT_EQ(1, std::count(messages.begin(), messages.end(), "Path : /opt/usr/apps/none"));
-    EXPECT_EQ(0, std::count(messages.begin(), messages.end(), "Path : /opt/usr/apps/off"));
-  });
+DEVICE_TEST(CobaSearch, coba_applications_are_catalogued_and_the_filter_is_left) {
+  platform.packages.push_back(doubles::MakePackage("pkg", kRoot));
+  platform.packages.push_back(CobaPackage("one", "/opt/usr/apps/one"));
+  platform.packages.push_back(CobaPackage("without.directory", "/opt/usr/apps/none"));
+  platform.packages.push_back(CobaPackage("two", "/opt/usr/apps/two"));
+  platform.packages.push_back(CobaPackage("switched.off", "/opt/usr/apps/off"));
+  platform.packages.back().applications[0].metadata[0].value = "false";
+  WriteFiles({"/opt/usr/apps/one/shared/res/C.dll", "/opt/usr/apps/one/shared/res/sub/Deep.dll",
+              "/opt/usr/apps/one/lib/Other.dll", "/opt/usr/apps/two/shared/res/C.dll",
+              "/opt/usr/apps/two/shared/res/E.dll", "/opt/usr/apps/off/shared/res/F.dll"});
+  EXPECT_EQ(0, gac("pkg"));
+  EXPECT_EQ(
+      (Catalogue{{"C.dll", "/opt/usr/apps/one/shared/res/C.dll"}, {"E.dll", "/opt/usr/apps/two/shared/res/E.dll"}}),
+      coBA);
+  EXPECT_EQ((std::vector<std::string>{"pkgmgrinfo_appinfo_metadata_filter_create()",
+                                      "pkgmgrinfo_appinfo_metadata_filter_add(" + std::string(kCobaKey) + ", true)",
+                                      "pkgmgrinfo_appinfo_metadata_filter_foreach(no user data)"}),
+            platform.Calls("pkgmgrinfo_appinfo_metadata_filter"));
+  EXPECT_EQ(1, platform.Alive(Record::Kind::kFilter));
+  EXPECT_EQ(1, platform.Alive());
+  const std::vector<std::string> messages = platform.Messages();
+  EXPECT_EQ(1, std::count(messages.begin(), messages.end(), "Path : /opt/usr/apps/one"));
+  EXPECT_EQ(1, std::count(messages.begin(), messages.end(), "Path : /opt/usr/apps/none"));
+  EXPECT_EQ(0, std::count(messages.begin(), messages.end(), "Path : /opt/usr/apps/off"));
 }
 
-TEST(CobaSearch, the_search_for_coba_applications_is_framed) {
-  FreshOnDevice([](Platform& platform) {
-    platform.packages.push_back(CobaPackage("one", "/opt/usr/apps/one"));
-    getPackageByMetadataTag(cobaCallback, kCobaKey);
-    EXPECT_TRUE(
-        Holds(platform, {TracedPlugin(kSearch, Plugin("cobaCallback").Debug("Path : %s", "/opt/usr/apps/one"))}));
-  });
+DEVICE_TEST(CobaSearch, the_search_for_coba_applications_is_framed) {
+  platform.packages.push_back(CobaPackage("one", "/opt/usr/apps/one"));
+  getPackageByMetadataTag(cobaCallback, kCobaKey);
+  EXPECT_TRUE(Holds(platform, {TracedPlugin(kSearch, Plugin("cobaCallback").Debug("Path : %s", "/opt/usr/apps/one"))}));
 }
 
 std::vector<std::string> callback_seen;
@@ -80,47 +76,41 @@ int NoteApplication(pkgmgrinfo_appinfo_h handle, void* user_data) {
   return 1;
 }
 
-TEST(CobaSearch, any_key_can_be_searched_for_with_any_callback) {
-  Fresh([](Platform& platform) {
-    platform.packages = {doubles::MakePackage("one", "/one"), doubles::MakePackage("two", "/two")};
-    platform.packages[1].applications[0].metadata = {{"k", "true"}};
-    getPackageByMetadataTag(NoteApplication, "k");
-    EXPECT_EQ((std::vector<std::string>{"/two"}), callback_seen);
-    EXPECT_TRUE(coBA.empty());
-  });
+FRESH_TEST(CobaSearch, any_key_can_be_searched_for_with_any_callback) {
+  platform.packages = {doubles::MakePackage("one", "/one"), doubles::MakePackage("two", "/two")};
+  platform.packages[1].applications[0].metadata = {{"k", "true"}};
+  getPackageByMetadataTag(NoteApplication, "k");
+  EXPECT_EQ((std::vector<std::string>{"/two"}), callback_seen);
+  EXPECT_TRUE(coBA.empty());
 }
 
-TEST(CobaSearch, an_application_without_a_root_path_is_skipped_and_the_search_goes_on) {
-  Fresh([](Platform& platform) {
-    doubles::Package package = CobaPackage("one", "/one");
-    package.applications[0].root.reset();
-    platform.packages = {package};
-    platform.packages.push_back(CobaPackage("two", "/two"));
-    platform.packages.push_back(CobaPackage("three", "/three"));
-    getPackageByMetadataTag(cobaCallback, kCobaKey);
-    const doubles::Source source = Plugin("cobaCallback");
-    EXPECT_TRUE(Holds(
-        platform, {TracedPlugin(kSearch, {source.Debug("Path : %s", "/two"), source.Debug("Path : %s", "/three")})}));
+FRESH_TEST(CobaSearch, an_application_without_a_root_path_is_skipped_and_the_search_goes_on) {
+  doubles::Package package = CobaPackage("one", "/one");
+  package.applications[0].root.reset();
+  platform.packages = {package};
+  platform.packages.push_back(CobaPackage("two", "/two"));
+  platform.packages.push_back(CobaPackage("three", "/three"));
+  getPackageByMetadataTag(cobaCallback, kCobaKey);
+  const doubles::Source source = Plugin("cobaCallback");
+  EXPECT_TRUE(Holds(platform,
+                    {TracedPlugin(kSearch, {source.Debug("Path : %s", "/two"), source.Debug("Path : %s", "/three")})}));
 
-    platform.journal.clear();
-    platform.packages.erase(platform.packages.begin());
-    platform.FailNext("pkgmgrinfo_appinfo_get_root_path", -1);
-    getPackageByMetadataTag(cobaCallback, kCobaKey);
-    EXPECT_TRUE(Holds(platform, {TracedPlugin(kSearch, source.Debug("Path : %s", "/three"))}));
-  });
+  platform.journal.clear();
+  platform.packages.erase(platform.packages.begin());
+  platform.FailNext("pkgmgrinfo_appinfo_get_root_path", -1);
+  getPackageByMetadataTag(cobaCallback, kCobaKey);
+  EXPECT_TRUE(Holds(platform, {TracedPlugin(kSearch, source.Debug("Path : %s", "/three"))}));
 }
 
-TEST(CobaSearch, the_callback_answers_one_in_every_case) {
-  Fresh([](Platform& platform) {
-    platform.packages = {CobaPackage("one", "/proc/nowhere/one")};
-    pkgmgrinfo_appinfo_h application = nullptr;
-    ASSERT_EQ(0, pkgmgrinfo_appinfo_get_appinfo("one", &application));
-    EXPECT_EQ(1, cobaCallback(application, nullptr));
-    platform.FailNext("pkgmgrinfo_appinfo_get_root_path", -1);
-    EXPECT_EQ(1, cobaCallback(application, nullptr));
-    platform.GiveNullNext("pkgmgrinfo_appinfo_get_root_path");
-    EXPECT_EQ(1, cobaCallback(application, &platform));
-  });
+FRESH_TEST(CobaSearch, the_callback_answers_one_in_every_case) {
+  platform.packages = {CobaPackage("one", "/proc/nowhere/one")};
+  pkgmgrinfo_appinfo_h application = nullptr;
+  ASSERT_EQ(0, pkgmgrinfo_appinfo_get_appinfo("one", &application));
+  EXPECT_EQ(1, cobaCallback(application, nullptr));
+  platform.FailNext("pkgmgrinfo_appinfo_get_root_path", -1);
+  EXPECT_EQ(1, cobaCallback(application, nullptr));
+  platform.GiveNullNext("pkgmgrinfo_appinfo_get_root_path");
+  EXPECT_EQ(1, cobaCallback(application, &platform));
 }
 
 struct FilterFailure {
@@ -191,15 +181,13 @@ int EndsInOneWheneverMemoryRunsOut(pkgmgrinfo_appinfo_h handle) {
   return allocations;
 }
 
-TEST(CobaSearch, the_callback_answers_one_when_memory_runs_out_as_well) {
-  FreshOnDevice([](Platform&) {
-    support::WriteFiles({"/opt/usr/apps/one/shared/res/Shared.Component.With.A.Long.Name.dll"});
-    const doubles::Package package = CobaPackage("one", "/opt/usr/apps/one");
-    doubles::Record* const record =
-        doubles::Current().Create({Record::Kind::kApplication, {}, package.applications[0], {}});
-    EXPECT_LT(5, EndsInOneWheneverMemoryRunsOut(record));
-    EXPECT_EQ(1u, coBA.size());
-  });
+DEVICE_TEST(CobaSearch, the_callback_answers_one_when_memory_runs_out_as_well) {
+  support::WriteFiles({"/opt/usr/apps/one/shared/res/Shared.Component.With.A.Long.Name.dll"});
+  const doubles::Package package = CobaPackage("one", "/opt/usr/apps/one");
+  doubles::Record* const record =
+      doubles::Current().Create({Record::Kind::kApplication, {}, package.applications[0], {}});
+  EXPECT_LT(5, EndsInOneWheneverMemoryRunsOut(record));
+  EXPECT_EQ(1u, coBA.size());
 }
 
 }  // namespace

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <cstring>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -62,45 +60,6 @@ TEST(DestinationPaths, deleting_through_the_base_runs_the_subclasss_destructor) 
   EXPECT_EQ(1, DestroyedThroughTheBase<AppApiPath>());
   EXPECT_EQ(1, DestroyedThroughTheBase<CoBAComponentPath>());
   EXPECT_EQ(1, DestroyedThroughTheBase<DpcPath>());
-}
-
-TEST(DestinationPaths, each_kind_can_be_made_and_deleted_through_the_base) {
-  for (AotPathManager* manager :
-       {static_cast<AotPathManager*>(new AppApiPath), static_cast<AotPathManager*>(new DpcPath),
-        static_cast<AotPathManager*>(new CoBAComponentPath)}) {
-    EXPECT_EQ('/', AotDestinationPathGetter(manager).front());
-    EXPECT_NE('/', AotDestinationPathGetter(manager).back());
-    delete manager;
-  }
-}
-
-template <typename Kind>
-void ExpectNoDataMembers() {
-  EXPECT_EQ(sizeof(void*), sizeof(Kind));
-  EXPECT_TRUE((std::is_convertible_v<Kind*, AotPathManager*>));
-  EXPECT_TRUE(std::has_virtual_destructor_v<Kind>);
-}
-
-TEST(DestinationPaths, an_object_is_the_size_of_its_table_pointer_alone) {
-  ExpectNoDataMembers<AotPathManager>();
-  ExpectNoDataMembers<AppApiPath>();
-  ExpectNoDataMembers<CoBAComponentPath>();
-  ExpectNoDataMembers<DpcPath>();
-}
-
-// The place of a virtual operation in the class's table, as the platform's ABI keeps it in a pointer to the operation.
-template <typename Operation>
-std::size_t SlotOf(Operation operation) {
-  std::uintptr_t offset = 0;
-  std::memcpy(&offset, &operation, sizeof offset);
-  return (offset & ~std::uintptr_t{1}) / sizeof(void*);
-}
-
-TEST(DestinationPaths, the_question_has_the_slot_behind_the_two_destructors) {
-  EXPECT_EQ(2u, SlotOf(&AotPathManager::GetDestinationPath));
-  EXPECT_EQ(2u, SlotOf(&AppApiPath::GetDestinationPath));
-  EXPECT_EQ(2u, SlotOf(&CoBAComponentPath::GetDestinationPath));
-  EXPECT_EQ(2u, SlotOf(&DpcPath::GetDestinationPath));
 }
 
 TEST(DestinationPaths, the_base_alone_answers_nothing_and_cannot_be_made) {

@@ -10,7 +10,7 @@
 #include "orvel/package_info.h"
 #include "orvel/pkgmgr_info.h"
 #include "orvel/trace.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
 
 namespace {
 

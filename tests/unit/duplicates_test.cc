@@ -13,12 +13,12 @@
 #include <string>
 
 #include "tests/support/child.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
 #include "tests/support/removal_texts.h"
 #include "tests/support/standard_error.h"
-#include "tests/unit/expected_lines.h"
+#include "tests/support/unit_case.h"
 #include "tests/unit/interposed_files.h"
-#include "tests/unit/unit_case.h"
 
 namespace {
 
@@ -149,27 +149,16 @@ TEST(Duplicates, a_second_removal_rewrites_the_information_file) {
   const std::string dll = package / "A.dll";
   WriteFile(dll);
   WriteFile(dll + "_deleted", std::string(1000, 'x'));
+  const ino_t file = support::InodeOf(dll + "_deleted");
   Platform& platform = doubles::Reset();
   for (int i = 0; i < 2; ++i) {
     platform.journal.clear();
     removeFileAndLeaveInformationFile(kOrigin, dll);
     EXPECT_FALSE(IsThere(dll));
     EXPECT_EQ(InformationText(kOrigin, dll), support::ReadFile(dll + "_deleted"));
+    EXPECT_EQ(file, support::InodeOf(dll + "_deleted"));
     EXPECT_TRUE(Holds(platform, {RemovalFrame()}));
   }
-}
-
-TEST(Duplicates, a_link_in_the_information_files_place_is_replaced_not_followed) {
-  const TempDir package;
-  const std::string dll = package / "A.dll";
-  WriteFile(dll);
-  WriteFile(package / "precious", "mine");
-  fs::create_symlink("precious", dll + "_deleted");
-  doubles::Reset();
-  removeFileAndLeaveInformationFile(kOrigin, dll);
-  EXPECT_EQ("mine", support::ReadFile(package / "precious"));
-  EXPECT_FALSE(fs::is_symlink(dll + "_deleted"));
-  EXPECT_EQ(InformationText(kOrigin, dll), support::ReadFile(dll + "_deleted"));
 }
 
 TEST(Duplicates, a_link_that_cannot_be_removed_is_not_followed_either) {
@@ -193,24 +182,30 @@ TEST(Duplicates, a_link_that_cannot_be_removed_is_not_followed_either) {
   fs::permissions(package / "closed", fs::perms::owner_all);
 }
 
-TEST(Duplicates, a_pipe_in_the_information_files_place_does_not_hold_up_the_installer) {
+TEST(Duplicates, without_an_information_file_its_text_goes_nowhere) {
   support::InFreshProcess([] {
     const TempDir package;
-    WriteFile(package / "A.dll");
-    ASSERT_EQ(0, mkfifo((package / "A.dll_deleted").c_str(), 0600));
+    WriteFile(package / "input");
+    ASSERT_EQ(STDIN_FILENO, dup2(open((package / "input").c_str(), O_RDWR | O_CLOEXEC), STDIN_FILENO));
+    fs::create_directory(package / "A.dll_deleted");
+    ASSERT_EQ(0, mkfifo((package / "B.dll_deleted").c_str(), 0600));
+    ASSERT_LE(0, open((package / "B.dll_deleted").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));  // who listens
     doubles::Reset();
-    alarm(20);
     removeFileAndLeaveInformationFile(kOrigin, package / "A.dll");
-    EXPECT_FALSE(IsThere(package / "A.dll"));
+    removeFileAndLeaveInformationFile(kOrigin, package / "B.dll");
+    EXPECT_TRUE(doubles::Current().misuses.empty());
+    EXPECT_NE(-1, fcntl(STDIN_FILENO, F_GETFD));
+    EXPECT_EQ("", support::ReadFile(package / "input"));
   });
 }
 
 TEST(Duplicates, the_open_information_file_is_neither_inherited_nor_made_the_terminal) {
   const TempDir package;
   doubles::Reset();
+  interposed::Files().common_open_flags = ~0;
   removeFileAndLeaveInformationFile(kOrigin, package / "A.dll");
-  EXPECT_NE(0, interposed::Files().open_flags & O_CLOEXEC);
-  EXPECT_NE(0, interposed::Files().open_flags & O_NOCTTY);
+  EXPECT_NE(0, interposed::Files().common_open_flags & O_CLOEXEC);
+  EXPECT_NE(0, interposed::Files().common_open_flags & O_NOCTTY);
 }
 
 TEST(Duplicates, the_descriptor_of_a_closed_standard_input_is_as_good_as_any) {
@@ -284,10 +279,14 @@ TEST(Duplicates, the_information_file_is_left_although_the_removal_failed) {
   EXPECT_EQ(InformationText(kOrigin, dll), support::ReadFile(dll + "_deleted"));
 }
 
-TEST(Duplicates, an_information_file_that_cannot_be_made_is_no_matter) {
-  Platform& platform = doubles::Reset();
-  EXPECT_EQ("", StandardErrorOf([] { removeFileAndLeaveInformationFile(kOrigin, "/proc/nowhere/A.dll"); }));
-  EXPECT_TRUE(Holds(platform, {RemovalFrame()}));
+TEST(Duplicates, an_information_file_that_cannot_be_made_is_no_matter_and_nothing_is_written) {
+  support::InFreshProcess([] {
+    Platform& platform = doubles::Reset();
+    interposed::Files().writes = {interposed::Fails(EIO)};
+    EXPECT_EQ("", StandardErrorOf([] { removeFileAndLeaveInformationFile(kOrigin, "/proc/nowhere/A.dll"); }));
+    EXPECT_TRUE(Holds(platform, {RemovalFrame()}));
+    EXPECT_EQ(1u, interposed::Files().writes.size());
+  });
 }
 
 TEST(Duplicates, a_disk_without_room_leaves_an_empty_information_file_silently) {
@@ -352,22 +351,6 @@ TEST(Duplicates, a_write_that_takes_nothing_ends_the_information_file_quietly) {
   const WriteRow rows[] = {{"at once", {WritesAtMost(0)}, 0},
                            {"after an interruption", {WritesAtMost(4), Fails(EINTR), WritesAtMost(0)}, 4}};
   for (const WriteRow& row : rows) ExpectWritten(row);
-}
-
-TEST(Duplicates, in_a_read_only_directory_the_removal_is_tried_and_nothing_else_happens) {
-  const TempDir package;
-  const std::string dll = package / "closed/A.dll";
-  WriteFile(dll, "MZ");
-  fs::permissions(package / "closed", fs::perms(0555));
-  support::InFreshProcess([&] {
-    ASSERT_TRUE(support::GiveUpPrivileges());
-    Platform& platform = doubles::Reset();
-    removeFileAndLeaveInformationFile(kOrigin, dll);
-    EXPECT_TRUE(Holds(platform, {RemovalFrame(Source("quarnel_util", "removeFile")
-                                                  .Error("Failed to remove %s : %s", dll, std::strerror(EACCES)))}));
-  });
-  EXPECT_EQ((std::vector<std::string>{"A.dll"}), support::NamesIn(package / "closed"));
-  fs::permissions(package / "closed", fs::perms::owner_all);
 }
 
 }  // namespace

@@ -6,10 +6,10 @@
 #include <functional>
 #include <string>
 
+#include "tests/support/expected_lines.h"
 #include "tests/support/manifests.h"
 #include "tests/support/standard_error.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
 
 namespace {
 
@@ -76,45 +76,37 @@ TEST(Hooks, another_kind_of_package_is_refused_with_not_inhouse) {
   }
 }
 
-TEST(Hooks, only_install_writes_to_standard_error_when_it_refuses) {
-  Fresh([](Platform&) {
-    EXPECT_EQ("### INSTALL : morvath, skip gac. it's not dotnet-inhouse app : pkg\n",
-              StandardErrorOf([] { PKGMGR_PARSER_PLUGIN_INSTALL(nullptr, "pkg"); }));
-    EXPECT_EQ("### INSTALL : morvath, skip gac. it's not dotnet-inhouse app : (null)\n",
-              StandardErrorOf([] { EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_INSTALL(nullptr, nullptr)); }));
-    for (const HookFunction hook :
-         {PKGMGR_PARSER_PLUGIN_UNINSTALL, PKGMGR_PARSER_PLUGIN_CLEAN, PKGMGR_PARSER_PLUGIN_UNDO}) {
-      EXPECT_EQ("", StandardErrorOf([&] { EXPECT_EQ(0, hook(nullptr, "pkg")); }));
-    }
-  });
+FRESH_TEST(Hooks, only_install_writes_to_standard_error_when_it_refuses) {
+  EXPECT_EQ("### INSTALL : morvath, skip gac. it's not dotnet-inhouse app : pkg\n",
+            StandardErrorOf([] { PKGMGR_PARSER_PLUGIN_INSTALL(nullptr, "pkg"); }));
+  EXPECT_EQ("### INSTALL : morvath, skip gac. it's not dotnet-inhouse app : (null)\n",
+            StandardErrorOf([] { EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_INSTALL(nullptr, nullptr)); }));
+  for (const HookFunction hook :
+       {PKGMGR_PARSER_PLUGIN_UNINSTALL, PKGMGR_PARSER_PLUGIN_CLEAN, PKGMGR_PARSER_PLUGIN_UNDO}) {
+    EXPECT_EQ("", StandardErrorOf([&] { EXPECT_EQ(0, hook(nullptr, "pkg")); }));
+  }
 }
 
-TEST(Hooks, once_a_dotnet_inhouse_manifest_was_seen_every_manifest_passes_the_gate) {
-  Fresh([](Platform& platform) {
-    PKGMGR_PARSER_PLUGIN_UNDO(DotnetManifest().get(), "pkg");
-    platform.journal.clear();
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UNINSTALL(OtherManifest().get(), "other"));
-    EXPECT_TRUE(Holds(platform, {Hook("UNINSTALL", {OtherWalk()})}));
-    EXPECT_EQ((Flags{{"other", true}}), cacheStateUninstall);
-  });
+FRESH_TEST(Hooks, once_a_dotnet_inhouse_manifest_was_seen_every_manifest_passes_the_gate) {
+  PKGMGR_PARSER_PLUGIN_UNDO(DotnetManifest().get(), "pkg");
+  platform.journal.clear();
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UNINSTALL(OtherManifest().get(), "other"));
+  EXPECT_TRUE(Holds(platform, {Hook("UNINSTALL", {OtherWalk()})}));
+  EXPECT_EQ((Flags{{"other", true}}), cacheStateUninstall);
 }
 
-TEST(Hooks, undo_of_a_dotnet_inhouse_package_changes_nothing) {
-  Fresh([](Platform& platform) {
-    EXPECT_EQ("", StandardErrorOf([] { EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UNDO(DotnetManifest().get(), "pkg")); }));
-    EXPECT_TRUE(Holds(platform, {Hook("UNDO", {DotnetWalk()})}));
-    EXPECT_TRUE(cacheStateUninstall.empty());
-    EXPECT_TRUE(aotStateUpgrade.empty());
-  });
+FRESH_TEST(Hooks, undo_of_a_dotnet_inhouse_package_changes_nothing) {
+  EXPECT_EQ("", StandardErrorOf([] { EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UNDO(DotnetManifest().get(), "pkg")); }));
+  EXPECT_TRUE(Holds(platform, {Hook("UNDO", {DotnetWalk()})}));
+  EXPECT_TRUE(cacheStateUninstall.empty());
+  EXPECT_TRUE(aotStateUpgrade.empty());
 }
 
-TEST(Hooks, undo_of_another_kind_of_package_changes_nothing) {
-  Fresh([](Platform& platform) {
-    EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UNDO(OtherManifest().get(), nullptr));
-    EXPECT_TRUE(Holds(platform, {Hook("UNDO", {OtherWalk(), NotInhouse("UNDO")})}));
-    EXPECT_TRUE(cacheStateUninstall.empty());
-    EXPECT_TRUE(aotStateUpgrade.empty());
-  });
+FRESH_TEST(Hooks, undo_of_another_kind_of_package_changes_nothing) {
+  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UNDO(OtherManifest().get(), nullptr));
+  EXPECT_TRUE(Holds(platform, {Hook("UNDO", {OtherWalk(), NotInhouse("UNDO")})}));
+  EXPECT_TRUE(cacheStateUninstall.empty());
+  EXPECT_TRUE(aotStateUpgrade.empty());
 }
 
 TEST(Hooks, undo_takes_a_null_id_of_a_dotnet_inhouse_package) {
@@ -158,11 +150,9 @@ TEST(Hooks, upgrade_of_a_null_id_leaves_as_an_exception_whatever_the_manifest) {
   }
 }
 
-TEST(Restart, a_successful_restart_writes_only_the_frame) {
-  Fresh([](Platform& platform) {
-    restartDotnetCandidateProcess();
-    EXPECT_TRUE(Holds(platform, {expected::LoaderRestarted()}));
-  });
+FRESH_TEST(Restart, a_successful_restart_writes_only_the_frame) {
+  restartDotnetCandidateProcess();
+  EXPECT_TRUE(Holds(platform, {expected::LoaderRestarted()}));
 }
 
 TEST(Restart, a_failed_restart_is_one_error_line_and_is_not_tried_again) {

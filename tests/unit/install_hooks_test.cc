@@ -5,12 +5,13 @@
 
 #include "plugin/hooks.h"
 #include "tests/support/device_root.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
 #include "tests/support/manifests.h"
 #include "tests/support/removal_texts.h"
 #include "tests/support/standard_error.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
+#include "tests/support/uris.h"
 
 namespace {
 
@@ -44,78 +45,66 @@ void PutDuplicatingPackage(Platform& platform, const std::vector<std::string>& p
 
 doubles::Steps PassWithDuplicate() { return Pass(0, 1, expected::DuplicateRemoved(kOrigin, kCopy)); }
 
-TEST(Install, a_package_without_duplicates_is_installed) {
-  FreshOnDevice([](Platform& platform) {
-    platform.packages.push_back(doubles::MakePackage("pkg", kRoot));
-    support::WriteFile(kCopy);
-    EXPECT_EQ(kInstallLine,
-              StandardErrorOf([] { EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_INSTALL(DotnetManifest().get(), "pkg")); }));
-    EXPECT_TRUE(Holds(platform, {Hook("INSTALL", {DotnetWalk(), Pass(0, 0)})}));
-    EXPECT_TRUE(support::IsThere(kCopy));
-    EXPECT_TRUE(aotStateUpgrade.empty());
-  });
+DEVICE_TEST(Install, a_package_without_duplicates_is_installed) {
+  platform.packages.push_back(doubles::MakePackage("pkg", kRoot));
+  support::WriteFile(kCopy);
+  EXPECT_EQ(kInstallLine,
+            StandardErrorOf([] { EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_INSTALL(DotnetManifest().get(), "pkg")); }));
+  EXPECT_TRUE(Holds(platform, {Hook("INSTALL", {DotnetWalk(), Pass(0, 0)})}));
+  EXPECT_TRUE(support::IsThere(kCopy));
+  EXPECT_TRUE(aotStateUpgrade.empty());
 }
 
-TEST(Install, duplicates_do_not_fail_an_ordinary_package) {
-  FreshOnDevice([](Platform& platform) {
-    PutDuplicatingPackage(platform);
-    EXPECT_EQ(std::string(kInstallLine) + support::DuplicateLine(kOrigin, kCopy),
-              StandardErrorOf([] { EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_INSTALL(DotnetManifest().get(), "pkg")); }));
-    EXPECT_TRUE(Holds(platform, {Hook("INSTALL", {DotnetWalk(), PassWithDuplicate(), expected::NoPrivilege()})}));
-    EXPECT_FALSE(support::IsThere(kCopy));
-    EXPECT_EQ(1, platform.Alive());  // the filter
-  });
+DEVICE_TEST(Install, duplicates_do_not_fail_an_ordinary_package) {
+  PutDuplicatingPackage(platform);
+  EXPECT_EQ(std::string(kInstallLine) + support::DuplicateLine(kOrigin, kCopy),
+            StandardErrorOf([] { EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_INSTALL(DotnetManifest().get(), "pkg")); }));
+  EXPECT_TRUE(Holds(platform, {Hook("INSTALL", {DotnetWalk(), PassWithDuplicate(), expected::NoPrivilege()})}));
+  EXPECT_FALSE(support::IsThere(kCopy));
+  EXPECT_EQ(1, platform.Alive());  // the filter
 }
 
-TEST(Install, duplicates_fail_a_package_under_debugging) {
-  FreshOnDevice([](Platform& platform) {
-    PutDuplicatingPackage(platform, {expected::kDebuggingPrivilege});
-    EXPECT_EQ(std::string(kInstallLine) + support::DuplicateLine(kOrigin, kCopy),
-              StandardErrorOf([] { EXPECT_EQ(-1, PKGMGR_PARSER_PLUGIN_INSTALL(DotnetManifest().get(), "pkg")); }));
-    EXPECT_TRUE(Holds(
-        platform,
-        {Hook("INSTALL", {DotnetWalk(), PassWithDuplicate(), expected::HavePrivilege(expected::kDebuggingPrivilege),
-                          Plugin("PKGMGR_PARSER_PLUGIN_INSTALL")
-                              .Error("Duplicated DLL found. Please refer guide : %s", ORVEL_GUIDE_URL)})}));
-    EXPECT_FALSE(support::IsThere(kCopy));
-  });
+DEVICE_TEST(Install, duplicates_fail_a_package_under_debugging) {
+  PutDuplicatingPackage(platform, {support::kDebuggingPrivilege});
+  EXPECT_EQ(std::string(kInstallLine) + support::DuplicateLine(kOrigin, kCopy),
+            StandardErrorOf([] { EXPECT_EQ(-1, PKGMGR_PARSER_PLUGIN_INSTALL(DotnetManifest().get(), "pkg")); }));
+  EXPECT_TRUE(
+      Holds(platform,
+            {Hook("INSTALL", {DotnetWalk(), PassWithDuplicate(), expected::HavePrivilege(support::kDebuggingPrivilege),
+                              Plugin("PKGMGR_PARSER_PLUGIN_INSTALL")
+                                  .Error("Duplicated DLL found. Please refer guide : %s", ORVEL_GUIDE_URL)})}));
+  EXPECT_FALSE(support::IsThere(kCopy));
 }
 
-TEST(Install, a_package_under_debugging_without_duplicates_is_installed) {
-  FreshOnDevice([](Platform& platform) {
-    platform.packages.push_back(doubles::MakePackage("pkg", kRoot));
-    platform.packages[0].privileges = {expected::kDebuggingPrivilege};
-    StandardErrorOf([] { EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_INSTALL(DotnetManifest().get(), "pkg")); });
-    EXPECT_TRUE(Holds(platform, {Hook("INSTALL", {DotnetWalk(), Pass(0, 0)})}));
-  });
+DEVICE_TEST(Install, a_package_under_debugging_without_duplicates_is_installed) {
+  platform.packages.push_back(doubles::MakePackage("pkg", kRoot));
+  platform.packages[0].privileges = {support::kDebuggingPrivilege};
+  StandardErrorOf([] { EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_INSTALL(DotnetManifest().get(), "pkg")); });
+  EXPECT_TRUE(Holds(platform, {Hook("INSTALL", {DotnetWalk(), Pass(0, 0)})}));
 }
 
-TEST(Install, a_package_under_debugging_without_a_root_fails_like_one_with_duplicates) {
-  FreshOnDevice([](Platform& platform) {
-    Package package;
-    package.id = "pkg";
-    package.privileges = {expected::kDebuggingPrivilege};
-    platform.packages.push_back(package);
-    EXPECT_EQ(std::string(kInstallLine) + "### INSTALL : morvath, pkgRoot is empty : pkg\n",
-              StandardErrorOf([] { EXPECT_EQ(-1, PKGMGR_PARSER_PLUGIN_INSTALL(DotnetManifest().get(), "pkg")); }));
-  });
+DEVICE_TEST(Install, a_package_under_debugging_without_a_root_fails_like_one_with_duplicates) {
+  Package package;
+  package.id = "pkg";
+  package.privileges = {support::kDebuggingPrivilege};
+  platform.packages.push_back(package);
+  EXPECT_EQ(std::string(kInstallLine) + "### INSTALL : morvath, pkgRoot is empty : pkg\n",
+            StandardErrorOf([] { EXPECT_EQ(-1, PKGMGR_PARSER_PLUGIN_INSTALL(DotnetManifest().get(), "pkg")); }));
 }
 
-TEST(Install, a_second_install_of_the_same_package_succeeds_without_a_pass) {
-  FreshOnDevice([](Platform& platform) {
-    PutDuplicatingPackage(platform, {expected::kDebuggingPrivilege});
-    StandardErrorOf([] { PKGMGR_PARSER_PLUGIN_INSTALL(DotnetManifest().get(), "pkg"); });
-    support::WriteFile(kCopy);
-    platform.journal.clear();
-    EXPECT_EQ(std::string(kInstallLine) + "### INSTALL : morvath, GAC already run for same pkgId : pkg\n",
-              StandardErrorOf([] { EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_INSTALL(DotnetManifest().get(), "pkg")); }));
-    EXPECT_TRUE(support::IsThere(kCopy));
-    EXPECT_TRUE(Holds(
-        platform,
-        {Hook("INSTALL", {DotnetWalk(),
-                          expected::TracedPlugin("int gac(const std::string&)",
-                                                 Plugin("gac").Info("GAC already run for same pkgId (%s)", "pkg"))})}));
-  });
+DEVICE_TEST(Install, a_second_install_of_the_same_package_succeeds_without_a_pass) {
+  PutDuplicatingPackage(platform, {support::kDebuggingPrivilege});
+  StandardErrorOf([] { PKGMGR_PARSER_PLUGIN_INSTALL(DotnetManifest().get(), "pkg"); });
+  support::WriteFile(kCopy);
+  platform.journal.clear();
+  EXPECT_EQ(std::string(kInstallLine) + "### INSTALL : morvath, GAC already run for same pkgId : pkg\n",
+            StandardErrorOf([] { EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_INSTALL(DotnetManifest().get(), "pkg")); }));
+  EXPECT_TRUE(support::IsThere(kCopy));
+  EXPECT_TRUE(Holds(
+      platform,
+      {Hook("INSTALL", {DotnetWalk(),
+                        expected::TracedPlugin("int gac(const std::string&)",
+                                               Plugin("gac").Info("GAC already run for same pkgId (%s)", "pkg"))})}));
 }
 
 struct ForwardingHook {
@@ -148,7 +137,7 @@ TEST(Upgrade, upgrade_and_removed_mark_the_package_and_install_it) {
 TEST(Upgrade, upgrade_and_removed_pass_on_the_failure_of_install) {
   for (const ForwardingHook& hook : kForwardingHooks) {
     FreshOnDevice([&](Platform& platform) {
-      PutDuplicatingPackage(platform, {expected::kDebuggingPrivilege});
+      PutDuplicatingPackage(platform, {support::kDebuggingPrivilege});
       StandardErrorOf([&] { EXPECT_EQ(-1, hook.function(DotnetManifest().get(), "pkg")); });
       EXPECT_EQ((Flags{{"pkg", true}}), aotStateUpgrade);
     });
@@ -167,11 +156,9 @@ TEST(Upgrade, another_kind_of_package_is_marked_as_well) {
   }
 }
 
-TEST(Upgrade, a_package_with_a_null_manifest_is_marked_as_well) {
-  Fresh([](Platform&) {
-    StandardErrorOf([] { EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UPGRADE(nullptr, "pkg")); });
-    EXPECT_EQ((Flags{{"pkg", true}}), aotStateUpgrade);
-  });
+FRESH_TEST(Upgrade, a_package_with_a_null_manifest_is_marked_as_well) {
+  StandardErrorOf([] { EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UPGRADE(nullptr, "pkg")); });
+  EXPECT_EQ((Flags{{"pkg", true}}), aotStateUpgrade);
 }
 
 }  // namespace

@@ -9,10 +9,11 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "tests/support/child.h"
 #include "tests/support/files.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
 
 namespace {
 
@@ -61,13 +62,13 @@ std::string PrintedBy(const std::function<void()>& body) {
   return testing::internal::GetCapturedStdout();
 }
 
-Platform& PlatformWith(const std::string& package_root) {
+Platform& PlatformWith(std::string_view package_root) {
   Platform& platform = doubles::Reset();
-  platform.packages.push_back(doubles::MakePackage("pkg", package_root));
+  platform.packages.push_back(doubles::MakePackage("pkg", std::string(package_root)));
   return platform;
 }
 
-Platform& PlatformWithType(const std::string& type) {
+Platform& PlatformWithType(std::string_view type) {
   Platform& platform = PlatformWith("/pkg");
   platform.packages.front().type = type;
   return platform;

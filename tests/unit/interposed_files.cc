@@ -65,8 +65,8 @@ ssize_t Give(const std::string& target, char* buffer, std::size_t size) {
 #pragma GCC visibility push(default)
 extern "C" {
 
-// The headers give stat, stat64, fstat and open the names of the C library's widest forms, which differ by processor;
-// so they do for the functions by which the real work is done here.
+// The headers give stat, stat64, fstat, lstat and open the names of the C library's widest forms, which differ by
+// processor; so they do for the functions by which the real work is done here.
 int stat(const char* path, struct stat* status) noexcept {
   interposed::FileSettings& settings = interposed::Files();
   settings.examined.emplace_back(path);
@@ -85,6 +85,13 @@ int fstat(int file, struct stat* status) noexcept {
   return fstatat(file, "", status, AT_EMPTY_PATH);
 }
 
+int lstat(const char* path, struct stat* status) noexcept {
+  const auto error = interposed::Files().look_errors.find(path);
+  if (error == interposed::Files().look_errors.end()) return fstatat(AT_FDCWD, path, status, AT_SYMLINK_NOFOLLOW);
+  errno = error->second;
+  return -1;
+}
+
 int open(const char* path, int flags, ...) {
   mode_t mode = 0;
   if ((flags & O_CREAT) != 0) {
@@ -93,7 +100,7 @@ int open(const char* path, int flags, ...) {
     mode = va_arg(arguments, mode_t);
     va_end(arguments);
   }
-  interposed::Files().open_flags = flags;
+  interposed::Files().common_open_flags &= flags;
   return interposed::NextFails(interposed::Files().open_errors) ? -1 : openat(AT_FDCWD, path, flags, mode);
 }
 

@@ -28,13 +28,14 @@ inline WriteStep WritesAtMost(std::size_t most) { return {0, most}; }
 
 struct FileSettings {
   std::map<std::string, Owner> owners;     // stat of a path that is there reports this owner
+  std::map<std::string, int> look_errors;  // lstat of the path fails with this errno
   std::optional<int> owner_change_error;   // chown and lchown change nothing: 0 is success, else it fails with it
   std::optional<int> self_path_error;      // readlink of /proc/self/exe fails with this errno
   std::optional<std::string> self_target;  // readlink of /proc/self/exe gives this
   std::deque<WriteStep> writes;            // the next calls of write; those after them are ordinary ones again
   std::deque<int> open_errors;             // the next calls of open fail with these; 0: an ordinary one
   std::deque<int> read_errors;             // the next calls of read, likewise
-  int open_flags = 0;                      // left here by open: the flags of the latest call
+  int common_open_flags = ~0;              // left here by open: the flags of all calls since this was set
   std::vector<std::string> examined;       // left here by stat and stat64: the paths
 };
 

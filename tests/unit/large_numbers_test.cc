@@ -27,9 +27,9 @@
 #include "quarnel_util/quarnel_util.h"
 #include "tests/support/child.h"
 #include "tests/support/files.h"
-#include "tests/unit/interposed.h"
+#include "tests/support/interposed.h"
+#include "tests/support/unit_case.h"
 #include "tests/unit/interposed_files.h"
-#include "tests/unit/unit_case.h"
 
 namespace {
 
@@ -61,8 +61,7 @@ void MountOverlay(const fs::path& root) {
 }
 
 void EnterNamespaceWithOverlay(const fs::path& root) {
-  host::EnterMountNamespace(geteuid() == 0 ? host::FixedPathsMethod::kMountNamespace
-                                           : host::FixedPathsMethod::kUserNamespace);
+  host::EnterMountNamespace(geteuid() != 0);
   MountOverlay(root);
 }
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <type_traits>
 
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <string>
 
 #include "plugin/manifest.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/manifests.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
 
 namespace {
 

@@ -9,10 +9,11 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/expected_lines.h"
+#include "tests/support/interposed.h"
 #include "tests/support/manifests.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/interposed.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
+#include "tests/support/uris.h"
 
 namespace {
 
@@ -20,11 +21,11 @@ using doubles::Join;
 using doubles::Platform;
 using doubles::Source;
 using doubles::Steps;
-using expected::kCobaKey;
 using expected::Names;
 using expected::Plugin;
 using support::ApplicationElement;
 using support::DotnetManifest;
+using support::kCobaKey;
 using support::ManifestOf;
 using support::MetadataElement;
 using support::Parse;
@@ -177,103 +178,85 @@ TEST(Manifest, the_first_application_element_that_decides_makes_it_dotnet_inhous
   }
 }
 
-TEST(Manifest, a_null_manifest_is_not_dotnet_inhouse) {
-  Fresh([](Platform& platform) {
-    EXPECT_FALSE(isAppDotnetInhouse(nullptr));
-    EXPECT_TRUE(Holds(platform, {Plugin("isAppDotnetInhouse").Error("xml provided is null")}));
-  });
+FRESH_TEST(Manifest, a_null_manifest_is_not_dotnet_inhouse) {
+  EXPECT_FALSE(isAppDotnetInhouse(nullptr));
+  EXPECT_TRUE(Holds(platform, {Plugin("isAppDotnetInhouse").Error("xml provided is null")}));
 }
 
-TEST(Manifest, after_a_dotnet_inhouse_manifest_every_one_that_is_not_null_is_one) {
-  Fresh([](Platform& platform) {
-    EXPECT_FALSE(isAppDotnetInhouse(Parse("<manifest/>").get()));
-    EXPECT_TRUE(isAppDotnetInhouse(DotnetManifest().get()));
-    platform.journal.clear();
-    EXPECT_TRUE(isAppDotnetInhouse(Parse("<manifest/>").get()));
-    EXPECT_TRUE(Holds(platform, {Names({"manifest"})}));
-    EXPECT_TRUE(isAppDotnetInhouse(ManifestOf(ApplicationElement("ui-application", "apitest")).get()));
-    EXPECT_FALSE(isAppDotnetInhouse(nullptr));
-    EXPECT_TRUE(isAppDotnetInhouse(Parse("<manifest/>").get()));
-  });
+FRESH_TEST(Manifest, after_a_dotnet_inhouse_manifest_every_one_that_is_not_null_is_one) {
+  EXPECT_FALSE(isAppDotnetInhouse(Parse("<manifest/>").get()));
+  EXPECT_TRUE(isAppDotnetInhouse(DotnetManifest().get()));
+  platform.journal.clear();
+  EXPECT_TRUE(isAppDotnetInhouse(Parse("<manifest/>").get()));
+  EXPECT_TRUE(Holds(platform, {Names({"manifest"})}));
+  EXPECT_TRUE(isAppDotnetInhouse(ManifestOf(ApplicationElement("ui-application", "apitest")).get()));
+  EXPECT_FALSE(isAppDotnetInhouse(nullptr));
+  EXPECT_TRUE(isAppDotnetInhouse(Parse("<manifest/>").get()));
 }
 
-TEST(Manifest, a_walker_that_cannot_be_made_answers_false_without_a_line) {
-  Fresh([](Platform& platform) {
-    interposed::Now().walker_fails = true;
-    EXPECT_FALSE(isAppDotnetInhouse(DotnetManifest().get()));
-    EXPECT_TRUE(Holds(platform, Steps{}));
-    EXPECT_FALSE(isAppCoBARelated(ManifestOf(MetadataElement(kCobaKey, "true")).get()));
-    EXPECT_TRUE(Holds(platform, {CobaWalk({})}));
-    EXPECT_TRUE(platform.Calls("xmlTextReaderRead").empty());
-  });
+FRESH_TEST(Manifest, a_walker_that_cannot_be_made_answers_false_without_a_line) {
+  interposed::Now().walker_fails = true;
+  EXPECT_FALSE(isAppDotnetInhouse(DotnetManifest().get()));
+  EXPECT_TRUE(Holds(platform, Steps{}));
+  EXPECT_FALSE(isAppCoBARelated(ManifestOf(MetadataElement(kCobaKey, "true")).get()));
+  EXPECT_TRUE(Holds(platform, {CobaWalk({})}));
+  EXPECT_TRUE(platform.Calls("xmlTextReaderRead").empty());
 }
 
-TEST(Manifest, a_walker_that_cannot_be_made_answers_false_even_after_a_dotnet_inhouse_manifest) {
-  Fresh([](Platform&) {
-    EXPECT_TRUE(isAppDotnetInhouse(DotnetManifest().get()));
-    interposed::Now().walker_fails = true;
-    EXPECT_FALSE(isAppDotnetInhouse(DotnetManifest().get()));
-  });
+FRESH_TEST(Manifest, a_walker_that_cannot_be_made_answers_false_even_after_a_dotnet_inhouse_manifest) {
+  EXPECT_TRUE(isAppDotnetInhouse(DotnetManifest().get()));
+  interposed::Now().walker_fails = true;
+  EXPECT_FALSE(isAppDotnetInhouse(DotnetManifest().get()));
 }
 
-TEST(Manifest, a_node_without_a_name_ends_the_walk_with_an_error_line) {
-  Fresh([](Platform& platform) {
-    const NamelessManifest manifest(ApplicationElement("ui-application", "dotnet-inhouse"));
-    EXPECT_FALSE(isAppDotnetInhouse(manifest.get()));
-    EXPECT_TRUE(Holds(
-        platform, {Names({"manifest"}), Plugin("isAppDotnetInhouse").Error("Error: Failed xmlTextReaderConstName")}));
-    EXPECT_TRUE(isAppDotnetInhouse(DotnetManifest().get()));
-    EXPECT_TRUE(isAppDotnetInhouse(manifest.get()));  // what was seen before
-  });
+FRESH_TEST(Manifest, a_node_without_a_name_ends_the_walk_with_an_error_line) {
+  const NamelessManifest manifest(ApplicationElement("ui-application", "dotnet-inhouse"));
+  EXPECT_FALSE(isAppDotnetInhouse(manifest.get()));
+  EXPECT_TRUE(Holds(platform,
+                    {Names({"manifest"}), Plugin("isAppDotnetInhouse").Error("Error: Failed xmlTextReaderConstName")}));
+  EXPECT_TRUE(isAppDotnetInhouse(DotnetManifest().get()));
+  EXPECT_TRUE(isAppDotnetInhouse(manifest.get()));  // what was seen before
 }
 
-TEST(Manifest, a_parse_error_ends_the_walk_as_the_end_of_the_document_does) {
-  Fresh([](Platform& platform) {
-    const support::Document document =
-        ManifestOf(ApplicationElement("ui-application", "dotnet-inhouse") + MetadataElement(kCobaKey, "true"));
-    interposed::Now().nodes_to_read = 1;
-    EXPECT_FALSE(isAppDotnetInhouse(document.get()));
-    interposed::Now().nodes_to_read = 2;
-    EXPECT_FALSE(isAppCoBARelated(document.get()));
-    EXPECT_TRUE(Holds(platform, {Names({"manifest"}), CobaWalk(LocalNames({"manifest", "ui-application"}))}));
-  });
+FRESH_TEST(Manifest, a_parse_error_ends_the_walk_as_the_end_of_the_document_does) {
+  const support::Document document =
+      ManifestOf(ApplicationElement("ui-application", "dotnet-inhouse") + MetadataElement(kCobaKey, "true"));
+  interposed::Now().nodes_to_read = 1;
+  EXPECT_FALSE(isAppDotnetInhouse(document.get()));
+  interposed::Now().nodes_to_read = 2;
+  EXPECT_FALSE(isAppCoBARelated(document.get()));
+  EXPECT_TRUE(Holds(platform, {Names({"manifest"}), CobaWalk(LocalNames({"manifest", "ui-application"}))}));
 }
 
-TEST(Manifest, no_memory_of_a_walk_is_kept) {
-  Fresh([](Platform&) {
-    const XmlMemory memory;
-    const auto manifest = ManifestOf(ApplicationElement("ui-application", "capp") + MetadataElement(kCobaKey, "true"));
-    const int before = memory.blocks();
-    EXPECT_FALSE(isAppDotnetInhouse(manifest.get()));
-    EXPECT_EQ(before, memory.blocks());
-    EXPECT_TRUE(isAppCoBARelated(manifest.get()));
-    EXPECT_EQ(before, memory.blocks());
-  });
+FRESH_TEST(Manifest, no_memory_of_a_walk_is_kept) {
+  const XmlMemory memory;
+  const auto manifest = ManifestOf(ApplicationElement("ui-application", "capp") + MetadataElement(kCobaKey, "true"));
+  const int before = memory.blocks();
+  EXPECT_FALSE(isAppDotnetInhouse(manifest.get()));
+  EXPECT_EQ(before, memory.blocks());
+  EXPECT_TRUE(isAppCoBARelated(manifest.get()));
+  EXPECT_EQ(before, memory.blocks());
 }
 
-TEST(Manifest, an_empty_document_declares_nothing) {
-  Fresh([](Platform& platform) {
-    const support::Document document(xmlNewDoc(nullptr));
-    EXPECT_FALSE(isAppDotnetInhouse(document.get()));
-    EXPECT_FALSE(isAppCoBARelated(document.get()));
-    EXPECT_TRUE(Holds(platform, {CobaWalk({})}));
-  });
+FRESH_TEST(Manifest, an_empty_document_declares_nothing) {
+  const support::Document document(xmlNewDoc(nullptr));
+  EXPECT_FALSE(isAppDotnetInhouse(document.get()));
+  EXPECT_FALSE(isAppCoBARelated(document.get()));
+  EXPECT_TRUE(Holds(platform, {CobaWalk({})}));
 }
 
-TEST(Manifest, the_document_is_left_as_it_was) {
-  Fresh([](Platform&) {
-    const support::Document document =
-        ManifestOf(ApplicationElement("ui-application", "dotnet-inhouse") + MetadataElement(kCobaKey, "true"));
-    isAppDotnetInhouse(document.get());
-    isAppCoBARelated(document.get());
-    xmlChar* text = nullptr;
-    int size = 0;
-    xmlDocDumpMemory(document.get(), &text, &size);
-    EXPECT_EQ("<?xml version=\"1.0\"?>\n<manifest><ui-application type=\"dotnet-inhouse\"/><metadata key=\"" +
-                  std::string(kCobaKey) + "\" value=\"true\"/></manifest>\n",
-              std::string(reinterpret_cast<const char*>(text)));
-    xmlFree(text);
-  });
+FRESH_TEST(Manifest, the_document_is_left_as_it_was) {
+  const support::Document document =
+      ManifestOf(ApplicationElement("ui-application", "dotnet-inhouse") + MetadataElement(kCobaKey, "true"));
+  isAppDotnetInhouse(document.get());
+  isAppCoBARelated(document.get());
+  xmlChar* text = nullptr;
+  int size = 0;
+  xmlDocDumpMemory(document.get(), &text, &size);
+  EXPECT_EQ("<?xml version=\"1.0\"?>\n<manifest><ui-application type=\"dotnet-inhouse\"/><metadata key=\"" +
+                std::string(kCobaKey) + "\" value=\"true\"/></manifest>\n",
+            std::string(reinterpret_cast<const char*>(text)));
+  xmlFree(text);
 }
 
 std::vector<Row> CobaRows() {
@@ -325,28 +308,22 @@ TEST(Manifest, the_first_coba_entry_makes_it_coba_related) {
   }
 }
 
-TEST(Manifest, coba_relation_is_not_kept_between_calls) {
-  Fresh([](Platform&) {
-    EXPECT_TRUE(isAppCoBARelated(ManifestOf(MetadataElement(kCobaKey, "true")).get()));
-    EXPECT_FALSE(isAppCoBARelated(DotnetManifest().get()));
-  });
+FRESH_TEST(Manifest, coba_relation_is_not_kept_between_calls) {
+  EXPECT_TRUE(isAppCoBARelated(ManifestOf(MetadataElement(kCobaKey, "true")).get()));
+  EXPECT_FALSE(isAppCoBARelated(DotnetManifest().get()));
 }
 
-TEST(Manifest, a_null_manifest_is_not_coba_related) {
-  Fresh([](Platform& platform) {
-    EXPECT_FALSE(isAppCoBARelated(nullptr));
-    EXPECT_TRUE(Holds(platform, {CobaWalk(Plugin("isAppCoBARelated").Error("xml provided is null"))}));
-  });
+FRESH_TEST(Manifest, a_null_manifest_is_not_coba_related) {
+  EXPECT_FALSE(isAppCoBARelated(nullptr));
+  EXPECT_TRUE(Holds(platform, {CobaWalk(Plugin("isAppCoBARelated").Error("xml provided is null"))}));
 }
 
-TEST(Manifest, a_node_without_a_name_ends_the_search_for_coba_entries) {
-  Fresh([](Platform& platform) {
-    const NamelessManifest manifest(MetadataElement(kCobaKey, "true"));
-    EXPECT_FALSE(isAppCoBARelated(manifest.get()));
-    EXPECT_TRUE(
-        Holds(platform, {CobaWalk(Join({LocalNames({"manifest"}),
-                                        Plugin("isAppCoBARelated").Error("Error: Failed xmlTextReaderConstName")}))}));
-  });
+FRESH_TEST(Manifest, a_node_without_a_name_ends_the_search_for_coba_entries) {
+  const NamelessManifest manifest(MetadataElement(kCobaKey, "true"));
+  EXPECT_FALSE(isAppCoBARelated(manifest.get()));
+  EXPECT_TRUE(
+      Holds(platform, {CobaWalk(Join({LocalNames({"manifest"}),
+                                      Plugin("isAppCoBARelated").Error("Error: Failed xmlTextReaderConstName")}))}));
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "morvath/metadata_utils.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
 
 namespace {
 

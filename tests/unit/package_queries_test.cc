@@ -6,9 +6,10 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
 
 namespace {
 
@@ -21,16 +22,14 @@ using doubles::Steps;
 constexpr const char* kGetPackage = "pkgmgrinfo_pkginfo_get_pkginfo";
 constexpr const char* kGetMainApp = "pkgmgrinfo_pkginfo_get_mainappid";
 constexpr const char* kGetApp = "pkgmgrinfo_appinfo_get_appinfo";
-constexpr const char* kGetExec = "pkgmgrinfo_appinfo_get_exec";
 constexpr const char* kGetPackageId = "pkgmgrinfo_appinfo_get_pkgid";
-constexpr const char* kGetMetadata = "pkgmgrinfo_appinfo_get_metadata_value";
 
 // A package whose main application and a second one have all that can be asked for.
-Platform& PlatformWithViewer(const std::string& exec = "/opt/usr/globalapps/pkg/bin/App") {
+Platform& PlatformWithViewer(std::string_view exec = "/opt/usr/globalapps/pkg/bin/App") {
   Platform& platform = doubles::Reset();
   doubles::Package package;
   package.id = "pkg";
-  package.applications = {{"viewer", "/pkg", {{"colour", "red"}, {"empty", ""}, {"shape", "round"}}, exec},
+  package.applications = {{"viewer", "/pkg", {{"colour", "red"}, {"empty", ""}, {"shape", "round"}}, std::string(exec)},
                           {"other", "/pkg", {{"colour", "blue"}, {"size", "7"}}, "/pkg/bin/Other"}};
   platform.packages = {doubles::MakePackage("first", "/first"), package};
   return platform;
@@ -42,27 +41,27 @@ Steps PackageAsked() { return Call(std::string(kGetPackage) + "(pkg)"); }
 Steps MainApplicationAsked() { return Call(std::string(kGetMainApp) + "()"); }
 Steps PackageDestroyed() { return Call("pkgmgrinfo_pkginfo_destroy_pkginfo()"); }
 
-// Everything about a look-up in the main application's record, with `question` asked of it.
-Steps WholeLookUp(const std::string& question) {
-  return Join({PackageAsked(), MainApplicationAsked(), ApplicationAsked("viewer"), Call(question),
-               ApplicationDestroyed(), PackageDestroyed()});
-}
+// A look-up in the main application's record: the function that asks, and what it asks the record.
+struct LookUp {
+  int (*function)(std::string& text);
+  const char* asked;     // the library's function
+  const char* question;  // that function's call
+
+  // Everything about a look-up that gets so far.
+  Steps Whole() const {
+    return Join({PackageAsked(), MainApplicationAsked(), ApplicationAsked("viewer"), Call(question),
+                 ApplicationDestroyed(), PackageDestroyed()});
+  }
+};
+
+const LookUp kName = {[](std::string& name) { return getExecName("pkg", name); }, "pkgmgrinfo_appinfo_get_exec",
+                      "pkgmgrinfo_appinfo_get_exec()"};
+const LookUp kValue = {[](std::string& value) { return getMetadataValue("pkg", "colour", value); },
+                       "pkgmgrinfo_appinfo_get_metadata_value", "pkgmgrinfo_appinfo_get_metadata_value(colour)"};
 
 void ExpectGivenBack(const Platform& platform) {
   EXPECT_TRUE(AllRecordsDestroyed(platform));
   EXPECT_TRUE(platform.misuses.empty());
-}
-
-// A call of the library that fails, and what is asked and destroyed then.
-struct FailureRow {
-  const char* function;
-  Steps journal;
-};
-
-std::vector<FailureRow> FailuresBeforeTheQuestion() {
-  return {{kGetPackage, PackageAsked()},
-          {kGetMainApp, Join({PackageAsked(), MainApplicationAsked(), PackageDestroyed()})},
-          {kGetApp, Join({PackageAsked(), MainApplicationAsked(), ApplicationAsked("viewer"), PackageDestroyed()})}};
 }
 
 // The package that owns an application.
@@ -130,47 +129,11 @@ TEST(ExecutableName, it_is_what_follows_the_last_slash_of_the_main_applications_
   for (const auto& [path, expected] : rows) {
     const Platform& platform = PlatformWithViewer(path);
     std::string name = "as it was";
-    EXPECT_EQ(0, getExecName("pkg", name)) << path;
+    EXPECT_EQ(0, kName.function(name)) << path;
     EXPECT_EQ(expected, name) << path;
-    EXPECT_TRUE(Holds(platform, WholeLookUp(std::string(kGetExec) + "()")));
+    EXPECT_TRUE(Holds(platform, kName.Whole()));
     ExpectGivenBack(platform);
   }
-}
-
-TEST(ExecutableName, a_failure_leaves_the_callers_name_alone_and_every_record_is_destroyed) {
-  std::vector<FailureRow> rows = FailuresBeforeTheQuestion();
-  rows.push_back({kGetExec, WholeLookUp(std::string(kGetExec) + "()")});
-  for (const FailureRow& row : rows) {
-    for (const int code : {-1, 1}) {
-      Platform& platform = PlatformWithViewer();
-      platform.FailNext(row.function, code);
-      std::string name = "as it was";
-      EXPECT_EQ(-1, getExecName("pkg", name)) << row.function;
-      EXPECT_EQ("as it was", name) << row.function;
-      EXPECT_TRUE(Holds(platform, row.journal)) << row.function;
-      ExpectGivenBack(platform);
-    }
-  }
-}
-
-TEST(ExecutableName, an_unknown_package_leaves_the_callers_name_alone) {
-  const Platform& platform = PlatformWithViewer();
-  std::string name = "as it was";
-  EXPECT_EQ(-1, getExecName("unknown", name));
-  EXPECT_EQ(-1, getExecName("viewer", name));
-  EXPECT_EQ(-1, getExecName("", name));
-  EXPECT_EQ("as it was", name);
-  EXPECT_EQ(0, platform.Created(Record::Kind::kApplication) + platform.Created(Record::Kind::kPackage));
-}
-
-TEST(ExecutableName, a_null_path_raises_and_every_record_is_destroyed) {
-  Platform& platform = PlatformWithViewer();
-  platform.GiveNullNext(kGetExec);
-  std::string name = "as it was";
-  EXPECT_TRUE(RaisesNullString([&] { getExecName("pkg", name); }));
-  EXPECT_EQ("as it was", name);
-  EXPECT_TRUE(Holds(platform, WholeLookUp(std::string(kGetExec) + "()")));
-  ExpectGivenBack(platform);
 }
 
 // Metadata of the main application.
@@ -178,13 +141,15 @@ TEST(ExecutableName, a_null_path_raises_and_every_record_is_destroyed) {
 TEST(MetadataValue, it_is_the_main_applications_value_for_the_key) {
   const std::pair<const char*, const char*> rows[] = {{"colour", "red"}, {"shape", "round"}, {"empty", ""}};
   for (const auto& [key, expected] : rows) {
-    const Platform& platform = PlatformWithViewer();
+    PlatformWithViewer();
     std::string value = "as it was";
     EXPECT_EQ(0, getMetadataValue("pkg", key, value)) << key;
     EXPECT_EQ(expected, value) << key;
-    EXPECT_TRUE(Holds(platform, WholeLookUp(std::string(kGetMetadata) + "(" + key + ")")));
-    ExpectGivenBack(platform);
   }
+  const Platform& platform = PlatformWithViewer();
+  std::string value;
+  EXPECT_EQ(0, kValue.function(value));
+  EXPECT_TRUE(Holds(platform, kValue.Whole()));
 }
 
 TEST(MetadataValue, an_absent_key_is_no_error_and_leaves_the_callers_value_alone) {
@@ -193,7 +158,6 @@ TEST(MetadataValue, an_absent_key_is_no_error_and_leaves_the_callers_value_alone
     std::string value = "as it was";
     EXPECT_EQ(0, getMetadataValue("pkg", key, value)) << key;
     EXPECT_EQ("as it was", value) << key;
-    EXPECT_TRUE(Holds(platform, WholeLookUp(std::string(kGetMetadata) + "(" + key + ")")));
     ExpectGivenBack(platform);
   }
 }
@@ -201,80 +165,78 @@ TEST(MetadataValue, an_absent_key_is_no_error_and_leaves_the_callers_value_alone
 TEST(MetadataValue, any_other_answer_than_0_is_an_absent_key) {
   for (const int code : {-1, 1, -38}) {
     Platform& platform = PlatformWithViewer();
-    platform.FailNext(kGetMetadata, code);
+    platform.FailNext(kValue.asked, code);
     std::string value = "as it was";
-    EXPECT_EQ(0, getMetadataValue("pkg", "colour", value));
+    EXPECT_EQ(0, kValue.function(value));
     EXPECT_EQ("as it was", value);
+    EXPECT_TRUE(Holds(platform, kValue.Whole()));
     ExpectGivenBack(platform);
   }
 }
 
-TEST(MetadataValue, a_failure_before_the_key_is_asked_for_leaves_the_callers_value_alone) {
-  for (const FailureRow& row : FailuresBeforeTheQuestion()) {
-    for (const int code : {-1, 1}) {
-      Platform& platform = PlatformWithViewer();
-      platform.FailNext(row.function, code);
-      std::string value = "as it was";
-      EXPECT_EQ(-1, getMetadataValue("pkg", "colour", value)) << row.function;
-      EXPECT_EQ("as it was", value) << row.function;
-      EXPECT_TRUE(Holds(platform, row.journal)) << row.function;
-      ExpectGivenBack(platform);
-    }
-  }
-}
+// What both look-ups in a main application have in common.
 
-TEST(MetadataValue, an_unknown_package_leaves_the_callers_value_alone) {
-  const Platform& platform = PlatformWithViewer();
-  std::string value = "as it was";
-  EXPECT_EQ(-1, getMetadataValue("unknown", "colour", value));
-  EXPECT_EQ(-1, getMetadataValue("colour", "pkg", value));
-  EXPECT_EQ("as it was", value);
-  EXPECT_EQ(0, platform.Created(Record::Kind::kApplication) + platform.Created(Record::Kind::kPackage));
-}
-
-TEST(MetadataValue, a_null_value_raises_and_every_record_is_destroyed) {
+void ExpectNothingFound(const LookUp& look_up, const Steps& journal, const std::function<void(Platform&)>& prepare) {
   Platform& platform = PlatformWithViewer();
-  platform.GiveNullNext(kGetMetadata);
-  std::string value = "as it was";
-  EXPECT_TRUE(RaisesNullString([&] { getMetadataValue("pkg", "colour", value); }));
-  EXPECT_EQ("as it was", value);
-  EXPECT_TRUE(Holds(platform, WholeLookUp(std::string(kGetMetadata) + "(colour)")));
+  prepare(platform);
+  std::string text = "as it was";
+  EXPECT_EQ(-1, look_up.function(text)) << look_up.asked;
+  EXPECT_EQ("as it was", text) << look_up.asked;
+  EXPECT_TRUE(Holds(platform, journal)) << look_up.asked;
   ExpectGivenBack(platform);
 }
 
-// What both look-ups in a main application have in common.
-
 void ExpectBothFindNothing(const Steps& journal, const std::function<void(Platform&)>& prepare) {
-  std::string text = "as it was";
-  Platform& for_name = PlatformWithViewer();
-  prepare(for_name);
-  EXPECT_EQ(-1, getExecName("pkg", text));
-  EXPECT_TRUE(Holds(for_name, journal));
-  ExpectGivenBack(for_name);
-  Platform& for_value = PlatformWithViewer();
-  prepare(for_value);
-  EXPECT_EQ(-1, getMetadataValue("pkg", "colour", text));
-  EXPECT_TRUE(Holds(for_value, journal));
-  ExpectGivenBack(for_value);
-  EXPECT_EQ("as it was", text);
+  for (const LookUp& look_up : {kName, kValue}) ExpectNothingFound(look_up, journal, prepare);
 }
 
-TEST(MainApplication, one_whose_record_is_gone_is_not_found_and_the_packages_record_is_destroyed) {
-  ExpectBothFindNothing(Join({PackageAsked(), MainApplicationAsked(), ApplicationAsked("viewer"), PackageDestroyed()}),
-                        [](Platform& platform) { platform.FailNext(kGetApp, -1); });
+const Steps kNoPackage = PackageAsked();
+const Steps kNoMainApplication = Join({PackageAsked(), MainApplicationAsked(), PackageDestroyed()});
+const Steps kNoApplication =
+    Join({PackageAsked(), MainApplicationAsked(), ApplicationAsked("viewer"), PackageDestroyed()});
+
+TEST(MainApplication, a_failure_leaves_the_callers_text_alone_and_every_record_is_destroyed) {
+  const std::pair<const char*, Steps> failures[] = {
+      {kGetPackage, kNoPackage}, {kGetMainApp, kNoMainApplication}, {kGetApp, kNoApplication}};
+  for (const int code : {-1, 1}) {
+    for (const auto& [function, journal] : failures) {
+      ExpectBothFindNothing(journal, [&, name = function](Platform& platform) { platform.FailNext(name, code); });
+    }
+    ExpectNothingFound(kName, kName.Whole(), [&](Platform& platform) { platform.FailNext(kName.asked, code); });
+  }
+}
+
+TEST(MainApplication, an_unknown_package_leaves_the_callers_text_alone) {
+  const Platform& platform = PlatformWithViewer();
+  std::string text = "as it was";
+  for (const char* package : {"unknown", "viewer", ""}) {
+    EXPECT_EQ(-1, getExecName(package, text)) << package;
+    EXPECT_EQ(-1, getMetadataValue(package, "colour", text)) << package;
+  }
+  EXPECT_EQ("as it was", text);
+  EXPECT_EQ(0, platform.Created(Record::Kind::kApplication) + platform.Created(Record::Kind::kPackage));
+}
+
+TEST(MainApplication, a_null_answer_raises_and_every_record_is_destroyed) {
+  for (const LookUp& look_up : {kName, kValue}) {
+    Platform& platform = PlatformWithViewer();
+    platform.GiveNullNext(look_up.asked);
+    std::string text = "as it was";
+    EXPECT_TRUE(RaisesNullString([&] { look_up.function(text); }));
+    EXPECT_EQ("as it was", text);
+    EXPECT_TRUE(Holds(platform, look_up.Whole()));
+    ExpectGivenBack(platform);
+  }
 }
 
 // What is asked with a null id, if anything is, is the platform's to refuse.
 TEST(MainApplication, a_package_without_one_has_neither_name_nor_value_and_its_record_is_destroyed) {
-  ExpectBothFindNothing(Join({PackageAsked(), MainApplicationAsked(), PackageDestroyed()}),
-                        [](Platform& platform) { platform.packages.back().applications.clear(); });
-  ExpectBothFindNothing(Join({PackageAsked(), MainApplicationAsked(), PackageDestroyed()}),
-                        [](Platform& platform) { platform.GiveNullNext(kGetMainApp); });
+  ExpectBothFindNothing(kNoMainApplication, [](Platform& platform) { platform.packages.back().applications.clear(); });
+  ExpectBothFindNothing(kNoMainApplication, [](Platform& platform) { platform.GiveNullNext(kGetMainApp); });
 }
 
 TEST(MainApplication, success_without_a_record_is_not_found_and_only_the_packages_record_is_destroyed) {
-  ExpectBothFindNothing(Join({PackageAsked(), MainApplicationAsked(), ApplicationAsked("viewer"), PackageDestroyed()}),
-                        [](Platform& platform) { platform.GiveNullNext(kGetApp); });
+  ExpectBothFindNothing(kNoApplication, [](Platform& platform) { platform.GiveNullNext(kGetApp); });
 }
 
 }  // namespace

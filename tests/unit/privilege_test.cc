@@ -4,8 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/expected_lines.h"
+#include "tests/support/unit_case.h"
+#include "tests/support/uris.h"
 #include "util/privilege_checker.h"
 
 namespace {
@@ -15,7 +16,7 @@ using doubles::Platform;
 using doubles::Source;
 using doubles::Steps;
 using doubles::Traced;
-using expected::kDebuggingPrivilege;
+using support::kDebuggingPrivilege;
 
 const Source kCallback("privilege_checker", "privilege_info_cb");
 const Source kHasPrivilege("privilege_checker", "HasPrivilege");
@@ -118,7 +119,7 @@ TEST(Privilege, debugging_is_the_app_debugging_privilege_of_the_platform_namespa
   EXPECT_TRUE(Holds(platform, {expected::HavePrivilege(kDebuggingPrivilege)}));
   EXPECT_FALSE(isInDebuggingState("unknown"));
 
-  PlatformWith({expected::kPlatformPrivilege, "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/AppDebugging"});
+  PlatformWith({support::kPlatformPrivilege, "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/AppDebugging"});
   EXPECT_FALSE(isInDebuggingState("pkg"));
 }
 

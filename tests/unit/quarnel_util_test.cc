@@ -11,7 +11,7 @@
 
 #include "tests/support/child.h"
 #include "tests/support/files.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
 
 namespace {
 

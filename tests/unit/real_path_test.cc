@@ -10,9 +10,9 @@
 #include "morvath/platform_utils.h"
 #include "plugin/duplicates.h"
 #include "tests/support/child.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
 
 namespace {
 

@@ -17,9 +17,9 @@
 #include "morvath/platform_utils.h"
 #include "tests/support/child.h"
 #include "tests/support/files.h"
-#include "tests/unit/interposed.h"
+#include "tests/support/interposed.h"
+#include "tests/support/unit_case.h"
 #include "tests/unit/interposed_files.h"
-#include "tests/unit/unit_case.h"
 
 namespace {
 

@@ -7,25 +7,20 @@
 
 #include "plugin/catalogues.h"
 #include "plugin/duplicates.h"
+#include "tests/support/expected_lines.h"
 #include "tests/support/files.h"
 #include "tests/support/removal_texts.h"
 #include "tests/support/standard_error.h"
-#include "tests/unit/expected_lines.h"
-#include "tests/unit/unit_case.h"
+#include "tests/support/unit_case.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-using doubles::Join;
 using doubles::Platform;
 using doubles::Source;
 using doubles::Steps;
-using expected::Compared;
-using expected::Dpc;
 using expected::DuplicateRemoved;
-using expected::NotDpc;
-using expected::Plugin;
 using support::DuplicateLine;
 using support::InformationText;
 using support::IsThere;
@@ -35,44 +30,38 @@ using support::WriteFile;
 
 constexpr const char* kOrigin = "/usr/share/dotnet.orvel/framework/A.dll";
 
-TEST(UniqueDll, what_is_not_named_like_a_dll_is_kept_unexamined) {
-  Fresh([](Platform& platform) {
-    const TempDir package;
-    coreFX = {{"A.DLL", "/x"}, {"A.json", "/x"}, {"A", "/x"}, {"A.dll.bak", "/x"}, {"A.dll", "/x"}};
-    for (const char* name : {"A.DLL", "A.json", "A", "A.dll.bak"}) {
-      WriteFile(package / name);
-      EXPECT_EQ(1, isUniqueDll(package / name, name)) << name;
-      EXPECT_TRUE(IsThere(package / name));
-    }
-    EXPECT_EQ(1, isUniqueDll("", "A.dll"));
-    EXPECT_TRUE(Holds(platform, Steps{}));
-  });
+FRESH_TEST(UniqueDll, what_is_not_named_like_a_dll_is_kept_unexamined) {
+  const TempDir package;
+  coreFX = {{"A.DLL", "/x"}, {"A.json", "/x"}, {"A", "/x"}, {"A.dll.bak", "/x"}, {"A.dll", "/x"}};
+  for (const char* name : {"A.DLL", "A.json", "A", "A.dll.bak"}) {
+    WriteFile(package / name);
+    EXPECT_EQ(1, isUniqueDll(package / name, name)) << name;
+    EXPECT_TRUE(IsThere(package / name));
+  }
+  EXPECT_EQ(1, isUniqueDll("", "A.dll"));
+  EXPECT_TRUE(Holds(platform, Steps{}));
 }
 
-TEST(UniqueDll, a_link_is_kept) {
-  Fresh([](Platform& platform) {
-    const TempDir package;
-    WriteFile(package / "B.dll");
-    fs::create_symlink("B.dll", package / "A.dll");
-    coreFX = {{"A.dll", kOrigin}};
-    EXPECT_EQ(1, isUniqueDll(package / "A.dll", "A.dll"));
-    EXPECT_TRUE(Holds(
-        platform, {Source("platform_utils", "isRealPath").Error("Symbolic link is detected : %s", package / "A.dll")}));
-    EXPECT_TRUE(IsThere(package / "A.dll"));
-    EXPECT_TRUE(IsThere(package / "B.dll"));
-  });
+FRESH_TEST(UniqueDll, a_link_is_kept) {
+  const TempDir package;
+  WriteFile(package / "B.dll");
+  fs::create_symlink("B.dll", package / "A.dll");
+  coreFX = {{"A.dll", kOrigin}};
+  EXPECT_EQ(1, isUniqueDll(package / "A.dll", "A.dll"));
+  EXPECT_TRUE(Holds(
+      platform, {Source("platform_utils", "isRealPath").Error("Symbolic link is detected : %s", package / "A.dll")}));
+  EXPECT_TRUE(IsThere(package / "A.dll"));
+  EXPECT_TRUE(IsThere(package / "B.dll"));
 }
 
-TEST(UniqueDll, a_dll_that_is_not_catalogued_is_kept) {
-  Fresh([](Platform& platform) {
-    const TempDir package;
-    WriteFile(package / "A.dll");
-    coreFX = {{"a.dll", "/x"}, {"A.ni.dll", "/x"}};
-    EXPECT_EQ(1, isUniqueDll(package / "A.dll", "A.dll"));
-    EXPECT_TRUE(Holds(platform, Steps{}));
-    EXPECT_EQ(2u, coreFX.size());
-    for (const auto* table : {&orvelFX, &coBA, &appLib}) EXPECT_TRUE(table->empty());
-  });
+FRESH_TEST(UniqueDll, a_dll_that_is_not_catalogued_is_kept) {
+  const TempDir package;
+  WriteFile(package / "A.dll");
+  coreFX = {{"a.dll", "/x"}, {"A.ni.dll", "/x"}};
+  EXPECT_EQ(1, isUniqueDll(package / "A.dll", "A.dll"));
+  EXPECT_TRUE(Holds(platform, Steps{}));
+  EXPECT_EQ(2u, coreFX.size());
+  for (const auto* table : {&orvelFX, &coBA, &appLib}) EXPECT_TRUE(table->empty());
 }
 
 TEST(UniqueDll, a_duplicate_of_any_catalogue_is_removed) {
@@ -123,54 +112,28 @@ TEST(UniqueDll, the_first_catalogue_names_the_origin) {
   }
 }
 
-TEST(UniqueDll, dpc_copies_are_kept) {
-  Fresh([](Platform& platform) {
-    const TempDir package;
-    const std::string dll = package / "d.pc/A.dll";
-    WriteFile(dll);
-    WriteFile(package / "B.dll");
-    coreFX = {{"A.dll", kOrigin}};
-    orvelFX = {{"B.dll", "/usr/share/dotnet.orvel/d.pc/B.dll"}};
-    EXPECT_EQ(1, isUniqueDll(dll, "A.dll"));
-    EXPECT_EQ(1, isUniqueDll(package / "B.dll", "B.dll"));
-    EXPECT_TRUE(Holds(platform, {Plugin("isExistInList").Debug("Found %s", kOrigin),
-                                 Compared(kOrigin, dll, Join({NotDpc(), Dpc(dll)})),
-                                 Plugin("isExistInList").Debug("Found %s", "/usr/share/dotnet.orvel/d.pc/B.dll"),
-                                 Compared("/usr/share/dotnet.orvel/d.pc/B.dll", package / "B.dll",
-                                          Dpc("/usr/share/dotnet.orvel/d.pc/B.dll"))}));
-    EXPECT_TRUE(IsThere(dll));
-    EXPECT_TRUE(IsThere(package / "B.dll"));
-  });
+FRESH_TEST(UniqueDll, a_duplicate_that_could_not_be_removed_counts_all_the_same) {
+  const TempDir package;
+  WriteFile(package / "A.dll/inside");
+  coreFX = {{"A.dll", kOrigin}};
+  StandardErrorOf([&] { EXPECT_EQ(0, isUniqueDll(package / "A.dll", "A.dll")); });
+  EXPECT_TRUE(IsThere(package / "A.dll/inside"));
 }
 
-TEST(UniqueDll, a_duplicate_that_could_not_be_removed_counts_all_the_same) {
-  Fresh([](Platform&) {
-    const TempDir package;
-    WriteFile(package / "A.dll/inside");
-    coreFX = {{"A.dll", kOrigin}};
-    StandardErrorOf([&] { EXPECT_EQ(0, isUniqueDll(package / "A.dll", "A.dll")); });
-    EXPECT_TRUE(IsThere(package / "A.dll/inside"));
-  });
+FRESH_TEST(UniqueDll, a_duplicate_of_a_read_write_copy_counts_and_stays) {
+  const TempDir package;
+  WriteFile(package / "A.dll");
+  coBA = {{"A.dll", "/opt/usr/globalapps/c/shared/res/A.dll"}};
+  StandardErrorOf([&] { EXPECT_EQ(0, isUniqueDll(package / "A.dll", "A.dll")); });
+  EXPECT_TRUE(IsThere(package / "A.dll"));
+  EXPECT_FALSE(IsThere(package / "A.dll_deleted"));
 }
 
-TEST(UniqueDll, a_duplicate_of_a_read_write_copy_counts_and_stays) {
-  Fresh([](Platform&) {
-    const TempDir package;
-    WriteFile(package / "A.dll");
-    coBA = {{"A.dll", "/opt/usr/globalapps/c/shared/res/A.dll"}};
-    StandardErrorOf([&] { EXPECT_EQ(0, isUniqueDll(package / "A.dll", "A.dll")); });
-    EXPECT_TRUE(IsThere(package / "A.dll"));
-    EXPECT_FALSE(IsThere(package / "A.dll_deleted"));
-  });
-}
-
-TEST(UniqueDll, a_file_that_vanished_is_judged_by_its_name) {
-  Fresh([](Platform& platform) {
-    const TempDir package;
-    coreFX = {{"A.dll", kOrigin}};
-    StandardErrorOf([&] { EXPECT_EQ(0, isUniqueDll(package / "A.dll", "A.dll")); });
-    EXPECT_TRUE(Holds(platform, {expected::NotThereYet(), DuplicateRemoved(kOrigin, package / "A.dll")}));
-  });
+FRESH_TEST(UniqueDll, a_file_that_vanished_is_judged_by_its_name) {
+  const TempDir package;
+  coreFX = {{"A.dll", kOrigin}};
+  StandardErrorOf([&] { EXPECT_EQ(0, isUniqueDll(package / "A.dll", "A.dll")); });
+  EXPECT_TRUE(Holds(platform, {expected::NotThereYet(), DuplicateRemoved(kOrigin, package / "A.dll")}));
 }
 
 }  // namespace

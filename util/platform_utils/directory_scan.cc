@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/affix.h"
 #include "morvath/platform_utils.h"
 #include "quarnel_util/quarnel_util.h"
 #include "util/platform_utils/directory_walk.h"
@@ -29,16 +30,18 @@ Listing OpenListing(const std::string& path) { return Listing(opendir(path.c_str
 
 struct Directory {
   Listing listing;
-  bool searchable;  // its entries can be reached by path
+  std::size_t reachable;  // how long names are at most that can be reached by their paths
 };
 
 // A directory that may be listed need not let anybody reach its entries. Going through "." asks for that as well, in
 // the one call that opens it.
 Directory OpenDirectory(const std::string& path) {
-  if (path.empty()) return {nullptr, false};
-  Listing listing = OpenListing(path + "/.");
-  if (listing != nullptr || (errno != EACCES && errno != ENAMETOOLONG)) return {std::move(listing), true};
-  return {OpenListing(path), false};
+  if (path.empty()) return {nullptr, 0};
+  Listing listing = OpenListing(concatPath(path, "."));
+  if (listing != nullptr || (errno != EACCES && errno != ENAMETOOLONG)) {
+    return {std::move(listing), PATH_MAX - path.size() - sizeof "/"};
+  }
+  return {OpenListing(path), 0};
 }
 
 bool IsDotOrDotDot(std::string_view name) { return name == "." || name == ".."; }
@@ -48,57 +51,39 @@ bool LeadsToFileOrDirectory(const std::string& path) {
   return stat64(path.c_str(), &status) == 0 && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
 }
 
-// `directory` with what concatPath puts between it and an entry's name.
-std::string WithJoint(const std::string& directory) {
-  const std::string anyName = "x";
-  std::string joined = concatPath(directory, anyName);
-  joined.resize(joined.size() - anyName.size());
-  return joined;
-}
-
 }  // namespace
 
-ListedFile::ListedFile(std::string& directory, std::string_view name, bool regular)
-    : directory_(directory), directoryLength_(directory.size()), name_(name), regular_(regular) {}
-
-ListedFile::~ListedFile() { directory_.resize(directoryLength_); }
-
-const std::string& ListedFile::path() const {
-  if (directory_.size() == directoryLength_) directory_ += name_;
-  return directory_;
-}
+std::string ListedFile::Path() const { return concatPath(directory, std::string(name)); }
 
 void WalkFiles(const std::string& path, FileVisitor visit, unsigned int depth) {
-  if (path.find(kAssemblyCacheLinks) != std::string::npos) return;
+  if (Contains(path, kAssemblyCacheLinks)) return;
   const Directory directory = OpenDirectory(path);
   if (directory.listing == nullptr) return;
 
-  std::string place = WithJoint(path);
   std::vector<std::string> subdirectories;
   while (const dirent64* entry = readdir64(directory.listing.get())) {
     const std::string_view name = entry->d_name;
-    const bool reachable = directory.searchable && place.size() + name.size() < PATH_MAX;
-    const ListedFile file(place, name, entry->d_type == DT_REG && reachable);
+    const ListedFile file{path, name, entry->d_type == DT_REG && name.size() <= directory.reachable};
     switch (entry->d_type) {
       case DT_REG:
         visit(file);
         break;
       case DT_LNK:
       case DT_UNKNOWN:
-        if (LeadsToFileOrDirectory(file.path())) visit(file);
+        if (LeadsToFileOrDirectory(file.Path())) visit(file);
         break;
       case DT_DIR:
-        if (depth >= 2 && !IsDotOrDotDot(name)) subdirectories.push_back(file.path());
+        if (depth >= 2 && !IsDotOrDotDot(name)) subdirectories.emplace_back(name);
         break;
       default:
         break;
     }
   }
-  for (const std::string& subdirectory : subdirectories) WalkFiles(subdirectory, visit, depth - 1);
+  for (const std::string& subdirectory : subdirectories) WalkFiles(concatPath(path, subdirectory), visit, depth - 1);
 }
 
 void scanFilesInDirExcludeSymlink(const std::string& path, FileReader reader, unsigned int depth) {
-  auto read = [reader = std::move(reader)](const ListedFile& file) { reader(file.path(), std::string(file.name())); };
+  auto read = [reader = std::move(reader)](const ListedFile& file) { reader(file.Path(), std::string(file.name)); };
   WalkFiles(path, std::move(read), depth);
 }
 

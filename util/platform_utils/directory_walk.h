@@ -8,27 +8,14 @@
 #include <string_view>
 
 // A file that a walk has come to; good until the visitor returns.
-class ListedFile {
- public:
-  // `directory` is the path of the file's directory with the joint to the name behind it; it lends its room to path().
-  // `regular`: the listing says that the file is a regular one, and lstat could reach it by its path.
-  ListedFile(std::string& directory, std::string_view name, bool regular);
-  // Gives `directory` back as it was.
-  ~ListedFile();
-  ListedFile(const ListedFile&) = delete;
-  ListedFile& operator=(const ListedFile&) = delete;
+struct ListedFile {
+  const std::string& directory;
+  std::string_view name;
+  // The listing says that the file is a regular one, and nothing about its path speaks against lstat finding it.
+  bool regular;
 
-  std::string_view name() const { return name_; }
-  // True when lstat would find a regular file here. Otherwise only lstat itself can tell.
-  bool regular() const { return regular_; }
-  // The full path; put together when first asked for.
-  const std::string& path() const;
-
- private:
-  std::string& directory_;
-  std::size_t directoryLength_;
-  std::string_view name_;
-  bool regular_;
+  // The full path, put together anew with every call.
+  std::string Path() const;
 };
 
 using FileVisitor = std::function<void(const ListedFile&)>;

@@ -23,7 +23,8 @@ constexpr int kSavedLine = 177;
 constexpr off_t kMostBytesRead = off_t{128} << 20;
 
 // The temporary file's name may be taken by what would take the text elsewhere: a file that has another name as well,
-// a pipe or a device. Such a thing is removed; what is left of an earlier write stays and is used again.
+// a pipe or a device. Such a thing is removed; a directory stays, and opening it will fail; what is left of an earlier
+// write stays and is used again.
 void FreeTemporaryName(const std::string& path) {
   struct stat status;
   if (lstat(path.c_str(), &status) == 0 && (!S_ISREG(status.st_mode) || status.st_nlink > 1)) unlink(path.c_str());

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/affix.h"
 #include "base/package_records.h"
 #include "orvel/ovplatform.h"
 #include "orvel/pkgmgr_installer.h"
@@ -26,7 +27,7 @@ void Print(const char* text) { std::fwrite(text, 1, std::strlen(text), stdout); 
 
 bool IsInReadWriteArea(const std::string& path) {
   const char* root = ovplatform_getenv(OVPLATFORM_RW_APPS_ROOT);
-  return root == nullptr || path.find(root) != std::string::npos;
+  return root == nullptr || Contains(path, root);
 }
 
 bool isReleaseVersion() { return access(kReleaseMarker, F_OK) == 0; }

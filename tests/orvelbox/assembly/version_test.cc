@@ -87,12 +87,7 @@ TEST(AssemblyVersion, versions_compare_number_by_number) {
   EXPECT_LT((AssemblyVersion{1, 9, 9, 9}), (AssemblyVersion{2, 0, 0, 0}));
 }
 
-TEST(AssemblyVersion, texts_are_read_back_exactly) {
-  EXPECT_EQ(ParseAssemblyVersion("13.0.3.27908"), kVersion);
-  for (const char* text : {"", "1.2.3", "1.2.3.4.5", "1.2.3.x", "1.2.3.70000", "01.2.3.4", " 1.2.3.4"}) {
-    EXPECT_FALSE(ParseAssemblyVersion(text)) << text;
-  }
-}
+TEST(AssemblyVersion, is_told_number_by_number) { EXPECT_EQ(ToString(kVersion), "13.0.3.27908"); }
 
 }  // namespace
 }  // namespace orvelbox

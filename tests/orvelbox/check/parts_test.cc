@@ -1,16 +1,22 @@
-// The parts of a check: its facts as JSON, its words, its project lines, its SARIF log, its pool of processes.
+// The parts of a check: its facts as JSON, its words, its project lines, its SARIF log, its threads.
 #include <gmock/gmock.h>
+#include <unistd.h>
 
+#include <atomic>
+#include <chrono>
 #include <csignal>
 #include <nlohmann/json.hpp>
+#include <thread>
 
 #include "orvelbox/check/check.h"
-#include "orvelbox/check/process_pool.h"
+#include "orvelbox/check/package_json.h"
 #include "orvelbox/check/project_lines.h"
 #include "orvelbox/check/sarif.h"
 #include "orvelbox/check/table.h"
+#include "orvelbox/check/workers.h"
 #include "orvelbox/desk/progress.h"
 #include "orvelbox/desk/text_table.h"
+#include "platform/host/child_process.h"
 #include "platform/host/device.h"
 
 namespace orvelbox {
@@ -50,7 +56,7 @@ CheckedDll NewerDll() {
   return dll;
 }
 
-TEST(CheckJson, says_everything_and_is_read_back) {
+TEST(CheckJson, says_everything_in_one_line) {
   CheckedPackage package = Package({NewerDll(), Dll("bin/Own.dll", Verdict::kKept, "")});
   package.dlls[1].reason = "because";
   package.debugging = true;
@@ -58,10 +64,14 @@ TEST(CheckJson, says_everything_and_is_read_back) {
   EXPECT_THAT(line, Not(HasSubstr("\n")));
   EXPECT_THAT(line, HasSubstr(R"("duplicates":1)"));
   EXPECT_THAT(line, HasSubstr(R"("newer_than_origin":true)"));
-  const CheckedPackage read = CheckedPackageFromJson(line);
-  EXPECT_EQ(ToJson(read), line);
-  EXPECT_EQ(read.dlls[0].provided.version, (AssemblyVersion{1, 9, 0, 0}));
-  EXPECT_TRUE(read.debugging);
+  const auto read = nlohmann::json::parse(line);
+  EXPECT_EQ(read["package"], "shop.opk");
+  EXPECT_EQ(read["debugging"], true);
+  EXPECT_EQ(read["dlls"][0]["verdict"], "removed");
+  EXPECT_EQ(read["dlls"][0]["assembly_version"], "2.0.0.0");
+  EXPECT_EQ(read["dlls"][0]["origin_assembly_version"], "1.9.0.0");
+  EXPECT_EQ(read["dlls"][0]["origin_size"], 10);
+  EXPECT_EQ(read["dlls"][1]["reason"], "because");
 }
 
 TEST(CheckJson, a_problem_takes_the_place_of_the_facts) {
@@ -69,7 +79,6 @@ TEST(CheckJson, a_problem_takes_the_place_of_the_facts) {
   package.name = "a\xff\x1b";
   package.problem = "gone";
   EXPECT_EQ(ToJson(package), "{\"package\":\"a\\ufffd\\u001b\",\"error\":\"gone\"}");
-  EXPECT_EQ(CheckedPackageFromJson(ToJson(package)).problem, "gone");
 }
 
 TEST(CheckTable, has_a_row_for_every_dll_and_warns_of_newer_ones) {
@@ -159,52 +168,67 @@ TEST(Privilege, short_names_are_those_at_the_ends_of_the_uris) {
   EXPECT_THROW(PrivilegeUri("bogus"), std::invalid_argument);
 }
 
-std::vector<std::string> ResultsOf(std::size_t count, unsigned processes,
-                                   const std::function<std::string(std::size_t)>& work) {
+CheckedPackage Named(const std::string& name) {
+  CheckedPackage package;
+  package.name = name;
+  return package;
+}
+
+std::vector<std::string> ResultsOf(std::size_t count, unsigned threads,
+                                   const std::function<std::string(std::size_t, const std::atomic<bool>&)>& work) {
   std::vector<std::string> results;
+  std::size_t through = 0;
   const host::HeldSignals signals;
-  RunInProcesses(
-      signals, count, processes, work,
-      [&](std::size_t number, const PieceResult& result) {
+  RunOnThreads(
+      count, threads,
+      [&](std::size_t number, const std::atomic<bool>& stopped) { return Named(work(number, stopped)); },
+      [&](std::size_t number, CheckedPackage package) {
         EXPECT_EQ(number, results.size());
-        results.push_back(result.text + result.problem);
+        results.push_back(package.name);
       },
-      [](std::size_t) {});
+      [&](std::size_t finished) {
+        EXPECT_GE(finished, through);
+        through = finished;
+      });
+  EXPECT_EQ(through, count);
   return results;
 }
 
-TEST(ProcessPool, results_come_in_order_whoever_is_through_first) {
+TEST(Workers, results_come_in_order_whoever_is_through_first) {
   std::vector<std::string> expected;
-  for (int i = 0; i < 20; ++i) expected.push_back(std::to_string(i) + std::string(i % 3 == 0 ? 200000 : 1, 'x'));
-  const auto work = [](std::size_t i) { return std::to_string(i) + std::string(i % 3 == 0 ? 200000 : 1, 'x'); };
-  EXPECT_EQ(ResultsOf(20, 3, work), expected);
-  EXPECT_EQ(ResultsOf(20, 1, work), expected);
-}
-
-TEST(ProcessPool, a_piece_that_dies_spoils_no_other) {
-  const auto results = ResultsOf(3, 2, [](std::size_t i) {
-    if (i == 1) raise(SIGKILL);
+  for (int i = 0; i < 20; ++i) expected.push_back(std::to_string(i));
+  const auto work = [](std::size_t i, const std::atomic<bool>&) {
+    if (i % 3 == 0) std::this_thread::sleep_for(std::chrono::milliseconds(5));
     return std::to_string(i);
-  });
-  EXPECT_THAT(results, ElementsAre("0", HasSubstr("killed by signal 9"), "2"));
+  };
+  for (const unsigned threads : {1U, 3U, 64U}) EXPECT_EQ(ResultsOf(20, threads, work), expected);
 }
 
-TEST(ProcessPool, each_piece_begins_with_the_same_state) {
-  int runs = 0;
-  EXPECT_THAT(ResultsOf(3, 1, [&](std::size_t) { return std::to_string(++runs); }), ElementsAre("1", "1", "1"));
+TEST(Workers, nothing_to_do_is_done_at_once) {
+  EXPECT_THAT(ResultsOf(0, 4, [](std::size_t, const std::atomic<bool>&) { return std::string("never"); }), IsEmpty());
 }
 
-TEST(ProcessPool, an_interruption_ends_the_children) {
+TEST(Workers, work_goes_on_at_the_same_time) {
+  std::atomic<int> begun{0};
+  const auto meet = [&](std::size_t, const std::atomic<bool>&) {
+    ++begun;
+    while (begun < 2) std::this_thread::yield();
+    return std::string();
+  };
+  EXPECT_EQ(ResultsOf(2, 2, meet).size(), 2U);
+}
+
+TEST(Workers, an_interruption_stops_the_work) {
   EXPECT_EXIT(
       {
-        const auto stall = [](std::size_t) {
-          kill(getppid(), SIGTERM);
-          pause();
+        const auto stall = [](std::size_t, const std::atomic<bool>& stopped) {
+          kill(getpid(), SIGTERM);
+          while (!stopped) std::this_thread::yield();
           return std::string();
         };
         try {
           ResultsOf(2, 2, stall);
-        } catch (const host::DeviceError& error) {
+        } catch (const host::DeviceError&) {
           _exit(0);  // the signal itself came with the end of HeldSignals, before this
         }
       },

@@ -1,95 +1,125 @@
-// What a command line asks for, and which device.
+// What a command line asks for.
 #include "orvelbox/cli/command_line.h"
 
 #include <gmock/gmock.h>
 
-#include <map>
+#include <stdexcept>
+
+#include "orvelbox/commands/all.h"
 
 namespace orvelbox {
 namespace {
 
-Options Parse(std::vector<const char*> arguments) {
-  arguments.insert(arguments.begin(), "orvelbox");
-  const auto parsed = ParseCommandLine(static_cast<int>(arguments.size()), arguments.data());
-  EXPECT_TRUE(std::holds_alternative<Options>(parsed));
-  return std::holds_alternative<Options>(parsed) ? std::get<Options>(parsed) : Options();
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+// A command with an option of each kind.
+class Cut : public Command {
+ public:
+  Cut()
+      : Command({"cut",
+                 "Cuts",
+                 Example("cut"),
+                 {{"--fine", "", {}, "Fine", &fine},
+                  {"--how", "H", {"a", "b"}, "How", &how},
+                  {"--with", "W", {}, "With", &with},
+                  {"--times", "N", {}, "Times", Number{&times, 3}}},
+                 {{"THING", "", {}, "What", &thing}, {"MORE", "", {}, "What else", &more, true}},
+                 {{"deep", "Cuts deep", Example("cut deep"), {}, {}, {}, &deep}}}) {}
+
+  void Accept(const GlobalOptions& /*global*/) override {
+    if (thing == "air") throw std::invalid_argument("air: cannot be cut");
+  }
+  int Run(const GlobalOptions& /*global*/) const override { return kDone; }
+
+  bool fine = false;
+  std::string how = "a";
+  std::vector<std::string> with;
+  unsigned times = 1;
+  std::string thing;
+  std::string more;
+  bool deep = false;
+};
+
+class CommandLine : public testing::Test {
+ protected:
+  CommandLine() {
+    auto cut = std::make_unique<Cut>();
+    cut_ = cut.get();
+    commands_.push_back(std::move(cut));
+  }
+
+  std::variant<Request, int> Parse(std::vector<const char*> arguments) const {
+    arguments.insert(arguments.begin(), "orvelbox");
+    return ParseCommandLine(commands_, static_cast<int>(arguments.size()), arguments.data());
+  }
+
+  GlobalOptions Global(const std::vector<const char*>& arguments) const {
+    return std::get<Request>(Parse(arguments)).global;
+  }
+
+  std::string ComplaintAbout(const std::vector<const char*>& arguments) const {
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(std::get<int>(Parse(arguments)), kUsage);
+    return testing::internal::GetCapturedStderr();
+  }
+
+  Commands commands_;
+  Cut* cut_;
+};
+
+TEST_F(CommandLine, global_options_stand_before_or_after_the_command) {
+  EXPECT_EQ(Global({"--device", "d", "cut", "x"}).device, "d");
+  EXPECT_EQ(Global({"cut", "x", "--device", "d"}).device, "d");
 }
 
-std::string Chosen(const std::string& option, const std::map<std::string, std::string>& environment) {
-  return ChooseDevice(option, [&](const char* name) {
-    const auto found = environment.find(name);
-    return found == environment.end() ? nullptr : found->second.c_str();
-  });
+TEST_F(CommandLine, a_command_has_its_options_and_arguments) {
+  const auto parsed = Parse({"--plugin", "p.so", "--trace", "t.json", "cut", "--fine", "--how", "b", "--with", "saw",
+                             "--with", "axe", "--times", "3", "wood", "--quiet"});
+  const auto& request = std::get<Request>(parsed);
+  EXPECT_EQ(request.command, cut_);
+  EXPECT_EQ(request.global.plugin, "p.so");
+  EXPECT_EQ(request.global.trace, "t.json");
+  EXPECT_TRUE(request.global.quiet);
+  EXPECT_TRUE(cut_->fine);
+  EXPECT_EQ(cut_->how, "b");
+  EXPECT_THAT(cut_->with, ElementsAre("saw", "axe"));
+  EXPECT_EQ(cut_->times, 3U);
+  EXPECT_EQ(cut_->thing, "wood");
+  EXPECT_EQ(cut_->more, "");
+  EXPECT_FALSE(cut_->deep);
 }
 
-TEST(CommandLine, global_options_stand_before_or_after_the_command) {
-  EXPECT_EQ(Parse({"--device", "d", "list"}).device, "d");
-  EXPECT_EQ(Parse({"list", "--device", "d"}).device, "d");
+TEST_F(CommandLine, a_command_of_a_command_is_noted) {
+  Parse({"cut", "wood", "deep"});
+  EXPECT_TRUE(cut_->deep);
 }
 
-TEST(CommandLine, a_command_has_its_target) {
-  const Options options = Parse({"--plugin", "p.so", "--trace", "t.json", "upgrade", "dir"});
-  EXPECT_EQ(options.command, "upgrade");
-  EXPECT_EQ(options.target, "dir");
-  EXPECT_EQ(options.plugin, "p.so");
-  EXPECT_EQ(options.trace, "t.json");
+TEST_F(CommandLine, an_unknown_command_is_named) {
+  EXPECT_THAT(ComplaintAbout({"frob"}), HasSubstr("not expected: frob"));
 }
 
-TEST(CommandLine, events_are_named_in_any_case) {
-  const auto events = Parse({"events", "clean:p", "Uninstall:q.I", "INSTALL:r"}).events;
-  ASSERT_EQ(events.size(), 3u);
-  EXPECT_EQ(events[0].hook + events[1].hook + events[2].hook, "CLEANUNINSTALLINSTALL");
-  EXPECT_EQ(events[1].package_id, "q.I");
+TEST_F(CommandLine, a_missing_command_is_told) {
+  EXPECT_THAT(ComplaintAbout({}), HasSubstr("A subcommand is required"));
 }
 
-std::string ComplaintAbout(std::vector<const char*> arguments) {
-  arguments.insert(arguments.begin(), "orvelbox");
-  testing::internal::CaptureStderr();
-  const auto parsed = ParseCommandLine(static_cast<int>(arguments.size()), arguments.data());
-  EXPECT_TRUE(std::holds_alternative<int>(parsed) && std::get<int>(parsed) == 2);
-  return testing::internal::GetCapturedStderr();
+TEST_F(CommandLine, what_an_option_does_not_take_is_named) {
+  EXPECT_THAT(ComplaintAbout({"cut"}), HasSubstr("THING is required"));
+  EXPECT_THAT(ComplaintAbout({"cut", "x", "--how", "c"}), HasSubstr("c not in {a,b}"));
+  EXPECT_THAT(ComplaintAbout({"cut", "x", "--times", "4"}), HasSubstr("not in range 1 to 3"));
 }
 
-TEST(CommandLine, an_unknown_command_is_named) {
-  EXPECT_THAT(ComplaintAbout({"frob"}), testing::HasSubstr("not expected: frob"));
+TEST_F(CommandLine, wrong_usage_that_only_the_command_knows_is_told_in_its_words) {
+  EXPECT_EQ(ComplaintAbout({"cut", "air"}), "orvelbox: air: cannot be cut\n");
 }
 
-TEST(CommandLine, a_missing_command_is_told) {
-  EXPECT_THAT(ComplaintAbout({}), testing::HasSubstr("A subcommand is required"));
+TEST(Commands, each_name_is_there_once) {
+  std::vector<std::string> names;
+  for (const auto& command : AllCommands()) names.push_back(command->facts().name);
+  std::sort(names.begin(), names.end());
+  EXPECT_GT(names.size(), 15U);
+  EXPECT_EQ(std::adjacent_find(names.begin(), names.end()), names.end());
 }
-
-TEST(CommandLine, events_are_read_in_order_and_any_case) {
-  const Options options = Parse({"events", "Install:a", "CLEANUP:b:c"});
-  ASSERT_EQ(options.events.size(), 2U);
-  EXPECT_EQ(options.events[0].hook, "INSTALL");
-  EXPECT_EQ(options.events[0].package_id, "a");
-  EXPECT_EQ(options.events[1].hook, "CLEANUP");
-  EXPECT_EQ(options.events[1].package_id, "b:c");
-}
-
-TEST(CommandLine, the_log_is_shown_whole_unless_asked_otherwise) {
-  const Options plain = Parse({"log"});
-  EXPECT_EQ(plain.log_filter.priority, 'D');
-  EXPECT_FALSE(plain.follow);
-  const Options asked = Parse({"log", "--follow", "--tag", "T", "--priority", "E"});
-  EXPECT_TRUE(asked.follow);
-  EXPECT_EQ(asked.log_filter.tag, "T");
-  EXPECT_EQ(asked.log_filter.priority, 'E');
-}
-
-TEST(CommandLine, the_option_wins_over_the_environment) {
-  EXPECT_EQ(Chosen("o", {{"ORVELBOX_DEVICE", "/e"}}), "o");
-  EXPECT_EQ(Chosen("", {{"ORVELBOX_DEVICE", "/e"}, {"XDG_STATE_HOME", "/x"}}), "/e");
-}
-
-TEST(CommandLine, the_xdg_state_directory_is_the_default) {
-  EXPECT_EQ(Chosen("", {{"XDG_STATE_HOME", "/x"}, {"HOME", "/h"}}), "/x/orvelbox/device");
-  EXPECT_EQ(Chosen("", {{"HOME", "/h"}}), "/h/.local/state/orvelbox/device");
-  EXPECT_EQ(Chosen("", {{"XDG_STATE_HOME", "relative"}, {"HOME", "/h"}}), "/h/.local/state/orvelbox/device");
-  EXPECT_EQ(Chosen("", {{"ORVELBOX_DEVICE", ""}, {"HOME", "/h"}}), "/h/.local/state/orvelbox/device");
-}
-
-TEST(CommandLine, no_device_at_all_is_an_error) { EXPECT_THROW(Chosen("", {}), host::DeviceError); }
 
 }  // namespace
 }  // namespace orvelbox

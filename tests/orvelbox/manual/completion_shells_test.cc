@@ -1,6 +1,8 @@
 // The completions in the shells that not every machine has.
 #include <gmock/gmock.h>
 
+#include "orvelbox/cli/command_line.h"
+#include "orvelbox/commands/all.h"
 #include "orvelbox/manual/manual.h"
 #include "tests/support/command.h"
 #include "tests/support/files.h"
@@ -14,7 +16,9 @@ using testing::HasSubstr;
 class Completion : public testing::Test {
  protected:
   void SetUp() override {
-    const CommandFacts program = DescribeProgram();
+    const Commands commands = AllCommands();
+    GlobalOptions global;
+    const CommandFacts program = DescribeProgram(commands, global);
     support::WriteFile(dir_ / "orvelbox.fish", FishCompletion(program));
     support::WriteFile(dir_ / "_orvelbox", ZshCompletion(program));
   }

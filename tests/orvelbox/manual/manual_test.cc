@@ -6,6 +6,8 @@
 #include <functional>
 #include <stdexcept>
 
+#include "orvelbox/cli/command_line.h"
+#include "orvelbox/commands/all.h"
 #include "tests/support/command.h"
 #include "tests/support/files.h"
 
@@ -16,6 +18,11 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+
+CommandFacts Program() {
+  GlobalOptions global;
+  return DescribeProgram(AllCommands(), global);  // only its texts are looked at
+}
 
 void ForEachCommand(const CommandFacts& program, const std::function<void(const CommandFacts&)>& look) {
   for (const CommandFacts& command : program.commands) {
@@ -40,7 +47,7 @@ CommandFacts Small() {
 
 TEST(Manual, every_command_has_an_example_that_calls_it) {
   int commands = 0;
-  ForEachCommand(DescribeProgram(), [&](const CommandFacts& command) {
+  ForEachCommand(Program(), [&](const CommandFacts& command) {
     ++commands;
     const std::size_t example = command.footer.find("Example: orvelbox ");
     ASSERT_NE(example, std::string::npos) << command.name;
@@ -50,10 +57,30 @@ TEST(Manual, every_command_has_an_example_that_calls_it) {
   EXPECT_GE(commands, 19);
 }
 
+bool ConsistsOf(std::string_view text, std::string_view letters) {
+  return !text.empty() && text.find_first_not_of(letters) == std::string_view::npos;
+}
+
+// Releases of CLI11 differ in what they take for a name of an argument; these are taken by all.
+TEST(Manual, every_name_is_a_plain_word) {
+  const auto expect_option = [](const Option& option) {
+    EXPECT_EQ(option.name.substr(0, 2), "--") << option.name;
+    EXPECT_TRUE(ConsistsOf(option.name.substr(2), "abcdefghijklmnopqrstuvwxyz")) << option.name;
+  };
+  const CommandFacts program = Program();
+  for (const Option& option : program.options) expect_option(option);
+  ForEachCommand(program, [&](const CommandFacts& command) {
+    for (const Option& option : command.options) expect_option(option);
+    for (const Option& argument : command.arguments) {
+      EXPECT_TRUE(ConsistsOf(argument.name, "ABCDEFGHIJKLMNOPQRSTUVWXYZ|")) << argument.name;
+    }
+  });
+}
+
 // The option of the command "log".
-OptionFacts OfLog(const std::string& name) {
-  for (const CommandFacts& command : DescribeProgram().commands) {
-    for (const OptionFacts& option : command.options) {
+Option OfLog(const std::string& name) {
+  for (const CommandFacts& command : Program().commands) {
+    for (const Option& option : command.options) {
       if (command.name == "log" && option.name == name) return option;
     }
   }
@@ -82,7 +109,7 @@ class BashCompletes : public testing::Test {
  protected:
   // What bash would offer for the last of `words`, in an empty directory with the file "shop.opk".
   std::string After(const std::string& words) const {
-    support::WriteFile(dir_ / "completion/orvelbox.bash", BashCompletion(DescribeProgram()));
+    support::WriteFile(dir_ / "completion/orvelbox.bash", BashCompletion(Program()));
     support::WriteFile(dir_ / "desk/shop.opk");
     support::WriteFile(dir_ / "try.sh", "set -eu\ncd desk\n. ../completion/orvelbox.bash\nCOMP_WORDS=(orvelbox " +
                                             words +

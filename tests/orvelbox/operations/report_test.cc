@@ -13,8 +13,8 @@ using testing::IsEmpty;
 
 constexpr const char* kPlatformDll = "/usr/share/dotnet.orvel/framework/X.dll";
 
-Observation WithDll(const std::string& origin, bool there, bool information_file) {
-  Observation seen;
+Effects WithDll(const std::string& origin, bool there, bool information_file) {
+  Effects seen;
   seen.dlls.push_back({{origin, "/root/a/bin/X.dll", false}, there, information_file});
   return seen;
 }
@@ -43,14 +43,14 @@ TEST(Report, a_package_whose_root_begins_like_another_one_is_not_the_same) {
 }
 
 TEST(Report, every_cache_entry_has_a_line_and_the_file_is_named_once) {
-  Observation seen;
+  Effects seen;
   seen.tpa = {CacheState::kSound, true, {"/a", "/b"}, {"/c"}};
   EXPECT_THAT(DescribeEffects(seen, ""), ElementsAre("    TPA.txt  + /a", "             + /b", "             - /c",
                                                      "    CoBA.txt unchanged", "    loader   not restarted"));
 }
 
 TEST(Report, a_cache_file_that_went_or_was_damaged_is_told) {
-  Observation seen;
+  Effects seen;
   seen.tpa = {CacheState::kMissing, true, {}, {}};
   seen.coba = {CacheState::kSound, true, {}, {}};
   EXPECT_THAT(DescribeEffects(seen, ""), Contains("    TPA.txt  missing"));
@@ -58,26 +58,26 @@ TEST(Report, a_cache_file_that_went_or_was_damaged_is_told) {
 }
 
 TEST(Report, other_errors_of_the_log_are_shown) {
-  Observation seen;
+  Effects seen;
   seen.log.errors = {"lstat error."};
   EXPECT_THAT(DescribeEffects(seen, ""), Contains("    error    lstat error."));
 }
 
 TEST(Report, success_has_no_reason_of_failure) {
-  Observation seen;
+  Effects seen;
   seen.hooks.results = {Returned("INSTALL", 0), Returned("CLEAN", 0)};
   EXPECT_EQ(ReasonOfFailure(seen), "");
   EXPECT_THAT(ExplainDebuggingFailure(seen, ""), IsEmpty());
 }
 
 TEST(Report, a_failed_install_without_the_guide_line_is_told_by_its_result) {
-  Observation seen;
+  Effects seen;
   seen.hooks.results = {Returned("INSTALL", -1), Returned("UNDO", 0)};
   EXPECT_EQ(ReasonOfFailure(seen), "INSTALL returned -1; see: orvelbox log --priority E");
 }
 
 TEST(Report, the_number_of_duplicates_is_told_in_the_right_grammar) {
-  Observation seen = WithDll(kPlatformDll, false, true);
+  Effects seen = WithDll(kPlatformDll, false, true);
   seen.log.guide = "guide";
   EXPECT_THAT(ReasonOfFailure(seen), HasSubstr("1 of its DLLs is there already; take it out"));
   seen.dlls.push_back(seen.dlls.front());

@@ -1,0 +1,42 @@
+// log: the device's log.
+#include <cstdlib>
+
+#include "orvelbox/commands/device_choice.h"
+#include "orvelbox/desk/output.h"
+#include "orvelbox/history/log_view.h"
+
+namespace orvelbox {
+namespace {
+
+class Log : public Command {
+ public:
+  Log()
+      : Command(
+            {"log",
+             "Show the device's log",
+             Example("log --priority I --follow"),
+             {JsonFlag(&json_),
+              {"--follow", "", {}, "Go on with every record that comes", &follow_},
+              {"--tag", "TAG", {}, "Only records under this tag", &tag_},
+              {"--priority", "P", {"D", "I", "E"}, "Only records of this priority and above (D, I, E)", &priority_}},
+             {},
+             {}}) {}
+
+  int Run(const GlobalOptions& global) const override {
+    const bool colour = ColourWanted(std::getenv("NO_COLOR"));
+    ShowLog(OpenChosenDevice(global), {{tag_, priority_.front()}, follow_, colour, json_});
+    return kDone;
+  }
+
+ private:
+  bool json_ = false;
+  bool follow_ = false;
+  std::string tag_;
+  std::string priority_ = "D";
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeLog() { return std::make_unique<Log>(); }
+
+}  // namespace orvelbox

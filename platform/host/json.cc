@@ -1,0 +1,14 @@
+// The library's parser and writer.
+#include "platform/host/json.h"
+
+#include <nlohmann/json.hpp>
+
+namespace host {
+
+Json ParseJson(std::string_view text) { return Json::parse(text, nullptr, false); }
+
+std::string JsonText(const Json& json, int indentation) {
+  return json.dump(indentation, ' ', false, Json::error_handler_t::replace);
+}
+
+}  // namespace host

@@ -1,0 +1,45 @@
+// A log line as it was recorded, and its parts.
+#ifndef TESTS_DOUBLES_LOG_LINE_H_
+#define TESTS_DOUBLES_LOG_LINE_H_
+
+#include <string>
+
+namespace doubles {
+
+// What the format of every log line begins with.
+inline constexpr const char* kLineStart = "%s: %s(%d) > ";
+// What its text ends in.
+inline constexpr const char* kReset = "\033[0m\n";
+
+// A kind of message.
+struct MessageKind {
+  int priority;
+  const char* colour;
+};
+inline constexpr MessageKind kDebug{3, "\033[0m"};
+inline constexpr MessageKind kInfo{4, "\033[36m"};
+inline constexpr MessageKind kError{6, "\033[31m"};
+inline constexpr MessageKind kTrace{3, "\033[90m"};
+
+// One call of __dlog_print. The three fields at the end are read from the arguments; they are empty (the line 0) when
+// the format does not begin with kLineStart.
+struct LogLine {
+  int log_id = 0;
+  int priority = 0;
+  std::string tag;
+  std::string format;
+  std::string text;
+  std::string unit;
+  std::string function;
+  int line = 0;
+};
+
+// What a log line's text begins with: "UNIT: FUNCTION(LINE) > ".
+std::string PositionOf(const LogLine& line);
+
+// The message of a log line: its text without position, colour and the closing reset.
+std::string MessageOf(const LogLine& line);
+
+}  // namespace doubles
+
+#endif
