@@ -1,6 +1,7 @@
 // The launcher utility library.
 #include "quarnel_util/quarnel_util.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -27,15 +28,20 @@ std::string WithoutTrailingSlash(std::string path) {
 // A name that holds a separator, or what begins the end marker of the loader's lists, would fall apart in them.
 bool CanBeListed(const std::string& name) { return name.find_first_of(":[") == std::string::npos; }
 
+// Boost's library is not asked: it may have been built for dates of 32 bits and takes no file with a later one.
+bool IsRegularFile(const fs::path& path) {
+  struct stat status;
+  return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
 // The names in `directory` that stand for assemblies, sorted by byte.
 std::vector<std::string> AssemblyNames(const fs::path& directory) {
   std::vector<std::string> names;
   boost::system::error_code error;
   for (fs::directory_iterator entry(directory, error), end; !error && entry != end; entry.increment(error)) {
-    boost::system::error_code unreadable;
     std::string name = entry->path().filename().string();
     if (!IsAssemblyName(name) || !CanBeListed(name)) continue;
-    if (fs::is_regular_file(entry->path(), unreadable)) names.push_back(std::move(name));
+    if (IsRegularFile(entry->path())) names.push_back(std::move(name));
   }
   std::sort(names.begin(), names.end());
   return names;
