@@ -35,17 +35,16 @@ class RootFinder {
   // `root` must outlive the finder.
   explicit RootFinder(const std::string& root) : empty_(root.empty()), searcher_(root.begin(), root.end()) {}
 
-  // Where the first entry of the root at or after `from` begins; npos when there is none. `before` stands for the
-  // character before `from`.
-  std::size_t FindEntry(const std::string& text, std::size_t from, char before) const {
-    while (from <= text.size()) {
+  // Where the first entry of the root at or after `begin` begins; npos when there is none. `before` stands for the
+  // character before `begin`.
+  std::size_t FindEntry(const std::string& text, std::size_t begin, char before) const {
+    for (std::size_t from = begin; from <= text.size();) {
       const auto match = searcher_(text.begin() + static_cast<std::ptrdiff_t>(from), text.end()).first;
       if (match == text.end() && !empty_) break;
       const auto pos = static_cast<std::size_t>(match - text.begin());
-      if (pos > from) before = text[pos - 1];
-      if (before == kEntrySeparator || before == ']') return pos;
+      const char preceding = pos > begin ? text[pos - 1] : before;
+      if (preceding == kEntrySeparator || preceding == ']') return pos;
       from = pos + 1;
-      before = text[pos];
     }
     return std::string::npos;
   }
