@@ -126,4 +126,10 @@ void RequirePlatform(const fs::path& platform) {
                           "tvappapi/");
 }
 
+void CopyPlatform(const fs::path& platform, const host::Device& device) {
+  for (const char* name : host::kPlatformAssemblyDirectories) {
+    if (IsThere(platform / name)) CopyTree(platform / name, device.OnDesk(host::kPlatformAssemblies) / name);
+  }
+}
+
 }  // namespace orvelbox

@@ -1,9 +1,8 @@
 // The SARIF log.
-#include "orvelbox/check/sarif.h"
-
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "orvelbox/check/formats.h"
 #include "orvelbox/desk/json.h"
 
 namespace orvelbox {

@@ -6,13 +6,9 @@ namespace {
 
 class InstallCommand : public ChangingCommand {
  public:
-  InstallCommand()
-      : ChangingCommand({"install",
-                         "Install a package: INSTALL, then CLEAN",
-                         Example("install shop.opk"),
-                         {},
-                         {PackageArgument(&package_)},
-                         {}}) {}
+  InstallCommand() : ChangingCommand("install", "Install a package: INSTALL, then CLEAN", "install shop.opk") {
+    AddArgument(PackageArgument(&package_));
+  }
 
  private:
   int RunOn(const Session& session) const override {

@@ -7,12 +7,9 @@ namespace {
 class UpgradeCommand : public ChangingCommand {
  public:
   UpgradeCommand()
-      : ChangingCommand({"upgrade",
-                         "Upgrade an installed package: UPGRADE, then CLEAN",
-                         Example("upgrade shop.opk"),
-                         {},
-                         {PackageArgument(&package_)},
-                         {}}) {}
+      : ChangingCommand("upgrade", "Upgrade an installed package: UPGRADE, then CLEAN", "upgrade shop.opk") {
+    AddArgument(PackageArgument(&package_));
+  }
 
  private:
   int RunOn(const Session& session) const override {

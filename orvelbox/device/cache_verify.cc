@@ -91,6 +91,13 @@ std::vector<CacheFinding> FindPrefixHazards(const std::vector<host::Package>& pa
   return findings;
 }
 
+Lines DescribeFindings(const std::vector<CacheFinding>& findings) {
+  if (findings.empty()) return {"both cache files are sound"};
+  Lines lines;
+  for (const CacheFinding& finding : findings) lines.push_back(finding.text);
+  return lines;
+}
+
 std::string ToJson(const std::vector<CacheFinding>& findings) {
   Json json = {{"sound", findings.empty()}, {"findings", Json::array()}};
   for (const CacheFinding& finding : findings) {
