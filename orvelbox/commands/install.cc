@@ -1,5 +1,6 @@
 // install: puts a package on the device.
 #include "orvelbox/commands/changing_command.h"
+#include "orvelbox/package/source.h"
 
 namespace orvelbox {
 namespace {

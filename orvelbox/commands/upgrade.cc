@@ -1,5 +1,6 @@
 // upgrade: replaces an installed package by another version.
 #include "orvelbox/commands/changing_command.h"
+#include "orvelbox/package/source.h"
 
 namespace orvelbox {
 namespace {
