@@ -1,6 +1,6 @@
 #!/bin/sh
-# lint.sh BUILD: format, clang-tidy, cppcheck and shellcheck over the sources, and the product built in BUILD, which
-# holds the compile commands.
+# lint.sh BUILD: format, rooms, shellcheck, cppcheck and clang-tidy over the sources, and the product built in BUILD,
+# which holds the compile commands.
 set -eu
 build=$1
 jobs=$(nproc)
@@ -11,6 +11,9 @@ sources() {
 
 echo "clang-format"
 sources '*.cc' '*.h' | xargs clang-format --dry-run -Werror
+
+echo "rooms"
+scripts/rooms.py
 
 echo "shellcheck"
 sources '*.sh' .ci/run | xargs shellcheck

@@ -1,8 +1,7 @@
 // The facts of a check as JSON.
-#include "orvelbox/check/package_json.h"
-
 #include <nlohmann/json.hpp>
 
+#include "orvelbox/check/formats.h"
 #include "orvelbox/check/project_lines.h"
 #include "orvelbox/desk/json.h"
 

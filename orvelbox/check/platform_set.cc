@@ -7,9 +7,9 @@
 
 #include "base/fixed_names.h"
 #include "morvath/metadata_utils.h"
-#include "orvelbox/desk/paths.h"
 #include "orvelbox/desk/tree.h"
 #include "platform/host/files.h"
+#include "platform/host/paths.h"
 
 namespace fs = std::filesystem;
 
@@ -56,8 +56,8 @@ PlatformSet SetOfList(const fs::path& list, const fs::path& scratch) {
   set.only_names = true;
   for (const std::string& path : ReadList(list)) {
     const std::size_t shared = path.rfind(kSharedResourceSuffix);
-    if (IsBelow(path, host::kPlatformAssemblies)) {
-      Touch(set.assemblies / From(host::kPlatformAssemblies, path));
+    if (host::IsBelow(path, host::kPlatformAssemblies)) {
+      Touch(set.assemblies / host::From(host::kPlatformAssemblies, path));
     } else if (shared != std::string::npos && shared > 0) {
       const std::string root = path.substr(0, shared);
       const fs::path desk = scratch / "coba" / fs::path(root).relative_path();
@@ -124,6 +124,12 @@ void RequirePlatform(const fs::path& platform) {
   throw host::DeviceError(platform.string() +
                           ": no platform assemblies; name a directory that holds netcoreapp/, framework/, d.pc/ or " +
                           "tvappapi/");
+}
+
+void CopyPlatform(const fs::path& platform, const host::Device& device) {
+  for (const char* name : host::kPlatformAssemblyDirectories) {
+    if (IsThere(platform / name)) CopyTree(platform / name, device.OnDesk(host::kPlatformAssemblies) / name);
+  }
 }
 
 }  // namespace orvelbox

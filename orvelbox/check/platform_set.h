@@ -53,6 +53,9 @@ std::string RootOnDevice(const PlatformSet& set, const std::string& id);
 // Throws host::DeviceError unless `platform` holds at least one of the platform's directories.
 void RequirePlatform(const std::filesystem::path& platform);
 
+// Copies the platform's directories that `platform` holds to the device. Throws host::DeviceError.
+void CopyPlatform(const std::filesystem::path& platform, const host::Device& device);
+
 }  // namespace orvelbox
 
 #endif

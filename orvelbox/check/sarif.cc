@@ -1,9 +1,10 @@
 // The SARIF log.
-#include "orvelbox/check/sarif.h"
-
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "base/affix.h"
+#include "orvelbox/check/formats.h"
+#include "orvelbox/check/percent_encoding.h"
 #include "orvelbox/desk/json.h"
 
 namespace orvelbox {
@@ -24,17 +25,8 @@ Json Rule(const char* id, const std::string& text) {
 // A path as the relative or file URI that it is.
 std::string UriOf(const std::string& path) {
   static constexpr std::string_view kPlain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/";
-  static constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string uri = !path.empty() && path.front() == '/' ? "file://" : "";
-  for (const char c : path) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (kPlain.find(c) != std::string_view::npos) {
-      uri += c;
-    } else {
-      uri.append("%").append(1, kDigits[byte >> 4U]).append(1, kDigits[byte & 15U]);
-    }
-  }
-  return uri;
+  const std::string scheme = HasPrefix(path, "/") ? "file://" : "";
+  return scheme + PercentEncoded(path, [](char c) { return kPlain.find(c) != std::string_view::npos; });
 }
 
 std::string VersionIn(const DllCopy& copy) { return copy.version ? " (" + ToString(*copy.version) + ")" : ""; }

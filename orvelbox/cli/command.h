@@ -36,12 +36,12 @@ using Target = std::variant<std::monostate, bool*, std::string*, std::vector<std
 
 // An option or an argument.
 struct Option {
-  std::string name;                  // "--device"; of an argument "PACKAGE"
-  std::string value;                 // what follows, "DIR"; empty for a flag and for an argument
-  std::vector<std::string> choices;  // the values that may follow; empty: any
+  std::string name;   // "--device"; of an argument "PACKAGE"
+  std::string value;  // what follows, "DIR"; empty for a flag and for an argument
   std::string description;
   Target target = {};
-  bool may_be_missing = false;  // of an argument
+  std::vector<std::string> choices = {};  // the values that may follow; empty: any
+  bool may_be_missing = false;            // of an argument
   // What is wrong with a value; empty when nothing is.
   std::function<std::string(const std::string& value)> fault = {};
 };
@@ -50,16 +50,18 @@ struct Option {
 struct CommandFacts {
   std::string name;
   std::string description;
-  std::string footer;  // holds an example
-  std::vector<Option> options;
-  std::vector<Option> arguments;
-  std::vector<CommandFacts> commands;
+  std::string footer;
+  std::vector<Option> options = {};
+  std::vector<Option> arguments = {};
+  std::vector<CommandFacts> commands = {};
   bool* chosen = nullptr;  // where parsing notes that a command of a command is asked for
 };
 
 class Command {
  public:
-  explicit Command(CommandFacts facts) : facts_(std::move(facts)) {}
+  // `example` is how it may be called, after "orvelbox "; `note` stands before it.
+  Command(std::string name, std::string description, const std::string& example, const std::string& note = "")
+      : facts_{std::move(name), std::move(description), note + "Example: orvelbox " + example} {}
   Command(const Command&) = delete;  // its facts point into it
   Command& operator=(const Command&) = delete;
   virtual ~Command() = default;
@@ -70,21 +72,23 @@ class Command {
   // Does it and returns the exit status. Throws host::DeviceError for what it refuses.
   virtual int Run(const GlobalOptions& global) const = 0;
 
+ protected:
+  void AddOption(Option option) { facts_.options.push_back(std::move(option)); }
+  void AddArgument(Option argument) { facts_.arguments.push_back(std::move(argument)); }
+  void AddCommand(CommandFacts command) { facts_.commands.push_back(std::move(command)); }
+
  private:
   CommandFacts facts_;
 };
 
 using Commands = std::vector<std::unique_ptr<Command>>;
 
-// The example of a footer; `line` follows "orvelbox ".
-inline std::string Example(const std::string& line) { return "Example: orvelbox " + line; }
-
 // What many commands take.
-inline Option JsonFlag(bool* target) { return {"--json", "", {}, "Print JSON", target}; }
+inline Option JsonFlag(bool* target) { return {"--json", "", "Print JSON", target}; }
 inline Option PackageArgument(std::string* target) {
-  return {"PACKAGE", "", {}, "The directory or the .opk archive of the package", target};
+  return {"PACKAGE", "", "The directory or the .opk archive of the package", target};
 }
-inline Option IdArgument(std::string* target) { return {"PKG", "", {}, "The package id", target}; }
+inline Option IdArgument(std::string* target) { return {"PKG", "", "The package id", target}; }
 
 }  // namespace orvelbox
 

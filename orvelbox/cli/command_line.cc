@@ -22,7 +22,7 @@ constexpr const char* kFooter =
     "Exit status: 0 done, 1 the operation failed, 2 wrong usage.";
 
 void AddHelp(CommandFacts& facts) {
-  facts.options.insert(facts.options.begin(), {"--help", "", {}, "Print this help message and exit"});
+  facts.options.insert(facts.options.begin(), {"--help", "", "Print this help message and exit"});
   for (CommandFacts& command : facts.commands) AddHelp(command);
 }
 
@@ -83,19 +83,13 @@ Command& Named(const Commands& commands, const std::string& name) {
 }  // namespace
 
 CommandFacts DescribeProgram(const Commands& commands, GlobalOptions& global) {
-  CommandFacts program{"orvelbox", kDescription, kFooter, {}, {}, {}};
-  program.options = {{"--device", "DIR", {}, "The directory of the device", &global.device},
-                     {"--plugin",
-                      "FILE",
-                      {},
-                      "The parser plug-in to load, instead of the one built with this program",
-                      &global.plugin},
-                     {"--trace",
-                      "FILE",
-                      {},
-                      "Append the plug-in's trace spans to FILE (Chrome trace-event format, as Perfetto reads it)",
-                      &global.trace},
-                     {"--quiet", "", {}, "Print nothing but complaints", &global.quiet}};
+  CommandFacts program{"orvelbox", kDescription, kFooter};
+  program.options = {
+      {"--device", "DIR", "The directory of the device", &global.device},
+      {"--plugin", "FILE", "The parser plug-in to load, instead of the one built with this program", &global.plugin},
+      {"--trace", "FILE", "Append the plug-in's trace spans to FILE (Chrome trace-event format, as Perfetto reads it)",
+       &global.trace},
+      {"--quiet", "", "Print nothing but complaints", &global.quiet}};
   for (const auto& command : commands) program.commands.push_back(command->facts());
   AddHelp(program);
   return program;

@@ -11,20 +11,17 @@ namespace {
 
 class Cache : public Command {
  public:
-  Cache()
-      : Command({"cache",
-                 "Show the candidate loader's cache files, one entry a line",
-                 Example("cache verify"),
-                 {JsonFlag(&json_)},
-                 {},
-                 {{"verify",
-                   "Look for what is wrong with them: markers, entries whose files are gone, packages that are not "
-                   "installed, entries that are there twice, roots that begin others",
-                   "Exit status: 0 nothing is wrong, 1 something is, 2 wrong usage.\n" + Example("cache verify"),
-                   {JsonFlag(&json_)},
-                   {},
-                   {},
-                   &verify_}}}) {}
+  Cache() : Command("cache", "Show the candidate loader's cache files, one entry a line", "cache verify") {
+    AddOption(JsonFlag(&json_));
+    AddCommand({"verify",
+                "Look for what is wrong with them: markers, entries whose files are gone, packages that are not "
+                "installed, entries that are there twice, roots that begin others",
+                "Exit status: 0 nothing is wrong, 1 something is, 2 wrong usage.\nExample: orvelbox cache verify",
+                {JsonFlag(&json_)},
+                {},
+                {},
+                &verify_});
+  }
 
   int Run(const GlobalOptions& global) const override {
     const host::Device device = OpenChosenDevice(global);
@@ -35,12 +32,7 @@ class Cache : public Command {
   int Show(const host::Device& device) const {
     const CacheText tpa = ReadCache(device, kTpaFile);
     const CacheText coba = ReadCache(device, kCobaFile);
-    if (json_) {
-      SayColoured(CachesJson(tpa, coba));
-    } else {
-      SayAll(DescribeCache(kTpaFile, tpa));
-      SayAll(DescribeCache(kCobaFile, coba));
-    }
+    SayListing(json_, CachesJson(tpa, coba), DescribeCaches(tpa, coba));
     return kDone;
   }
 
@@ -52,12 +44,7 @@ class Cache : public Command {
                                     [&](const std::string& path) { return IsThere(device.OnDesk(path)); });
       findings.insert(findings.end(), more.begin(), more.end());
     }
-    if (json_) {
-      SayColoured(ToJson(findings));
-    } else {
-      for (const CacheFinding& finding : findings) Say(finding.text);
-      if (findings.empty()) Say("both cache files are sound");
-    }
+    SayListing(json_, ToJson(findings), DescribeFindings(findings));
     return findings.empty() ? kDone : kFailed;
   }
 

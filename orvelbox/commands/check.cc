@@ -3,9 +3,7 @@
 
 #include <algorithm>
 
-#include "orvelbox/check/package_json.h"
-#include "orvelbox/check/sarif.h"
-#include "orvelbox/check/table.h"
+#include "orvelbox/check/formats.h"
 #include "orvelbox/commands/device_choice.h"
 #include "orvelbox/desk/output.h"
 #include "orvelbox/desk/progress.h"
@@ -61,35 +59,27 @@ class CheckReporter : public CheckReceiver {
 class Check : public Command {
  public:
   Check()
-      : Command({"check",
-                 "Say which DLLs of packages an install would remove, and because of what; nothing is installed",
-                 "Exit status: 0 no duplicates, 1 duplicates, 2 wrong usage, or something could not be read.\n" +
-                     Example("check --platform tv-assemblies shop.opk"),
-                 {{"--platform",
-                   "DIR|LIST",
-                   {},
-                   "Check against the platform in this directory (netcoreapp/ framework/ d.pc/ tvappapi/) or list file "
-                   "(paths of a device, one a line), instead of a device",
-                   &request_.platform},
-                  {"--coba", "PACKAGE", {}, "A CoBA package (directory or .opk) that is there as well", &request_.coba},
-                  {"--privilege",
-                   "URI",
-                   {},
-                   "A privilege that the packages hold beside those of their manifests: a URI, \"platform\" or "
-                   "\"appdebugging\"",
-                   &request_.privileges},
-                  {"--format",
-                   "FORMAT",
-                   {kTable, kJson, kSarif},
-                   "table, json (one line per package) or sarif (2.1.0)",
-                   &format_},
-                  {"--jobs",
-                   "N",
-                   {},
-                   "How many packages are checked at a time (one per core)",
-                   Number{&request_.jobs, 1024}}},
-                 {{"PACKAGE", "", {}, "Directories or .opk archives of packages", &request_.packages}},
-                 {}}) {}
+      : Command("check",
+                "Say which DLLs of packages an install would remove, and because of what; nothing is installed",
+                "check --platform tv-assemblies shop.opk",
+                "Exit status: 0 no duplicates, 1 duplicates, 2 wrong usage, or something could not be read.\n") {
+    AddOption({"--platform", "DIR|LIST",
+               "Check against the platform in this directory (netcoreapp/ framework/ d.pc/ tvappapi/) or list file "
+               "(paths of a device, one a line), instead of a device",
+               &request_.platform});
+    AddOption({"--coba", "PACKAGE", "A CoBA package (directory or .opk) that is there as well", &request_.coba});
+    AddOption({"--privilege", "URI",
+               "A privilege that the packages hold beside those of their manifests: a URI, \"platform\" or "
+               "\"appdebugging\"",
+               &request_.privileges});
+    AddOption({"--format",
+               "FORMAT",
+               "table, json (one line per package) or sarif (2.1.0)",
+               &format_,
+               {kTable, kJson, kSarif}});
+    AddOption({"--jobs", "N", "How many packages are checked at a time (one per core)", Number{&request_.jobs, 1024}});
+    AddArgument({"PACKAGE", "", "Directories or .opk archives of packages", &request_.packages});
+  }
 
   void Accept(const GlobalOptions& global) override {
     for (std::string& privilege : request_.privileges) privilege = PrivilegeUri(privilege);

@@ -9,17 +9,14 @@ namespace {
 class Events : public ChangingCommand {
  public:
   Events()
-      : ChangingCommand({"events",
-                         "Call hooks one after the other in one process, and nothing else",
-                         Example("events clean:org.example.shop uninstall:org.example.shop"),
-                         {},
-                         {{"CALL",
-                           "",
-                           {},
-                           "EVENT:PKG, the event one of install, upgrade, removed, uninstall, recoveruninstall, clean, "
-                           "cleanup and undo, and a package id",
-                           &texts_}},
-                         {}}) {}
+      : ChangingCommand("events", "Call hooks one after the other in one process, and nothing else",
+                        "events clean:org.example.shop uninstall:org.example.shop") {
+    AddArgument(
+        {"CALL", "",
+         "EVENT:PKG, the event one of install, upgrade, removed, uninstall, recoveruninstall, clean, cleanup and "
+         "undo, and a package id",
+         &texts_});
+  }
 
   void Accept(const GlobalOptions& /*global*/) override {
     for (const std::string& text : texts_) events_.push_back(ParseRawEvent(text));

@@ -1,7 +1,6 @@
 // init: makes a device.
 #include "orvelbox/check/platform_set.h"
 #include "orvelbox/commands/device_choice.h"
-#include "orvelbox/commands/platform_copy.h"
 #include "orvelbox/desk/output.h"
 #include "orvelbox/desk/progress.h"
 #include "orvelbox/desk/tree.h"
@@ -19,17 +18,10 @@ void RemoveDevice(const fs::path& directory, bool keep_directory) {
 
 class Init : public Command {
  public:
-  Init()
-      : Command({"init",
-                 "Make a device",
-                 Example("init --platform tv-assemblies"),
-                 {{"--platform",
-                   "DIR",
-                   {},
-                   "Copy the platform's assemblies (netcoreapp/ framework/ d.pc/ tvappapi/) from DIR",
-                   &platform_}},
-                 {},
-                 {}}) {}
+  Init() : Command("init", "Make a device", "init --platform tv-assemblies") {
+    AddOption({"--platform", "DIR", "Copy the platform's assemblies (netcoreapp/ framework/ d.pc/ tvappapi/) from DIR",
+               &platform_});
+  }
 
   int Run(const GlobalOptions& global) const override {
     if (!platform_.empty()) RequirePlatform(platform_);

@@ -1,18 +1,15 @@
 // install: puts a package on the device.
 #include "orvelbox/commands/changing_command.h"
+#include "orvelbox/package/source.h"
 
 namespace orvelbox {
 namespace {
 
 class InstallCommand : public ChangingCommand {
  public:
-  InstallCommand()
-      : ChangingCommand({"install",
-                         "Install a package: INSTALL, then CLEAN",
-                         Example("install shop.opk"),
-                         {},
-                         {PackageArgument(&package_)},
-                         {}}) {}
+  InstallCommand() : ChangingCommand("install", "Install a package: INSTALL, then CLEAN", "install shop.opk") {
+    AddArgument(PackageArgument(&package_));
+  }
 
  private:
   int RunOn(const Session& session) const override {

@@ -8,15 +8,11 @@ namespace {
 
 class List : public Command {
  public:
-  List() : Command({"list", "List the installed packages", Example("list --json"), {JsonFlag(&json_)}, {}, {}}) {}
+  List() : Command("list", "List the installed packages", "list --json") { AddOption(JsonFlag(&json_)); }
 
   int Run(const GlobalOptions& global) const override {
     const std::vector<host::Package> packages = ReadStore(OpenChosenDevice(global)).List();
-    if (json_) {
-      SayColoured(PackagesJson(packages));
-    } else {
-      SayAll(DescribePackages(packages));
-    }
+    SayListing(json_, PackagesJson(packages), DescribePackages(packages));
     return kDone;
   }
 

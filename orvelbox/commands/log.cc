@@ -10,17 +10,12 @@ namespace {
 
 class Log : public Command {
  public:
-  Log()
-      : Command(
-            {"log",
-             "Show the device's log",
-             Example("log --priority I --follow"),
-             {JsonFlag(&json_),
-              {"--follow", "", {}, "Go on with every record that comes", &follow_},
-              {"--tag", "TAG", {}, "Only records under this tag", &tag_},
-              {"--priority", "P", {"D", "I", "E"}, "Only records of this priority and above (D, I, E)", &priority_}},
-             {},
-             {}}) {}
+  Log() : Command("log", "Show the device's log", "log --priority I --follow") {
+    AddOption(JsonFlag(&json_));
+    AddOption({"--follow", "", "Go on with every record that comes", &follow_});
+    AddOption({"--tag", "TAG", "Only records under this tag", &tag_});
+    AddOption({"--priority", "P", "Only records of this priority and above (D, I, E)", &priority_, {"D", "I", "E"}});
+  }
 
   int Run(const GlobalOptions& global) const override {
     const bool colour = ColourWanted(std::getenv("NO_COLOR"));

@@ -9,13 +9,10 @@ namespace {
 class PackageEventCommand : public ChangingCommand {
  public:
   explicit PackageEventCommand(const PackageEvent& event)
-      : ChangingCommand({event.command,
-                         event.description,
-                         Example(std::string(event.command) + " org.example.shop"),
-                         {},
-                         {IdArgument(&id_)},
-                         {}}),
-        event_(event) {}
+      : ChangingCommand(event.command, event.description, std::string(event.command) + " org.example.shop"),
+        event_(event) {
+    AddArgument(IdArgument(&id_));
+  }
 
  private:
   int RunOn(const Session& session) const override {

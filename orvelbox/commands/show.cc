@@ -9,21 +9,14 @@ namespace {
 
 class Show : public Command {
  public:
-  Show()
-      : Command({"show",
-                 "Show what is registered about a package",
-                 Example("show org.example.shop"),
-                 {JsonFlag(&json_)},
-                 {IdArgument(&id_)},
-                 {}}) {}
+  Show() : Command("show", "Show what is registered about a package", "show org.example.shop") {
+    AddOption(JsonFlag(&json_));
+    AddArgument(IdArgument(&id_));
+  }
 
   int Run(const GlobalOptions& global) const override {
     const host::Package package = FindInstalled(ReadStore(OpenChosenDevice(global)), id_);
-    if (json_) {
-      SayColoured(PackageJson(package));
-    } else {
-      SayAll(DescribePackage(package));
-    }
+    SayListing(json_, PackageJson(package), DescribePackage(package));
     return kDone;
   }
 

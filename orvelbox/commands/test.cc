@@ -1,7 +1,6 @@
 // test: the whole lifecycle of a package on a throw-away device.
 #include "orvelbox/check/platform_set.h"
 #include "orvelbox/commands/device_choice.h"
-#include "orvelbox/commands/platform_copy.h"
 #include "orvelbox/desk/output.h"
 #include "orvelbox/desk/progress.h"
 #include "orvelbox/desk/scratch_directory.h"
@@ -14,18 +13,16 @@ namespace {
 class Test : public Command {
  public:
   Test()
-      : Command({"test",
-                 "Let a package live through install, clean, undo, recovery, upgrade and uninstall on a throw-away "
-                 "device, and report what it leaves behind",
-                 Example("test --platform tv-assemblies shop-1.opk shop-2.opk"),
-                 {JsonFlag(&json_),
-                  {"--platform",
-                   "DIR",
-                   {},
-                   "Give the throw-away device the platform in DIR instead of that of the device",
-                   &platform_}},
-                 {PackageArgument(&package_), {"NEW", "", {}, "What it is upgraded to (itself)", &upgrade_, true}},
-                 {}}) {}
+      : Command("test",
+                "Let a package live through install, clean, undo, recovery, upgrade and uninstall on a throw-away "
+                "device, and report what it leaves behind",
+                "test --platform tv-assemblies shop-1.opk shop-2.opk") {
+    AddOption(JsonFlag(&json_));
+    AddOption({"--platform", "DIR", "Give the throw-away device the platform in DIR instead of that of the device",
+               &platform_});
+    AddArgument(PackageArgument(&package_));
+    AddArgument({"NEW", "", "What it is upgraded to (itself)", &upgrade_, {}, true});
+  }
 
   void Accept(const GlobalOptions& global) override { RequireOneOf(platform_, global); }
 
@@ -39,11 +36,7 @@ class Test : public Command {
     for (const LifecycleStep& step : lifecycle.steps) {
       if (!step.complaint.empty()) Complain(step.complaint);
     }
-    if (json_) {
-      SayColoured(ToJson(lifecycle));
-    } else {
-      SayAll(DescribeLifecycle(lifecycle));
-    }
+    SayListing(json_, ToJson(lifecycle), DescribeLifecycle(lifecycle));
     return lifecycle.Passed() ? kDone : kFailed;
   }
 

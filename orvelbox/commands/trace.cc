@@ -36,18 +36,17 @@ std::string FaultOfPicture(const std::string& file) {
 class Trace : public Command {
  public:
   Trace()
-      : Command({"trace",
-                 "Draw what --trace wrote: the functions of the plug-in, by time",
-                 Example("trace trace.json --output trace.html"),
-                 {{"--output",
-                   "FILE",
-                   {},
-                   "Draw a picture (.svg) or a page for a browser (.html) into FILE",
-                   &output_,
-                   false,
-                   FaultOfPicture}},
-                 {{"FILE", "", {}, "A file that --trace wrote", &file_}},
-                 {}}) {}
+      : Command("trace", "Draw what --trace wrote: the functions of the plug-in, by time",
+                "trace trace.json --output trace.html") {
+    AddOption({"--output",
+               "FILE",
+               "Draw a picture (.svg) or a page for a browser (.html) into FILE",
+               &output_,
+               {},
+               false,
+               FaultOfPicture});
+    AddArgument({"FILE", "", "A file that --trace wrote", &file_});
+  }
 
   int Run(const GlobalOptions& /*global*/) const override {
     const fs::path file = file_;

@@ -7,12 +7,9 @@ namespace {
 class UninstallCommand : public ChangingCommand {
  public:
   UninstallCommand()
-      : ChangingCommand({"uninstall",
-                         "Uninstall a package: UNINSTALL, then CLEAN",
-                         Example("uninstall org.example.shop"),
-                         {},
-                         {IdArgument(&id_)},
-                         {}}) {}
+      : ChangingCommand("uninstall", "Uninstall a package: UNINSTALL, then CLEAN", "uninstall org.example.shop") {
+    AddArgument(IdArgument(&id_));
+  }
 
  private:
   int RunOn(const Session& session) const override {

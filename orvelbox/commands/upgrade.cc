@@ -1,5 +1,6 @@
 // upgrade: replaces an installed package by another version.
 #include "orvelbox/commands/changing_command.h"
+#include "orvelbox/package/source.h"
 
 namespace orvelbox {
 namespace {
@@ -7,12 +8,9 @@ namespace {
 class UpgradeCommand : public ChangingCommand {
  public:
   UpgradeCommand()
-      : ChangingCommand({"upgrade",
-                         "Upgrade an installed package: UPGRADE, then CLEAN",
-                         Example("upgrade shop.opk"),
-                         {},
-                         {PackageArgument(&package_)},
-                         {}}) {}
+      : ChangingCommand("upgrade", "Upgrade an installed package: UPGRADE, then CLEAN", "upgrade shop.opk") {
+    AddArgument(PackageArgument(&package_));
+  }
 
  private:
   int RunOn(const Session& session) const override {

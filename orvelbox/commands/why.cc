@@ -11,17 +11,14 @@ namespace {
 class Why : public Command {
  public:
   Why()
-      : Command({"why",
-                 "Say what was removed from an installed package, when, and because of what",
-                 Example("why org.example.shop"),
-                 {JsonFlag(&json_)},
-                 {{"PATH|PKG",
-                   "",
-                   {},
-                   "A package id, or the path of a DLL, of its information file (…_deleted) or of a directory in a "
-                   "package",
-                   &target_}},
-                 {}}) {}
+      : Command("why", "Say what was removed from an installed package, when, and because of what",
+                "why org.example.shop") {
+    AddOption(JsonFlag(&json_));
+    AddArgument(
+        {"PATH|PKG", "",
+         "A package id, or the path of a DLL, of its information file (…_deleted) or of a directory in a package",
+         &target_});
+  }
 
   int Run(const GlobalOptions& global) const override {
     const host::Device device = OpenChosenDevice(global);
@@ -31,11 +28,7 @@ class Why : public Command {
     if (!question.path.empty()) {
       today = PackageChecker(SetOfDevice(device), {}).Check(device.OnDesk(question.package.root));
     }
-    if (json_) {
-      SayColoured(WhyJson(question, removals, today));
-    } else {
-      SayAll(DescribeWhy(question, removals, today));
-    }
+    SayListing(json_, WhyJson(question, removals, today), DescribeWhy(question, removals, today));
     return kDone;
   }
 

@@ -62,6 +62,11 @@ void SayAll(const Lines& lines) {
   for (const std::string& line : lines) Say(line);
 }
 
+void SayListing(bool json, const std::string& as_json, const Lines& in_words) {
+  if (json) return SayColoured(as_json);
+  SayAll(in_words);
+}
+
 void SayColoured(std::string_view safe_line) {
   if (quiet) return;
   Activity::End();

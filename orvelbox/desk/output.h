@@ -21,6 +21,8 @@ void SetQuiet(bool quiet);
 // Prints `line`, made printable, and a line feed on standard output.
 void Say(std::string_view line);
 void SayAll(const Lines& lines);
+// What a command lists, in words or as JSON.
+void SayListing(bool json, const std::string& as_json, const Lines& in_words);
 // As Say, for a line that is safe already and may hold colour sequences.
 void SayColoured(std::string_view safe_line);
 // Prints "orvelbox: ", `line` made printable, and a line feed on standard error.

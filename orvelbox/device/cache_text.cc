@@ -43,7 +43,7 @@ std::string StateInWords(CacheState state) {
     case CacheState::kMissing:
       return "missing";
     case CacheState::kDamaged:
-      return "damaged: it does not begin with [START] and end with [END]";
+      return std::string("damaged: it ") + kWithoutMarkers;
     default:
       return "";
   }

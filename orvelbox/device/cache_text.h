@@ -21,6 +21,8 @@ enum class CacheState { kSound, kMissing, kDamaged };
 
 // kDamaged: the text does not begin with "[START]" and end with "[END]".
 CacheState StateOf(const CacheText& text);
+inline constexpr const char* kWithoutMarkers = "does not begin with [START] and end with [END]";
+
 // Nothing for a sound one.
 std::string StateInWords(CacheState state);
 

@@ -7,7 +7,7 @@
 
 #include "base/fixed_names.h"
 #include "orvelbox/desk/json.h"
-#include "orvelbox/desk/paths.h"
+#include "platform/host/paths.h"
 
 namespace orvelbox {
 namespace {
@@ -19,7 +19,7 @@ const host::Package* OwnerOf(const std::string& entry, const std::vector<host::P
   const host::Package* owner = nullptr;
   for (const host::Package& package : packages) {
     const bool longer = owner == nullptr || package.root.size() > owner->root.size();
-    if (longer && IsBelow(entry, package.root)) owner = &package;
+    if (longer && host::IsBelow(entry, package.root)) owner = &package;
   }
   return owner;
 }
@@ -32,7 +32,7 @@ std::vector<CacheFinding> VerifyMarkers(const std::string& name, const CacheText
                    "package with: orvelbox clean PKG"}};
     case CacheState::kDamaged:
       return {{name, "markers", "",
-               Place(name) + " does not begin with [START] and end with [END]; write " + kEmptyCache +
+               Place(name) + " " + kWithoutMarkers + "; write " + kEmptyCache +
                    " into it, then clean each CoBA package with: orvelbox clean PKG"}};
     default:
       return {};
@@ -89,6 +89,13 @@ std::vector<CacheFinding> FindPrefixHazards(const std::vector<host::Package>& pa
     }
   }
   return findings;
+}
+
+Lines DescribeFindings(const std::vector<CacheFinding>& findings) {
+  if (findings.empty()) return {"both cache files are sound"};
+  Lines lines;
+  for (const CacheFinding& finding : findings) lines.push_back(finding.text);
+  return lines;
 }
 
 std::string ToJson(const std::vector<CacheFinding>& findings) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "orvelbox/desk/lines.h"
 #include "orvelbox/device/cache_text.h"
 #include "platform/host/package_store.h"
 
@@ -30,7 +31,8 @@ std::vector<CacheFinding> VerifyCache(const std::string& name, const CacheText& 
 // files takes those of the other along.
 std::vector<CacheFinding> FindPrefixHazards(const std::vector<host::Package>& packages);
 
-// The findings as one JSON object.
+// The findings in words, and as one JSON object.
+Lines DescribeFindings(const std::vector<CacheFinding>& findings);
 std::string ToJson(const std::vector<CacheFinding>& findings);
 
 }  // namespace orvelbox

@@ -32,6 +32,16 @@ Json Whole(const CacheText& text) {
   return {{"state", name}, {"entries", EntriesOf(text)}};
 }
 
+// The line about a cache file and the lines of its entries.
+void AddCache(const std::string& name, const CacheText& text, Lines& lines) {
+  const std::vector<std::string> entries = EntriesOf(text);
+  const std::string state = StateInWords(StateOf(text));
+  const std::string path = kCacheDirectory + name;
+  lines.push_back(path + ": " + (text ? Counted(entries.size(), "entry", "entries") : state));
+  if (text && !state.empty()) lines.back() += ", " + state;
+  for (const std::string& entry : entries) lines.push_back("  " + entry);
+}
+
 void AddField(const std::string& name, const std::string& value, Lines& lines) {
   if (!value.empty()) lines.push_back(Padded(name, 11) + value);
 }
@@ -89,13 +99,10 @@ std::string PackageJson(const host::Package& package) {
   return OneLine(json);
 }
 
-Lines DescribeCache(const std::string& name, const CacheText& text) {
-  const std::vector<std::string> entries = EntriesOf(text);
-  const std::string state = StateInWords(StateOf(text));
-  const std::string path = kCacheDirectory + name;
-  Lines lines = {path + ": " + (text ? Counted(entries.size(), "entry", "entries") : state)};
-  if (text && !state.empty()) lines.back() += ", " + state;
-  for (const std::string& entry : entries) lines.push_back("  " + entry);
+Lines DescribeCaches(const CacheText& tpa, const CacheText& coba) {
+  Lines lines;
+  AddCache(kTpaFile, tpa, lines);
+  AddCache(kCobaFile, coba, lines);
   return lines;
 }
 

@@ -20,9 +20,9 @@ std::string PackagesJson(const std::vector<host::Package>& packages);
 Lines DescribePackage(const host::Package& package);
 std::string PackageJson(const host::Package& package);
 
-// The line about a cache file and the lines of its entries.
-Lines DescribeCache(const std::string& name, const CacheText& text);
-// One object with both cache files: for each its "state" ("sound", "missing" or "damaged") and its "entries".
+// Both cache files with their entries; the object has the "state" ("sound", "missing" or "damaged") and the "entries"
+// of each.
+Lines DescribeCaches(const CacheText& tpa, const CacheText& coba);
 std::string CachesJson(const CacheText& tpa, const CacheText& coba);
 
 }  // namespace orvelbox

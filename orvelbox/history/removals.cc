@@ -5,9 +5,9 @@
 
 #include "base/affix.h"
 #include "base/fixed_names.h"
-#include "orvelbox/desk/paths.h"
 #include "orvelbox/desk/tree.h"
 #include "platform/host/files.h"
+#include "platform/host/paths.h"
 
 namespace fs = std::filesystem;
 
@@ -37,7 +37,7 @@ void AddInformationFiles(const host::Device& device, const host::Package& packag
 // The log knows when, and what was only reported. A later report of another kind leaves the information file's word.
 void AddLog(const host::Device& device, const host::Package& package, std::map<std::string, Removal>& removals) {
   for (const Duplicate& duplicate : InterpretLog(ParseLog(host::ReadFile(device.Log()))).duplicates) {
-    if (!IsBelow(duplicate.duplicated, package.root)) continue;
+    if (!host::IsBelow(duplicate.duplicated, package.root)) continue;
     Removal& removal = removals[duplicate.duplicated];
     if (removal.information_file && removal.origin != duplicate.origin) continue;
     removal.dll = duplicate.duplicated;

@@ -6,23 +6,19 @@
 
 #include "base/fixed_names.h"
 #include "orvelbox/desk/json.h"
-#include "orvelbox/desk/paths.h"
 #include "orvelbox/desk/text_table.h"
 #include "orvelbox/device/installed_trees.h"
+#include "platform/host/paths.h"
 
 namespace fs = std::filesystem;
 
 namespace orvelbox {
 namespace {
 
-bool IsAtOrBelow(const std::string& path, const std::string& place) { return path == place || IsBelow(path, place); }
-
 // A path of the desk inside of the device, as the device's; any other absolute path as it is.
 std::string OnDevice(const host::Device& device, const std::string& text) {
-  const fs::path path = fs::absolute(text).lexically_normal();
-  const fs::path inside = path.lexically_relative(device.Root());
-  const bool on_desk = !inside.empty() && *inside.begin() != "..";
-  std::string found = (on_desk ? "/" / inside : path).string();
+  std::string found = fs::absolute(text).lexically_normal();
+  if (host::IsBelow(found, device.Root())) found = "/" + host::From(device.Root(), found);
   while (found.size() > 1 && found.back() == '/') found.pop_back();
   if (HasSuffix(found, kInformationFileSuffix)) found.resize(found.size() - kInformationFileSuffix.size());
   return found;
@@ -46,7 +42,7 @@ std::vector<CheckedDll> Untold(const WhyQuestion& question, const std::vector<Re
     const std::string path = today.root + "/" + dll.path;
     const bool told = std::any_of(removals.begin(), removals.end(),
                                   [&](const Removal& removal) { return removal.dll == path && !removal.removed; });
-    if (IsAtOrBelow(path, question.path) && !told) untold.push_back(dll);
+    if (host::IsAtOrBelow(path, question.path) && !told) untold.push_back(dll);
   }
   return untold;
 }
@@ -68,14 +64,14 @@ WhyQuestion ReadQuestion(const host::Device& device, const host::PackageStore& s
   const std::string path = OnDevice(device, text);
   for (host::Package& package : store.List()) {
     if (path == package.root) return {std::move(package), ""};
-    if (IsAtOrBelow(path, package.root)) return {std::move(package), path};
+    if (host::IsAtOrBelow(path, package.root)) return {std::move(package), path};
   }
   throw host::DeviceError(text + ": belongs to no installed package; see what is with: orvelbox list");
 }
 
 std::vector<Removal> AskedFor(const WhyQuestion& question, std::vector<Removal> removals) {
   const auto other = [&](const Removal& removal) {
-    return !question.path.empty() && !IsAtOrBelow(removal.dll, question.path);
+    return !question.path.empty() && !host::IsAtOrBelow(removal.dll, question.path);
   };
   removals.erase(std::remove_if(removals.begin(), removals.end(), other), removals.end());
   return removals;
@@ -87,11 +83,11 @@ Lines DescribeWhy(const WhyQuestion& question, const std::vector<Removal>& remov
   Lines lines = {WithVersion(question.package.id, question.package.version) + " (" + root + ")"};
   TextTable table({"WHAT", "DLL", "WHEN", "BECAUSE OF", "NOTE"});
   for (const Removal& removal : removals) {
-    table.Add({FateOf(removal), From(root, removal.dll), removal.time, removal.origin, NoteOn(removal)});
+    table.Add({FateOf(removal), host::From(root, removal.dll), removal.time, removal.origin, NoteOn(removal)});
   }
   for (const CheckedDll& dll : untold) table.Add({"there", dll.path, "", dll.origin, ReasonToday(dll, today)});
   if (removals.empty() && untold.empty()) {
-    const std::string asked = question.path.empty() ? "the package" : From(root, question.path);
+    const std::string asked = question.path.empty() ? "the package" : host::From(root, question.path);
     lines.push_back("    nothing is known of " + asked +
                     ": no information file, no line in the log, and no DLL there that it could have been");
     if (question.path.empty()) lines.back() = "    nothing was removed from the package, and nothing reported";
@@ -105,7 +101,7 @@ std::string WhyJson(const WhyQuestion& question, const std::vector<Removal>& rem
   const host::Package& package = question.package;
   Json json = {{"id", package.id}, {"version", package.version}, {"root", package.root}, {"dlls", Json::array()}};
   for (const Removal& removal : removals) {
-    json["dlls"].push_back({{"path", From(package.root, removal.dll)},
+    json["dlls"].push_back({{"path", host::From(package.root, removal.dll)},
                             {"fate", FateOf(removal)},
                             {"time", removal.time.empty() ? Json() : Json(removal.time)},
                             {"origin", removal.origin},

@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "base/unique_fd.h"
+#include "orvelbox/desk/xml.h"
 #include "platform/host/device.h"
 #include "platform/host/files.h"
 
@@ -23,15 +24,6 @@ constexpr std::size_t kLongestName = 255;
 struct FreeParser {
   void operator()(xmlParserCtxt* parser) const { xmlFreeParserCtxt(parser); }
 };
-
-struct FreeText {
-  void operator()(xmlChar* text) const { xmlFree(text); }
-};
-using XmlText = std::unique_ptr<xmlChar, FreeText>;
-
-std::string ToString(const XmlText& text) { return text ? reinterpret_cast<const char*>(text.get()) : ""; }
-
-const xmlChar* ToXml(const char* text) { return reinterpret_cast<const xmlChar*>(text); }
 
 std::string Attribute(const xmlNode* element, const char* name) {
   return ToString(XmlText(xmlGetNoNsProp(const_cast<xmlNode*>(element), ToXml(name))));

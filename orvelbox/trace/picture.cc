@@ -5,6 +5,7 @@
 #include <array>
 
 #include "orvelbox/desk/output.h"
+#include "orvelbox/desk/xml.h"
 #include "orvelbox/trace/timeline.h"
 
 namespace orvelbox {
@@ -21,23 +22,7 @@ constexpr std::int64_t kInner = kWidth - 2 * kMargin;
 // Light enough for black letters.
 constexpr std::array<const char*, 6> kColours = {"#8ecae6", "#ffd166", "#b7e4c7", "#f4acb7", "#cdb4db", "#ddb892"};
 
-std::string Escaped(const std::string& text) {
-  std::string escaped;
-  for (const char c : Printable(text)) {
-    if (c == '&') {
-      escaped += "&amp;";
-    } else if (c == '<') {
-      escaped += "&lt;";
-    } else if (c == '>') {
-      escaped += "&gt;";
-    } else if (c == '"') {
-      escaped += "&quot;";
-    } else {
-      escaped += c;
-    }
-  }
-  return escaped;
-}
+std::string Escaped(const std::string& text) { return XmlEscaped(Printable(text)); }
 
 std::string Attribute(const char* name, std::int64_t value) {
   return std::string(" ") + name + "=\"" + std::to_string(value) + "\"";

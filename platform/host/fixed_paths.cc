@@ -10,6 +10,7 @@
 #include "platform/host/device.h"
 #include "platform/host/fixed_paths_in_place.h"
 #include "platform/host/fixed_paths_mounts.h"
+#include "platform/host/paths.h"
 
 namespace host {
 namespace {
@@ -54,10 +55,9 @@ FixedPathsMethod MethodWithoutNamespaces(const std::string& refusal, std::string
 
 void CheckRoot(const fs::path& root) {
   if (!fs::is_directory(root)) throw DeviceError(root.string() + ": is no directory to take the fixed paths from");
-  for (const fs::path fixed : kFixedPaths) {
-    const fs::path relative = root.lexically_relative(fixed);
-    if (relative.empty() || *relative.begin() == "..") continue;
-    throw DeviceError(root.string() + ": lies under " + fixed.string() +
+  for (const char* fixed : kFixedPaths) {
+    if (!IsAtOrBelow(root, fixed)) continue;
+    throw DeviceError(root.string() + ": lies under " + fixed +
                       ", which the device has to provide itself; use a device in another place");
   }
 }

@@ -9,10 +9,8 @@
 #include <thread>
 
 #include "orvelbox/check/check.h"
-#include "orvelbox/check/package_json.h"
+#include "orvelbox/check/formats.h"
 #include "orvelbox/check/project_lines.h"
-#include "orvelbox/check/sarif.h"
-#include "orvelbox/check/table.h"
 #include "orvelbox/check/workers.h"
 #include "orvelbox/desk/progress.h"
 #include "orvelbox/desk/text_table.h"

@@ -16,16 +16,15 @@ using testing::HasSubstr;
 // A command with an option of each kind.
 class Cut : public Command {
  public:
-  Cut()
-      : Command({"cut",
-                 "Cuts",
-                 Example("cut"),
-                 {{"--fine", "", {}, "Fine", &fine},
-                  {"--how", "H", {"a", "b"}, "How", &how},
-                  {"--with", "W", {}, "With", &with},
-                  {"--times", "N", {}, "Times", Number{&times, 3}}},
-                 {{"THING", "", {}, "What", &thing}, {"MORE", "", {}, "What else", &more, true}},
-                 {{"deep", "Cuts deep", Example("cut deep"), {}, {}, {}, &deep}}}) {}
+  Cut() : Command("cut", "Cuts", "cut") {
+    AddOption({"--fine", "", "Fine", &fine});
+    AddOption({"--how", "H", "How", &how, {"a", "b"}});
+    AddOption({"--with", "W", "With", &with});
+    AddOption({"--times", "N", "Times", Number{&times, 3}});
+    AddArgument({"THING", "", "What", &thing});
+    AddArgument({"MORE", "", "What else", &more, {}, true});
+    AddCommand({"deep", "Cuts deep", "", {}, {}, {}, &deep});
+  }
 
   void Accept(const GlobalOptions& /*global*/) override {
     if (thing == "air") throw std::invalid_argument("air: cannot be cut");

@@ -35,13 +35,13 @@ CommandFacts Small() {
   return {"box",
           "box: a small box. It's .NET.",
           "The end.",
-          {{"--device", "DIR", {}, "Where"}},
+          {{"--device", "DIR", "Where"}},
           {},
           {{"cut",
             "Cuts a\\b",
             ".5 of it\nExample: box cut x",
-            {{"--how", "H", {"a", "b"}, "How"}},
-            {{"X", "", {}, "What"}},
+            {{"--how", "H", "How", {}, {"a", "b"}}},
+            {{"X", "", "What"}},
             {}}}};
 }
 
