@@ -151,10 +151,11 @@ void LayIntoMirror(const Overlay& overlay) {
   CloseMirror(parent);
 }
 
+// A link is not mounted upon: it may be that of a process that works in place, and go meanwhile.
 void Lay(const Overlay& overlay) {
   std::error_code error;
-  const bool there = fs::exists(overlay.target, error);
-  if (there != static_cast<bool>(overlay.source)) LayIntoMirror(overlay);
+  const fs::file_status status = fs::symlink_status(overlay.target, error);
+  if (fs::is_symlink(status) || fs::exists(status) != static_cast<bool>(overlay.source)) LayIntoMirror(overlay);
   if (overlay.source && !Bind(PathOf(overlay.source), overlay.target)) {
     ThrowSystemError("mount at " + overlay.target.string(), errno);
   }
