@@ -57,8 +57,9 @@ def wrong_arrows(includes, rooms):
 
 def circle(includes):
     def one(file):  # a source counts as its header
-        stem = "/" + os.path.splitext(os.path.basename(file))[0] + ".h"
-        return next((header for header in includes[file] if ("/" + header).endswith(stem)), file)
+        name = os.path.splitext(os.path.basename(file))[0] + ".h"
+        own = (os.path.join(directory, name) for directory in (os.path.dirname(file), "include/morvath"))
+        return next((header for header in own if header in includes[file]), file)
     graph = {}
     for file, used in includes.items():
         graph.setdefault(one(file), set()).update(one(other) for other in used if one(other) != one(file))
