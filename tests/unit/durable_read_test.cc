@@ -183,10 +183,13 @@ TEST(DurableRead, what_is_no_file_is_not_waited_for_either_when_its_opening_woul
   support::InFreshProcess([] {
     const TempDir root;
     ASSERT_EQ(0, mkfifo((root / "pipe").c_str(), 0600));
+    WriteFile(root / "input", "abc");
+    ASSERT_EQ(STDIN_FILENO, dup2(open((root / "input").c_str(), O_RDONLY | O_CLOEXEC), STDIN_FILENO));
     alarm(20);
     for (const std::string& path : {root / "pipe", root / "missing"}) {
       interposed::Files().open_errors = {EWOULDBLOCK};
       EXPECT_EQ("", readFileToString(path));
+      EXPECT_NE(-1, fcntl(STDIN_FILENO, F_GETFD)) << "what is no descriptor stands for none";
     }
   });
 }
@@ -206,6 +209,7 @@ TEST(DurableRead, the_descriptor_of_a_closed_standard_input_is_as_good_as_any) {
     WriteFile(root / "file", "abc");
     close(STDIN_FILENO);
     const std::size_t before = support::NamesIn("/proc/self/fd").size();
+    errno = EWOULDBLOCK;
     EXPECT_EQ("abc", readFileToString(root / "file"));
     EXPECT_EQ(before, support::NamesIn("/proc/self/fd").size());
   });
