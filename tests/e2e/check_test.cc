@@ -2,12 +2,10 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "tests/support/assembly.h"
 #include "tests/support/orvelbox_desk.h"
-#include "tests/support/uris.h"
 #include "tests/support/zip.h"
 
 namespace e2e {
@@ -17,7 +15,6 @@ using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 using testing::StartsWith;
 
 constexpr const char* kPlatform = "/usr/share/dotnet.orvel/";
@@ -193,103 +190,6 @@ TEST_F(CheckE2e, wrong_usage_ends_with_2) {
     EXPECT_THAT(result.err, StartsWith("orvelbox: "));
   }
   EXPECT_THAT(RunExpecting(2, {"check", "--format", "xml", "p"}).err, HasSubstr("{table,json,sarif}"));
-}
-
-// A package, and what the device has: what the check says is what an install then does.
-struct Case {
-  const char* name;
-  std::vector<std::string> platform;
-  std::map<std::string, std::string> files;
-  std::string application;  // elements for the application
-  std::string package;      // and for the manifest
-};
-
-class CheckAgreesE2e : public HookDesk, public testing::WithParamInterface<Case> {
- protected:
-  // The verdicts that the install's outcome amounts to.
-  std::map<std::string, std::string> Outcome(const Result& install, const nlohmann::json& checked) const {
-    const std::string root = OnDesk("/opt/usr/globalapps/org.example.shop/");
-    std::map<std::string, std::string> verdicts;
-    for (const auto& dll : checked["dlls"]) {
-      const std::string path = dll["path"];
-      std::string verdict = "kept";
-      if (support::IsThere(root + path + "_deleted")) verdict = "removed";
-      if (install.out.find("kept     " + path + ": duplicates ") != std::string::npos) verdict = "reported";
-      EXPECT_EQ(support::IsThere(root + path), verdict != "removed") << path;
-      verdicts[path] = verdict;
-    }
-    return verdicts;
-  }
-};
-
-TEST_P(CheckAgreesE2e, with_what_an_install_does) {
-  RunExpecting(0, {"install", MakePackage("component", ManifestText("org.example.component", "1", CobaMetadata()),
-                                          {{"shared/res/Component.dll", "c"}, {"shared/res/Shared.dll", "c"}})});
-  for (const std::string& file : GetParam().platform) AddPlatformFile(file);
-  const std::string package = MakePackage(
-      "shop", ManifestText("org.example.shop", "1", GetParam().application, GetParam().package), GetParam().files);
-  // By its name the link would be a duplicate, but links are left alone.
-  AddPlatformFile("framework/Linked.dll");
-  std::filesystem::create_symlink("orvel-manifest.xml", package + "/Linked.dll");
-
-  const Result check = Run({"check", "--format", "json", package});
-  const auto checked = nlohmann::json::parse(check.out);
-  EXPECT_EQ(check.status, checked["duplicates"] == 0 ? 0 : 1);
-  std::map<std::string, std::string> predicted;
-  for (const auto& dll : checked["dlls"]) predicted[dll["path"]] = dll["verdict"];
-
-  const bool fails = checked["debugging"] == true && checked["duplicates"] != 0;
-  const Result install = RunExpecting(fails ? 1 : 0, {"install", package});
-  if (!fails) {
-    EXPECT_EQ(Outcome(install, checked), predicted) << install.out;
-  }
-}
-
-std::map<std::string, std::string> AllOverThePackage(const std::string& dll) {
-  return {{dll, ""}, {"bin/" + dll, ""}, {"lib/" + dll, ""}, {"res/d.pc/" + dll, ""}, {"bin/Own.dll", ""}};
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    packages, CheckAgreesE2e,
-    testing::Values(
-        Case{"nothing_provided", {}, {{"bin/Own.dll", ""}}, "", ""},
-        Case{"core", {"netcoreapp/X.dll"}, AllOverThePackage("X.dll"), "", ""},
-        Case{"core_has_no_subdirectories", {"netcoreapp/sub/X.dll"}, AllOverThePackage("X.dll"), "", ""},
-        Case{"dpc_shadows_the_component", {"d.pc/a/Component.dll"}, AllOverThePackage("Component.dll"), "", ""},
-        Case{"dpc_two_levels_down", {"d.pc/a/b/X.dll"}, AllOverThePackage("X.dll"), "", ""},
-        Case{"framework_before_dpc", {"framework/X.dll", "d.pc/X.dll"}, AllOverThePackage("X.dll"), "", ""},
-        Case{"tv_api_without_privilege", {"tvappapi/X.dll"}, AllOverThePackage("X.dll"), "", ""},
-        Case{"tv_api_with_privilege",
-             {"tvappapi/X.dll"},
-             AllOverThePackage("X.dll"),
-             "",
-             std::string("<privileges><privilege>") + support::kPlatformPrivilege + "</privilege></privileges>"},
-        Case{"own_library_twice", {}, AllOverThePackage("Mine.dll"), "", ""},
-        Case{"component", {}, AllOverThePackage("Component.dll"), "", ""},
-        Case{"a_component_itself",
-             {},
-             {{"shared/res/Shared.dll", ""}, {"shared/res/New.dll", ""}, {"bin/New.dll", ""}, {"bin/Own.dll", ""}},
-             CobaMetadata(),
-             ""},
-        Case{"upper_case", {"framework/X.DLL", "framework/Y.dll"}, {{"bin/X.DLL", ""}, {"bin/y.dll", ""}}, "", ""},
-        Case{"at_the_depth_that_is_looked_at",
-             {"framework/X.dll"},
-             {{"1/2/3/4/5/6/7/8/9/X.dll", ""}, {"1/2/3/4/5/6/7/8/9/10/X.dll", ""}, {".sac_symlink/X.dll", ""}},
-             "",
-             ""},
-        Case{"under_debugging", {"framework/X.dll"}, AllOverThePackage("X.dll"), "", DebuggingPrivileges()},
-        Case{"under_debugging_without_duplicates", {}, {{"bin/Own.dll", ""}}, "", DebuggingPrivileges()}),
-    [](const auto& parameters) { return parameters.param.name; });
-
-class CheckUpgradeE2e : public HookDesk {};
-
-TEST_F(CheckUpgradeE2e, an_installed_package_is_checked_as_its_upgrade) {
-  const std::string first = MakePackage("first", ManifestText("org.example.a", "1", CobaMetadata()),
-                                        {{"shared/res/A.dll", "a"}, {"bin/A.dll", "a"}});
-  const std::string second = MakePackage("second", ManifestText("org.example.a", "2"), {{"bin/A.dll", "a"}});
-  RunExpecting(0, {"install", first});
-  RunExpecting(0, {"check", second});  // what the version before shared no longer counts
-  EXPECT_THAT(RunExpecting(0, {"upgrade", second}).out, Not(HasSubstr("duplicates")));
 }
 
 }  // namespace

@@ -80,15 +80,12 @@ TEST_F(FixedPaths, the_machine_is_as_before) {
   if (host::AvailableFixedPathsMethod(nullptr) == host::FixedPathsMethod::kInPlace) {
     GTEST_SKIP() << "working in place here: what other runs make comes and goes meanwhile";
   }
-  const auto share = support::NamesIn("/usr/share");
-  const bool had_opt = fs::exists("/opt");
-  const auto opt = had_opt ? support::NamesIn("/opt") : std::vector<std::string>();
+  const auto opt = [] { return fs::exists("/opt") ? support::NamesIn("/opt") : std::vector<std::string>{"no /opt"}; };
+  const auto share_before = support::NamesIn("/usr/share");
+  const auto opt_before = opt();
   RunThere(root(), [] { WriteFile("/opt/usr/new", "1"); });
-  EXPECT_EQ(share, support::NamesIn("/usr/share"));
-  EXPECT_EQ(had_opt, fs::exists("/opt"));
-  if (had_opt) {
-    EXPECT_EQ(opt, support::NamesIn("/opt"));
-  }
+  EXPECT_EQ(share_before, support::NamesIn("/usr/share"));
+  EXPECT_EQ(opt_before, opt());
 }
 
 TEST_F(FixedPaths, the_release_marker_is_there_only_where_the_root_has_it) {

@@ -46,6 +46,26 @@ Steps DotnetWalk() {
 
 Steps OtherWalk() { return Names({"manifest", "ui-application", "manifest"}); }
 
+Steps CobaWalk(const Steps& inside) { return TracedPlugin("bool isAppCoBARelated(xmlDocPtr)", inside); }
+
+Steps LocalNames(const std::vector<std::string>& names) {
+  Steps steps;
+  for (const std::string& name : names) {
+    steps = Join({steps, Plugin("isAppCoBARelated").Debug("Local name %s", name)});
+  }
+  return steps;
+}
+
+Steps CobaFound() {
+  const Source matcher("metadata_utils", "isMetadataInfoHasKey");
+  const std::string key = support::kCobaKey;
+  return CobaWalk(Join({LocalNames({"manifest", "ui-application", "metadata"}),
+                        matcher.Debug("%s compare to %s, value : %s", key, "true", key),
+                        matcher.Debug("%s matched", key), Plugin("isAppCoBARelated").Info("App has CoBA metadata")}));
+}
+
+Steps NoCobaFound() { return CobaWalk(LocalNames({"manifest", "ui-application", "manifest"})); }
+
 Steps NotInhouse(const std::string& event) {
   return Plugin("PKGMGR_PARSER_PLUGIN_" + event).Info("### App type is not dotnet-inhouse ###");
 }
@@ -96,6 +116,14 @@ Steps DuplicateRemoved(const std::string& origin, const std::string& duplicated)
 
 Steps ComparedWithItself(const std::string& path) {
   return Join({Plugin("isExistInList").Debug("Found %s", path), Compared(path, path, {})});
+}
+
+Steps Removing(std::initializer_list<Steps> inside) {
+  return Traced("morvath", "bool removedPkgFromTPACacheFile(const char*)", inside, 422);
+}
+
+Steps Adding(std::initializer_list<Steps> inside) {
+  return Traced("morvath", "void addPkgToTPACacheFile(const char*)", inside, 448);
 }
 
 Steps CacheRead(const std::string& file, const std::vector<std::string>& erased, const std::string& left) {

@@ -31,6 +31,12 @@ Steps Names(const std::vector<std::string>& names);
 // isAppDotnetInhouse over support::DotnetManifest() and support::OtherManifest().
 Steps DotnetWalk();
 Steps OtherWalk();
+// isAppCoBARelated, and its lines for nodes of these names.
+Steps CobaWalk(const Steps& inside);
+Steps LocalNames(const std::vector<std::string>& names);
+// The whole of it over support::CobaManifest() and support::DotnetManifest().
+Steps CobaFound();
+Steps NoCobaFound();
 // The gate's line, said by a hook.
 Steps NotInhouse(const std::string& event);
 
@@ -58,6 +64,9 @@ Steps ComparedWithItself(const std::string& path);
 // readCacheAndRemovePkg of a file, erasing these spans and leaving that text; of a missing file.
 Steps CacheRead(const std::string& file, const std::vector<std::string>& erased, const std::string& left);
 Steps CacheMissing(const std::string& file);
+// removedPkgFromTPACacheFile and addPkgToTPACacheFile.
+Steps Removing(std::initializer_list<Steps> inside);
+Steps Adding(std::initializer_list<Steps> inside);
 // isRealPath of a file that is not there yet.
 Steps NotThereYet();
 // writeStringToFile over a target that is not there.

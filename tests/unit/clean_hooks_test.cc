@@ -9,22 +9,23 @@
 #include "tests/support/files.h"
 #include "tests/support/manifests.h"
 #include "tests/support/unit_case.h"
-#include "tests/support/uris.h"
 
 namespace {
 
 using doubles::Platform;
-using doubles::Source;
 using doubles::Steps;
-using doubles::Traced;
+using expected::Adding;
 using expected::CacheMissing;
 using expected::CacheRead;
+using expected::CobaFound;
 using expected::DotnetWalk;
 using expected::Hook;
 using expected::LoaderRestarted;
+using expected::NoCobaFound;
 using expected::NotInhouse;
 using expected::OtherWalk;
 using expected::Plugin;
+using expected::Removing;
 using expected::Saved;
 using support::CobaManifest;
 using support::DotnetManifest;
@@ -54,14 +55,6 @@ void ExpectCaches(const std::string& tpa, const std::string& coba) {
   EXPECT_EQ(coba, support::ReadFile(kCobaFile));
 }
 
-Steps Removing(const std::initializer_list<Steps> inside) {
-  return Traced("morvath", "bool removedPkgFromTPACacheFile(const char*)", inside, 422);
-}
-
-Steps Adding(const std::initializer_list<Steps> inside) {
-  return Traced("morvath", "void addPkgToTPACacheFile(const char*)", inside, 448);
-}
-
 // The listed package taken out of both files.
 Steps RemovedFromBoth() {
   return Removing({CacheRead(kTpaFile, {std::string(":") + kAssembly}, kTpaWithout), Saved(kTpaFile),
@@ -73,29 +66,18 @@ Steps NothingRemoved() {
   return Removing({CacheRead(kTpaFile, {}, kTpaWithout), CacheRead(kCobaFile, {}, kCobaWithout)});
 }
 
-Steps CobaWalk() {
-  const Source walk = Plugin("isAppCoBARelated");
-  const Source matcher("metadata_utils", "isMetadataInfoHasKey");
-  const std::string key = support::kCobaKey;
-  return expected::TracedPlugin(
-      "bool isAppCoBARelated(xmlDocPtr)",
-      {walk.Debug("Local name %s", "manifest"), walk.Debug("Local name %s", "ui-application"),
-       walk.Debug("Local name %s", "metadata"), matcher.Debug("%s compare to %s, value : %s", key, "true", key),
-       matcher.Debug("%s matched", key), walk.Info("App has CoBA metadata")});
-}
-
-// isAppCoBARelated over DotnetManifest().
-Steps NoCobaWalk() {
-  const Source walk = Plugin("isAppCoBARelated");
-  return expected::TracedPlugin("bool isAppCoBARelated(xmlDocPtr)",
-                                {walk.Debug("Local name %s", "manifest"), walk.Debug("Local name %s", "ui-application"),
-                                 walk.Debug("Local name %s", "manifest")});
+// Sends the event, which must return 0 and write these lines.
+void ExpectEvent(int (*hook)(xmlDocPtr, const char*), const support::Document& manifest, const char* id,
+                 std::initializer_list<Steps> journal) {
+  doubles::Current().journal.clear();
+  EXPECT_EQ(0, hook(manifest.get(), id));
+  EXPECT_TRUE(Holds(doubles::Current(), journal));
 }
 
 DEVICE_TEST(Uninstall, a_listed_package_is_marked_taken_out_and_the_loader_restarted) {
   PutListedPackage(platform);
-  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UNINSTALL(DotnetManifest().get(), "pkg"));
-  EXPECT_TRUE(Holds(platform, {Hook("UNINSTALL", {DotnetWalk(), RemovedFromBoth(), LoaderRestarted()})}));
+  ExpectEvent(PKGMGR_PARSER_PLUGIN_UNINSTALL, DotnetManifest(), "pkg",
+              {Hook("UNINSTALL", {DotnetWalk(), RemovedFromBoth(), LoaderRestarted()})});
   ExpectCaches(kTpaWithout, kCobaWithout);
   EXPECT_EQ((Flags{{"pkg", true}}), cacheStateUninstall);
   EXPECT_TRUE(aotStateUpgrade.empty());
@@ -105,17 +87,15 @@ DEVICE_TEST(Uninstall, a_listed_package_is_marked_taken_out_and_the_loader_resta
 DEVICE_TEST(Uninstall, a_package_that_is_not_listed_restarts_nothing) {
   PutListedPackage(platform);
   platform.packages.push_back(doubles::MakePackage("other", "/opt/usr/apps/other"));
-  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UNINSTALL(DotnetManifest().get(), "other"));
-  EXPECT_TRUE(
-      Holds(platform, {Hook("UNINSTALL", {DotnetWalk(), Removing({CacheRead(kTpaFile, {}, kTpaWithPackage),
-                                                                  CacheRead(kCobaFile, {}, kCobaWithPackage)})})}));
+  ExpectEvent(PKGMGR_PARSER_PLUGIN_UNINSTALL, DotnetManifest(), "other",
+              {Hook("UNINSTALL", {DotnetWalk(), Removing({CacheRead(kTpaFile, {}, kTpaWithPackage),
+                                                          CacheRead(kCobaFile, {}, kCobaWithPackage)})})});
   ExpectCaches(kTpaWithPackage, kCobaWithPackage);
 }
 
 DEVICE_TEST(Uninstall, a_package_without_a_root_is_marked_and_nothing_else) {
   PutListedPackage(platform);
-  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UNINSTALL(DotnetManifest().get(), "unknown"));
-  EXPECT_TRUE(Holds(platform, {Hook("UNINSTALL", {DotnetWalk()})}));
+  ExpectEvent(PKGMGR_PARSER_PLUGIN_UNINSTALL, DotnetManifest(), "unknown", {Hook("UNINSTALL", {DotnetWalk()})});
   ExpectCaches(kTpaWithPackage, kCobaWithPackage);
   EXPECT_EQ((Flags{{"unknown", true}}), cacheStateUninstall);
 }
@@ -130,10 +110,8 @@ DEVICE_TEST(Uninstall, a_failed_restart_does_not_fail_the_event) {
 DEVICE_TEST(Uninstall, the_following_clean_leaves_everything_alone) {
   PutListedPackage(platform);
   PKGMGR_PARSER_PLUGIN_UNINSTALL(DotnetManifest().get(), "pkg");
-  platform.journal.clear();
   PutListedPackage(platform);
-  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(DotnetManifest().get(), "pkg"));
-  EXPECT_TRUE(Holds(platform, {Hook("CLEAN", {DotnetWalk()})}));
+  ExpectEvent(PKGMGR_PARSER_PLUGIN_CLEAN, DotnetManifest(), "pkg", {Hook("CLEAN", {DotnetWalk()})});
   ExpectCaches(kTpaWithPackage, kCobaWithPackage);
   EXPECT_EQ((Flags{{"pkg", true}}), cacheStateUninstall);
   EXPECT_TRUE(aotStateUpgrade.empty());
@@ -143,45 +121,40 @@ DEVICE_TEST(Uninstall, a_package_once_marked_is_never_cleaned_again) {
   PutListedPackage(platform);
   PKGMGR_PARSER_PLUGIN_UNINSTALL(DotnetManifest().get(), "pkg");
   PutListedPackage(platform);
-  platform.journal.clear();
-  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEANUP(CobaManifest().get(), "pkg"));
-  EXPECT_TRUE(Holds(platform, {Hook("CLEANUP", {Hook("CLEAN", {DotnetWalk()})})}));
+  ExpectEvent(PKGMGR_PARSER_PLUGIN_CLEANUP, CobaManifest(), "pkg", {Hook("CLEANUP", {Hook("CLEAN", {DotnetWalk()})})});
   ExpectCaches(kTpaWithPackage, kCobaWithPackage);
 }
 
 DEVICE_TEST(Recover, a_listed_package_is_taken_out_even_with_a_null_manifest) {
   PutListedPackage(platform);
-  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL(nullptr, "pkg"));
-  EXPECT_TRUE(Holds(platform, {Hook("RECOVERUNINSTALL", {RemovedFromBoth(), LoaderRestarted()})}));
+  ExpectEvent(PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL, nullptr, "pkg",
+              {Hook("RECOVERUNINSTALL", {RemovedFromBoth(), LoaderRestarted()})});
   ExpectCaches(kTpaWithout, kCobaWithout);
   EXPECT_TRUE(cacheStateUninstall.empty());
   EXPECT_TRUE(aotStateUpgrade.empty());
-  platform.journal.clear();
-  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL(OtherManifest().get(), "pkg"));
-  EXPECT_TRUE(Holds(platform, {Hook("RECOVERUNINSTALL", {NothingRemoved()})}));
+  ExpectEvent(PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL, OtherManifest(), "pkg",
+              {Hook("RECOVERUNINSTALL", {NothingRemoved()})});
 }
 
 DEVICE_TEST(Recover, a_package_without_a_root_is_only_logged) {
   PutListedPackage(platform);
-  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL(DotnetManifest().get(), "unknown"));
-  EXPECT_TRUE(Holds(
-      platform, {Hook("RECOVERUNINSTALL",
-                      {Removing({Plugin("removedPkgFromTPACacheFile")
-                                     .At(426)
-                                     .Error("remove from cache called for %s, but pkgroot is empty!", "unknown")})})}));
+  ExpectEvent(PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL, DotnetManifest(), "unknown",
+              {Hook("RECOVERUNINSTALL",
+                    {Removing({Plugin("removedPkgFromTPACacheFile")
+                                   .At(426)
+                                   .Error("remove from cache called for %s, but pkgroot is empty!", "unknown")})})});
   ExpectCaches(kTpaWithPackage, kCobaWithPackage);
 }
 
 DEVICE_TEST(Clean, a_coba_package_is_added_and_the_loader_restarted) {
   PutListedPackage(platform);
   support::WriteFile(kAssembly);
-  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(CobaManifest().get(), "pkg"));
-  EXPECT_TRUE(Holds(
-      platform,
-      {Hook("CLEAN", {DotnetWalk(), CobaWalk(),
+  ExpectEvent(
+      PKGMGR_PARSER_PLUGIN_CLEAN, CobaManifest(), "pkg",
+      {Hook("CLEAN", {DotnetWalk(), CobaFound(),
                       Adding({CacheRead(kTpaFile, {std::string(":") + kAssembly}, kTpaWithout), Saved(kTpaFile),
                               CacheRead(kCobaFile, {std::string(kDirectory) + ":"}, kCobaWithout), Saved(kCobaFile)}),
-                      LoaderRestarted()})}));
+                      LoaderRestarted()})});
   ExpectCaches(kTpaWithPackage, "[START]/b/shared/res/:/opt/usr/apps/pkg/shared/res/[END]");
   EXPECT_EQ((Flags{{"pkg", false}}), cacheStateUninstall);
   EXPECT_TRUE(aotStateUpgrade.empty());  // not asked for a CoBA package
@@ -190,29 +163,27 @@ DEVICE_TEST(Clean, a_coba_package_is_added_and_the_loader_restarted) {
 
 DEVICE_TEST(Clean, a_coba_package_restarts_the_loader_even_when_nothing_could_be_added) {
   platform.packages.push_back(doubles::MakePackage("pkg", kRoot));
-  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(CobaManifest().get(), "pkg"));
-  EXPECT_TRUE(
-      Holds(platform, {Hook("CLEAN", {DotnetWalk(), CobaWalk(),
-                                      Adding({CacheMissing(kTpaFile), CacheMissing(kCobaFile)}), LoaderRestarted()})}));
+  ExpectEvent(PKGMGR_PARSER_PLUGIN_CLEAN, CobaManifest(), "pkg",
+              {Hook("CLEAN", {DotnetWalk(), CobaFound(), Adding({CacheMissing(kTpaFile), CacheMissing(kCobaFile)}),
+                              LoaderRestarted()})});
   EXPECT_FALSE(support::IsThere(kTpaFile));
   EXPECT_FALSE(support::IsThere(kCobaFile));
 }
 
 DEVICE_TEST(Clean, a_coba_package_without_a_root_restarts_the_loader_too) {
-  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(CobaManifest().get(), "unknown"));
-  EXPECT_TRUE(Holds(
-      platform, {Hook("CLEAN", {DotnetWalk(), CobaWalk(),
-                                Adding({Plugin("addPkgToTPACacheFile")
-                                            .At(452)
-                                            .Error("add to cache called for %s, but pkgroot is empty!", "unknown")}),
-                                LoaderRestarted()})}));
+  ExpectEvent(PKGMGR_PARSER_PLUGIN_CLEAN, CobaManifest(), "unknown",
+              {Hook("CLEAN", {DotnetWalk(), CobaFound(),
+                              Adding({Plugin("addPkgToTPACacheFile")
+                                          .At(452)
+                                          .Error("add to cache called for %s, but pkgroot is empty!", "unknown")}),
+                              LoaderRestarted()})});
 }
 
 DEVICE_TEST(Clean, an_upgraded_package_is_taken_out_and_the_loader_restarted) {
   PutListedPackage(platform);
   aotStateUpgrade["pkg"] = true;
-  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(DotnetManifest().get(), "pkg"));
-  EXPECT_TRUE(Holds(platform, {Hook("CLEAN", {DotnetWalk(), NoCobaWalk(), RemovedFromBoth(), LoaderRestarted()})}));
+  ExpectEvent(PKGMGR_PARSER_PLUGIN_CLEAN, DotnetManifest(), "pkg",
+              {Hook("CLEAN", {DotnetWalk(), NoCobaFound(), RemovedFromBoth(), LoaderRestarted()})});
   ExpectCaches(kTpaWithout, kCobaWithout);
   EXPECT_EQ((Flags{{"pkg", true}}), aotStateUpgrade);
   EXPECT_EQ((Flags{{"pkg", false}}), cacheStateUninstall);
@@ -223,14 +194,13 @@ DEVICE_TEST(Clean, an_upgraded_package_that_is_not_listed_restarts_nothing) {
   support::WriteFile(kTpaFile, kTpaWithout);
   support::WriteFile(kCobaFile, kCobaWithout);
   aotStateUpgrade["pkg"] = true;
-  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(DotnetManifest().get(), "pkg"));
-  EXPECT_TRUE(Holds(platform, {Hook("CLEAN", {DotnetWalk(), NoCobaWalk(), NothingRemoved()})}));
+  ExpectEvent(PKGMGR_PARSER_PLUGIN_CLEAN, DotnetManifest(), "pkg",
+              {Hook("CLEAN", {DotnetWalk(), NoCobaFound(), NothingRemoved()})});
 }
 
 DEVICE_TEST(Clean, a_package_never_upgraded_is_left_alone_and_leaves_false_flags) {
   PutListedPackage(platform);
-  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEAN(DotnetManifest().get(), "pkg"));
-  EXPECT_TRUE(Holds(platform, {Hook("CLEAN", {DotnetWalk(), NoCobaWalk()})}));
+  ExpectEvent(PKGMGR_PARSER_PLUGIN_CLEAN, DotnetManifest(), "pkg", {Hook("CLEAN", {DotnetWalk(), NoCobaFound()})});
   ExpectCaches(kTpaWithPackage, kCobaWithPackage);
   EXPECT_EQ((Flags{{"pkg", false}}), cacheStateUninstall);
   EXPECT_EQ((Flags{{"pkg", false}}), aotStateUpgrade);
@@ -252,26 +222,23 @@ DEVICE_TEST(Clean, keys_of_flags_are_whole_ids) {
 }
 
 FRESH_TEST(CleanUp, a_package_without_a_root_is_not_classified_and_not_marked) {
-  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEANUP(DotnetManifest().get(), "unknown"));
-  EXPECT_TRUE(Holds(platform, {Hook("CLEANUP", {})}));
+  ExpectEvent(PKGMGR_PARSER_PLUGIN_CLEANUP, DotnetManifest(), "unknown", {Hook("CLEANUP", {})});
   EXPECT_TRUE(aotStateUpgrade.empty());
   EXPECT_TRUE(cacheStateUninstall.empty());
 }
 
 DEVICE_TEST(CleanUp, a_listed_package_is_marked_and_cleaned) {
   PutListedPackage(platform);
-  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEANUP(DotnetManifest().get(), "pkg"));
-  EXPECT_TRUE(
-      Holds(platform,
-            {Hook("CLEANUP", {Hook("CLEAN", {DotnetWalk(), NoCobaWalk(), RemovedFromBoth(), LoaderRestarted()})})}));
+  ExpectEvent(PKGMGR_PARSER_PLUGIN_CLEANUP, DotnetManifest(), "pkg",
+              {Hook("CLEANUP", {Hook("CLEAN", {DotnetWalk(), NoCobaFound(), RemovedFromBoth(), LoaderRestarted()})})});
   ExpectCaches(kTpaWithout, kCobaWithout);
   EXPECT_EQ((Flags{{"pkg", true}}), aotStateUpgrade);
 }
 
 FRESH_TEST(CleanUp, another_kind_of_package_is_marked_before_it_is_refused) {
   platform.packages.push_back(doubles::MakePackage("pkg", kRoot));
-  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_CLEANUP(OtherManifest().get(), "pkg"));
-  EXPECT_TRUE(Holds(platform, {Hook("CLEANUP", {Hook("CLEAN", {OtherWalk(), NotInhouse("CLEAN")})})}));
+  ExpectEvent(PKGMGR_PARSER_PLUGIN_CLEANUP, OtherManifest(), "pkg",
+              {Hook("CLEANUP", {Hook("CLEAN", {OtherWalk(), NotInhouse("CLEAN")})})});
   EXPECT_EQ((Flags{{"pkg", true}}), aotStateUpgrade);
 }
 

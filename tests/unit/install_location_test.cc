@@ -18,7 +18,6 @@
 namespace {
 
 using doubles::Call;
-using doubles::Join;
 using doubles::Platform;
 using doubles::Source;
 using doubles::Steps;
@@ -27,8 +26,6 @@ using support::TempDir;
 constexpr const char* kInside = "This is the code running inside the VARK.\n";
 constexpr const char* kOutside = "This is the code running outside the VARK.\n";
 constexpr const char* kVariable = "VARK_CROSSGEN2_ENABLED";
-
-const Source kGetPkgInfo("platform_utils", "pkgmgrGetPkgInfo");
 
 Steps ReadWriteInstalled() { return Source("platform_utils", "isRWInstalledApp").Info("It is a RWInstalled App"); }
 
@@ -68,42 +65,21 @@ Platform& PlatformWith(std::string_view package_root) {
   return platform;
 }
 
-Platform& PlatformWithType(std::string_view type) {
-  Platform& platform = PlatformWith("/pkg");
-  platform.packages.front().type = type;
-  return platform;
-}
-
 // Device roots, with the release marker and without.
 
 TEST(ReleaseVersion, an_image_with_the_marker_is_a_release_and_nothing_is_logged) {
-  const TempDir root;
-  support::WriteFile(root.path() / "etc/release", "1.0\n");
-  support::WithFixedPaths(root.path(), [] {
-    const Platform& platform = doubles::Reset();
-    EXPECT_TRUE(isReleaseVersion());
-    EXPECT_TRUE(platform.journal.empty());
-  });
-}
-
-TEST(ReleaseVersion, an_image_without_the_marker_is_none_and_nothing_is_logged) {
-  const TempDir root;
-  support::WriteFile(root.path() / "etc/release2");
-  support::WithFixedPaths(root.path(), [] {
-    const Platform& platform = doubles::Reset();
-    EXPECT_FALSE(isReleaseVersion());
-    EXPECT_TRUE(platform.journal.empty());
-  });
-}
-
-TEST(ReleaseVersion, the_marker_only_has_to_exist) {
-  const TempDir root;
-  support::WriteFile(root.path() / "etc/release");
-  std::filesystem::permissions(root.path() / "etc/release", std::filesystem::perms::none);
-  support::WithFixedPaths(root.path(), [] {
-    ASSERT_TRUE(support::GiveUpPrivileges());
-    EXPECT_TRUE(isReleaseVersion());
-  });
+  const std::pair<const char*, bool> images[] = {{"etc/release", true}, {"etc/release2", false}};
+  for (const auto& [file, is_release] : images) {
+    const TempDir root;
+    support::WriteFile(root.path() / file);
+    std::filesystem::permissions(root.path() / file, std::filesystem::perms::none);  // the marker only has to exist
+    support::WithFixedPaths(root.path(), [expected = is_release] {
+      ASSERT_TRUE(support::GiveUpPrivileges());
+      const Platform& platform = doubles::Reset();
+      EXPECT_EQ(expected, isReleaseVersion());
+      EXPECT_TRUE(platform.journal.empty());
+    });
+  }
 }
 
 // The image-creation environment.
@@ -117,39 +93,24 @@ void ExpectEnvironment(const char* value, bool inside, const std::string& printe
   EXPECT_TRUE(platform.journal.empty());
 }
 
-TEST(ImageCreationEnvironment, without_the_variable_the_answer_is_no_and_nothing_is_printed) {
-  ExpectEnvironment(nullptr, false, "");
-}
-
-TEST(ImageCreationEnvironment, the_value_one_is_inside) { ExpectEnvironment("1", true, kInside); }
-
-TEST(ImageCreationEnvironment, any_other_value_is_outside) {
+TEST(ImageCreationEnvironment, the_value_one_is_inside_and_any_other_outside) {
+  ExpectEnvironment("1", true, kInside);
   for (const char* value : {"", "0", "11", "1 ", " 1", "true", "01", "1\n", "2", "\x31\xC2\xA0"}) {
     SCOPED_TRACE(value);
     ExpectEnvironment(value, false, kOutside);
   }
 }
 
-TEST(ImageCreationEnvironment, every_call_repeats_the_line) {
-  const ImageCreation environment("1");
-  EXPECT_EQ(std::string(kInside) + kInside, PrintedBy([] {
-              isRunningInVARK();
-              isRunningInVARK();
-            }));
+TEST(ImageCreationEnvironment, without_the_variable_the_answer_is_no_and_nothing_is_printed) {
+  ExpectEnvironment(nullptr, false, "");
 }
 
-TEST(ImageCreationEnvironment, the_environment_is_read_anew_on_every_call) {
-  EXPECT_EQ(std::string(kInside) + kOutside, PrintedBy([] {
-              {
-                const ImageCreation environment("1");
-                EXPECT_TRUE(isRunningInVARK());
+TEST(ImageCreationEnvironment, every_call_reads_the_environment_anew_and_repeats_the_line) {
+  EXPECT_EQ(std::string(kInside) + kInside + kOutside, PrintedBy([] {
+              for (const char* value : {"1", "1", "0", static_cast<const char*>(nullptr)}) {
+                const ImageCreation environment(value);
+                EXPECT_EQ(value != nullptr && *value == '1', isRunningInVARK());
               }
-              {
-                const ImageCreation environment("0");
-                EXPECT_FALSE(isRunningInVARK());
-              }
-              const ImageCreation environment(nullptr);
-              EXPECT_FALSE(isRunningInVARK());
             }));
 }
 
@@ -271,114 +232,6 @@ TEST(Skipping, the_shared_cache_depends_on_the_install_location_alone_and_the_en
     EXPECT_TRUE(Holds(platform, row.skips_sac ? Steps{} : ReadWriteInstalled()));
   }
   EXPECT_TRUE(IsNeedToSkipSAC("unknown"));
-}
-
-// A package's record for the installer's user.
-
-TEST(PackageRecord, the_record_for_the_installing_user_is_the_callers_to_destroy) {
-  Platform& platform = PlatformWith("/pkg");
-  platform.target_uid = 5001;
-  pkgmgrinfo_pkginfo_h handle = nullptr;
-  EXPECT_EQ(0, pkgmgrGetPkgInfo("pkg", &handle));
-  EXPECT_TRUE(Holds(platform, {Call("pkgmgr_installer_info_get_target_uid()"),
-                               Call("pkgmgrinfo_pkginfo_get_usr_pkginfo(pkg, 5001)")}));
-  EXPECT_EQ(1, platform.Alive(doubles::Record::Kind::kPackage));
-  EXPECT_EQ(0, pkgmgrinfo_pkginfo_destroy_pkginfo(handle));
-  EXPECT_TRUE(AllRecordsDestroyed(platform));
-}
-
-TEST(PackageRecord, an_unknown_user_is_told_and_the_package_is_not_asked_for) {
-  for (const int code : {-1, -38}) {
-    Platform& platform = PlatformWith("/pkg");
-    platform.FailNext("pkgmgr_installer_info_get_target_uid", code);
-    int untouched = 0;
-    pkgmgrinfo_pkginfo_h handle = &untouched;
-    EXPECT_EQ(-1, pkgmgrGetPkgInfo("pkg", &handle));
-    EXPECT_EQ(&untouched, handle);
-    EXPECT_TRUE(
-        Holds(platform, {Call("pkgmgr_installer_info_get_target_uid()"), kGetPkgInfo.Error("Failed to get UID")}));
-  }
-}
-
-TEST(PackageRecord, only_a_negative_answer_about_the_user_is_a_failure_and_the_user_is_0_until_told_otherwise) {
-  Platform& platform = PlatformWith("/pkg");
-  platform.target_uid = 5001;
-  platform.FailNext("pkgmgr_installer_info_get_target_uid", 1);
-  pkgmgrinfo_pkginfo_h handle = nullptr;
-  EXPECT_EQ(0, pkgmgrGetPkgInfo("pkg", &handle));
-  EXPECT_TRUE(Holds(
-      platform, {Call("pkgmgr_installer_info_get_target_uid()"), Call("pkgmgrinfo_pkginfo_get_usr_pkginfo(pkg, 0)")}));
-  EXPECT_EQ(0, pkgmgrinfo_pkginfo_destroy_pkginfo(handle));
-}
-
-TEST(PackageRecord, any_other_answer_than_0_about_the_package_is_a_failure_and_told_with_its_code) {
-  for (const int code : {-1, 1, -38}) {
-    Platform& platform = PlatformWith("/pkg");
-    platform.FailNext("pkgmgrinfo_pkginfo_get_usr_pkginfo", code);
-    int untouched = 0;
-    pkgmgrinfo_pkginfo_h handle = &untouched;
-    EXPECT_EQ(-1, pkgmgrGetPkgInfo("pkg", &handle));
-    EXPECT_EQ(&untouched, handle);
-    EXPECT_TRUE(Holds(
-        platform, {Call("pkgmgr_installer_info_get_target_uid()"), Call("pkgmgrinfo_pkginfo_get_usr_pkginfo(pkg, 0)"),
-                   kGetPkgInfo.Error("Failed to get pkginfo (%d)", code)}));
-    EXPECT_EQ(0, platform.Created(doubles::Record::Kind::kPackage));
-  }
-}
-
-// The package type.
-
-Steps TypeAsked() {
-  return Join({Call("pkgmgr_installer_info_get_target_uid()"), Call("pkgmgrinfo_pkginfo_get_usr_pkginfo(pkg, 0)"),
-               Call("pkgmgrinfo_pkginfo_get_type()"), Call("pkgmgrinfo_pkginfo_destroy_pkginfo()")});
-}
-
-TEST(RpkType, the_first_three_characters_of_the_type_decide_and_the_record_is_destroyed) {
-  const std::pair<const char*, bool> rows[] = {{"rpk", true},  {"rpkx", true},  {"rpk2", true},  {"rpk ", true},
-                                               {"rp", false},  {"r", false},    {"", false},     {"rpx", false},
-                                               {"xpk", false}, {"rxk", false},  {"RPK", false},  {"rpK", false},
-                                               {"opk", false}, {"xrpk", false}, {" rpk", false}, {"rp k", false}};
-  for (const auto& [type, is_rpk] : rows) {
-    Platform& platform = PlatformWithType(type);
-    EXPECT_EQ(is_rpk, isRPK("pkg")) << type;
-    EXPECT_TRUE(Holds(platform, TypeAsked()));
-    EXPECT_TRUE(AllRecordsDestroyed(platform));
-    EXPECT_TRUE(platform.misuses.empty());
-  }
-}
-
-TEST(RpkType, a_type_that_cannot_be_read_is_none_and_the_record_is_destroyed) {
-  for (const int code : {-1, 1}) {
-    Platform& platform = PlatformWithType("rpk");
-    platform.FailNext("pkgmgrinfo_pkginfo_get_type", code);
-    EXPECT_FALSE(isRPK("pkg"));
-    EXPECT_TRUE(Holds(platform, TypeAsked()));
-    EXPECT_TRUE(AllRecordsDestroyed(platform));
-  }
-}
-
-TEST(RpkType, a_record_without_a_type_is_none_and_is_destroyed) {
-  Platform& platform = PlatformWithType("rpk");
-  platform.GiveNullNext("pkgmgrinfo_pkginfo_get_type");
-  EXPECT_FALSE(isRPK("pkg"));
-  EXPECT_TRUE(Holds(platform, TypeAsked()));
-  EXPECT_TRUE(AllRecordsDestroyed(platform));
-}
-
-TEST(RpkType, an_unknown_package_is_told_and_there_is_nothing_to_destroy) {
-  Platform& platform = PlatformWithType("rpk");
-  EXPECT_FALSE(isRPK("unknown"));
-  EXPECT_TRUE(Holds(
-      platform, {Call("pkgmgr_installer_info_get_target_uid()"), Call("pkgmgrinfo_pkginfo_get_usr_pkginfo(unknown, 0)"),
-                 kGetPkgInfo.Error("Failed to get pkginfo (%d)", -1)}));
-}
-
-TEST(RpkType, an_unknown_user_is_told_and_there_is_nothing_to_destroy) {
-  Platform& platform = PlatformWithType("rpk");
-  platform.FailNext("pkgmgr_installer_info_get_target_uid", -1);
-  EXPECT_FALSE(isRPK("pkg"));
-  EXPECT_TRUE(
-      Holds(platform, {Call("pkgmgr_installer_info_get_target_uid()"), kGetPkgInfo.Error("Failed to get UID")}));
 }
 
 }  // namespace

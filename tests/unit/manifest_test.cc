@@ -1,4 +1,4 @@
-// The two walks over a manifest: is it dotnet-inhouse, is it CoBA-related?
+// The walk over a manifest: is it dotnet-inhouse? And what this walk shares with the search for CoBA entries.
 #include "plugin/manifest.h"
 
 #include <gtest/gtest.h>
@@ -19,8 +19,9 @@ namespace {
 
 using doubles::Join;
 using doubles::Platform;
-using doubles::Source;
 using doubles::Steps;
+using expected::CobaWalk;
+using expected::LocalNames;
 using expected::Names;
 using expected::Plugin;
 using support::ApplicationElement;
@@ -80,28 +81,6 @@ class XmlMemory {
 
   inline static int blocks_ = 0;
 };
-
-Steps CobaWalk(const Steps& inside) { return expected::TracedPlugin("bool isAppCoBARelated(xmlDocPtr)", inside); }
-
-Steps LocalNames(const std::vector<std::string>& names) {
-  Steps steps;
-  for (const std::string& name : names) {
-    steps = Join({steps, Plugin("isAppCoBARelated").Debug("Local name %s", name)});
-  }
-  return steps;
-}
-
-// isCobaKey comparing an entry with the first `count` CoBA keys.
-Steps Compared(const std::string& key, const std::string& value, std::size_t count = 4) {
-  const std::string start = "http://" ORVEL_DEVELOPER_HOST "/orvel/metadata/support-";
-  const std::string ends[] = {"fs-external-component", "view-plugin", "view-plugin-page", "bpi"};
-  Steps steps;
-  for (std::size_t i = 0; i < count; ++i) {
-    steps = Join({steps, Source("metadata_utils", "isMetadataInfoHasKey")
-                             .Debug("%s compare to %s, value : %s", key, value, start + ends[i])});
-  }
-  return steps;
-}
 
 struct Row {
   const char* what;
@@ -257,65 +236,6 @@ FRESH_TEST(Manifest, the_document_is_left_as_it_was) {
                 std::string(kCobaKey) + "\" value=\"true\"/></manifest>\n",
             std::string(reinterpret_cast<const char*>(text)));
   xmlFree(text);
-}
-
-std::vector<Row> CobaRows() {
-  const std::string bpi = "http://" ORVEL_DEVELOPER_HOST "/orvel/metadata/support-bpi";
-  const std::string coba = kCobaKey;
-  const Steps matched_line = Plugin("isAppCoBARelated").Info("App has CoBA metadata");
-  const auto matched = [](const std::string& key) {
-    return Source("metadata_utils", "isMetadataInfoHasKey").Debug("%s matched", key);
-  };
-  const Steps found = Join({Compared(coba, "true", 1), matched(coba), matched_line});
-  return {
-      {"the CoBA key", "<manifest>" + MetadataElement(coba, "true") + "</manifest>", true,
-       Join({LocalNames({"manifest", "metadata"}), found})},
-      {"the last of the four keys", "<manifest>" + MetadataElement(bpi, "true") + "</manifest>", true,
-       Join({LocalNames({"manifest", "metadata"}), Compared(bpi, "true"), matched(bpi), matched_line})},
-      {"the value false", "<manifest>" + MetadataElement(coba, "false") + "</manifest>", false,
-       Join({LocalNames({"manifest", "metadata"}), Compared(coba, "false"), LocalNames({"manifest"})})},
-      {"no value, then a whole entry",
-       "<manifest><metadata key='" + coba + "'/>" + MetadataElement(coba, "true") + "</manifest>", true,
-       Join({LocalNames({"manifest", "metadata", "metadata"}), found})},
-      {"no key", "<manifest><metadata value='true'/></manifest>", false,
-       LocalNames({"manifest", "metadata", "manifest"})},
-      {"another name", "<manifest><metadatas key='" + coba + "' value='true'/></manifest>", false,
-       LocalNames({"manifest", "metadatas", "manifest"})},
-      {"another letter case", "<manifest><Metadata key='" + coba + "' value='true'/></manifest>", false,
-       LocalNames({"manifest", "Metadata", "manifest"})},
-      {"a foreign entry before",
-       "<manifest>" + MetadataElement("k", "true") + MetadataElement(coba, "true") + "</manifest>", true,
-       Join({LocalNames({"manifest", "metadata"}), Compared("k", "true"), LocalNames({"metadata"}), found})},
-      {"nothing after the entry is read",
-       "<manifest>" + MetadataElement(coba, "true") + MetadataElement(coba, "true") + "</manifest>", true,
-       Join({LocalNames({"manifest", "metadata"}), found})},
-      {"an element with content is met twice",
-       "<manifest><metadata key='" + coba + "' value='no'>x</metadata></manifest>", false,
-       Join({LocalNames({"manifest", "metadata"}), Compared(coba, "no"), LocalNames({"#text", "metadata"}),
-             Compared(coba, "no"), LocalNames({"manifest"})})},
-      {"inside an application",
-       "<manifest><ui-application>" + MetadataElement(coba, "true") + "</ui-application></manifest>", true,
-       Join({LocalNames({"manifest", "ui-application", "metadata"}), found})},
-  };
-}
-
-TEST(Manifest, the_first_coba_entry_makes_it_coba_related) {
-  for (const Row& row : CobaRows()) {
-    Fresh([&](Platform& platform) {
-      EXPECT_EQ(row.inhouse, isAppCoBARelated(Parse(row.xml).get())) << row.what;
-      EXPECT_TRUE(Holds(platform, CobaWalk(row.journal))) << row.what;
-    });
-  }
-}
-
-FRESH_TEST(Manifest, coba_relation_is_not_kept_between_calls) {
-  EXPECT_TRUE(isAppCoBARelated(ManifestOf(MetadataElement(kCobaKey, "true")).get()));
-  EXPECT_FALSE(isAppCoBARelated(DotnetManifest().get()));
-}
-
-FRESH_TEST(Manifest, a_null_manifest_is_not_coba_related) {
-  EXPECT_FALSE(isAppCoBARelated(nullptr));
-  EXPECT_TRUE(Holds(platform, {CobaWalk(Plugin("isAppCoBARelated").Error("xml provided is null"))}));
 }
 
 FRESH_TEST(Manifest, a_node_without_a_name_ends_the_search_for_coba_entries) {
