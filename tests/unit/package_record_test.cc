@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 #include "morvath/install_location.h"
 #include "tests/support/unit_case.h"
