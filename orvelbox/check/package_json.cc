@@ -3,18 +3,18 @@
 
 #include "orvelbox/check/formats.h"
 #include "orvelbox/check/project_lines.h"
-#include "orvelbox/desk/json.h"
+#include "platform/host/json.h"
 
 namespace orvelbox {
 namespace {
 
-void AddCopy(const std::string& prefix, const DllCopy& copy, Json& json) {
+void AddCopy(const std::string& prefix, const DllCopy& copy, host::Json& json) {
   if (copy.size) json[prefix + "size"] = *copy.size;
   if (copy.version) json[prefix + "assembly_version"] = ToString(*copy.version);
 }
 
-Json ToJson(const CheckedDll& dll) {
-  Json json = {{"path", dll.path}, {"verdict", ToString(dll.verdict)}};
+host::Json ToJson(const CheckedDll& dll) {
+  host::Json json = {{"path", dll.path}, {"verdict", ToString(dll.verdict)}};
   if (!dll.reason.empty()) json["reason"] = dll.reason;
   if (!dll.origin.empty()) json["origin"] = dll.origin;
   AddCopy("", dll.own, json);
@@ -26,7 +26,7 @@ Json ToJson(const CheckedDll& dll) {
 }  // namespace
 
 std::string ToJson(const CheckedPackage& package) {
-  Json json = {{"package", package.name}};
+  host::Json json = {{"package", package.name}};
   if (!package.problem.empty()) {
     json["error"] = package.problem;
   } else {
@@ -36,11 +36,11 @@ std::string ToJson(const CheckedPackage& package) {
     json["dotnet"] = package.dotnet;
     json["debugging"] = package.debugging;
     json["duplicates"] = CountDuplicates(package);
-    json["dlls"] = Json::array();
+    json["dlls"] = host::Json::array();
     for (const CheckedDll& dll : package.dlls) json["dlls"].push_back(ToJson(dll));
     if (const auto lines = ProjectLines(package); !lines.empty()) json["project_lines"] = lines;
   }
-  return OneLine(json);
+  return host::AsciiJson(json);
 }
 
 }  // namespace orvelbox

@@ -5,7 +5,7 @@
 #include "base/affix.h"
 #include "orvelbox/check/formats.h"
 #include "orvelbox/check/percent_encoding.h"
-#include "orvelbox/desk/json.h"
+#include "platform/host/json.h"
 
 namespace orvelbox {
 namespace {
@@ -13,7 +13,7 @@ namespace {
 constexpr const char* kRemovedRule = "duplicate-removed";
 constexpr const char* kReportedRule = "duplicate-reported";
 
-Json Rule(const char* id, const std::string& text) {
+host::Json Rule(const char* id, const std::string& text) {
   return {{"id", id},
           {"shortDescription", {{"text", text}}},
           {"help",
@@ -40,37 +40,38 @@ std::string MessageAbout(const CheckedPackage& package, const CheckedDll& dll) {
 }
 
 // A DLL in a directory is a file to point at; one in an archive has its place by name only.
-Json LocationOf(const CheckedPackage& package, const CheckedDll& dll) {
+host::Json LocationOf(const CheckedPackage& package, const CheckedDll& dll) {
   const std::filesystem::path file = std::filesystem::path(package.name) / dll.path;
   std::error_code ignored;
   const bool archive = !std::filesystem::is_directory(package.name, ignored);
   const std::string uri = UriOf(archive ? package.name : file.lexically_normal().string());
-  return {
-      {"physicalLocation", {{"artifactLocation", {{"uri", uri}}}}},
-      {"logicalLocations", Json::array({{{"fullyQualifiedName", package.id + "/" + dll.path}, {"kind", "resource"}}})}};
+  return {{"physicalLocation", {{"artifactLocation", {{"uri", uri}}}}},
+          {"logicalLocations",
+           host::Json::array({{{"fullyQualifiedName", package.id + "/" + dll.path}, {"kind", "resource"}}})}};
 }
 
-Json ResultOf(const CheckedPackage& package, const CheckedDll& dll) {
+host::Json ResultOf(const CheckedPackage& package, const CheckedDll& dll) {
   const bool removed = dll.verdict == Verdict::kRemoved;
   return {{"ruleId", removed ? kRemovedRule : kReportedRule},
           {"level", package.debugging ? "error"
                     : removed         ? "warning"
                                       : "note"},
           {"message", {{"text", MessageAbout(package, dll)}}},
-          {"locations", Json::array({LocationOf(package, dll)})}};
+          {"locations", host::Json::array({LocationOf(package, dll)})}};
 }
 
-Json NotificationOf(const CheckedPackage& package) {
+host::Json NotificationOf(const CheckedPackage& package) {
   return {{"level", "error"},
           {"message", {{"text", package.problem}}},
-          {"locations", Json::array({{{"physicalLocation", {{"artifactLocation", {{"uri", UriOf(package.name)}}}}}}})}};
+          {"locations",
+           host::Json::array({{{"physicalLocation", {{"artifactLocation", {{"uri", UriOf(package.name)}}}}}}})}};
 }
 
 }  // namespace
 
 std::string ToSarif(const std::vector<CheckedPackage>& packages) {
-  Json results = Json::array();
-  Json notifications = Json::array();
+  host::Json results = host::Json::array();
+  host::Json notifications = host::Json::array();
   for (const CheckedPackage& package : packages) {
     if (!package.problem.empty()) notifications.push_back(NotificationOf(package));
     for (const CheckedDll& dll : package.dlls) {
@@ -78,18 +79,19 @@ std::string ToSarif(const std::vector<CheckedPackage>& packages) {
     }
   }
   const bool successful = notifications.empty();
-  const Json rules = {Rule(kRemovedRule, "A DLL of the package is provided already; the install removes it."),
-                      Rule(kReportedRule,
-                           "A DLL of the package is provided in the read-write area; the install "
-                           "reports it and keeps it.")};
-  const Json run = {
+  const host::Json rules = {Rule(kRemovedRule, "A DLL of the package is provided already; the install removes it."),
+                            Rule(kReportedRule,
+                                 "A DLL of the package is provided in the read-write area; the install "
+                                 "reports it and keeps it.")};
+  const host::Json run = {
       {"tool", {{"driver", {{"name", "orvelbox check"}, {"rules", rules}}}}},
       {"invocations",
-       Json::array({{{"executionSuccessful", successful}, {"toolExecutionNotifications", notifications}}})},
+       host::Json::array({{{"executionSuccessful", successful}, {"toolExecutionNotifications", notifications}}})},
       {"results", results}};
-  const Json log = {
-      {"$schema", "https://json.schemastore.org/sarif-2.1.0.json"}, {"version", "2.1.0"}, {"runs", Json::array({run})}};
-  return log.dump(2, ' ', true, Json::error_handler_t::replace);
+  const host::Json log = {{"$schema", "https://json.schemastore.org/sarif-2.1.0.json"},
+                          {"version", "2.1.0"},
+                          {"runs", host::Json::array({run})}};
+  return host::AsciiJson(log, 2);
 }
 
 }  // namespace orvelbox

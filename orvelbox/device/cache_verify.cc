@@ -6,7 +6,7 @@
 #include <set>
 
 #include "base/fixed_names.h"
-#include "orvelbox/desk/json.h"
+#include "platform/host/json.h"
 #include "platform/host/paths.h"
 
 namespace orvelbox {
@@ -99,12 +99,12 @@ Lines DescribeFindings(const std::vector<CacheFinding>& findings) {
 }
 
 std::string ToJson(const std::vector<CacheFinding>& findings) {
-  Json json = {{"sound", findings.empty()}, {"findings", Json::array()}};
+  host::Json json = {{"sound", findings.empty()}, {"findings", host::Json::array()}};
   for (const CacheFinding& finding : findings) {
     json["findings"].push_back(
         {{"file", finding.file}, {"kind", finding.kind}, {"entry", finding.entry}, {"text", finding.text}});
   }
-  return OneLine(json);
+  return host::AsciiJson(json);
 }
 
 }  // namespace orvelbox

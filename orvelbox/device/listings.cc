@@ -5,17 +5,17 @@
 #include <nlohmann/json.hpp>
 
 #include "base/fixed_names.h"
-#include "orvelbox/desk/json.h"
+#include "platform/host/json.h"
 
 namespace orvelbox {
 namespace {
 
-Json Brief(const host::Package& package) {
+host::Json Brief(const host::Package& package) {
   return {{"id", package.id}, {"version", package.version}, {"type", package.type}, {"root", package.root}};
 }
 
-Json Whole(const host::Application& application) {
-  Json metadata = Json::array();
+host::Json Whole(const host::Application& application) {
+  host::Json metadata = host::Json::array();
   for (const host::MetadataEntry& entry : application.metadata) {
     metadata.push_back({{"key", entry.key}, {"value", entry.value}});
   }
@@ -26,7 +26,7 @@ Json Whole(const host::Application& application) {
           {"metadata", metadata}};
 }
 
-Json Whole(const CacheText& text) {
+host::Json Whole(const CacheText& text) {
   const CacheState state = StateOf(text);
   const char* name = state == CacheState::kSound ? "sound" : state == CacheState::kMissing ? "missing" : "damaged";
   return {{"state", name}, {"entries", EntriesOf(text)}};
@@ -73,9 +73,9 @@ Lines DescribePackages(const std::vector<host::Package>& packages) {
 }
 
 std::string PackagesJson(const std::vector<host::Package>& packages) {
-  Json json = Json::array();
+  host::Json json = host::Json::array();
   for (const host::Package& package : packages) json.push_back(Brief(package));
-  return OneLine(json);
+  return host::AsciiJson(json);
 }
 
 Lines DescribePackage(const host::Package& package) {
@@ -91,12 +91,12 @@ Lines DescribePackage(const host::Package& package) {
 }
 
 std::string PackageJson(const host::Package& package) {
-  Json json = Brief(package);
+  host::Json json = Brief(package);
   json["main_application"] = package.main_app_id;
   json["privileges"] = package.privileges;
-  json["applications"] = Json::array();
+  json["applications"] = host::Json::array();
   for (const host::Application& application : package.applications) json["applications"].push_back(Whole(application));
-  return OneLine(json);
+  return host::AsciiJson(json);
 }
 
 Lines DescribeCaches(const CacheText& tpa, const CacheText& coba) {
@@ -107,7 +107,7 @@ Lines DescribeCaches(const CacheText& tpa, const CacheText& coba) {
 }
 
 std::string CachesJson(const CacheText& tpa, const CacheText& coba) {
-  return OneLine({{kTpaFile, Whole(tpa)}, {kCobaFile, Whole(coba)}});
+  return host::AsciiJson({{kTpaFile, Whole(tpa)}, {kCobaFile, Whole(coba)}});
 }
 
 }  // namespace orvelbox

@@ -13,9 +13,9 @@
 
 #include "base/unique_fd.h"
 #include "orvelbox/desk/colour.h"
-#include "orvelbox/desk/json.h"
 #include "orvelbox/desk/output.h"
 #include "platform/host/files.h"
+#include "platform/host/json.h"
 
 namespace orvelbox {
 namespace {
@@ -38,11 +38,11 @@ std::string ShowText(std::string_view text, bool colour) {
 }
 
 std::string RecordJson(const host::LogRecord& record) {
-  return OneLine({{"time", record.time},
-                  {"priority", std::string(1, record.priority)},
-                  {"tag", record.tag},
-                  {"pid", record.pid},
-                  {"text", record.text}});
+  return host::AsciiJson({{"time", record.time},
+                          {"priority", std::string(1, record.priority)},
+                          {"tag", record.tag},
+                          {"pid", record.pid},
+                          {"text", record.text}});
 }
 
 int Rank(char priority) {

@@ -5,9 +5,9 @@
 #include <nlohmann/json.hpp>
 
 #include "base/fixed_names.h"
-#include "orvelbox/desk/json.h"
 #include "orvelbox/desk/text_table.h"
 #include "orvelbox/device/installed_trees.h"
+#include "platform/host/json.h"
 #include "platform/host/paths.h"
 
 namespace fs = std::filesystem;
@@ -99,11 +99,12 @@ Lines DescribeWhy(const WhyQuestion& question, const std::vector<Removal>& remov
 
 std::string WhyJson(const WhyQuestion& question, const std::vector<Removal>& removals, const CheckedPackage& today) {
   const host::Package& package = question.package;
-  Json json = {{"id", package.id}, {"version", package.version}, {"root", package.root}, {"dlls", Json::array()}};
+  host::Json json = {
+      {"id", package.id}, {"version", package.version}, {"root", package.root}, {"dlls", host::Json::array()}};
   for (const Removal& removal : removals) {
     json["dlls"].push_back({{"path", host::From(package.root, removal.dll)},
                             {"fate", FateOf(removal)},
-                            {"time", removal.time.empty() ? Json() : Json(removal.time)},
+                            {"time", removal.time.empty() ? host::Json() : host::Json(removal.time)},
                             {"origin", removal.origin},
                             {"origin_there", removal.origin_there},
                             {"information_file", removal.information_file}});
@@ -111,10 +112,10 @@ std::string WhyJson(const WhyQuestion& question, const std::vector<Removal>& rem
   for (const CheckedDll& dll : Untold(question, removals, today)) {
     json["dlls"].push_back({{"path", dll.path},
                             {"fate", "there"},
-                            {"origin", dll.origin.empty() ? Json() : Json(dll.origin)},
+                            {"origin", dll.origin.empty() ? host::Json() : host::Json(dll.origin)},
                             {"reason", ReasonToday(dll, today)}});
   }
-  return OneLine(json);
+  return host::AsciiJson(json);
 }
 
 }  // namespace orvelbox

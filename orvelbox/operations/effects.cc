@@ -7,6 +7,7 @@
 
 #include "orvelbox/desk/tree.h"
 #include "platform/host/files.h"
+#include "platform/host/json.h"
 
 namespace orvelbox {
 namespace {
@@ -59,7 +60,7 @@ Effects EffectsSince(const host::Device& device, const Snapshot& before, HookRun
 }
 
 LoaderState ParseLoaderRecord(const std::string& record) {
-  const nlohmann::json json = nlohmann::json::parse(record, nullptr, false);
+  const host::Json json = host::ParseJson(record);
   LoaderState state;
   if (!json.is_object()) return state;
   const auto starts = json.find("starts");

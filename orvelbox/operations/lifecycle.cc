@@ -5,11 +5,11 @@
 #include <functional>
 #include <nlohmann/json.hpp>
 
-#include "orvelbox/desk/json.h"
 #include "orvelbox/device/state.h"
 #include "orvelbox/operations/operations.h"
 #include "orvelbox/operations/report.h"
 #include "orvelbox/package/manifest.h"
+#include "platform/host/json.h"
 
 namespace fs = std::filesystem;
 
@@ -124,13 +124,13 @@ Lines DescribeLifecycle(const Lifecycle& lifecycle) {
 }
 
 std::string ToJson(const Lifecycle& lifecycle) {
-  Json json = {{"package", lifecycle.package}, {"sound", lifecycle.Passed()}, {"steps", Json::array()}};
+  host::Json json = {{"package", lifecycle.package}, {"sound", lifecycle.Passed()}, {"steps", host::Json::array()}};
   for (const LifecycleStep& step : lifecycle.steps) {
     json["steps"].push_back({{"step", step.name},
-                             {"problem", step.problem.empty() ? Json() : Json(step.problem)},
+                             {"problem", step.problem.empty() ? host::Json() : host::Json(step.problem)},
                              {"differences", step.differences}});
   }
-  return OneLine(json);
+  return host::AsciiJson(json);
 }
 
 }  // namespace orvelbox

@@ -6,12 +6,11 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "platform/host/device.h"
+#include "platform/host/device_error.h"
+#include "platform/host/json.h"
 
 namespace orvelbox {
 namespace {
-
-using nlohmann::json;
 
 struct Event {
   std::string name;
@@ -21,15 +20,15 @@ struct Event {
   std::int64_t time = 0;
 };
 
-Event ReadEvent(const json& event) {
+Event ReadEvent(const host::Json& event) {
   return {event.at("name").get<std::string>(), event.at("ph").get<std::string>(), event.at("pid").get<std::int64_t>(),
           event.at("tid").get<std::int64_t>(), event.at("ts").get<std::int64_t>()};
 }
 
 // The format does not demand the array's closing bracket, and who writes event by event never writes it.
-json ReadArray(std::string_view text) {
-  json array = json::parse(text, nullptr, false);
-  if (array.is_discarded()) array = json::parse(std::string(text) + "]");
+host::Json ReadArray(std::string_view text) {
+  host::Json array = host::ParseJson(text);
+  if (array.is_discarded()) array = host::ParseJson(std::string(text) + "]");
   return array.is_array() ? array : throw std::invalid_argument("no array");
 }
 
@@ -68,9 +67,9 @@ class OpenLane {
   std::size_t place_;  // among the lanes
 };
 
-std::vector<Lane> ReadLanes(const json& events) {
+std::vector<Lane> ReadLanes(const host::Json& events) {
   std::map<std::pair<std::int64_t, std::int64_t>, OpenLane> open;
-  for (const json& element : events) {
+  for (const host::Json& element : events) {
     const Event event = ReadEvent(element);
     const auto lane = open.try_emplace({event.process, event.thread}, event, open.size()).first;
     lane->second.Add(event);
