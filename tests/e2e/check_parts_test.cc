@@ -12,6 +12,7 @@
 #include "orvelbox/project_lines.h"
 #include "orvelbox/text_table.h"
 #include "platform/host/device.h"
+#include "platform/host/json.h"
 
 namespace orvelbox {
 namespace {
@@ -128,8 +129,8 @@ TEST(CheckSarif, has_a_result_per_duplicate_and_a_notification_per_unreadable_pa
   unreadable.problem = "damaged";
   CheckedPackage debugged = Package({Dll("bin/X.dll", Verdict::kReportedOnly, "/opt/x/X.dll")});
   debugged.debugging = true;
-  const auto log = nlohmann::json::parse(
-      ToSarif({Package({NewerDll(), Dll("bin/Own.dll", Verdict::kKept, "")}), unreadable, debugged}));
+  const auto log =
+      host::ParseJson(ToSarif({Package({NewerDll(), Dll("bin/Own.dll", Verdict::kKept, "")}), unreadable, debugged}));
   EXPECT_EQ(log["version"], "2.1.0");
   const auto& run = log["runs"][0];
   ASSERT_EQ(run["results"].size(), 2U);
