@@ -1,11 +1,15 @@
 # The commands of everyday work. Each installs what is missing first; CMakePresets.json holds the builds.
-.PHONY: build tests test test-heavy demo bench bench-compare bench-programs coverage mutation fuzz lint format sanitize \
-  valgrind clean packages lint-packages package package-test reproducible package-tools
+.PHONY: build tests test test-heavy test-container test-distributions test-devices demo bench bench-compare bench-programs \
+  coverage mutation fuzz lint format sanitize valgrind clean packages lint-packages package package-test reproducible \
+  package-tools
 
 JOBS ?= $(shell nproc)
 
+# Warnings stop our own builds (.ci/run), not those of somebody with a newer compiler.
+WERROR ?= OFF
+
 build: packages
-	cmake --preset release
+	cmake --preset release -DORVEL_WERROR=$(WERROR)
 	cmake --build --preset release --parallel $(JOBS)
 
 tests: build
@@ -15,9 +19,23 @@ test: tests
 	ctest --preset release --parallel $(JOBS)
 
 # The tests that take more than a few seconds each.
-test-heavy: tests
+test-heavy: test-container
 	@scripts/install-packages.sh scripts/test-heavy-packages.txt
 	ctest --preset heavy --parallel $(JOBS)
+
+# The demo and the tests as in a container without special rights, as root and as an ordinary user.
+test-container: tests
+	scripts/test-container.sh build/release
+
+# The demo and the tests in fresh Debian 12 and 13 root file systems, or in copies of the directories ROOTS, as root and
+# as an ordinary user (as root; half an hour or so).
+test-distributions:
+	@scripts/install-packages.sh scripts/test-distributions-packages.txt
+	scripts/test-distributions.sh $(ROOTS)
+
+# Builds for the devices' processors and passes the tests under qemu (most of an hour).
+test-devices: packages
+	JOBS=$(JOBS) CMAKE_BUILD_PARALLEL_LEVEL=$(JOBS) scripts/test-devices.sh
 
 demo: build
 	scripts/demo.sh build/release
@@ -84,7 +102,7 @@ reproducible: packages package-tools
 	scripts/reproducible.sh $(JOBS)
 
 lint: packages lint-packages
-	cmake --preset clang
+	cmake --preset clang -DORVEL_WERROR=ON
 	scripts/lint.sh build/clang
 
 format: lint-packages

@@ -68,6 +68,9 @@ void bench::Measure(const std::function<void()>& work) {
   measured_work(work);
   syscall(SYS_getppid);
   const double seconds = CpuSeconds() - begin;
-  std::printf("{\"seconds\": %.9f, \"allocations\": %ld, \"memory_kib\": %ld, \"lines\": %ld, \"bytes\": %ld}\n",
-              seconds, allocations - allocations_before, ResidentKib() - memory_before, Logged().lines, Logged().bytes);
+  std::printf(
+      "{\"seconds\": %.9f, \"allocations\": %ld, \"memory_kib\": %ld, \"lines\": %ld, \"spans\": %ld, "
+      "\"bytes\": %ld}\n",
+      seconds, allocations - allocations_before, ResidentKib() - memory_before, Logged().lines, Logged().spans,
+      Logged().bytes);
 }

@@ -4,7 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <bitset>
 #include <cstdio>
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -21,6 +23,8 @@ namespace bench {
 namespace {
 
 using Catalogue = std::map<std::string, std::string>;
+
+constexpr std::size_t kBits = 65536;
 
 class Pass {
  public:
@@ -67,39 +71,51 @@ class Pass {
   void CatalogueDirectory(const std::string& directory, Catalogue& catalogue, int depth) {
     Walk(directory, depth, [&](std::string& path, std::string_view name) {
       path += name;
+      known_.set(Bit(name));
       if (logs_) {
-        const auto entry = catalogue.emplace(name, path).first;
-        origins_.emplace(entry->first, &entry->second);
+        catalogue.emplace_hint(catalogue.begin(), name, path);
       } else {
         paths_.emplace(name, path);
       }
     });
   }
 
+  static std::size_t Bit(std::string_view name) { return std::hash<std::string_view>()(name) % kBits; }
+
+  template <typename Paths>
+  const std::string* Find(const Paths& paths) const {
+    const auto origin = paths.find(name_);
+    return origin == paths.end() ? nullptr : &origin->second;
+  }
+
   const std::string* OriginOf(std::string_view name) {
-    if (logs_) {
-      const auto origin = origins_.find(name);
-      return origin == origins_.end() ? nullptr : origin->second;
-    }
+    if (!known_.test(Bit(name))) return nullptr;
     name_.assign(name);
-    const auto origin = paths_.find(name_);
-    return origin == paths_.end() ? nullptr : &origin->second;
+    if (!logs_) return Find(paths_);
+    for (const Catalogue* catalogue : {&core_, &framework_, &coba_, &library_}) {
+      if (const std::string* const origin = Find(*catalogue)) return origin;
+    }
+    return nullptr;
   }
 
   void JudgeDirectory(const std::string& directory, int depth) {
     Walk(directory, depth, [&](std::string& path, std::string_view name) {
       if (name.size() < 4 || name.substr(name.size() - 4) != ".dll") return;
-      path += name;
-      struct stat status;
-      if (!logs_ && lstat(path.c_str(), &status) != 0) return;
+      if (!logs_ && !IsThere(path.append(name))) return;
       const std::string* const origin = OriginOf(name);
       if (origin == nullptr) return;
+      if (logs_) path += name;
       if (logs_) LogFound(*origin, path);
       const bool duplicate =
           *origin != path && origin->find("/d.pc/") == std::string::npos && path.find("/d.pc/") == std::string::npos;
       if (duplicate) Remove(*origin, path);
       if (logs_ && !duplicate) Leave("bool isDuplicatedDll(const std::string&, const std::string&)");
     });
+  }
+
+  static bool IsThere(const std::string& path) {
+    struct stat status;
+    return lstat(path.c_str(), &status) == 0;
   }
 
   void Remove(const std::string& origin, const std::string& path) {
@@ -153,8 +169,8 @@ class Pass {
 
   bool logs_;
   Catalogue core_, framework_, coba_, library_;
-  std::unordered_map<std::string_view, const std::string*> origins_;  // of the four catalogues
-  std::unordered_map<std::string, std::string> paths_;                // in place of all of that on the floor
+  std::unordered_map<std::string, std::string> paths_;  // in place of the four on the floor
+  std::bitset<kBits> known_;                            // the names in all of them
   std::string name_;
 };
 

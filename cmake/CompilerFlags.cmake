@@ -4,6 +4,10 @@ if(ORVEL_WERROR)
   add_compile_options(-Werror)
 endif()
 
+# Sizes, inode numbers and times of 64 bits on 32-bit processors too, where the narrow functions fail on files that have
+# such numbers. None of the interfaces that are used here carries any of them.
+add_compile_definitions(_FILE_OFFSET_BITS=64 _TIME_BITS=64)
+
 # Programs may lie anywhere in memory, as shared libraries do.
 include(CheckPIESupported)
 check_pie_supported()

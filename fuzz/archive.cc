@@ -1,6 +1,6 @@
 // The archive reader: whatever the bytes are, only paths that stay inside come out of it, and never more than the
 // limits allow.
-#include "orvelbox/archive.h"
+#include "orvelbox/package/archive.h"
 
 #include <set>
 #include <string>

@@ -12,6 +12,7 @@
 
 #include "fuzz/memory_directory.h"
 #include "platform/host/device.h"
+#include "platform/host/fixed_paths.h"
 #include "platform/host/fixed_paths_mounts.h"
 #include "plugin/catalogues.h"
 #include "plugin/hooks.h"
@@ -114,7 +115,7 @@ bool EnterDevice() {
   }
   static const MemoryDirectory root;
   for (const char* area : kAreas) fs::create_directories(root.path().string() + area);
-  host::EnterMountNamespace(method);
+  host::EnterMountNamespace(method == host::FixedPathsMethod::kUserNamespace);
   host::LayFixedPathsOver(root.path());
   inside = true;
   return true;

@@ -9,7 +9,7 @@
 
 #include "fuzz/input.h"
 #include "fuzz/memory_directory.h"
-#include "orvelbox/manifest.h"
+#include "orvelbox/package/manifest.h"
 #include "platform/host/device.h"
 
 namespace {

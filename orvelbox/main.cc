@@ -1,15 +1,26 @@
 // orvelbox: from the command line to the exit status.
 #include <exception>
 
-#include "orvelbox/command_line.h"
-#include "orvelbox/commands.h"
-#include "orvelbox/output.h"
+#include "orvelbox/cli/command_line.h"
+#include "orvelbox/commands/all.h"
+#include "orvelbox/desk/output.h"
+#include "orvelbox/trace/trace_file.h"
 
 namespace {
 
-int Run(const orvelbox::Options& options) {
+int Run(const orvelbox::Request& request) {
+  orvelbox::SetQuiet(request.global.quiet);
+  if (!request.global.trace.empty()) orvelbox::RequireTraceable(request.global.trace);
+  return request.command->Run(request.global);
+}
+
+// No exception ends the program without a line for people, be it one of the command line's own making.
+int Run(int argc, char** argv) {
   try {
-    return orvelbox::RunCommand(options);
+    const orvelbox::Commands commands = orvelbox::AllCommands();
+    const auto parsed = orvelbox::ParseCommandLine(commands, argc, argv);
+    if (const int* status = std::get_if<int>(&parsed)) return *status;
+    return Run(std::get<orvelbox::Request>(parsed));
   } catch (const std::exception& error) {
     orvelbox::Complain(error.what());
     return orvelbox::kFailed;
@@ -19,9 +30,7 @@ int Run(const orvelbox::Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const auto parsed = orvelbox::ParseCommandLine(argc, argv);
-  if (const int* status = std::get_if<int>(&parsed)) return *status;
-  const int status = Run(std::get<orvelbox::Options>(parsed));
+  const int status = Run(argc, argv);
   if (orvelbox::FlushOutput()) return status;
   orvelbox::Complain("standard output cannot be written");
   return orvelbox::kFailed;

@@ -3,7 +3,9 @@
 #include <fstream>
 #include <iostream>
 
-#include "orvelbox/manual.h"
+#include "orvelbox/cli/command_line.h"
+#include "orvelbox/commands/all.h"
+#include "orvelbox/manual/manual.h"
 
 namespace {
 
@@ -22,7 +24,9 @@ int main(int argc, char** argv) {
     return 2;
   }
   const std::filesystem::path directory = argv[1];
-  const orvelbox::CommandFacts program = orvelbox::DescribeProgram();
+  const orvelbox::Commands commands = orvelbox::AllCommands();
+  orvelbox::GlobalOptions global;
+  const orvelbox::CommandFacts program = orvelbox::DescribeProgram(commands, global);
   const bool written = Write(directory / "orvelbox.1", orvelbox::ManPage(program, ORVELBOX_VERSION)) &&
                        Write(directory / "orvelbox.bash", orvelbox::BashCompletion(program)) &&
                        Write(directory / "_orvelbox", orvelbox::ZshCompletion(program)) &&

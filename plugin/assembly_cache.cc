@@ -3,13 +3,16 @@
 
 #include <cstdio>
 #include <exception>
+#include <utility>
 
+#include "base/affix.h"
+#include "base/fixed_names.h"
 #include "morvath/metadata_utils.h"
 #include "morvath/platform_utils.h"
-#include "plugin/catalogues.h"
+#include "plugin/duplicate_policy.h"
 #include "plugin/duplicates.h"
 #include "plugin/log_source.h"
-#include "plugin/package_paths.h"
+#include "plugin/name_filter.h"
 #include "quarnel_util/quarnel_util.h"
 #include "util/privilege_checker.h"
 
@@ -23,33 +26,53 @@ constexpr unsigned int kDirectoryOnly = 1;
 constexpr unsigned int kWithSubdirectories = 2;
 constexpr unsigned int kWholePackage = 10;
 
-// A reader that records what it is given in `table`.
-FileReader Filler(std::map<std::string, std::string>& table) {
-  return [&table](const std::string& path, const std::string& name) { insertItem(table, name, path); };
+// Does insertItem for each file, but gives its strings away, and looks for the place beside that of the file before:
+// file systems of read-only images, and those in memory, list names in order.
+void CatalogueFiles(const std::string& directory, Catalogue& catalogue, unsigned int depth) {
+  const auto record = [&catalogue, place = catalogue.end()](const ListedFile& file) mutable {
+    std::string name(file.name);
+    std::string path = concatPath(file.directory, name);
+    place = catalogue.emplace_hint(place, std::move(name), std::move(path));
+  };
+  WalkFiles(directory, record, depth);
 }
 
 }  // namespace
 
-void CataloguePlatform(const std::string& platformRoot) {
-  scanFilesInDirExcludeSymlink(platformRoot + "netcoreapp/", Filler(coreFX), kDirectoryOnly);
-  scanFilesInDirExcludeSymlink(platformRoot + "framework/", Filler(orvelFX), kDirectoryOnly);
-  scanFilesInDirExcludeSymlink(platformRoot + "d.pc/", Filler(orvelFX), kWithSubdirectories);
+void CataloguePlatform(const Catalogues& catalogues, const std::string& platformRoot) {
+  CatalogueFiles(platformRoot + "netcoreapp/", catalogues.core, kDirectoryOnly);
+  CatalogueFiles(platformRoot + "framework/", catalogues.framework, kDirectoryOnly);
+  CatalogueFiles(platformRoot + "d.pc/", catalogues.framework, kWithSubdirectories);
 }
 
-void CatalogueTvAppApi(const std::string& platformRoot) {
-  scanFilesInDirExcludeSymlink(platformRoot + "tvappapi/", Filler(orvelFX), kDirectoryOnly);
+void CatalogueTvAppApi(const Catalogues& catalogues, const std::string& platformRoot) {
+  CatalogueFiles(platformRoot + "tvappapi/", catalogues.framework, kDirectoryOnly);
 }
 
-void CatalogueSharedResources(const std::string& packageRoot) {
-  scanFilesInDirExcludeSymlink(packageRoot + kSharedResourceSuffix, Filler(coBA), kDirectoryOnly);
+void CatalogueSharedResources(const Catalogues& catalogues, const std::string& packageRoot) {
+  CatalogueFiles(packageRoot + kSharedResourceSuffix, catalogues.components, kDirectoryOnly);
 }
 
-void CatalogueLibrary(const std::string& packageRoot) {
-  scanFilesInDirExcludeSymlink(packageRoot + kLibrarySuffix, Filler(appLib), kDirectoryOnly);
+void CatalogueLibrary(const Catalogues& catalogues, const std::string& packageRoot) {
+  CatalogueFiles(packageRoot + kLibrarySuffix, catalogues.library, kDirectoryOnly);
 }
 
 void VisitPackage(const std::string& packageRoot, const FileVisitor& visit) {
   WalkFiles(packageRoot, visit, kWholePackage);
+}
+
+int RemoveDuplicates(const std::string& packageRoot) {
+  NameFilter catalogued;
+  for (const Catalogue* catalogue : ByPrecedence(OwnCatalogues())) {
+    for (const auto& [name, path] : *catalogue) catalogued.Add(name);
+  }
+  int result = 0;
+  VisitPackage(packageRoot, [&](const ListedFile& file) {
+    // Of names that no catalogue holds the listing's word is enough: isUniqueDll would look, and keep them as well.
+    if (!IsAssemblyName(file.name) || (file.regular && !catalogued.MayHold(file.name))) return;
+    if (isUniqueDll(file) == 0) result = -1;
+  });
+  return result;
 }
 
 int gac(const std::string& pkgId) {
@@ -64,10 +87,11 @@ int gac(const std::string& pkgId) {
   prevInstallPkgId = pkgId;
 
   // The order counts: a name keeps the path under which it is catalogued first.
-  CataloguePlatform(kPlatformRoot);
+  const Catalogues catalogues = OwnCatalogues();
+  CataloguePlatform(catalogues, kPlatformRoot);
   if (HasPlatformPrivilege(pkgId)) {
     LOG_DEBUG("This package has platform privilege. So add tvappapi path");
-    CatalogueTvAppApi(kPlatformRoot);
+    CatalogueTvAppApi(catalogues, kPlatformRoot);
   } else {
     LOG_DEBUG("This package does not have platform privilege. So skip tvappapi path");
   }
@@ -80,14 +104,8 @@ int gac(const std::string& pkgId) {
     std::fprintf(stderr, "### INSTALL : morvath, pkgRoot is empty : %s\n", pkgId.c_str());
     return -1;
   }
-  CatalogueLibrary(pkgRoot);
-
-  int result = 0;
-  const PackageJudge packageJudge(pkgRoot);
-  VisitPackage(pkgRoot, [&](const ListedFile& file) {
-    if (packageJudge.Judge(file) == 0) result = -1;
-  });
-  return result;
+  CatalogueLibrary(catalogues, pkgRoot);
+  return RemoveDuplicates(pkgRoot);
 }
 
 bool HasPlatformPrivilege(const std::string& pkgId) {
@@ -121,7 +139,7 @@ int cobaCallback(pkgmgrinfo_appinfo_h handle, void*) try {
   char* root = nullptr;
   if (pkgmgrinfo_appinfo_get_root_path(handle, &root) != 0 || root == nullptr) return 1;
   LOG_DEBUG("Path : %s", root);
-  CatalogueSharedResources(root);
+  CatalogueSharedResources(OwnCatalogues(), root);
   return 1;
 } catch (const std::exception&) {
   return 1;  // what was catalogued so far stays; nothing may be thrown through the platform's enumeration

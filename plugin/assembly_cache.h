@@ -7,7 +7,8 @@
 
 #include "morvath/export.h"
 #include "orvel/pkgmgr_info.h"
-#include "util/directory_walk.h"
+#include "plugin/catalogues.h"
+#include "util/platform_utils/directory_walk.h"
 
 // Runs the pass over package `pkgId`. Returns 0 when no duplicate was found, or when the pass before was for the same
 // id; -1 when duplicates were found (each of them was dealt with) or the package has no root directory. Leaves the
@@ -28,13 +29,16 @@ ORVEL_EXPORT int cobaCallback(pkgmgrinfo_appinfo_h handle, void* userData);
 // The steps of the pass that fill the catalogues, for whoever judges a package without installing it.
 // `platformRoot`: the directory of the platform's assemblies, with a "/" at its end. CataloguePlatform takes up all of
 // them but the TV application API.
-void CataloguePlatform(const std::string& platformRoot);
-void CatalogueTvAppApi(const std::string& platformRoot);
+void CataloguePlatform(const Catalogues& catalogues, const std::string& platformRoot);
+void CatalogueTvAppApi(const Catalogues& catalogues, const std::string& platformRoot);
 // `packageRoot`: the root directory of a package, without a "/" at its end.
-void CatalogueSharedResources(const std::string& packageRoot);
-void CatalogueLibrary(const std::string& packageRoot);
+void CatalogueSharedResources(const Catalogues& catalogues, const std::string& packageRoot);
+void CatalogueLibrary(const Catalogues& catalogues, const std::string& packageRoot);
 
 // Calls `visit` for each file of a package that the pass judges, in its order.
 void VisitPackage(const std::string& packageRoot, const FileVisitor& visit);
+
+// The last step of the pass: offers those files to isUniqueDll. Returns -1 when any was a duplicate, else 0.
+int RemoveDuplicates(const std::string& packageRoot);
 
 #endif

@@ -7,22 +7,16 @@
 #include <cstddef>
 #include <cstring>
 #include <functional>
+#include <optional>
+#include <string_view>
 #include <utility>
-#include <vector>
 
+#include "base/fixed_names.h"
 #include "morvath/platform_utils.h"
 #include "plugin/log_source.h"
-#include "plugin/package_paths.h"
 #include "quarnel_util/quarnel_util.h"
 
 namespace {
-
-constexpr const char* kCacheDirectory = "/opt/usr/home/owner/share/dotnet/";
-constexpr const char* kTpaFile = "TPA.txt";
-constexpr const char* kCobaFile = "CoBA.txt";
-constexpr const char* kEndMarker = "[END]";
-constexpr std::size_t kEndMarkerLength = 5;
-constexpr const char* kSeparator = ":";
 
 // Line fields of this file's messages and trackers: log readers key on them, so they stay wherever the statements go.
 constexpr int kReadCacheTrackerLine = 381;
@@ -35,24 +29,21 @@ constexpr int kRemoveWithoutRootLine = 426;
 constexpr int kAddTrackerLine = 448;
 constexpr int kAddWithoutRootLine = 452;
 
-struct Span {
-  std::size_t begin;
-  std::size_t end;
-};
-
 // Looks for a root in a text; made once for all the places in which the text has it.
 class RootFinder {
  public:
   // `root` must outlive the finder.
   explicit RootFinder(const std::string& root) : empty_(root.empty()), searcher_(root.begin(), root.end()) {}
 
-  // Where the first entry of the root at or after `from` begins; npos when there is none.
-  std::size_t FindEntry(const std::string& text, std::size_t from) const {
-    while (from <= text.size()) {
+  // Where the first entry of the root at or after `begin` begins; npos when there is none. `before` stands for the
+  // character before `begin`.
+  std::size_t FindEntry(const std::string& text, std::size_t begin, char before) const {
+    for (std::size_t from = begin; from <= text.size();) {
       const auto match = searcher_(text.begin() + static_cast<std::ptrdiff_t>(from), text.end()).first;
       if (match == text.end() && !empty_) break;
       const auto pos = static_cast<std::size_t>(match - text.begin());
-      if (pos > 0 && (text[pos - 1] == ':' || text[pos - 1] == ']')) return pos;
+      const char preceding = pos > begin ? text[pos - 1] : before;
+      if (preceding == kEntrySeparator || preceding == ']') return pos;
       from = pos + 1;
     }
     return std::string::npos;
@@ -63,56 +54,40 @@ class RootFinder {
   std::boyer_moore_horspool_searcher<std::string::const_iterator> searcher_;
 };
 
-// What goes with the entry at `pos`, behind which the next separator is at `separator`: that separator, or, for the
-// last entry, the one before it, if `before` is one.
-Span SpanOfEntry(const std::string& text, std::size_t pos, std::size_t separator, char before) {
-  if (separator != std::string::npos) return {pos, separator + 1};
-  return {before == ':' ? pos - 1 : pos, std::min(text.find('[', pos), text.size())};
-}
-
-// For roots that hold neither a separator nor part of a marker: erasing an entry then neither makes nor undoes another,
-// so that one pass forward finds them all. What stays moves to the front of the text.
-std::string EraseInOnePass(std::string text, const std::string& pkgRoot, const SpanReader& onErased) {
+// Nothing when erasing would never come to an end: there is nothing to erase between an entry's place and the next "[".
+std::optional<std::string> EraseAll(std::string text, const std::string& pkgRoot, const SpanReader& onErased) {
   const RootFinder root(pkgRoot);
   std::string erased;
-  std::size_t kept = 0;
-  std::size_t read = 0;
+  std::size_t kept = 0;                     // in front of it is what stays,
+  std::size_t unread = 0;                   // from here on what is still to be searched, and nothing between the two
+  std::size_t separatorsEnd = text.size();  // no separator stands from here on
   const auto keepUpTo = [&](std::size_t end) {
-    std::memmove(&text[kept], &text[read], end - read);
-    kept += end - read;
+    std::memmove(&text[kept], &text[unread], end - unread);
+    kept += end - unread;
   };
-  std::size_t separator = 0;
   std::size_t pos = 0;
-  while ((pos = root.FindEntry(text, read)) != std::string::npos) {
+  while ((pos = root.FindEntry(text, unread, kept > 0 ? text[kept - 1] : '\0')) != std::string::npos) {
     keepUpTo(pos);
-    if (separator != std::string::npos) separator = text.find(':', pos);
-    const Span span = SpanOfEntry(text, pos, separator, text[kept - 1]);
-    onErased(erased.assign(text, span.begin, span.end - span.begin));
-    kept -= pos - span.begin;
-    read = span.end;
+    const std::size_t separator = std::string_view(text.data(), separatorsEnd).find(kEntrySeparator, pos);
+    std::size_t separatorsBefore = 0;  // that go with the entry, because it is the last one
+    if (separator != std::string::npos) {
+      unread = separator + 1;
+    } else {
+      unread = separatorsEnd = std::min(text.find(kEndMarker.front(), pos), text.size());
+      if (text[kept - 1] == kEntrySeparator) separatorsBefore = 1;
+      if (separatorsBefore == 0 && unread == pos) return std::nullopt;
+    }
+    onErased(erased.assign(separatorsBefore, kEntrySeparator).append(text, pos, unread - pos));
+    kept -= separatorsBefore;
+    // What comes together here may make an entry that was none before.
+    const std::size_t carried = std::min(kept, pkgRoot.size());
+    kept -= carried;
+    unread -= carried;
+    std::memmove(&text[unread], &text[kept], carried);
   }
   keepUpTo(text.size());
   text.resize(kept);
   return text;
-}
-
-// For any root, erasing one entry after the other.
-std::string EraseOneByOne(const std::string& text, const std::string& pkgRoot, const SpanReader& onErased) {
-  const RootFinder root(pkgRoot);
-  std::string edited = text;
-  std::vector<std::string> erased;
-  std::size_t from = 0;
-  std::size_t pos = 0;
-  while ((pos = root.FindEntry(edited, from)) != std::string::npos) {
-    const Span span = SpanOfEntry(edited, pos, edited.find(':', pos), edited[pos - 1]);
-    if (span.begin == span.end) return text;
-    erased.push_back(edited.substr(span.begin, span.end - span.begin));
-    edited.erase(span.begin, span.end - span.begin);
-    // What lies further back than this is as it was when it held no entry.
-    from = span.begin - std::min(span.begin, pkgRoot.size());
-  }
-  for (const std::string& span : erased) onErased(span);
-  return edited;
 }
 
 void ReplaceCacheFile(const char* fileName, std::string text) {
@@ -152,13 +127,16 @@ void AddSharedResources(const std::string& pkgRoot, const std::string& sharedRes
 }  // namespace
 
 std::string EraseEntries(std::string text, const std::string& pkgRoot, const SpanReader& onErased) {
-  const bool plain = !pkgRoot.empty() && pkgRoot.find_first_of(":[]") == std::string::npos;
-  return plain ? EraseInOnePass(std::move(text), pkgRoot, onErased) : EraseOneByOne(text, pkgRoot, onErased);
+  // Only where such a root may stand is there nothing before the next "[".
+  const bool mayNeverEnd = pkgRoot.empty() || pkgRoot.front() == kEndMarker.front();
+  if (mayNeverEnd && !EraseAll(text, pkgRoot, [](const std::string&) {})) return text;
+  return *EraseAll(std::move(text), pkgRoot, onErased);
 }
 
 std::string AppendEntries(std::string text, const std::string& entries) {
-  if (text.size() >= kEndMarkerLength) text.resize(text.size() - kEndMarkerLength);
-  return std::move(text.append(kSeparator).append(entries).append(kEndMarker));
+  if (text.size() >= kEndMarker.size()) text.resize(text.size() - kEndMarker.size());
+  text += kEntrySeparator;
+  return std::move(text.append(entries).append(kEndMarker));
 }
 
 bool readCacheAndRemovePkg(std::string cachePath, std::string pkgRoot, std::string& cacheText) {

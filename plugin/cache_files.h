@@ -30,7 +30,7 @@ ORVEL_EXPORT bool readCacheAndRemovePkg(std::string cachePath, std::string pkgRo
 ORVEL_EXPORT bool removedPkgFromTPACacheFile(const char* pkgId);
 
 // Puts the package's present entries at the end of both cache files, in place of its old ones. A missing or empty file
-// stays so, and "TPA.txt" stays as it is when the package has no assemblies. Failures show only in the log. A null id
+// stays so, and "TPA.txt" stays as it is when the package has no assemblies. No failure is reported. A null id
 // raises std::logic_error.
 ORVEL_EXPORT void addPkgToTPACacheFile(const char* pkgId);
 

@@ -3,16 +3,14 @@
 
 #include "plugin/log_source.h"
 
-std::map<std::string, std::string> coreFX;
-std::map<std::string, std::string> orvelFX;
-std::map<std::string, std::string> coBA;
-std::map<std::string, std::string> appLib;
+Catalogue coreFX;
+Catalogue orvelFX;
+Catalogue coBA;
+Catalogue appLib;
 
-void insertItem(std::map<std::string, std::string>& table, const std::string& key, const std::string& value) {
-  table.emplace(key, value);
-}
+void insertItem(Catalogue& table, const std::string& key, const std::string& value) { table.emplace(key, value); }
 
-bool isExistInList(const std::map<std::string, std::string>& table, const std::string& key) {
+bool isExistInList(const Catalogue& table, const std::string& key) {
   const auto entry = table.find(key);
   if (entry == table.end()) return false;
   LOG_DEBUG("Found %s", entry->second.c_str());

@@ -1,39 +1,41 @@
 // The duplicate policy.
 #include "plugin/duplicate_policy.h"
 
-#include "plugin/catalogues.h"
-#include "util/affix.h"
-#include "util/read_write_area.h"
+#include "base/affix.h"
+#include "util/platform_utils/read_write_area.h"
 
 namespace {
 
 constexpr const char* kDpcDirectory = "/d.pc/";
 
-const std::string* OriginOf(const std::string& path, const std::string& name) {
-  if (!IsAssemblyName(path)) return nullptr;
-  for (const auto* catalogue : CataloguesByPrecedence()) {
-    const auto entry = catalogue->find(name);
-    if (entry != catalogue->end()) return &entry->second;
+}  // namespace
+
+bool Holds(const Catalogue& catalogue, const std::string& name) { return catalogue.count(name) != 0; }
+
+const std::string* FindOrigin(const CatalogueList& catalogues, const std::string& name,
+                              bool (*holds)(const Catalogue&, const std::string&)) {
+  for (const Catalogue* catalogue : catalogues) {
+    if (holds(*catalogue, name)) return &catalogue->at(name);
   }
   return nullptr;
 }
 
-bool IsDuplicateOf(const std::string* origin, const std::string& path) {
-  return origin != nullptr && *origin != path && !IsOnDpcPath(*origin) && !IsOnDpcPath(path);
+bool IsOnDpcPath(const std::string& path) { return Contains(path, kDpcDirectory); }
+
+Exemption FindExemption(const std::string& origin, const std::string& path,
+                        bool (*is_on_dpc_path)(const std::string&)) {
+  if (origin == path) return Exemption::kSamePath;
+  if (is_on_dpc_path(origin)) return Exemption::kOriginOnDpcPath;
+  return is_on_dpc_path(path) ? Exemption::kOnDpcPath : Exemption::kNone;
 }
 
-}  // namespace
-
-std::array<const std::map<std::string, std::string>*, 4> CataloguesByPrecedence() {
-  return {&coreFX, &orvelFX, &coBA, &appLib};
+Verdict VerdictOnDuplicateOf(const std::string& origin) {
+  return IsInReadWriteArea(origin) ? Verdict::kReportedOnly : Verdict::kRemoved;
 }
 
-bool IsOnDpcPath(const std::string& path) { return path.find(kDpcDirectory) != std::string::npos; }
-
-bool IsDuplicate(const std::string& path, const std::string& name) { return IsDuplicateOf(OriginOf(path, name), path); }
-
-Judgement Judge(const std::string& path, const std::string& name) {
-  const std::string* const origin = OriginOf(path, name);
-  if (!IsDuplicateOf(origin, path)) return {Verdict::kKept, origin};
-  return {IsInReadWriteArea(*origin) ? Verdict::kReportedOnly : Verdict::kRemoved, origin};
+Judgement Foretell(const CatalogueList& catalogues, const std::string& path, const std::string& name) {
+  const std::string* const origin = IsAssemblyName(path) ? FindOrigin(catalogues, name) : nullptr;
+  if (origin == nullptr) return {Verdict::kKept, nullptr, Exemption::kNone};
+  const Exemption exemption = FindExemption(*origin, path);
+  return {exemption == Exemption::kNone ? VerdictOnDuplicateOf(*origin) : Verdict::kKept, origin, exemption};
 }

@@ -1,5 +1,5 @@
-// Duplicates dealt with: a file of a package is judged by the catalogues, reported and removed. What makes a duplicate
-// is in duplicate_policy.
+// Duplicates dealt with: a file of a package is held against the catalogues, reported and removed. What makes a
+// duplicate is in duplicate_policy.
 #ifndef PLUGIN_DUPLICATES_H_
 #define PLUGIN_DUPLICATES_H_
 
@@ -7,29 +7,13 @@
 #include <string>
 
 #include "morvath/export.h"
-#include "plugin/name_filter.h"
-#include "util/directory_walk.h"
+#include "util/platform_utils/directory_walk.h"
 
-// Judges the file `path` with bare name `name` by the catalogues. Returns 1 when it is kept; 0 when it is a duplicate
-// and its removal was attempted.
+// Holds the file `path` with bare name `name` against the plug-in's catalogues and deals with it. Returns 1 when it is
+// kept as no duplicate; 0 when it is one: then its removal was attempted, unless its origin is in the read-write area.
 ORVEL_EXPORT int isUniqueDll(const std::string& path, const std::string& name);
-
-// isUniqueDll for the files of one walk, during which the catalogues stay as they are. Asks neither the file system for
-// what the listing tells already, nor the catalogues for names that none of them holds. What is reached through a
-// symbolic link in the place of the package's root or of a directory below it is not the package's own and kept.
-class PackageJudge {
- public:
-  // `packageRoot`: the root directory of the package, with which the paths of its files begin.
-  explicit PackageJudge(const std::string& packageRoot);
-  // Does what isUniqueDll would do for the file, and returns what it would return.
-  int Judge(const ListedFile& file) const;
-
- private:
-  bool IsReachedThroughLink(const std::string& path) const;
-
-  std::string packageRoot_;
-  NameFilter catalogued_;
-};
+// The same for a file that a walk has come to.
+int isUniqueDll(const ListedFile& file);
 
 // Is the file `duplicated` a duplicate that must go, `origin` being the catalogued copy? Not when both are the same
 // path, nor when either lies on a DPC path. A duplicate is reported in the log and on standard error.

@@ -19,7 +19,7 @@ namespace {
 
 constexpr const char* kCandidateLoader = "dotnet-loader-inhouse";
 
-// For lines that are printed before the id is tested.
+// For lines that are printed before a null id raises.
 const char* Printable(const char* pkgId) { return pkgId == nullptr ? "(null)" : pkgId; }
 
 void RemoveFromCacheAndRestart(const char* pkgId) {

@@ -4,7 +4,6 @@
 #include <libxml/xmlreader.h>
 
 #include <memory>
-#include <optional>
 #include <string_view>
 
 #include "morvath/metadata_utils.h"
@@ -25,21 +24,21 @@ using Text = std::unique_ptr<xmlChar, FreeText>;
 const char* AsChars(const xmlChar* text) { return reinterpret_cast<const char*>(text); }
 
 // The most that an attribute with entity references in it may stand for: far more than any type, key or value takes,
-// and little enough to be put together in no time. Nor does any of them need entities within so many entities.
+// and little enough to be put together in no time. Nor does any of them need entities nested so deep.
 constexpr std::size_t kMostExpanded = 100000;
 constexpr int kMostNested = 16;
 
 // What is left of `budget` when the nodes of an attribute's value or of an entity are taken from it, a reference
-// counting as at least one byte; nothing when it is not enough, or when entities stand in more than `levels` others.
-std::optional<std::size_t> Left(std::size_t budget, const xmlNode* nodes, int levels) {
+// counting as at least one byte; nothing when it is not enough, or when entities are nested deeper than `levels`.
+std::optional<std::size_t> RemainingBudget(std::size_t budget, const xmlNode* nodes, int levels) {
   std::optional<std::size_t> left = budget;
   for (const xmlNode* node = nodes; node != nullptr && left; node = node->next) {
     const bool is_reference = node->type == XML_ENTITY_REF_NODE;
     const xmlEntity* entity = is_reference ? xmlGetDocEntity(node->doc, node->name) : nullptr;
     const std::size_t size = is_reference ? 1 : static_cast<std::size_t>(xmlStrlen(node->content));
-    if (size > *left || levels == 0) return std::nullopt;
+    if (size > *left || (entity != nullptr && levels == 0)) return std::nullopt;
     *left -= size;
-    if (entity != nullptr) left = Left(*left, entity->children, levels - 1);
+    if (entity != nullptr) left = RemainingBudget(*left, entity->children, levels - 1);
   }
   return left;
 }
@@ -47,16 +46,17 @@ std::optional<std::size_t> Left(std::size_t budget, const xmlNode* nodes, int le
 // Entities can stand for entities, and a few lines of them for more text than there is memory.
 bool IsEntityBomb(const Reader& reader, const xmlChar* name) {
   const xmlAttr* attribute = xmlHasNsProp(xmlTextReaderCurrentNode(reader.get()), name, nullptr);
-  if (attribute == nullptr || attribute->type != XML_ATTRIBUTE_NODE || attribute->children == nullptr) return false;
-  const bool is_plain = attribute->children->next == nullptr && attribute->children->type == XML_TEXT_NODE;
-  return !is_plain && !Left(kMostExpanded, attribute->children, kMostNested);
+  // The declaration of a default value, which may stand here in the attribute's stead, has no children.
+  const xmlNode* node = attribute == nullptr ? nullptr : attribute->children;
+  while (node != nullptr && node->type != XML_ENTITY_REF_NODE) node = node->next;
+  return node != nullptr && !RemainingBudget(kMostExpanded, attribute->children, kMostNested);
 }
 
-// The current node's attribute; null when it has none of that name, or one that is not to be expanded.
-Text Attribute(const Reader& reader, const char* attribute) {
+// The current node's attribute; null when it has none of that name, or one that is not to be expanded, as `walk` says.
+Text Attribute(const Reader& reader, const char* walk, const char* attribute) {
   const auto* name = reinterpret_cast<const xmlChar*>(attribute);
   if (!IsEntityBomb(reader, name)) return Text(xmlTextReaderGetAttribute(reader.get(), name));
-  LOG_ERROR("Attribute %s is too long when its entities are expanded", attribute);
+  LOG_ERROR_IN(walk, __LINE__, "Attribute %s is left out: its entities are too long or nested too deep", attribute);
   return nullptr;
 }
 
@@ -67,10 +67,10 @@ bool IsApplicationElement(std::string_view name) {
 bool Contains(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }
 
 // Is the current node a metadata element that holds a CoBA entry?
-bool HoldsCobaEntry(const Reader& reader, std::string_view name) {
+bool HoldsCobaEntry(const Reader& reader, const char* walk, std::string_view name) {
   if (name != "metadata") return false;
-  const Text key = Attribute(reader, "key");
-  const Text value = Attribute(reader, "value");
+  const Text key = Attribute(reader, walk, "key");
+  const Text value = Attribute(reader, walk, "value");
   // An attribute that is not there is a null text, which no key matches.
   Metadata entry{AsChars(key.get()), AsChars(value.get())};
   return isCobaKey(&entry);
@@ -78,37 +78,43 @@ bool HoldsCobaEntry(const Reader& reader, std::string_view name) {
 
 }  // namespace
 
-bool isAppDotnetInhouse(xmlDocPtr doc) {
-  // Never reset: one dotnet-inhouse manifest decides for the rest of the process.
-  static bool isDotnetInhouseType = false;
-
+std::optional<ApplicationKind> DeclaredKind(xmlDocPtr doc) {
+  const char* const walk = "isAppDotnetInhouse";
   if (doc == nullptr) {
-    LOG_ERROR("xml provided is null");
-    return false;
+    LOG_ERROR_IN(walk, __LINE__, "xml provided is null");
+    return std::nullopt;
   }
   const Reader reader(xmlReaderWalker(doc));
-  if (reader == nullptr) return false;
+  if (reader == nullptr) return std::nullopt;
 
   while (xmlTextReaderRead(reader.get()) == 1) {
     const xmlChar* name = xmlTextReaderConstName(reader.get());
     if (name == nullptr) {
-      LOG_ERROR("Error: Failed xmlTextReaderConstName");
+      LOG_ERROR_IN(walk, __LINE__, "Error: Failed xmlTextReaderConstName");
       break;
     }
-    LOG_DEBUG("name %s", AsChars(name));
+    LOG_DEBUG_IN(walk, __LINE__, "name %s", AsChars(name));
     if (!IsApplicationElement(AsChars(name))) continue;
-    const Text type = Attribute(reader, "type");
+    const Text type = Attribute(reader, walk, "type");
     if (type == nullptr) continue;
     if (Contains(AsChars(type.get()), "apitest")) {
-      LOG_INFO("### Is sample app ###");
-      break;
+      LOG_INFO_IN(walk, __LINE__, "### Is sample app ###");
+      return ApplicationKind::kSample;
     }
     if (Contains(AsChars(type.get()), "dotnet-")) {
-      LOG_INFO("App is dotnet-*");
-      isDotnetInhouseType = true;
-      break;
+      LOG_INFO_IN(walk, __LINE__, "App is dotnet-*");
+      return ApplicationKind::kDotnet;
     }
   }
+  return ApplicationKind::kOther;
+}
+
+bool isAppDotnetInhouse(xmlDocPtr doc) {
+  // Never reset: one dotnet-inhouse manifest decides for as long as the library is loaded.
+  static bool isDotnetInhouseType = false;
+  const std::optional<ApplicationKind> kind = DeclaredKind(doc);
+  if (!kind) return false;
+  if (*kind == ApplicationKind::kDotnet) isDotnetInhouseType = true;
   return isDotnetInhouseType;
 }
 
@@ -128,7 +134,7 @@ bool isAppCoBARelated(xmlDocPtr doc) {
       break;
     }
     LOG_DEBUG("Local name %s", AsChars(name));
-    if (HoldsCobaEntry(reader, AsChars(name))) {
+    if (HoldsCobaEntry(reader, __func__, AsChars(name))) {
       LOG_INFO("App has CoBA metadata");
       return true;
     }

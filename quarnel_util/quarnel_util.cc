@@ -1,6 +1,7 @@
 // The launcher utility library.
 #include "quarnel_util/quarnel_util.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -8,9 +9,9 @@
 #include <cerrno>
 #include <cstring>
 
-#include "util/affix.h"
-#include "util/log.h"
-#include "util/package_records.h"
+#include "base/affix.h"
+#include "base/log_line.h"
+#include "base/package_records.h"
 
 namespace {
 
@@ -27,15 +28,20 @@ std::string WithoutTrailingSlash(std::string path) {
 // A name that holds a separator, or what begins the end marker of the loader's lists, would fall apart in them.
 bool CanBeListed(const std::string& name) { return name.find_first_of(":[") == std::string::npos; }
 
+// Boost's library is not asked: it may have been built for dates of 32 bits and takes no file with a later one.
+bool IsRegularFile(const fs::path& path) {
+  struct stat status;
+  return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
 // The names in `directory` that stand for assemblies, sorted by byte.
 std::vector<std::string> AssemblyNames(const fs::path& directory) {
   std::vector<std::string> names;
   boost::system::error_code error;
   for (fs::directory_iterator entry(directory, error), end; !error && entry != end; entry.increment(error)) {
-    boost::system::error_code unreadable;
     std::string name = entry->path().filename().string();
     if (!IsAssemblyName(name) || !CanBeListed(name)) continue;
-    if (fs::is_regular_file(entry->path(), unreadable)) names.push_back(std::move(name));
+    if (IsRegularFile(entry->path())) names.push_back(std::move(name));
   }
   std::sort(names.begin(), names.end());
   return names;
@@ -62,7 +68,12 @@ std::string getRootPath(const std::string& pkgId) {
 std::string concatPath(const std::string& path1, const std::string& path2) {
   if (path1.empty()) return path2;
   if (path2.empty()) return path1;
-  return WithoutTrailingSlash(path1) + "/" + path2.substr(std::min(path2.find_first_not_of('/'), path2.size()));
+  const std::size_t end = path1.find_last_not_of('/') + 1;
+  const std::size_t begin = std::min(path2.find_first_not_of('/'), path2.size());
+  std::string joined(end + 1 + path2.size() - begin, '/');
+  path1.copy(&joined[0], end);
+  path2.copy(&joined[end + 1], std::string::npos, begin);
+  return joined;
 }
 
 std::string getAbsolutePath(const std::string& path) {

@@ -7,7 +7,7 @@ build=$1
 find "$build" -name '*.gcda' -delete
 ctest --test-dir "$build" --tests-regex '^(unit|hostile)_tests\.' --parallel "$(nproc)" --quiet
 mkdir -p "$build/coverage"
-gcovr --root . --object-directory "$build" --filter 'plugin/' --filter 'util/' \
+gcovr --root . --object-directory "$build" --filter 'base/' --filter 'plugin/' --filter 'util/' \
   --exclude-throw-branches --exclude-unreachable-branches \
   --html-details "$build/coverage/index.html" --json-summary "$build/coverage/summary.json" \
   --txt "$build/coverage/summary.txt" --fail-under-line 99 --fail-under-branch 95 || status=$?

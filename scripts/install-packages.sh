@@ -1,11 +1,34 @@
 #!/bin/sh
-# install-packages.sh LIST: installs the Debian packages of the file LIST (one a line, "#" begins a comment) that are
-# missing, with sudo where the caller is not root. Says nothing and needs no network when none is.
+# install-packages.sh LIST: installs the Debian packages of the file LIST (packages.txt tells what its lines hold) that are
+# missing, with sudo where the caller is not root. Says nothing and needs no network when none is. Where there is no dpkg
+# it installs nothing, and only names the programs that are missing.
 set -eu
+
+lines() {
+  grep -v '^#' "$list"
+}
+
+# Fails where a program is missing.
+name_missing_programs() {
+  missing=0
+  while read -r _ program words; do
+    if [ -n "$program" ] && ! command -v "$program" >/dev/null; then
+      echo "missing: $words" >&2
+      missing=1
+    fi
+  done
+  return "$missing"
+}
+
+list=$1
+if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+  lines | name_missing_programs
+  exit
+fi
 
 missing=
 # shellcheck disable=SC2013  # the names of packages have no blanks
-for package in $(grep -v '^#' "$1"); do
+for package in $(lines | cut -d ' ' -f 1); do
   status=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null || true)
   [ "$status" = installed ] || missing="$missing $package"
 done

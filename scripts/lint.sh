@@ -1,5 +1,6 @@
 #!/bin/sh
-# lint.sh BUILD: format, clang-tidy, cppcheck and shellcheck over the sources; BUILD holds the compile commands.
+# lint.sh BUILD: format, rooms, shellcheck, cppcheck and clang-tidy over the sources, and the product built in BUILD,
+# which holds the compile commands.
 set -eu
 build=$1
 jobs=$(nproc)
@@ -11,13 +12,19 @@ sources() {
 echo "clang-format"
 sources '*.cc' '*.h' | xargs clang-format --dry-run -Werror
 
+echo "rooms"
+scripts/rooms.py
+
 echo "shellcheck"
 sources '*.sh' .ci/run | xargs shellcheck
 
 echo "cppcheck"
 cppcheck --quiet --error-exitcode=1 --enable=warning,performance,portability --inline-suppr --std=c++17 \
   --suppressions-list=scripts/cppcheck-suppressions.txt -j "$jobs" -I . -I include -I platform/include \
-  plugin util quarnel_util platform orvelbox bench
+  base plugin util quarnel_util platform orvelbox bench
+
+echo "clang"
+cmake --build "$build" --parallel "$jobs"
 
 echo "clang-tidy"
 sources 'plugin/*.cc' 'util/*.cc' 'quarnel_util/*.cc' 'platform/*.cc' 'orvelbox/*.cc' |

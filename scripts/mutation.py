@@ -23,7 +23,7 @@ from mutants import ROOT, mutants_of
 WORK = ROOT / "build" / "mutation"
 VERDICTS = WORK / "verdicts.txt"
 EQUIVALENTS = ROOT / "scripts" / "mutation-equivalents.txt"
-SOURCES = ["plugin", "util"]
+SOURCES = ["base", "plugin", "util"]
 TEST_PROGRAMS = ["tests/unit/unit_tests", "tests/hostile/hostile_tests"]  # the second only for what the first lets pass
 # Enough for several runs of all tests. A mutant that never ends is told by its processor time, whatever else the
 # machine does; one that collects without end by its memory; one that waits for ever only by the clock, whose limit is

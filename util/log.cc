@@ -7,12 +7,11 @@ namespace {
 
 constexpr LogSource kLogSource{kUtilityTag, "log"};
 
-std::string BaseName(const std::string& path) { return path.substr(path.rfind('/') + 1); }
-
 }  // namespace
 
 FunctionEntryExitTracker::FunctionEntryExitTracker(const char* signature, const char* filePath, int line)
-    : signature_(signature), fileName_(BaseName(filePath)), filePath_(filePath), line_(line) {
+    : signature_(signature), filePath_(filePath), line_(line) {
+  fileName_.assign(filePath_, filePath_.rfind('/') + 1);
   const std::string line_text = std::to_string(line_);
   label_.reserve(fileName_.size() + line_text.size() + signature_.size() + 3);
   label_.append(fileName_).append("(").append(line_text).append(") ").append(signature_);

@@ -8,8 +8,8 @@
 
 #include "morvath/export.h"
 
-// `name` without its extension ".dll" or ".exe" and then without the native-image mark ".ni", in any case. A name of
-// four characters or fewer stays as it is.
+// `name` without its extension ".dll" or ".exe" and then without the native-image mark ".ni", in any case (of ASCII
+// letters). A name of four characters or fewer stays as it is.
 ORVEL_EXPORT std::string stripNiDLL(const std::string& name);
 
 // Appends the absolute form of every entry of the path list `paths` to `out`, in order. When it throws, `out` is as it

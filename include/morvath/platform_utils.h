@@ -26,13 +26,13 @@ ORVEL_EXPORT bool isRealPath(const std::string& path);
 
 // Replaces the content of `dirPath` + `fileName` by `content` (up to its first NUL) through the temporary file
 // `dirPath` + "temp_" + `fileName`, and returns when it is on disk; a reader sees the old content or the new.
-// `dirPath` ends in "/". Failures show only in the log; nothing is written when either path is a symbolic link, and a
-// failed rename leaves the temporary file behind. A pipe, a device or a hard link in the temporary file's place is
-// removed first.
+// `dirPath` ends in "/". A failure to open shows only in the log, those to write, flush, sync and rename nowhere: a
+// short file may take the place, and a failed rename leaves the temporary file behind. Nothing is written when either
+// path is a symbolic link. A pipe, a device or a hard link in the temporary file's place is removed first.
 ORVEL_EXPORT void writeStringToFile(std::string dirPath, std::string fileName, std::string content);
 
-// The whole content of the file, byte for byte; empty when it cannot be read, is a pipe or device, or is larger
-// than 128 MiB.
+// The whole content of the file, byte for byte; empty when it cannot be read as a whole, is no regular file, or is
+// larger than 128 MiB. Whoever holds a lease on the file is waited for.
 ORVEL_EXPORT std::string readFileToString(std::string path);
 
 // Does `str` begin with `prefix`, end with `suffix`? Byte by byte; an empty affix always matches.

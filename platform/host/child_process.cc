@@ -12,9 +12,9 @@
 #include <iostream>
 #include <string>
 
-#include "platform/host/device.h"
+#include "base/unique_fd.h"
+#include "platform/host/device_error.h"
 #include "platform/host/files.h"
-#include "platform/host/unique_fd.h"
 
 namespace host {
 namespace {

@@ -5,8 +5,6 @@
 #include <csignal>
 #include <functional>
 
-#include "platform/host/fixed_paths.h"
-
 namespace host {
 
 // Holds back SIGINT, SIGTERM and SIGHUP while it lives, so that this process can clean up first; what arrived and was
@@ -26,6 +24,12 @@ class HeldSignals {
   sigset_t held_;
   sigset_t mask_before_;
   struct sigaction child_action_before_;
+};
+
+// How the child ended.
+struct ChildOutcome {
+  bool signalled = false;  // true: ended by signal `code`; false: ended with exit status `code`
+  int code = 0;
 };
 
 // Forks; the child runs `set_up`, then `body`, and ends with the latter's result as its exit status, all its output

@@ -7,6 +7,7 @@
 #include "platform/host/device_config.h"
 #include "platform/host/files.h"
 #include "platform/host/json.h"
+#include "platform/host/paths.h"
 
 namespace host {
 namespace {
@@ -38,11 +39,10 @@ std::filesystem::path AbsoluteDirectory(const std::filesystem::path& directory) 
 }
 
 std::optional<std::string> FaultOfReadWriteRoot(const std::string& root) {
-  const std::string base = std::string(kUserArea) + "/";
   const std::filesystem::path path = root;
   const bool plain = path.lexically_normal().native() == root && path.has_filename();
-  if (plain && root.compare(0, base.size(), base) == 0) return std::nullopt;
-  return "read_write_root \"" + root + "\" must be a plain absolute path below " + base;
+  if (plain && IsBelow(root, kUserArea)) return std::nullopt;
+  return "read_write_root \"" + root + "\" must be a plain absolute path below " + kUserArea + "/";
 }
 
 Device OpenDevice(const std::filesystem::path& directory) {

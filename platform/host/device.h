@@ -5,16 +5,12 @@
 
 #include <filesystem>
 #include <optional>
-#include <stdexcept>
 #include <string>
 
-namespace host {
+#include "base/fixed_names.h"
+#include "platform/host/device_error.h"
 
-// What a person did wrong or has to mend: the text is one line that names the thing and the way out.
-class DeviceError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
+namespace host {
 
 // The environment variable through which the platform's libraries learn their device.
 inline constexpr const char* kDeviceVariable = "ORVELBOX_DEVICE";
@@ -40,7 +36,6 @@ struct Device {
 inline constexpr const char* kPlatformAssemblies = "/usr/share/dotnet.orvel";
 inline constexpr const char* kPlatformAssemblyDirectories[] = {"netcoreapp", "framework", "d.pc", "tvappapi"};
 inline constexpr const char* kUserArea = "/opt/usr";
-inline constexpr const char* kCacheDirectory = "/opt/usr/home/owner/share/dotnet";
 inline constexpr const char* kReleaseMarker = "/etc/release";
 // Those under which everything else lies: what a device brings and a desk does not have.
 inline constexpr const char* kFixedPaths[] = {kPlatformAssemblies, kUserArea, kReleaseMarker};

@@ -16,8 +16,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kEmptyCache = "[START][END]";
-
 void MakeDirectories(const fs::path& directory) {
   std::error_code error;
   fs::create_directories(directory, error);
@@ -79,7 +77,7 @@ void MakeRoot(const Device& device, const DeviceConfig& config) {
   for (const char* name : kPlatformAssemblyDirectories) MakeDirectories(device.OnDesk(kPlatformAssemblies) / name);
   const fs::path cache = device.OnDesk(kCacheDirectory);
   MakeDirectories(cache);
-  for (const char* name : {"TPA.txt", "CoBA.txt"}) CreateFile(cache / name, kEmptyCache);
+  for (const char* name : kCacheFiles) CreateFile(cache / name, kEmptyCache);
   MakeDirectories(device.OnDesk(config.read_write_root));
 }
 

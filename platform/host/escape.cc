@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "platform/host/utf8.h"
+
 namespace host {
 namespace {
 
@@ -26,29 +28,10 @@ void AppendEscaped(char byte, std::string* out) {
   *out += {'x', kHexDigits[value >> 4], kHexDigits[value & 15]};
 }
 
-// The code point whose `size` bytes stand at the front of `text`, or nothing when they are no UTF-8.
-std::optional<char32_t> Decode(std::string_view text, size_t size) {
-  if (text.size() < size) return std::nullopt;
-  const auto lead = static_cast<unsigned char>(text[0]);
-  char32_t code = lead & (0x7Fu >> size);
-  for (size_t i = 1; i < size; ++i) {
-    const auto byte = static_cast<unsigned char>(text[i]);
-    if ((byte & 0xC0) != 0x80) return std::nullopt;
-    code = code << 6 | (byte & 0x3F);
-  }
-  return code;
-}
-
 // The number of bytes of the printable character at the front of `text`; 0 when none stands there.
 size_t PrintableLength(std::string_view text) {
-  constexpr char32_t kSmallest[] = {0, 0, 0xA0, 0x800, 0x10000};  // U+0080 to U+009F are control characters
-  const auto lead = static_cast<unsigned char>(text[0]);
-  if (lead < 0x80) return lead >= 0x20 && lead != 0x7F ? 1 : 0;
-  const size_t size = lead >= 0xF8 ? 0 : lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 0;
-  if (size == 0) return 0;
-  const auto code = Decode(text, size);
-  const bool surrogate = code && *code >= 0xD800 && *code <= 0xDFFF;
-  return code && *code >= kSmallest[size] && *code <= 0x10FFFF && !surrogate ? size : 0;
+  const auto character = FirstCharacter(text);
+  return character && !IsControl(character->code) ? character->size : 0;
 }
 
 std::string EscapeAll(std::string_view text, std::string_view also) {

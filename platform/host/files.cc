@@ -9,8 +9,8 @@
 #include <cerrno>
 #include <system_error>
 
-#include "platform/host/device.h"
-#include "platform/host/unique_fd.h"
+#include "base/unique_fd.h"
+#include "platform/host/device_error.h"
 
 namespace host {
 namespace {

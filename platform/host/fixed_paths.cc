@@ -4,13 +4,13 @@
 #include <unistd.h>
 
 #include <array>
-#include <cstdio>
 #include <optional>
 
 #include "platform/host/child_process.h"
 #include "platform/host/device.h"
 #include "platform/host/fixed_paths_in_place.h"
 #include "platform/host/fixed_paths_mounts.h"
+#include "platform/host/paths.h"
 
 namespace host {
 namespace {
@@ -25,7 +25,7 @@ std::optional<std::string> ObstacleTo(FixedPathsMethod method) {
   try {
     const HeldSignals signals;
     const auto set_up = [&] {
-      EnterMountNamespace(method);
+      EnterMountNamespace(method == FixedPathsMethod::kUserNamespace);
       TryMounting();
     };
     RunChild(signals, set_up, [] { return 0; });
@@ -55,20 +55,20 @@ FixedPathsMethod MethodWithoutNamespaces(const std::string& refusal, std::string
 
 void CheckRoot(const fs::path& root) {
   if (!fs::is_directory(root)) throw DeviceError(root.string() + ": is no directory to take the fixed paths from");
-  for (const fs::path fixed : kFixedPaths) {
-    const fs::path relative = root.lexically_relative(fixed);
-    if (relative.empty() || *relative.begin() == "..") continue;
-    throw DeviceError(root.string() + ": lies under " + fixed.string() +
+  for (const char* fixed : kFixedPaths) {
+    if (!IsAtOrBelow(root, fixed)) continue;
+    throw DeviceError(root.string() + ": lies under " + fixed +
                       ", which the device has to provide itself; use a device in another place");
   }
 }
 
 ChildOutcome RunInNamespace(FixedPathsMethod method, const fs::path& root, const std::function<int()>& body) {
   const HeldSignals signals;
+  const bool with_user = method == FixedPathsMethod::kUserNamespace;
   const auto set_up = [&] {
-    EnterMountNamespace(method);
+    EnterMountNamespace(with_user);
     LayFixedPathsOver(root);
-    if (method == FixedPathsMethod::kUserNamespace) DropNamespacePrivileges();
+    if (with_user) DropNamespacePrivileges();
   };
   return RunChild(signals, set_up, body);
 }
@@ -76,7 +76,6 @@ ChildOutcome RunInNamespace(FixedPathsMethod method, const fs::path& root, const
 ChildOutcome RunInPlace(const fs::path& root, const std::function<int()>& body) {
   const InPlaceTurn turn;  // waits, and may be interrupted while it does
   const HeldSignals signals;
-  std::fprintf(stderr, "orvelbox: no namespaces here: working in place on %s and %s\n", kPlatformAssemblies, kUserArea);
   const InPlaceLinks links(turn, root);
   return RunChild(
       signals, [] {}, body);
@@ -94,7 +93,8 @@ FixedPathsMethod AvailableFixedPathsMethod(std::string* reason) {
   return MethodWithoutNamespaces(*refusal, reason);
 }
 
-ChildOutcome RunWithFixedPaths(const fs::path& root, const std::function<int()>& body) {
+ChildOutcome RunWithFixedPaths(const fs::path& root, const std::function<int()>& body,
+                               const std::function<void()>& before_in_place) {
   std::error_code error;
   const fs::path canonical = fs::canonical(root, error);
   CheckRoot(error ? root : canonical);
@@ -104,6 +104,7 @@ ChildOutcome RunWithFixedPaths(const fs::path& root, const std::function<int()>&
     case FixedPathsMethod::kNone:
       throw DeviceError(reason);
     case FixedPathsMethod::kInPlace:
+      before_in_place();
       return RunInPlace(canonical, body);
     default:
       return RunInNamespace(method, canonical, body);

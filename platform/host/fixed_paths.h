@@ -7,6 +7,8 @@
 #include <functional>
 #include <string>
 
+#include "platform/host/child_process.h"
+
 namespace host {
 
 enum class FixedPathsMethod {
@@ -21,23 +23,19 @@ enum class FixedPathsMethod {
 // kInPlace is answered only when none of the fixed paths exists (our own leftovers of a killed run do not count).
 FixedPathsMethod AvailableFixedPathsMethod(std::string* reason);
 
-// How the child ended.
-struct ChildOutcome {
-  bool signalled = false;  // true: ended by signal `code`; false: ended with exit status `code`
-  int code = 0;
-};
-
 // Forks, gives the child the fixed paths of `root` (root/usr/share/dotnet.orvel at /usr/share/dotnet.orvel,
 // root/opt/usr at /opt/usr, and root/etc/release at /etc/release; a path that `root` does not have is not there) and
 // runs `body` in it; the low eight bits of its result are the child's exit status. The working directory stays the
 // same directory, wherever it lies. An exception that leaves `body` becomes one line on standard error and exit status
 // 1. SIGINT, SIGTERM and SIGHUP that reach this process meanwhile are passed on to the child. In place, runs of
-// several processes take turns (so `body` must not run another), one line on standard error says so, and what was made
-// at the fixed paths is removed even when the child crashes or is ended by one of those signals; what a killed run left
-// behind, the next one removes. Nothing outside of `root` and the fixed paths is ever written, but for the lock file
-// of those turns. Throws DeviceError (device.h) when the method is kNone, when `root` is no directory or lies under a
-// fixed path itself, or when the child cannot be set up.
-ChildOutcome RunWithFixedPaths(const std::filesystem::path& root, const std::function<int()>& body);
+// several processes take turns (so `body` must not run another), `before_in_place` is called first, to tell people, and
+// what was made at the fixed paths is removed even when the child crashes or is ended by one of those signals; what a
+// killed run left behind, the next one removes. Nothing outside of `root` and the fixed paths is ever written, but for
+// the lock file of those turns. Throws DeviceError when the method is kNone, when `root` is no directory or
+// lies under a fixed path itself, or when the child cannot be set up.
+ChildOutcome RunWithFixedPaths(
+    const std::filesystem::path& root, const std::function<int()>& body,
+    const std::function<void()>& before_in_place = [] {});
 
 }  // namespace host
 

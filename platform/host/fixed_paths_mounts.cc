@@ -19,9 +19,9 @@
 #include <string>
 #include <vector>
 
+#include "base/unique_fd.h"
 #include "platform/host/device.h"
 #include "platform/host/files.h"
-#include "platform/host/unique_fd.h"
 
 namespace host {
 namespace {
@@ -151,10 +151,11 @@ void LayIntoMirror(const Overlay& overlay) {
   CloseMirror(parent);
 }
 
+// A link is not mounted upon: it may be that of a process that works in place, and go meanwhile.
 void Lay(const Overlay& overlay) {
   std::error_code error;
-  const bool there = fs::exists(overlay.target, error);
-  if (there != static_cast<bool>(overlay.source)) LayIntoMirror(overlay);
+  const fs::file_status status = fs::symlink_status(overlay.target, error);
+  if (fs::is_symlink(status) || fs::exists(status) != static_cast<bool>(overlay.source)) LayIntoMirror(overlay);
   if (overlay.source && !Bind(PathOf(overlay.source), overlay.target)) {
     ThrowSystemError("mount at " + overlay.target.string(), errno);
   }
@@ -190,15 +191,14 @@ class WorkingDirectory {
 
 }  // namespace
 
-void EnterMountNamespace(FixedPathsMethod method) {
-  const bool user = method == FixedPathsMethod::kUserNamespace;
+void EnterMountNamespace(bool with_user) {
   const unsigned uid = geteuid();
   const unsigned gid = getegid();
   prctl(PR_SET_DUMPABLE, 1);  // a process that has changed its user may write in its own /proc only then
-  if (unshare(CLONE_NEWNS | (user ? CLONE_NEWUSER : 0)) != 0) {
-    ThrowSystemError(user ? "make a user namespace" : "make a mount namespace", errno);
+  if (unshare(CLONE_NEWNS | (with_user ? CLONE_NEWUSER : 0)) != 0) {
+    ThrowSystemError(with_user ? "make a user namespace" : "make a mount namespace", errno);
   }
-  if (!user) return;
+  if (!with_user) return;
   WriteProcFile("/proc/self/setgroups", "deny");  // the kernel asks for it before it takes a group
   WriteProcFile("/proc/self/uid_map", SameId(uid));
   WriteProcFile("/proc/self/gid_map", SameId(gid));

@@ -4,13 +4,11 @@
 
 #include <filesystem>
 
-#include "platform/host/fixed_paths.h"
-
 namespace host {
 
-// Gives the calling process, which must have one thread, a mount namespace of its own in which it may mount: with a
-// user namespace of its own for kUserNamespace, without for kMountNamespace. Throws DeviceError.
-void EnterMountNamespace(FixedPathsMethod method);
+// Gives the calling process, which must have one thread, a mount namespace of its own in which it may mount; an
+// ordinary user gets a user namespace with it (`with_user`), root needs none. Throws DeviceError.
+void EnterMountNamespace(bool with_user);
 
 // In such a namespace: lays the fixed paths of `root` over the machine's; those that `root` does not have are not there
 // afterwards. The working directory stays the same directory. Throws DeviceError.

@@ -11,4 +11,8 @@ std::string JsonText(const Json& json, int indentation) {
   return json.dump(indentation, ' ', false, Json::error_handler_t::replace);
 }
 
+std::string AsciiJson(const Json& json, int indentation) {
+  return json.dump(indentation, ' ', true, Json::error_handler_t::replace);
+}
+
 }  // namespace host

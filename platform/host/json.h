@@ -15,6 +15,8 @@ Json ParseJson(std::string_view text);
 
 // In one line, or over several when an indentation is given. What is no UTF-8 becomes U+FFFD.
 std::string JsonText(const Json& json, int indentation = -1);
+// As JsonText, in ASCII without control characters, which is safe on a terminal.
+std::string AsciiJson(const Json& json, int indentation = -1);
 
 }  // namespace host
 

@@ -3,6 +3,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "base/affix.h"
+#include "base/fixed_names.h"
 #include "platform/host/files.h"
 #include "platform/host/json.h"
 
@@ -10,15 +12,6 @@ namespace host {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr std::string_view kStart = "[START]";
-constexpr std::string_view kEnd = "[END]";
-
-bool StartsWith(std::string_view text, std::string_view prefix) { return text.substr(0, prefix.size()) == prefix; }
-
-bool EndsWith(std::string_view text, std::string_view suffix) {
-  return text.size() >= suffix.size() && text.substr(text.size() - suffix.size()) == suffix;
-}
 
 std::vector<std::string> Split(std::string_view list) {
   std::vector<std::string> entries;
@@ -54,10 +47,10 @@ unsigned long EarlierStarts(const fs::path& record) {
 }  // namespace
 
 std::vector<std::string> ParseCache(const fs::path& file, const std::string& text) {
-  if (!StartsWith(text, kStart)) throw DeviceError(file.string() + ": damaged, it does not begin with [START]");
-  if (!EndsWith(text, kEnd)) throw DeviceError(file.string() + ": damaged, it does not end with [END]");
+  if (!HasPrefix(text, kStartMarker)) throw DeviceError(file.string() + ": damaged, it does not begin with [START]");
+  if (!HasSuffix(text, kEndMarker)) throw DeviceError(file.string() + ": damaged, it does not end with [END]");
   const std::string_view all = text;
-  const auto list = all.substr(kStart.size(), all.size() - kStart.size() - kEnd.size());
+  const auto list = all.substr(kStartMarker.size(), all.size() - kStartMarker.size() - kEndMarker.size());
   auto entries = Split(list);
   if (entries.front().empty()) entries.erase(entries.begin());
   return entries;
@@ -66,8 +59,8 @@ std::vector<std::string> ParseCache(const fs::path& file, const std::string& tex
 LoaderStart StartLoader(const fs::path& directory) {
   LoaderStart start;
   try {
-    Load(directory / "TPA.txt", &start.tpa);
-    Load(directory / "CoBA.txt", &start.coba);
+    Load(directory / kTpaFile, &start.tpa);
+    Load(directory / kCobaFile, &start.coba);
   } catch (const DeviceError& error) {
     start.error = error.what();
   }

@@ -8,7 +8,7 @@ namespace {
 int Run() {
   const auto device = host::DeviceOfEnvironment();
   if (!device) throw host::DeviceError(std::string(host::kDeviceVariable) + " names no device to start on");
-  const auto start = host::StartLoader(host::kCacheDirectory);
+  const auto start = host::StartLoader(kCacheDirectory);
   host::RecordLoaderStart(*device, start);
   if (start.error.empty()) return 0;
   throw host::DeviceError(start.error);

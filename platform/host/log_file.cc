@@ -8,11 +8,12 @@
 #include <array>
 #include <charconv>
 #include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <ctime>
 
+#include "base/unique_fd.h"
 #include "platform/host/escape.h"
-#include "platform/host/unique_fd.h"
 
 namespace host {
 namespace {
@@ -22,13 +23,13 @@ constexpr std::string_view kTimeShape = "0000-00-00T00:00:00.000Z";  // 0: any d
 std::string PresentTime() {
   using std::chrono::milliseconds;
   const auto now = std::chrono::time_point_cast<milliseconds>(std::chrono::system_clock::now());
-  const long since_epoch = now.time_since_epoch().count();
-  const std::time_t seconds = since_epoch / 1000;
+  const std::int64_t since_epoch = now.time_since_epoch().count();
+  const auto seconds = static_cast<std::time_t>(since_epoch / 1000);
   std::tm utc{};
   gmtime_r(&seconds, &utc);
   std::array<char, 64> text{};
   const size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", &utc);
-  std::snprintf(text.data() + length, text.size() - length, ".%03ldZ", since_epoch % 1000);
+  std::snprintf(text.data() + length, text.size() - length, ".%03dZ", static_cast<int>(since_epoch % 1000));
   return text.data();
 }
 

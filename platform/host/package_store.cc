@@ -1,7 +1,7 @@
 // The package database: its changes and its questions. The tables are package_store_schema.cc's.
 #include "platform/host/package_store.h"
 
-#include "platform/host/device.h"
+#include "platform/host/device_error.h"
 #include "platform/host/package_store_schema.h"
 #include "platform/host/sqlite_database.h"
 

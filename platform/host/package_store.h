@@ -37,8 +37,8 @@ struct Package {
   std::vector<std::string> privileges;  // in the manifest's order, repeats kept
 };
 
-// One connection to a package database. Every function throws DeviceError (device.h) naming the database file when
-// SQLite refuses; a failed change leaves the database as it was.
+// One connection to a package database. Every function throws DeviceError (device_error.h) naming the database file
+// when SQLite refuses; a failed change leaves the database as it was.
 class PackageStore {
  public:
   enum class Mode { kReadOnly, kReadWrite, kCreate };

@@ -1,7 +1,7 @@
 // The tables of the package database.
 #include "platform/host/package_store_schema.h"
 
-#include "platform/host/device.h"
+#include "platform/host/device_error.h"
 
 namespace host {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <sqlite3.h>
 
-#include "platform/host/device.h"
+#include "platform/host/device_error.h"
 #include "platform/host/files.h"
 
 namespace host {

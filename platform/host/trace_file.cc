@@ -10,9 +10,9 @@
 #include <chrono>
 #include <nlohmann/json.hpp>
 
+#include "base/unique_fd.h"
 #include "platform/host/files.h"
 #include "platform/host/json.h"
-#include "platform/host/unique_fd.h"
 
 namespace host {
 namespace {

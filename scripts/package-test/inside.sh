@@ -1,6 +1,6 @@
 #!/bin/sh
-# inside.sh: what is tried in the fresh root file system; /packages holds the packages. Ends at the first thing that goes
-# otherwise than told.
+# inside.sh: what is tried in the fresh root file system; the working directory holds the packages. Ends at the first
+# thing that goes otherwise than told.
 set -eu
 
 fail() {
@@ -21,7 +21,7 @@ expect() {
 install_packages() {
   if dpkg-query -W morvath orvelbox >/dev/null 2>&1; then fail "the root file system is not fresh"; fi
   apt-get -qq update
-  apt-get -qq install -y --no-install-recommends /packages/*.deb >/tmp/output 2>&1 || { cat /tmp/output; fail "the packages do not install"; }
+  apt-get -qq install -y --no-install-recommends ./*.deb >/tmp/output 2>&1 || { cat /tmp/output; fail "the packages do not install"; }
   dpkg-query -W morvath morvath-dev orvelbox
   dpkg --verify morvath morvath-dev orvelbox >/tmp/output
   [ ! -s /tmp/output ] || { cat /tmp/output; fail "dpkg finds the installed files changed"; }

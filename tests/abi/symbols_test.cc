@@ -85,6 +85,14 @@ TEST_P(Interface, everything_listed_has_its_prototype_kept) {
   EXPECT_TRUE(unguarded.empty()) << TellUnguarded(unguarded, library().name, versions());
 }
 
+// One list serves 32 and 64 bits: the compiler gives std::size_t, std::uint64_t and their like different letters there.
+TEST_P(Interface, no_name_differs_by_processor) {
+  for (const std::string& name : Listed(library())) {
+    EXPECT_EQ(std::string::npos, InWords(name).find("long"))
+        << name << ", " << InWords(name) << ": take int or unsigned";
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(Libraries, Interface, testing::Values(kMorvath, kQuarnelUtil), [](const auto& test) {
   return test.param.name == kMorvath.name ? "morvath" : "quarnel_util";
 });

@@ -69,7 +69,7 @@ class Platform {
   // Called (if set) with every event before its caller goes on: the moment to change things in the
   // middle of what is tested. It may set itself anew.
   std::function<void(const Event&)> on_event;
-  // Every misuse of a handle: one that is null, of another kind or destroyed before.
+  // Every misuse of a handle: one that is null, of another kind, destroyed before or a negative descriptor.
   std::vector<std::string> misuses;
 
   // Makes the next call of `function` answer `code` and do nothing else.

@@ -7,8 +7,8 @@
 
 #include <algorithm>
 
+#include "base/unique_fd.h"
 #include "platform/host/package_store.h"
-#include "platform/host/unique_fd.h"
 #include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
@@ -172,7 +172,7 @@ TEST_F(BadInputE2e, a_directory_that_is_no_device_is_named) {
 }
 
 TEST_F(BadInputE2e, a_device_in_use_is_not_waited_for) {
-  const host::UniqueFd lock(open(device_.LockFile().c_str(), O_RDWR | O_CLOEXEC));
+  const UniqueFd lock(open(device_.LockFile().c_str(), O_RDWR | O_CLOEXEC));
   ASSERT_EQ(flock(lock.get(), LOCK_EX), 0);
   ASSERT_EQ(pwrite(lock.get(), "4711", 4, 0), 4);
   const std::string package = MakePackage("a", ManifestText("a", "1"));

@@ -7,6 +7,8 @@
 #include "platform/host/json.h"
 #include "platform/host/log_file.h"
 #include "platform/host/package_store.h"
+#include "tests/host/machine.h"
+#include "tests/support/child.h"
 #include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
@@ -106,6 +108,33 @@ TEST_F(QuietHooksE2e, quiet_drops_what_the_plug_in_prints) {
   const Result result = RunExpecting(0, {"--quiet", "install", MakePackage("a", ManifestText("a", "1"))});
   EXPECT_THAT(result.out + result.err, IsEmpty());
   EXPECT_EQ(RunExpecting(0, {"list"}).out, "a  1  /opt/usr/globalapps/a\n");
+}
+
+// A machine where the kernel refuses namespaces, so that root works in place.
+class InPlaceE2e : public Desk {
+ protected:
+  void SetUp() override {
+    const std::string obstacle = machine::ObstacleToEmptied(ORVELBOX_PROGRAM);
+    if (!obstacle.empty()) GTEST_SKIP() << "no namespace for another machine: " << obstacle;
+  }
+  // What the command writes to standard error there; it must succeed.
+  void ExpectErrors(const std::string& expected, const std::vector<std::string>& arguments) const {
+    support::InFreshProcess([&] {
+      machine::EnterEmptied();
+      machine::RefuseNamespaces();
+      EXPECT_EQ(RunExpecting(0, arguments).err, expected);
+    });
+  }
+  std::string Package() const { return MakePackage("a", ManifestText("a", "1")); }
+};
+
+TEST_F(InPlaceE2e, a_command_says_once_that_it_works_in_place) {
+  ExpectErrors(support::kInPlaceNotice, {"test", Package()});
+}
+
+TEST_F(InPlaceE2e, quiet_does_not_say_it) {
+  ExpectErrors("", {"--quiet", "test", Package()});
+  ExpectErrors("", {"--quiet", "install", Package()});
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 #include <stdexcept>
 #include <thread>
 
-#include "platform/host/unique_fd.h"
+#include "base/unique_fd.h"
 #include "tests/e2e/terminal.h"
 #include "tests/support/orvelbox_desk.h"
 
@@ -111,13 +111,13 @@ class NamedPipe {
   }
 
  private:
-  static host::UniqueFd Open(const std::string& path) {
+  static UniqueFd Open(const std::string& path) {
     if (mkfifo(path.c_str(), 0600) != 0) throw std::runtime_error("cannot make the pipe " + path);
-    return host::UniqueFd(open(path.c_str(), O_RDWR | O_CLOEXEC));
+    return UniqueFd(open(path.c_str(), O_RDWR | O_CLOEXEC));
   }
 
   std::string path_;
-  host::UniqueFd ends_;
+  UniqueFd ends_;
 };
 
 // A hook that waits: the pipes tell when it runs, and let it go on.

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/host/json.h"
+#include "tests/support/child.h"
 #include "tests/support/orvelbox_desk.h"
 #include "tests/support/zip.h"
 
@@ -54,7 +55,7 @@ TEST_F(PackageLifeE2e, a_package_with_duplicates_leaves_nothing_behind) {
                             ": lived through without a trace\n    install: done\n    clean: done\n    undo: done\n"
                             "    recover: done\n    upgrade: done\n    clean: done\n    recover: done\n"
                             "    uninstall: done\n");
-  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(result.err, support::InPlaceNoticeHere());
 }
 
 TEST_F(PackageLifeE2e, a_component_lives_in_an_archive_and_is_upgraded_to_another) {

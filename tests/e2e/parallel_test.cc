@@ -1,4 +1,4 @@
-// Checks spread by GNU parallel, as the README shows it: two workers, every package once, one line each.
+// Checks spread by GNU parallel, as docs/orvelbox.md shows it: two workers, every package once, one line each.
 #include <gmock/gmock.h>
 
 #include <nlohmann/json.hpp>

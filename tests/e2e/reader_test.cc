@@ -6,9 +6,9 @@
 
 #include <csignal>
 
+#include "base/unique_fd.h"
 #include "platform/host/log_file.h"
 #include "platform/host/package_store.h"
-#include "platform/host/unique_fd.h"
 #include "tests/e2e/terminal.h"
 #include "tests/support/orvelbox_desk.h"
 
@@ -136,8 +136,8 @@ TEST_F(ReaderE2e, a_followed_log_shows_what_comes) {
   Log('I', "TAG", "first");
   int ends[2];
   ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
-  const host::UniqueFd reading(ends[0]);
-  host::UniqueFd writing(ends[1]);
+  const UniqueFd reading(ends[0]);
+  UniqueFd writing(ends[1]);
   const pid_t process = Start({"log", "--follow"}, [&] { dup2(writing.get(), STDOUT_FILENO); });
   writing.Reset();
   FILE* stream = fdopen(dup(reading.get()), "r");

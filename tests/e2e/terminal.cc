@@ -22,9 +22,9 @@ int MillisecondsUntil(Clock::time_point end) {
   return std::max(0, static_cast<int>(left.count()));
 }
 
-host::UniqueFd OpenProgramEnd(int reading_end) {
-  if (grantpt(reading_end) != 0 || unlockpt(reading_end) != 0) return host::UniqueFd();
-  return host::UniqueFd(open(ptsname(reading_end), O_RDWR | O_NOCTTY | O_CLOEXEC));
+UniqueFd OpenProgramEnd(int reading_end) {
+  if (grantpt(reading_end) != 0 || unlockpt(reading_end) != 0) return UniqueFd();
+  return UniqueFd(open(ptsname(reading_end), O_RDWR | O_NOCTTY | O_CLOEXEC));
 }
 
 bool EndsWith(const std::string& text, const std::string& ending) {

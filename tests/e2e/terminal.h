@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "platform/host/unique_fd.h"
+#include "base/unique_fd.h"
 
 namespace e2e {
 
@@ -21,8 +21,8 @@ class Terminal {
   std::string ReadUntil(const std::string& ending) const;
 
  private:
-  host::UniqueFd reading_end_;
-  host::UniqueFd program_end_;
+  UniqueFd reading_end_;
+  UniqueFd program_end_;
 };
 
 }  // namespace e2e

@@ -64,7 +64,7 @@ std::string Text(const std::string& entries) { return "[START]" + entries + "[EN
 
 void OnDevice(const std::function<void()>& body) {
   support::OnDevice([&] {
-    for (const char* path : {"/opt/usr", "/usr/share/dotnet.orvel"}) faults::Watch(fs::canonical(path).string());
+    for (const char* path : {"/opt/usr", "/usr/share/dotnet.orvel"}) faults::Watch(fs::canonical(path), path);
     small_platform::Now().packages[0] = {kId, kRoot, true, nullptr};
     for (const char* name : {"A.dll", "B.dll"}) support::WriteFile(std::string(kSharedResources) + name);
     support::WriteFile(kPlatformDll, "the platform's");

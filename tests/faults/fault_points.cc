@@ -21,6 +21,12 @@ namespace {
 constexpr int kMostDirectories = 8;
 constexpr int kUnhandled = 99;
 
+// Both with a slash at the end.
+struct Directory {
+  char path[256];
+  char shown[256];
+};
+
 // Plain memory: it is looked at from inside operator new.
 struct State {
   bool counting = false;
@@ -31,7 +37,8 @@ struct State {
   bool met = false;
   char call[512] = {};
   int directories = 2;
-  char below[kMostDirectories][256] = {"/opt/usr/", "/usr/share/dotnet.orvel/"};
+  Directory below[kMostDirectories] = {{"/opt/usr/", "/opt/usr/"},
+                                       {"/usr/share/dotnet.orvel/", "/usr/share/dotnet.orvel/"}};
 };
 
 State& Shared() {
@@ -86,16 +93,36 @@ bool EndsWith(const char* text, const char* end) {
   return length >= std::strlen(end) && std::strcmp(text + length - std::strlen(end), end) == 0;
 }
 
+// The watched directory that the path lies below, or null.
+const Directory* DirectoryOf(const char* path) {
+  const State& state = Shared();
+  for (int i = 0; i < state.directories; ++i) {
+    if (std::strncmp(path, state.below[i].path, std::strlen(state.below[i].path)) == 0) return &state.below[i];
+  }
+  return nullptr;
+}
+
+// Notes the call that was met. A path that counts lies below a watched directory.
+void Note(const char* call, const char* path) {
+  State& state = Shared();
+  if (path == nullptr) {
+    std::snprintf(state.call, sizeof state.call, "%s", call);
+  } else {
+    const Directory* directory = DirectoryOf(path);
+    std::snprintf(state.call, sizeof state.call, "%s %s%s", call, directory->shown,
+                  path + std::strlen(directory->path));
+  }
+}
+
 }  // namespace
 
-void Watch(const std::string& directory) {
+void Watch(const std::string& directory, const std::string& shown) {
   State& state = Shared();
-  const std::string below = directory + "/";
-  for (int i = 0; i < state.directories; ++i) {
-    if (below == state.below[i]) return;
-  }
+  if (DirectoryOf((directory + "/").c_str()) != nullptr) return;
   if (state.directories == kMostDirectories) std::abort();
-  std::snprintf(state.below[state.directories++], sizeof state.below[0], "%s", below.c_str());
+  Directory& watched = state.below[state.directories++];
+  std::snprintf(watched.path, sizeof watched.path, "%s/", directory.c_str());
+  std::snprintf(watched.shown, sizeof watched.shown, "%s/", shown.c_str());
 }
 
 Outcome Run(const Plan& plan, const std::function<void()>& body) {
@@ -134,21 +161,14 @@ void PutUnder(const Plan& plan) {
   Shared().counting = true;
 }
 
-bool Counts(const char* path) {
-  const State& state = Shared();
-  if (!state.counting || EndsWith(path, "/log")) return false;
-  for (int i = 0; i < state.directories; ++i) {
-    if (std::strncmp(path, state.below[i], std::strlen(state.below[i])) == 0) return true;
-  }
-  return false;
-}
+bool Counts(const char* path) { return Shared().counting && !EndsWith(path, "/log") && DirectoryOf(path) != nullptr; }
 
 Verdict Meet(unsigned kind, const char* call, const char* path, bool can_be_half) {
   State& state = Shared();
   if (!state.counting || (state.kinds & kind) == 0 || (path != nullptr && !Counts(path))) return Verdict::kGoOn;
   if (++state.count != state.at) return Verdict::kGoOn;
   state.met = true;
-  std::snprintf(state.call, sizeof state.call, "%s%s%s", call, path == nullptr ? "" : " ", path == nullptr ? "" : path);
+  Note(call, path);
   if (state.fate == Fate::kFail) return Verdict::kFail;
   if (state.fate == Fate::kEndHalfWritten && can_be_half) return Verdict::kWriteHalf;
   End();

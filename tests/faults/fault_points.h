@@ -32,8 +32,8 @@ struct Outcome {
 };
 
 // File calls count when they concern what lies below one of the watched directories. The platform's fixed paths are
-// watched from the beginning; a file called "log" never counts.
-void Watch(const std::string& directory);
+// watched from the beginning; a file called "log" never counts. What lies below `directory` is told as below `shown`.
+void Watch(const std::string& directory, const std::string& shown);
 
 // Runs `body` in a child process under the plan. Failed expectations and unexpected ends of the body are failures of
 // this test.

@@ -108,11 +108,17 @@ Verdict MeetWrite(const char* call, int file, const void* data, size_t size) {
 #pragma GCC visibility push(default)
 extern "C" {
 
+// Begins the definition of the C library's function `symbol`. Its declaration in the headers, which name one function
+// or another of those that do the same by the widths that the including file wants, stays out of it.
+#define DEFINE(result, symbol, ...)              \
+  result Own_##symbol(__VA_ARGS__) asm(#symbol); \
+  result Own_##symbol(__VA_ARGS__)
+
 // --- Opening ---
 
-#define DEFINE_OPEN(name)                                                 \
-  int name(const char* path, int flags, ...) {                            \
-    static auto* const next = Next<int(const char*, int, ...)>(#name);    \
+#define DEFINE_OPEN(symbol)                                               \
+  DEFINE(int, symbol, const char* path, int flags, ...) {                 \
+    static auto* const next = Next<int(const char*, int, ...)>(#symbol);  \
     va_list arguments;                                                    \
     va_start(arguments, flags);                                           \
     const mode_t mode = NeedsMode(flags) ? va_arg(arguments, mode_t) : 0; \
@@ -123,9 +129,9 @@ extern "C" {
 DEFINE_OPEN(open)
 DEFINE_OPEN(open64)
 
-#define DEFINE_OPENAT(name)                                                           \
-  int name(int directory, const char* path, int flags, ...) {                         \
-    static auto* const next = Next<int(int, const char*, int, ...)>(#name);           \
+#define DEFINE_OPENAT(symbol)                                                         \
+  DEFINE(int, symbol, int directory, const char* path, int flags, ...) {              \
+    static auto* const next = Next<int(int, const char*, int, ...)>(#symbol);         \
     va_list arguments;                                                                \
     va_start(arguments, flags);                                                       \
     const mode_t mode = NeedsMode(flags) ? va_arg(arguments, mode_t) : 0;             \
@@ -136,11 +142,11 @@ DEFINE_OPEN(open64)
 DEFINE_OPENAT(openat)
 DEFINE_OPENAT(openat64)
 
-#define DEFINE_FOPEN(name)                                                  \
-  FILE* name(const char* path, const char* mode) {                          \
-    static auto* const next = Next<FILE*(const char*, const char*)>(#name); \
-    if (Fails(KindOfOpening(mode), "fopen", path)) return nullptr;          \
-    return Opened(next(path, mode));                                        \
+#define DEFINE_FOPEN(symbol)                                                  \
+  DEFINE(FILE*, symbol, const char* path, const char* mode) {                 \
+    static auto* const next = Next<FILE*(const char*, const char*)>(#symbol); \
+    if (Fails(KindOfOpening(mode), "fopen", path)) return nullptr;            \
+    return Opened(next(path, mode));                                          \
   }
 DEFINE_FOPEN(fopen)
 DEFINE_FOPEN(fopen64)
@@ -157,38 +163,41 @@ DIR* fdopendir(int file) {
 
 // --- Reading ---
 
-#define DEFINE_READDIR(name, entry)                                   \
-  entry* name(DIR* directory) {                                       \
-    static auto* const next = Next<entry*(DIR*)>(#name);              \
+#define DEFINE_READDIR(symbol)                                        \
+  DEFINE(void*, symbol, DIR* directory) {                             \
+    static auto* const next = Next<void*(DIR*)>(#symbol);             \
     if (FailsOn(kReads, "readdir", dirfd(directory))) return nullptr; \
     return next(directory);                                           \
   }
-DEFINE_READDIR(readdir, dirent)
-DEFINE_READDIR(readdir64, dirent64)
+DEFINE_READDIR(readdir)
+DEFINE_READDIR(readdir64)
 
 ssize_t read(int file, void* buffer, size_t size) {
   static auto* const next = Next<ssize_t(int, void*, size_t)>("read");
   return FailsOn(kReads, "read", file) ? -1 : next(file, buffer, size);
 }
 
-#define DEFINE_STAT(name, call, status)                                      \
-  int name(const char* path, struct status* result) noexcept {               \
-    static auto* const next = Next<int(const char*, struct status*)>(#name); \
-    return Fails(kReads, call, path) ? -1 : next(path, result);              \
+#define DEFINE_STAT(symbol, call)                                     \
+  DEFINE(int, symbol, const char* path, void* status) {               \
+    static auto* const next = Next<int(const char*, void*)>(#symbol); \
+    return Fails(kReads, call, path) ? -1 : next(path, status);       \
   }
-DEFINE_STAT(stat, "stat", stat)
-DEFINE_STAT(stat64, "stat", stat64)
-DEFINE_STAT(lstat, "lstat", stat)
-DEFINE_STAT(lstat64, "lstat", stat64)
+DEFINE_STAT(stat, "stat")
+DEFINE_STAT(stat64, "stat")
+DEFINE_STAT(__stat64_time64, "stat")
+DEFINE_STAT(lstat, "lstat")
+DEFINE_STAT(lstat64, "lstat")
+DEFINE_STAT(__lstat64_time64, "lstat")
 
-#define DEFINE_FSTATAT(name, status)                                                                      \
-  int name(int directory, const char* path, struct status* result, int flags) noexcept {                  \
-    static auto* const next = Next<int(int, const char*, struct status*, int)>(#name);                    \
+#define DEFINE_FSTATAT(symbol)                                                                            \
+  DEFINE(int, symbol, int directory, const char* path, void* status, int flags) {                         \
+    static auto* const next = Next<int(int, const char*, void*, int)>(#symbol);                           \
     const char* call = (flags & AT_SYMLINK_NOFOLLOW) != 0 ? "lstat" : "stat";                             \
-    return Fails(kReads, call, PathAt(directory, path).text) ? -1 : next(directory, path, result, flags); \
+    return Fails(kReads, call, PathAt(directory, path).text) ? -1 : next(directory, path, status, flags); \
   }
-DEFINE_FSTATAT(fstatat, stat)
-DEFINE_FSTATAT(fstatat64, stat64)
+DEFINE_FSTATAT(fstatat)
+DEFINE_FSTATAT(fstatat64)
+DEFINE_FSTATAT(__fstatat64_time64)
 
 int access(const char* path, int mode) noexcept {
   static auto* const next = Next<int(const char*, int)>("access");
@@ -242,15 +251,13 @@ int fdatasync(int file) { return FailsOn(kChanges, "fdatasync", file) ? -1 : 0; 
 
 void sync() noexcept { faults::Meet(kChanges, "sync", nullptr); }
 
-int ftruncate(int file, off_t length) noexcept {
-  static auto* const next = Next<int(int, off_t)>("ftruncate");
-  return FailsOn(kChanges, "ftruncate", file) ? -1 : next(file, length);
-}
-
-int ftruncate64(int file, off64_t length) noexcept {
-  static auto* const next = Next<int(int, off64_t)>("ftruncate64");
-  return FailsOn(kChanges, "ftruncate", file) ? -1 : next(file, length);
-}
+#define DEFINE_FTRUNCATE(symbol, offset)                                   \
+  DEFINE(int, symbol, int file, offset length) {                           \
+    static auto* const next = Next<int(int, offset)>(#symbol);             \
+    return FailsOn(kChanges, "ftruncate", file) ? -1 : next(file, length); \
+  }
+DEFINE_FTRUNCATE(ftruncate, long)
+DEFINE_FTRUNCATE(ftruncate64, off64_t)
 
 // --- Names ---
 

@@ -11,7 +11,7 @@ __attribute__((constructor)) void PlanWhatTheEnvironmentAsks() {
   const char* at = std::getenv(killable::kAt);
   const char* directory = std::getenv(killable::kDirectory);
   if (at == nullptr || directory == nullptr) return;
-  faults::Watch(directory);
+  faults::Watch(directory, directory);
   const bool half = std::getenv(killable::kHalfWritten) != nullptr;
   faults::PutUnder({faults::kChanges, half ? faults::Fate::kEndHalfWritten : faults::Fate::kEnd, std::atoi(at)});
 }

@@ -72,7 +72,7 @@ class KilledOrvelbox : public HookDesk, public testing::WithParamInterface<bool>
   State Found() const {
     State state = DeviceState();
     for (const char* name : {"temp_TPA.txt", "temp_CoBA.txt"}) {
-      state.erase((device_.OnDesk(host::kCacheDirectory) / name).lexically_relative(device_.directory).string());
+      state.erase((device_.OnDesk(kCacheDirectory) / name).lexically_relative(device_.directory).string());
     }
     return state;
   }

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <set>
 #include <sstream>
@@ -55,6 +56,44 @@ const std::set<std::string> kWithoutArrays = {"liborvel_pkgmgr_installer.so"};
 const std::set<std::string> kWithoutCheckedCalls = {"libquarnel_util.so", "liborvel_aul.so",
                                                     "liborvel_pkgmgr_installer.so", "liborvel_smack.so"};
 
+// Functions for files that have a form for large ones as well.
+const std::set<std::string> kNarrowFileFunctions = {
+    "__fxstat",        "__lxstat", "__open_2", "__openat_2", "__pread_chk", "__pwrite_chk", "__xstat",   "creat",
+    "fallocate",       "fcntl",    "fgetpos",  "fopen",      "freopen",     "fseeko",       "fsetpos",   "fstat",
+    "fstatat",         "fstatfs",  "fstatvfs", "ftello",     "ftruncate",   "ftw",          "getrlimit", "glob",
+    "lockf",           "lseek",    "lstat",    "mkostemp",   "mkstemp",     "mmap",         "nftw",      "open",
+    "openat",          "pread",    "pwrite",   "readdir",    "readdir_r",   "scandir",      "sendfile",  "setrlimit",
+    "posix_fallocate", "stat",     "statfs",   "statvfs",    "tmpfile",     "truncate"};
+// Functions that tell or take a time of 32 bits where the processor's words have as many.
+const std::set<std::string> kNarrowTimeFunctions = {"clock_gettime",
+                                                    "clock_nanosleep",
+                                                    "fstat64",
+                                                    "fstatat64",
+                                                    "futimens",
+                                                    "gettimeofday",
+                                                    "gmtime",
+                                                    "gmtime_r",
+                                                    "localtime",
+                                                    "localtime_r",
+                                                    "lstat64",
+                                                    "mktime",
+                                                    "nanosleep",
+                                                    "ppoll",
+                                                    "pselect",
+                                                    "recvmmsg",
+                                                    "select",
+                                                    "sem_timedwait",
+                                                    "stat64",
+                                                    "time",
+                                                    "timegm",
+                                                    "utimensat",
+                                                    "utimes",
+                                                    "wait4",
+                                                    "pthread_cond_timedwait",
+                                                    "pthread_cond_clockwait",
+                                                    "pthread_mutex_timedlock",
+                                                    "sigtimedwait"};
+
 class Hardening : public testing::TestWithParam<std::string> {
  protected:
   const std::string& file() const { return GetParam(); }
@@ -96,6 +135,15 @@ TEST_P(Hardening, calls_of_the_c_library_are_checked) {
   EXPECT_THAT(Imports(file()), Contains(testing::EndsWith("_chk")));
 }
 
+TEST_P(Hardening, large_files_and_late_dates_are_no_error) {
+  std::set<std::string> narrow = kNarrowFileFunctions;
+  if (sizeof(long) == 4) narrow.insert(kNarrowTimeFunctions.begin(), kNarrowTimeFunctions.end());
+  for (const std::string& name : Imports(file())) {
+    EXPECT_EQ(0u, narrow.count(name)) << file() << " calls " << name << ", which fails where numbers pass 32 bits; "
+                                      << "compile all of it with _FILE_OFFSET_BITS=64 and _TIME_BITS=64";
+  }
+}
+
 std::string TestName(const testing::TestParamInfo<std::string>& file) {
   std::string name = std::filesystem::path(file.param).stem().string();
   for (char& letter : name) {
@@ -105,5 +153,37 @@ std::string TestName(const testing::TestParamInfo<std::string>& file) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Built, Hardening, testing::ValuesIn(Lines(support::ReadFile(LIST_OF_BUILT_FILES))), TestName);
+
+// The size that stands in docs/performance.md.
+
+// "BYTES | RELOCATIONS" of the row for that processor, or nothing.
+std::string KeptSize(const std::string& processor) {
+  const std::string start = "| " + processor + " | ";
+  for (const std::string& line : Lines(support::ReadFile(PERFORMANCE_DOCUMENT))) {
+    if (line.rfind(start, 0) == 0) return line.substr(start.size());
+  }
+  return "";
+}
+
+TEST(LibrarySize, the_plug_in_grows_no_more_than_a_little_over_what_is_kept) {
+#if !defined(KEPT_SIZE_HOLDS)
+  GTEST_SKIP() << "the kept sizes are those of release builds by GCC 12";
+#endif
+  std::istringstream measured(support::OutputOf("'" LIBRARY_SIZE_PROGRAM "' '" BUILD_DIRECTORY "'"));
+  long bytes = 0;
+  long relocations = 0;
+  std::string processor;
+  measured >> bytes >> relocations >> std::ws;
+  std::getline(measured, processor);
+  ASSERT_LT(0, bytes);
+  long kept_bytes = 0;
+  long kept_relocations = 0;
+  ASSERT_EQ(2, std::sscanf(KeptSize(processor).c_str(), "%ld | %ld |", &kept_bytes, &kept_relocations))
+      << "no row for \"" << processor << "\" in " PERFORMANCE_DOCUMENT "; it measures " << bytes << " | "
+      << relocations;
+  const std::string way_out = "; if it is worth it, say so in the change and in the table of " PERFORMANCE_DOCUMENT;
+  EXPECT_LE(bytes, kept_bytes + kept_bytes / 20) << "bytes" << way_out;
+  EXPECT_LE(relocations, kept_relocations + kept_relocations / 20) << "relocations" << way_out;
+}
 
 }  // namespace

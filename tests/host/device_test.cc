@@ -6,7 +6,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 
 #include "tests/host/machine.h"
 #include "tests/host/samples.h"
@@ -151,7 +153,7 @@ TEST_F(DeviceDirectory, a_configuration_that_cannot_be_read_is_named) {
   const auto device = host::CreateDevice(NewDirectory());
   fs::remove(device.ConfigFile());
   fs::create_directory(device.ConfigFile());
-  EXPECT_EQ(device.ConfigFile().string() + ": cannot read: Is a directory",
+  EXPECT_EQ(device.ConfigFile().string() + ": cannot read: " + std::strerror(EISDIR),
             ErrorOf([&] { host::OpenDevice(device.directory); }));
 }
 

@@ -103,6 +103,23 @@ TEST_F(FixedPathsOf, a_machine_that_has_them_hides_its_own) {
   });
 }
 
+// What is mounted through a link would be gone as soon as the link is, as when another process ends its work in place.
+TEST_F(FixedPathsOf, a_machine_with_links_there_shows_none) {
+  LayOutRoot(root());
+  OnEmptiedMachine([this] {
+    fs::create_directories("/opt/elsewhere/kept");
+    fs::create_symlink("/opt/elsewhere", "/opt/usr");
+    fs::create_symlink("/nowhere", "/etc/release");
+    RunThere(root(), [] {
+      ExpectDeviceAtFixedPaths();
+      EXPECT_FALSE(fs::is_symlink("/opt/usr"));
+      EXPECT_FALSE(fs::is_symlink("/etc/release"));
+      EXPECT_THAT(support::NamesIn("/opt/elsewhere"), ElementsAre("kept"));
+    });
+    EXPECT_TRUE(fs::is_symlink("/opt/usr"));
+  });
+}
+
 TEST_F(FixedPathsOf, a_machine_with_a_release_marker_shows_the_roots) {
   LayOutRoot(root());
   WriteFile(root() / "etc/release", "the device's");

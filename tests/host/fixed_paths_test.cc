@@ -8,8 +8,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <iostream>
 #include <stdexcept>
@@ -238,8 +240,9 @@ TEST(FixedPathsMethods, an_ordinary_user_without_namespaces_is_told_what_to_do) 
     machine::RefuseNamespaces();
     machine::BecomeOrdinaryUser();
     const std::string expected =
-        "no private namespaces here (cannot make a user namespace: Operation not permitted): allow user namespaces "
-        "(sysctl user.max_user_namespaces; in a container, its security options), or run as root";
+        "no private namespaces here (cannot make a user namespace: " + std::string(std::strerror(EPERM)) +
+        "): allow user namespaces (sysctl user.max_user_namespaces; in a container, its security options), or run as "
+        "root";
     std::string reason;
     EXPECT_EQ(FixedPathsMethod::kNone, host::AvailableFixedPathsMethod(&reason));
     EXPECT_EQ(expected, reason);

@@ -4,7 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <nlohmann/json.hpp>
 
 #include "orvel/aul.h"
@@ -68,9 +70,9 @@ TEST_F(LoaderStart, loads_what_both_files_list) {
 
 TEST_F(LoaderStart, a_missing_file_is_a_failure) {
   fs::remove(directory() / "CoBA.txt");
-  EXPECT_EQ(Path("CoBA.txt") + ": cannot read: No such file or directory", host::StartLoader(directory()).error);
+  EXPECT_EQ(Path("CoBA.txt") + ": cannot read: " + std::strerror(ENOENT), host::StartLoader(directory()).error);
   fs::remove(directory() / "TPA.txt");
-  EXPECT_EQ(Path("TPA.txt") + ": cannot read: No such file or directory", host::StartLoader(directory()).error);
+  EXPECT_EQ(Path("TPA.txt") + ": cannot read: " + std::strerror(ENOENT), host::StartLoader(directory()).error);
 }
 
 TEST_F(LoaderStart, a_listed_path_that_is_not_there_is_a_failure) {
@@ -115,7 +117,7 @@ TEST(LoaderRecord, a_damaged_record_begins_anew) {
 TEST(RestartLoader, starts_the_loader_on_the_device) {
   const samples::EnvironmentDevice device;
   support::WriteFile(device.device().OnDesk("/opt/usr/globalapps/p/shared/res/X.dll"));
-  support::WriteFile(device.device().OnDesk(host::kCacheDirectory) / "TPA.txt",
+  support::WriteFile(device.device().OnDesk(kCacheDirectory) / "TPA.txt",
                      "[START]:/opt/usr/globalapps/p/shared/res/X.dll[END]");
   support::WithFixedPaths(device.device().Root(), [&] {
     EXPECT_EQ(0, aul_restart_loader("dotnet-loader-inhouse"));
@@ -130,7 +132,7 @@ TEST(RestartLoader, starts_the_loader_on_the_device) {
 
 TEST(RestartLoader, a_loader_that_cannot_start_is_a_failure_told_in_one_line) {
   const samples::EnvironmentDevice device;
-  fs::remove(device.device().OnDesk(host::kCacheDirectory) / "CoBA.txt");
+  fs::remove(device.device().OnDesk(kCacheDirectory) / "CoBA.txt");
   support::WithFixedPaths(device.device().Root(), [&] {
     int result = 0;
     const std::string errors = support::StandardErrorOf([&] { result = aul_restart_loader("dotnet-loader-inhouse"); });

@@ -28,6 +28,10 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr uid_t kNobody = 65534;
+constexpr const char* kEmptied[] = {"/opt", "/usr/share", "/etc", "/run"};
+
+constexpr unsigned kNamespaceFlags =
+    CLONE_NEWNS | CLONE_NEWUSER | CLONE_NEWPID | CLONE_NEWNET | CLONE_NEWIPC | CLONE_NEWUTS | CLONE_NEWCGROUP;
 
 void Check(bool success, const std::string& what) {
   if (!success) throw std::runtime_error("cannot " + what + ": " + std::generic_category().message(errno));
@@ -59,11 +63,14 @@ void CoverWithTmpfs(const char* directory) {
 void EnterEmptied() {
   BecomeRootOfNamespaces();
   Check(mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0, "detach the mounts");
-  for (const char* directory : {"/opt", "/usr/share", "/etc", "/run"}) CoverWithTmpfs(directory);
+  for (const char* directory : kEmptied) CoverWithTmpfs(directory);
   Check(mkdir("/run/lock", 01777) == 0, "make /run/lock");
 }
 
-std::string ObstacleToEmptied() {
+std::string ObstacleToEmptied(const std::string& needed) {
+  for (const std::string directory : kEmptied) {
+    if (needed.rfind(directory + "/", 0) == 0) return needed + " would be hidden";
+  }
   int ends[2];
   Check(pipe(ends) == 0, "make a pipe");
   const pid_t child = fork();
@@ -108,11 +115,22 @@ void BecomeOrdinaryUser() {
 }
 
 void RefuseNamespaces() {
+  constexpr auto kFlagsOfClone = offsetof(seccomp_data, args);  // the lower half on a little-endian machine
+  // The jumps count the statements to pass over, up to one of the three answers at the end.
   sock_filter program[] = {
       BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_unshare, 0, 1),
-      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EPERM),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_unshare, 9, 0),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_setns, 8, 0),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_mount, 7, 0),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_umount2, 6, 0),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_pivot_root, 5, 0),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_clone3, 5, 0),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_clone, 0, 2),
+      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, kFlagsOfClone),
+      BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, kNamespaceFlags, 1, 0),
       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EPERM),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSYS),  // callers then take clone, whose flags can be looked at
   };
   const sock_fprog filter{sizeof program / sizeof *program, program};
   Check(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0, "give up new privileges");

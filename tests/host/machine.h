@@ -11,8 +11,8 @@ namespace machine {
 // and everything else as on the real one. For a child process of a test. Throws std::runtime_error.
 void EnterEmptied();
 
-// Why EnterEmptied would fail, or nothing when it works.
-std::string ObstacleToEmptied();
+// Why EnterEmptied would fail or hide the file `needed`, or nothing when it works.
+std::string ObstacleToEmptied(const std::string& needed = "");
 
 // On an emptied machine: removes "/opt" itself.
 void RemoveOpt();
@@ -21,8 +21,8 @@ void RemoveOpt();
 // std::runtime_error.
 void BecomeOrdinaryUser();
 
-// Makes the kernel refuse new namespaces to this process and its children, as many containers do. Throws
-// std::runtime_error.
+// Makes the kernel refuse namespaces and mounts to this process and its children for good, as it does in a container
+// without special rights. Throws std::runtime_error.
 void RefuseNamespaces();
 
 }  // namespace machine

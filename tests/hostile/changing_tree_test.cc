@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "plugin/hooks.h"
+#include "tests/doubles/expected_journal.h"
 #include "tests/hostile/watched_device.h"
 #include "tests/support/device_root.h"
 #include "tests/support/files.h"
@@ -53,6 +54,25 @@ TEST(ChangingTree, a_dll_that_becomes_a_link_loses_the_link_only) {
   }
 }
 
+TEST(ChangingTree, a_dll_that_became_a_link_after_it_was_listed_is_kept) {
+  OnWatchedDevice([&](const WatchedDevice& device) {
+    WriteFile(InPackage("A.dll"));
+    WriteFile(InPackage("B.dll"));
+    std::string exchanged;
+    device.platform().on_event = [&](const doubles::Event& event) {
+      const std::string message = doubles::MessageOf(event.log);
+      if (message.rfind("Duplicated : ", 0) != 0 || !exchanged.empty()) return;
+      exchanged = message == "Duplicated : " + InPackage("A.dll") ? "B.dll" : "A.dll";
+      fs::remove(InPackage(exchanged));
+      fs::create_symlink(Victim(exchanged), InPackage(exchanged));
+    };
+    device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+    EXPECT_TRUE(fs::is_symlink(InPackage(exchanged)));
+    EXPECT_TRUE(device.Logged("Symbolic link is detected : " + InPackage(exchanged)));
+    EXPECT_EQ(2u, NamesInRoot().size());
+  });
+}
+
 TEST(ChangingTree, a_dll_that_becomes_a_directory_stays) {
   for (const std::string& moment : kMoments) {
     OnWatchedDevice([&](const WatchedDevice& device) {
@@ -80,22 +100,6 @@ TEST(ChangingTree, an_information_files_name_that_is_taken_in_the_last_moment_is
   }
 }
 
-TEST(ChangingTree, a_directory_that_becomes_a_link_before_it_is_entered_loses_nothing) {
-  for (const char* target : {kVictims, support::kCoreDirectory, ".."}) {
-    OnWatchedDevice([&](const WatchedDevice& device) {
-      WriteFile(InPackage("A.dll"));
-      WriteFile(InPackage("sub/B.dll"));
-      device.At(kFound, [&] {
-        fs::remove_all(InPackage("sub"));
-        fs::create_directory_symlink(target, InPackage("sub"));
-      });
-      device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
-      EXPECT_EQ((Names{"A.dll_deleted", "sub"}), NamesInRoot());
-      EXPECT_TRUE(fs::is_symlink(InPackage("sub")));
-    });
-  }
-}
-
 TEST(ChangingTree, a_directory_that_vanishes_or_becomes_a_file_is_passed_over) {
   for (const bool leaves_a_file : {false, true}) {
     OnWatchedDevice([&](const WatchedDevice& device) {
@@ -118,16 +122,6 @@ TEST(ChangingTree, a_whole_package_that_vanishes_during_the_walk_is_the_end_of_i
     device.At(kRemoving, [] { fs::remove_all(kRoot); });
     device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
     EXPECT_FALSE(IsThere(kRoot));
-  });
-}
-
-TEST(ChangingTree, a_root_that_becomes_a_link_before_the_walk_loses_nothing) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    device.At("orvelFX size", [] {
-      fs::remove(kRoot);
-      fs::create_directory_symlink(kVictims, kRoot);
-    });
-    EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_INSTALL).result);
   });
 }
 

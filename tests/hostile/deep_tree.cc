@@ -6,8 +6,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "base/unique_fd.h"
 #include "tests/support/command.h"
-#include "util/unique_fd.h"
 
 namespace hostile {
 

@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "plugin/catalogues.h"
 #include "plugin/hooks.h"
 #include "tests/hostile/watched_device.h"
 #include "tests/support/device_root.h"
@@ -27,25 +26,6 @@ using support::ReadFile;
 using support::WriteFile;
 
 using Names = std::vector<std::string>;
-
-TEST(Links, a_root_that_leads_to_others_loses_nothing) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    fs::remove(kRoot);
-    fs::create_directory_symlink(kVictims, kRoot);
-    device.platform().packages[0].privileges = {support::kDebuggingPrivilege};
-    EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_INSTALL).result);
-    EXPECT_TRUE(device.Logged(std::string("Symbolic link is detected : ") + kRoot));
-    EXPECT_TRUE(appLib.empty());
-  });
-}
-
-TEST(Links, a_root_that_leads_to_the_platforms_assemblies_deletes_none) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    fs::remove(kRoot);
-    fs::create_directory_symlink(support::kCoreDirectory, kRoot);
-    EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_INSTALL).result);
-  });
-}
 
 TEST(Links, a_lib_that_leads_to_others_loses_them_nothing) {
   OnWatchedDevice([](const WatchedDevice& device) {

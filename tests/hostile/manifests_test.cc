@@ -93,8 +93,8 @@ TEST(HostileManifests, an_entity_bomb_in_an_attribute_is_not_set_off_and_the_wal
     EXPECT_FALSE(isAppDotnetInhouse(document.get()));
     EXPECT_FALSE(isAppCoBARelated(document.get()));
     const auto messages = platform.Messages();
-    EXPECT_EQ(
-        1, std::count(messages.begin(), messages.end(), "Attribute type is too long when its entities are expanded"));
+    EXPECT_EQ(1, std::count(messages.begin(), messages.end(),
+                            "Attribute type is left out: its entities are too long or nested too deep"));
     const Document last = ParseGenerously("<manifest>" + kDotnet + kCoba + "</manifest>");
     xmlAddChild(xmlDocGetRootElement(document.get()),
                 xmlDocCopyNode(xmlDocGetRootElement(last.get()), document.get(), 1));

@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
+#include "base/unique_fd.h"
 #include "plugin/hooks.h"
 #include "tests/hostile/watched_device.h"
 #include "tests/support/device_root.h"
 #include "tests/support/files.h"
-#include "util/unique_fd.h"
 
 namespace hostile {
 namespace {

@@ -53,7 +53,7 @@ class InstalledTool : public InstalledTree {
   }
 
   void ExpectAnswersOnCacheFiles(const std::string& tool) const {
-    const std::string cache = device_.OnDesk(host::kCacheDirectory) / "TPA.txt";
+    const std::string cache = device_.OnDesk(kCacheDirectory) / "TPA.txt";
     EXPECT_EQ(Ask(tool, "cache '" + cache + "'"), "crashed: no\n");
     support::WriteFile(cache, "[START]/opt/usr/globalapps/shop/bin/Main.dll");
     EXPECT_EQ(Ask(tool, "cache '" + cache + "'"), "crashed: yes\n(ended with 256)\n");

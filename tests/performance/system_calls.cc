@@ -11,7 +11,7 @@
 #include <csignal>
 #include <stdexcept>
 
-#include "platform/host/unique_fd.h"
+#include "base/unique_fd.h"
 
 namespace {
 
@@ -72,7 +72,7 @@ std::string ReadAll(int file) {
 std::optional<MeasuredRun> RunTraced(const std::string& program, const std::string& action) {
   std::array<int, 2> ends;
   if (pipe2(ends.data(), O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
-  const host::UniqueFd output(ends[0]);
+  const UniqueFd output(ends[0]);
   const pid_t child = fork();
   if (child == 0) Become(program, action, ends[1]);
   close(ends[1]);

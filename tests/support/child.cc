@@ -90,6 +90,11 @@ void WithFixedPaths(const std::filesystem::path& root, const std::function<void(
   ExpectSuccess(host::RunWithFixedPaths(root, [&] { return RunBody(body); }));
 }
 
+std::string InPlaceNoticeHere() {
+  std::string reason;
+  return Method(&reason) == host::FixedPathsMethod::kInPlace ? kInPlaceNotice : "";
+}
+
 bool GiveUpPrivileges() {
   __user_cap_header_struct header = {_LINUX_CAPABILITY_VERSION_3, 0};
   const __user_cap_data_struct nothing[_LINUX_CAPABILITY_U32S_3] = {};

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <string>
 
 namespace support {
 
@@ -13,6 +14,13 @@ void InFreshProcess(const std::function<void()>& body);
 // The same with the platform's fixed paths laid over the device root `root`. Skips the test, with the reason, where
 // this machine cannot do that; to be the last statement of a test.
 void WithFixedPaths(const std::filesystem::path& root, const std::function<void()>& body);
+
+// What orvelbox says on standard error, once for a command, where it has to work in place.
+inline constexpr const char* kInPlaceNotice =
+    "orvelbox: no namespaces here: working in place on /usr/share/dotnet.orvel and /opt/usr\n";
+
+// That line where this machine is such a one, else nothing.
+std::string InPlaceNoticeHere();
 
 // Takes from this process for good what root may do beyond the permissions of files. False when that fails.
 bool GiveUpPrivileges();

@@ -122,7 +122,7 @@ void Desk::AddPlatformFile(const std::string& relative_path) const {
 }
 
 std::string Desk::CacheFile(const std::string& name) const {
-  return support::ReadFile(device_.OnDesk(host::kCacheDirectory) / name);
+  return support::ReadFile(device_.OnDesk(kCacheDirectory) / name);
 }
 
 std::map<std::string, std::string> Desk::DeviceState() const {

@@ -1,7 +1,10 @@
-// startWith and endWith.
+// startWith and endWith, and names compared without regard to case.
+#include "base/affix.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "morvath/platform_utils.h"
 
@@ -39,6 +42,18 @@ TEST(Affix, affixes_are_compared_byte_by_byte) {
   for (const Row& row : rows) {
     EXPECT_EQ(row.starts, startWith(row.text, row.affix)) << row.text << " / " << row.affix;
     EXPECT_EQ(row.ends, endWith(row.text, row.affix)) << row.text << " / " << row.affix;
+  }
+}
+
+TEST(Affix, ignoring_case_is_ignoring_that_of_ascii_letters) {
+  EXPECT_TRUE(EqualsIgnoringCase("", ""));
+  EXPECT_TRUE(EqualsIgnoringCase("Az09._MiZ", "aZ09._mIz"));
+  EXPECT_FALSE(EqualsIgnoringCase("abc", "ab"));
+  EXPECT_FALSE(EqualsIgnoringCase("ab", "abc"));
+  EXPECT_FALSE(EqualsIgnoringCase("abc", "abd"));
+  for (const auto& [one, other] : {std::pair("@", "`"), std::pair("[", "{"), std::pair(".", "\x0e"),
+                                   std::pair("\xC4\xB0", "i"), std::pair("I", "\xC4\xB1"), std::pair("\xC4", "\xE4")}) {
+    EXPECT_FALSE(EqualsIgnoringCase(one, other)) << one << " / " << other;
   }
 }
 

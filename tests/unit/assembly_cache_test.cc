@@ -2,8 +2,10 @@
 #include "plugin/assembly_cache.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -17,6 +19,7 @@
 #include "tests/support/standard_error.h"
 #include "tests/support/unit_case.h"
 #include "tests/support/uris.h"
+#include "tests/unit/interposed_files.h"
 
 namespace {
 
@@ -219,6 +222,46 @@ TEST(AssemblyCache, links_are_catalogued_by_their_own_path_and_kept_in_the_packa
     EXPECT_EQ((Catalogue{{"A.dll", Core("A.dll")}}), coreFX);
     EXPECT_TRUE(fs::is_symlink(InPackage("bin/link.dll")));
     EXPECT_TRUE(IsThere(InPackage("x/B.dll")));
+  });
+}
+
+TEST(AssemblyCache, a_package_whose_root_is_a_link_is_walked_like_any_other) {
+  FreshOnDevice([](Platform& platform) {
+    PutPackage(platform);
+    WriteFiles({Core("A.dll"), "/opt/usr/real/bin/A.dll", "/opt/usr/real/lib/L.dll"});
+    fs::create_directory("/opt/usr/apps");
+    fs::create_directory_symlink("/opt/usr/real", kRoot);
+    EXPECT_EQ(DuplicateLine(Core("A.dll"), InPackage("bin/A.dll")), StandardErrorOf([] { EXPECT_EQ(-1, gac("pkg")); }));
+    EXPECT_EQ((std::vector<std::string>{"A.dll_deleted"}), support::NamesIn("/opt/usr/real/bin"));
+    EXPECT_TRUE(IsThere(InPackage("lib/L.dll")));
+    const std::vector<std::string> messages = platform.Messages();
+    EXPECT_EQ(0, std::count(messages.begin(), messages.end(), std::string("Symbolic link is detected : ") + kRoot));
+  });
+}
+
+TEST(AssemblyCache, a_catalogued_name_whose_file_cannot_be_examined_is_kept_with_an_error_line) {
+  FreshOnDevice([](Platform& platform) {
+    PutPackage(platform);
+    WriteFiles({Core("A.dll"), InPackage("bin/A.dll")});
+    interposed::Files().look_errors = {{InPackage("bin/A.dll"), EIO}};
+    EXPECT_EQ("", StandardErrorOf([] { EXPECT_EQ(0, gac("pkg")); }));
+    EXPECT_EQ((std::vector<std::string>{"A.dll"}), support::NamesIn(InPackage("bin")));
+    EXPECT_TRUE(Holds(platform, {Pass(1, 0, doubles::Source("platform_utils", "isRealPath").Error("lstat error."))}));
+  });
+}
+
+// The root "/" is that of a directory of the test's own: this process sees nothing else any more.
+TEST(AssemblyCache, a_package_may_have_the_root_directory_itself) {
+  FreshOnDevice([](Platform&) {
+    WriteFiles({"/opt/usr/jail/A.dll", "/opt/usr/jail/bin/A.dll", "/opt/usr/jail/bin/Own.dll"});
+    ASSERT_EQ(0, chroot("/opt/usr/jail"));
+    ASSERT_EQ(0, chdir("/"));
+    ASSERT_EQ((std::vector<std::string>{"A.dll", "bin"}), support::NamesIn("/"));
+    coreFX = {{"A.dll", Core("A.dll")}};
+    EXPECT_EQ(DuplicateLine(Core("A.dll"), "/A.dll") + DuplicateLine(Core("A.dll"), "/bin/A.dll"),
+              StandardErrorOf([] { EXPECT_EQ(-1, RemoveDuplicates("/")); }));
+    EXPECT_EQ((std::vector<std::string>{"A.dll_deleted", "bin"}), support::NamesIn("/"));
+    EXPECT_EQ((std::vector<std::string>{"A.dll_deleted", "Own.dll"}), support::NamesIn("/bin"));
   });
 }
 

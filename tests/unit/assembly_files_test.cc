@@ -279,11 +279,13 @@ TEST(FileSize, an_empty_file_and_one_that_is_not_there_are_alike) {
 }
 
 TEST(FileSize, a_size_beyond_32_bits_is_told_whole) {
-  constexpr std::uintmax_t kSize = 5'000'000'000;
   const TempDir directory;
   support::WriteFile(directory / "sparse");
-  fs::resize_file(directory / "sparse", kSize);
-  EXPECT_EQ(kSize, getFileSize(directory / "sparse"));
+  for (const std::uintmax_t size :
+       {std::uintmax_t{1} << 31, (std::uintmax_t{1} << 32) + 1, std::uintmax_t{5'000'000'000}}) {
+    fs::resize_file(directory / "sparse", size);
+    EXPECT_EQ(size, getFileSize(directory / "sparse"));
+  }
 }
 
 // Digits.

@@ -1,4 +1,4 @@
-// Which pair of files is a duplicate, the removal and the information file.
+// Which pair of files is a duplicate, and the removal of one. The information file has its own tests.
 #include "plugin/duplicates.h"
 
 #include <gtest/gtest.h>

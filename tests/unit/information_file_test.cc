@@ -62,6 +62,7 @@ TEST(Duplicates, without_an_information_file_its_text_goes_nowhere) {
     doubles::Reset();
     removeFileAndLeaveInformationFile(kOrigin, package / "A.dll");
     removeFileAndLeaveInformationFile(kOrigin, package / "B.dll");
+    EXPECT_TRUE(doubles::Current().misuses.empty());
     EXPECT_NE(-1, fcntl(STDIN_FILENO, F_GETFD));
     EXPECT_EQ("", support::ReadFile(package / "input"));
   });
@@ -70,9 +71,10 @@ TEST(Duplicates, without_an_information_file_its_text_goes_nowhere) {
 TEST(Duplicates, the_open_information_file_is_neither_inherited_nor_made_the_terminal) {
   const TempDir package;
   doubles::Reset();
+  interposed::Files().common_open_flags = ~0;
   removeFileAndLeaveInformationFile(kOrigin, package / "A.dll");
-  EXPECT_NE(0, interposed::Files().open_flags & O_CLOEXEC);
-  EXPECT_NE(0, interposed::Files().open_flags & O_NOCTTY);
+  EXPECT_NE(0, interposed::Files().common_open_flags & O_CLOEXEC);
+  EXPECT_NE(0, interposed::Files().common_open_flags & O_NOCTTY);
 }
 
 TEST(Duplicates, the_descriptor_of_a_closed_standard_input_is_as_good_as_any) {
@@ -99,10 +101,14 @@ TEST(Duplicates, the_information_file_is_left_although_the_removal_failed) {
   EXPECT_EQ(InformationText(kOrigin, dll), support::ReadFile(dll + "_deleted"));
 }
 
-TEST(Duplicates, an_information_file_that_cannot_be_made_is_no_matter) {
-  Platform& platform = doubles::Reset();
-  EXPECT_EQ("", StandardErrorOf([] { removeFileAndLeaveInformationFile(kOrigin, "/proc/nowhere/A.dll"); }));
-  EXPECT_TRUE(Holds(platform, {RemovalFrame()}));
+TEST(Duplicates, an_information_file_that_cannot_be_made_is_no_matter_and_nothing_is_written) {
+  support::InFreshProcess([] {
+    Platform& platform = doubles::Reset();
+    interposed::Files().writes = {interposed::Fails(EIO)};
+    EXPECT_EQ("", StandardErrorOf([] { removeFileAndLeaveInformationFile(kOrigin, "/proc/nowhere/A.dll"); }));
+    EXPECT_TRUE(Holds(platform, {RemovalFrame()}));
+    EXPECT_EQ(1u, interposed::Files().writes.size());
+  });
 }
 
 TEST(Duplicates, a_disk_without_room_leaves_an_empty_information_file_silently) {

@@ -9,6 +9,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "tests/support/child.h"
 #include "tests/support/files.h"
@@ -58,9 +59,9 @@ std::string PrintedBy(const std::function<void()>& body) {
   return testing::internal::GetCapturedStdout();
 }
 
-Platform& PlatformWith(const std::string& package_root) {
+Platform& PlatformWith(std::string_view package_root) {
   Platform& platform = doubles::Reset();
-  platform.packages.push_back(doubles::MakePackage("pkg", package_root));
+  platform.packages.push_back(doubles::MakePackage("pkg", std::string(package_root)));
   return platform;
 }
 

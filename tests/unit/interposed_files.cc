@@ -37,6 +37,19 @@ int Change(const char* function, const char* path, uid_t user, gid_t group) {
   return reinterpret_cast<ChangeOwner*>(dlsym(RTLD_NEXT, function))(path, user, group);
 }
 
+// Does this call fail, by what was set for the next ones? Then errno is set.
+bool NextFails(std::deque<int>& errors) {
+  if (errors.empty()) return false;
+  errno = errors.front();
+  errors.pop_front();
+  return errno != 0;
+}
+
+// "No file" is not for the kernel to find out.
+void ExpectFile(const char* function, int file) {
+  if (file < 0) doubles::Current().misuses.emplace_back(function);
+}
+
 // As the kernel does it: no NUL is added, and what lies behind the text in the buffer is anybody's guess.
 ssize_t Give(const std::string& target, char* buffer, std::size_t size) {
   std::memset(buffer, '?', size);
@@ -52,27 +65,34 @@ ssize_t Give(const std::string& target, char* buffer, std::size_t size) {
 #pragma GCC visibility push(default)
 extern "C" {
 
+// The headers give stat, stat64, fstat, lstat and open the names of the C library's widest forms, which differ by
+// processor; so they do for the functions by which the real work is done here.
 int stat(const char* path, struct stat* status) noexcept {
-  static auto* const next = reinterpret_cast<int (*)(const char*, struct stat*)>(dlsym(RTLD_NEXT, "stat"));
-  const int result = next(path, status);
+  interposed::FileSettings& settings = interposed::Files();
+  settings.examined.emplace_back(path);
+  const int result = fstatat(AT_FDCWD, path, status, 0);
   if (result != 0) return result;
-  const auto& owners = interposed::Files().owners;
-  const auto owner = owners.find(path);
-  if (owner != owners.end()) {
+  const auto owner = settings.owners.find(path);
+  if (owner != settings.owners.end()) {
     status->st_uid = owner->second.user;
     status->st_gid = owner->second.group;
   }
   return 0;
 }
 
-int stat64(const char* path, struct stat64* status) noexcept {
-  static auto* const next = reinterpret_cast<int (*)(const char*, struct stat64*)>(dlsym(RTLD_NEXT, "stat64"));
-  doubles::Current().RecordCall(std::string("stat64(") + path + ")");
-  return next(path, status);
+int fstat(int file, struct stat* status) noexcept {
+  interposed::ExpectFile("fstat", file);
+  return fstatat(file, "", status, AT_EMPTY_PATH);
+}
+
+int lstat(const char* path, struct stat* status) noexcept {
+  const auto error = interposed::Files().look_errors.find(path);
+  if (error == interposed::Files().look_errors.end()) return fstatat(AT_FDCWD, path, status, AT_SYMLINK_NOFOLLOW);
+  errno = error->second;
+  return -1;
 }
 
 int open(const char* path, int flags, ...) {
-  static auto* const next = reinterpret_cast<int (*)(const char*, int, ...)>(dlsym(RTLD_NEXT, "open"));
   mode_t mode = 0;
   if ((flags & O_CREAT) != 0) {
     va_list arguments;
@@ -80,12 +100,18 @@ int open(const char* path, int flags, ...) {
     mode = va_arg(arguments, mode_t);
     va_end(arguments);
   }
-  interposed::Files().open_flags = flags;
-  return next(path, flags, mode);
+  interposed::Files().common_open_flags &= flags;
+  return interposed::NextFails(interposed::Files().open_errors) ? -1 : openat(AT_FDCWD, path, flags, mode);
+}
+
+ssize_t read(int file, void* data, size_t size) {
+  static auto* const next = reinterpret_cast<ssize_t (*)(int, void*, size_t)>(dlsym(RTLD_NEXT, "read"));
+  return interposed::NextFails(interposed::Files().read_errors) ? -1 : next(file, data, size);
 }
 
 ssize_t write(int file, const void* data, size_t size) {
   static auto* const next = reinterpret_cast<ssize_t (*)(int, const void*, size_t)>(dlsym(RTLD_NEXT, "write"));
+  interposed::ExpectFile("write", file);
   std::deque<interposed::WriteStep>& steps = interposed::Files().writes;
   if (steps.empty()) return next(file, data, size);
   const interposed::WriteStep step = steps.front();

@@ -16,6 +16,7 @@ using expected::Plugin;
 using support::Document;
 using support::Parse;
 
+constexpr const char* kLeftOut = "Attribute %s is left out: its entities are too long or nested too deep";
 constexpr std::size_t kMost = 100000;  // bytes, a reference counting as one
 
 Document WithEntities(const std::string& entities, const std::string& elements) {
@@ -40,12 +41,11 @@ void ExpectRead(const Document& document) {
 void ExpectRefused(const Document& document) {
   Fresh([&](Platform& platform) {
     EXPECT_FALSE(isAppDotnetInhouse(document.get()));
-    EXPECT_TRUE(
-        Holds(platform, {Plugin("isAppDotnetInhouse").Debug("name %s", "manifest"),
-                         Plugin("isAppDotnetInhouse").Debug("name %s", "manifest"),
-                         Plugin("isAppDotnetInhouse").Debug("name %s", "ui-application"),
-                         Plugin("Attribute").Error("Attribute %s is too long when its entities are expanded", "type"),
-                         Plugin("isAppDotnetInhouse").Debug("name %s", "manifest")}));
+    EXPECT_TRUE(Holds(platform, {Plugin("isAppDotnetInhouse").Debug("name %s", "manifest"),
+                                 Plugin("isAppDotnetInhouse").Debug("name %s", "manifest"),
+                                 Plugin("isAppDotnetInhouse").Debug("name %s", "ui-application"),
+                                 Plugin("isAppDotnetInhouse").Error(kLeftOut, "type"),
+                                 Plugin("isAppDotnetInhouse").Debug("name %s", "manifest")}));
   });
 }
 
@@ -97,11 +97,41 @@ Document WithNestedEntities(int count) {
 }
 
 TEST(ManifestEntities, entities_may_be_nested_so_deep_and_no_deeper) {
-  ExpectRead(WithNestedEntities(15));
-  ExpectRefused(WithNestedEntities(16));
+  ExpectRead(WithNestedEntities(16));
+  ExpectRefused(WithNestedEntities(17));
 }
 
-TEST(ManifestEntities, text_without_entities_may_be_longer) { ExpectRead(WithType("", Filler(2 * kMost) + "dotnet-")); }
+TEST(ManifestEntities, both_walks_tell_of_an_attribute_that_is_left_out) {
+  Fresh([](Platform& platform) {
+    const std::string too_much = Entity("a", Filler(kMost));
+    const Document document =
+        WithEntities(too_much, "<metadata key='&a;' value='true'/><metadata key='k' value='&a;'/>");
+    EXPECT_FALSE(isAppCoBARelated(document.get()));
+    const doubles::Source walk = Plugin("isAppCoBARelated");
+    EXPECT_TRUE(Holds(platform, expected::TracedPlugin(
+                                    "bool isAppCoBARelated(xmlDocPtr)",
+                                    {walk.Debug("Local name %s", "manifest"), walk.Debug("Local name %s", "manifest"),
+                                     walk.Debug("Local name %s", "metadata"), walk.Error(kLeftOut, "key"),
+                                     walk.Debug("Local name %s", "metadata"), walk.Error(kLeftOut, "value"),
+                                     walk.Debug("Local name %s", "manifest")})));
+  });
+}
+
+TEST(ManifestEntities, text_without_entities_may_be_longer) {
+  ExpectRead(WithType("", Filler(2 * kMost) + "dotnet-"));
+  Fresh([](Platform& platform) {
+    const Document document = WithType("", Filler(kMost));
+    xmlAttr* const type = xmlDocGetRootElement(document.get())->children->properties;
+    for (const std::string& text : {Filler(kMost), std::string("dotnet-")}) {
+      xmlNode* const node = xmlNewDocText(document.get(), reinterpret_cast<const xmlChar*>(text.c_str()));
+      node->parent = type->last->parent;
+      node->prev = type->last;
+      type->last = type->last->next = node;
+    }
+    EXPECT_TRUE(isAppDotnetInhouse(document.get()));
+    EXPECT_EQ("App is dotnet-*", platform.Messages().back());
+  });
+}
 
 TEST(ManifestEntities, an_empty_attribute_and_a_default_value_are_no_trouble) {
   Fresh([](Platform&) { EXPECT_FALSE(isAppDotnetInhouse(WithType("", "").get())); });

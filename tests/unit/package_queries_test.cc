@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tests/support/unit_case.h"
@@ -24,11 +25,11 @@ constexpr const char* kGetApp = "pkgmgrinfo_appinfo_get_appinfo";
 constexpr const char* kGetPackageId = "pkgmgrinfo_appinfo_get_pkgid";
 
 // A package whose main application and a second one have all that can be asked for.
-Platform& PlatformWithViewer(const std::string& exec = "/opt/usr/globalapps/pkg/bin/App") {
+Platform& PlatformWithViewer(std::string_view exec = "/opt/usr/globalapps/pkg/bin/App") {
   Platform& platform = doubles::Reset();
   doubles::Package package;
   package.id = "pkg";
-  package.applications = {{"viewer", "/pkg", {{"colour", "red"}, {"empty", ""}, {"shape", "round"}}, exec},
+  package.applications = {{"viewer", "/pkg", {{"colour", "red"}, {"empty", ""}, {"shape", "round"}}, std::string(exec)},
                           {"other", "/pkg", {{"colour", "blue"}, {"size", "7"}}, "/pkg/bin/Other"}};
   platform.packages = {doubles::MakePackage("first", "/first"), package};
   return platform;

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 #include "morvath/install_location.h"
 #include "tests/support/unit_case.h"
@@ -17,7 +18,7 @@ using doubles::Steps;
 
 const Source kGetPkgInfo("platform_utils", "pkgmgrGetPkgInfo");
 
-Platform& PlatformWithType(const std::string& type = "opk") {
+Platform& PlatformWithType(std::string_view type = "opk") {
   Platform& platform = doubles::Reset();
   platform.packages.push_back(doubles::MakePackage("pkg", "/pkg"));
   platform.packages.front().type = type;

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -149,8 +151,8 @@ TEST(RemoveFile, what_cannot_be_deleted_is_logged_and_stays) {
   EXPECT_FALSE(removeFile(root / "directory"));
   EXPECT_FALSE(removeFile(root / "file/below"));
   const Source source("quarnel_util", "removeFile");
-  EXPECT_TRUE(Holds(platform, {source.Error("Failed to remove %s : %s", root / "directory", "Is a directory"),
-                               source.Error("Failed to remove %s : %s", root / "file/below", "Not a directory")}));
+  EXPECT_TRUE(Holds(platform, {source.Error("Failed to remove %s : %s", root / "directory", std::strerror(EISDIR)),
+                               source.Error("Failed to remove %s : %s", root / "file/below", std::strerror(ENOTDIR))}));
   EXPECT_TRUE(IsThere(root / "directory"));
   EXPECT_TRUE(IsThere(root / "file"));
 }

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <string>
 
@@ -107,16 +109,16 @@ TEST(Exist, a_missing_path_is_logged_with_the_systems_text) {
   const TempDir root;
   support::WriteFile(root / "file");
   fs::create_symlink("gone", root / "dangling");
-  ExpectExist(false, root / "missing", "No such file or directory");
-  ExpectExist(false, root / "dangling", "No such file or directory");
-  ExpectExist(false, "", "No such file or directory");
-  ExpectExist(false, root / "file/below", "Not a directory");
+  ExpectExist(false, root / "missing", std::strerror(ENOENT));
+  ExpectExist(false, root / "dangling", std::strerror(ENOENT));
+  ExpectExist(false, "", std::strerror(ENOENT));
+  ExpectExist(false, root / "file/below", std::strerror(ENOTDIR));
 }
 
 TEST(Exist, a_path_that_cannot_be_examined_counts_as_missing) {
   const TempDir root;
   fs::create_symlink("loop", root / "loop");
-  ExpectExist(false, root / "loop", "Too many levels of symbolic links");
+  ExpectExist(false, root / "loop", std::strerror(ELOOP));
 }
 
 }  // namespace

@@ -19,6 +19,7 @@
 #include "tests/support/files.h"
 #include "tests/support/interposed.h"
 #include "tests/support/unit_case.h"
+#include "tests/unit/interposed_files.h"
 
 namespace {
 
@@ -182,35 +183,36 @@ TEST(Scan, without_entry_types_every_entry_is_reported_and_none_descended_into) 
   });
 }
 
-// The paths below `root` that were examined by stat64, sorted.
-Paths Examined(const Platform& platform, const TempDir& root) {
-  const std::string start = "stat64(" + root.path().string() + "/";
+// The paths below `root` that a walk over it examines, sorted.
+Paths ExaminedByWalk(const TempDir& root) {
+  interposed::Files().examined.clear();
+  ScanFiles(root.path().string());
+  const std::string start = root.path().string() + "/";
   Paths paths;
-  for (const std::string& call : platform.Calls(start))
-    paths.push_back(call.substr(start.size(), call.size() - start.size() - 1));
+  for (const std::string& path : interposed::Files().examined) {
+    if (path.rfind(start, 0) == 0) paths.push_back(path.substr(start.size()));
+  }
   std::sort(paths.begin(), paths.end());
   return paths;
 }
 
 TEST(Scan, links_alone_are_examined_where_the_listing_tells_the_types) {
-  Fresh([](Platform& platform) {
+  Fresh([](Platform&) {
     const TempDir root;
     for (const char* file : {"A.dll", "sub/B.dll"}) WriteFile(root / file);
     ASSERT_EQ(0, mkfifo((root / "pipe").c_str(), 0600));
     fs::create_symlink("A.dll", root / "link");
     fs::create_symlink("gone", root / "sub/dangling");
-    ScanFiles(root.path().string());
-    EXPECT_EQ((Paths{"link", "sub/dangling"}), Examined(platform, root));
+    EXPECT_EQ((Paths{"link", "sub/dangling"}), ExaminedByWalk(root));
   });
 }
 
 TEST(Scan, every_entry_is_examined_where_the_listing_tells_no_types) {
-  Fresh([](Platform& platform) {
+  Fresh([](Platform&) {
     const TempDir root;
     for (const char* file : {"A.dll", "sub/B.dll"}) WriteFile(root / file);
     interposed::Now().entry_types_unknown = true;
-    ScanFiles(root.path().string());
-    EXPECT_EQ((Paths{".", "..", "A.dll", "sub"}), Examined(platform, root));
+    EXPECT_EQ((Paths{".", "..", "A.dll", "sub"}), ExaminedByWalk(root));
   });
 }
 

@@ -1,0 +1,37 @@
+// The format of a log line, and the one place that calls the platform's log. Message texts live where they are logged.
+#ifndef BASE_LOG_LINE_H_
+#define BASE_LOG_LINE_H_
+
+#include "orvel/dlog.h"
+
+// Names a source unit in its log lines. Every file that logs has a constant `kLogSource` in scope.
+struct LogSource {
+  const char* tag;
+  const char* unit;  // the unit's file name without folder and extension
+};
+
+inline constexpr const char* kPluginTag = "NETCORE_INSTALLER_PLUGIN";
+inline constexpr const char* kUtilityTag = "QUARNEL";
+
+// One message of `kLogSource` under the name of the function that logs it. Macros, because the parts of the format
+// must be one literal for the compiler to check it against its arguments, and because of __func__ and __LINE__.
+// The _AT forms take the line field: log readers key on some lines, which stay the same wherever the statement goes.
+// The _IN forms take the function's name as well, for lambdas and helpers, whose own says nothing to log readers.
+#define LOG_MESSAGE_(priority, colour, function, line, format, ...)                                             \
+  __dlog_print(DLOG_MAIN, priority, kLogSource.tag, "%s: %s(%d) > " colour format "\033[0m\n", kLogSource.unit, \
+               function, line, ##__VA_ARGS__)
+#define LOG_DEBUG_IN(function, line, format, ...) \
+  LOG_MESSAGE_(DLOG_DEBUG, "\033[0m", function, line, format, ##__VA_ARGS__)
+#define LOG_DEBUG_AT(line, format, ...) LOG_DEBUG_IN(__func__, line, format, ##__VA_ARGS__)
+#define LOG_INFO_IN(function, line, format, ...) \
+  LOG_MESSAGE_(DLOG_INFO, "\033[36m", function, line, format, ##__VA_ARGS__)
+#define LOG_INFO_AT(line, format, ...) LOG_INFO_IN(__func__, line, format, ##__VA_ARGS__)
+#define LOG_ERROR_IN(function, line, format, ...) \
+  LOG_MESSAGE_(DLOG_ERROR, "\033[31m", function, line, format, ##__VA_ARGS__)
+#define LOG_ERROR_AT(line, format, ...) LOG_ERROR_IN(__func__, line, format, ##__VA_ARGS__)
+#define LOG_DEBUG(format, ...) LOG_DEBUG_AT(__LINE__, format, ##__VA_ARGS__)
+#define LOG_INFO(format, ...) LOG_INFO_AT(__LINE__, format, ##__VA_ARGS__)
+#define LOG_ERROR(format, ...) LOG_ERROR_AT(__LINE__, format, ##__VA_ARGS__)
+#define LOG_TRACE(format, ...) LOG_MESSAGE_(DLOG_DEBUG, "\033[90m", __func__, __LINE__, format, ##__VA_ARGS__)
+
+#endif

@@ -1,0 +1,33 @@
+# The libraries that the build takes from the machine. Those that are missing are named by what they are, a line each,
+# because on machines without Debian's packages nothing else says so.
+
+# Boost describes itself; newer releases of CMake warn of their own description of it.
+if(POLICY CMP0167)
+  cmake_policy(SET CMP0167 NEW)
+endif()
+
+# require(PACKAGE VERSION WORDS…): find_package(PACKAGE VERSION); WORDS name it. `COMPONENTS…` may follow.
+macro(require package version words)
+  find_package(${package} ${version} QUIET ${ARGN})
+  if(NOT ${package}_FOUND)
+    message(NOTICE "missing: ${words} ${version} or newer, with its headers")
+    list(APPEND missing_packages ${package})
+  endif()
+endmacro()
+
+require(LibXml2 2.9 "libxml2")
+require(Boost 1.74 "Boost.Filesystem" COMPONENTS filesystem)
+if(ORVEL_PLATFORM STREQUAL "host")
+  require(CLI11 2.1 "CLI11")
+  require(LibArchive 3.4 "libarchive")
+  require(nlohmann_json 3.11 "JSON for Modern C++ (nlohmann_json)")
+  require(SQLite3 3.40 "SQLite")
+  if(BUILD_TESTING)
+    require(GTest 1.12 "GoogleTest with GoogleMock")
+    require(ZLIB 1.2 "zlib")
+  endif()
+endif()
+if(missing_packages)
+  list(JOIN missing_packages " " missing_packages)
+  message(FATAL_ERROR "install what is missing (${missing_packages})")
+endif()

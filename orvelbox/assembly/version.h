@@ -1,0 +1,25 @@
+// The version of a .NET assembly, read from the file's own metadata (ECMA-335, partition II). Nothing is loaded or run.
+#ifndef ORVEL_ORVELBOX_ASSEMBLY_VERSION_H_
+#define ORVEL_ORVELBOX_ASSEMBLY_VERSION_H_
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace orvelbox {
+
+// Major, minor, build and revision number; compares as versions do.
+using AssemblyVersion = std::array<std::uint16_t, 4>;
+
+// The version that the assembly in `file` (its whole content) declares. Nothing when that is no assembly, or a damaged
+// one.
+std::optional<AssemblyVersion> ReadAssemblyVersion(std::string_view file);
+
+// "1.2.3.4".
+std::string ToString(const AssemblyVersion& version);
+
+}  // namespace orvelbox
+
+#endif

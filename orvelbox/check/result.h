@@ -1,0 +1,54 @@
+// What `check` finds out about a package. Plain facts; finding them and telling them is done elsewhere.
+#ifndef ORVEL_ORVELBOX_CHECK_RESULT_H_
+#define ORVEL_ORVELBOX_CHECK_RESULT_H_
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "orvelbox/assembly/version.h"
+#include "plugin/duplicate_policy.h"
+
+namespace orvelbox {
+
+// One copy of a DLL, as far as it is at hand.
+struct DllCopy {
+  std::optional<std::uint64_t> size;
+  std::optional<AssemblyVersion> version;  // of a real assembly
+};
+
+struct CheckedDll {
+  std::string path;  // below the package's root
+  Verdict verdict = Verdict::kKept;
+  std::string reason;  // why it is kept although something speaks for a duplicate; may be empty
+  std::string origin;  // the catalogued copy that decides, as a path of the device; empty when there is none
+  DllCopy own;         // of a duplicate: the package's copy and the catalogued one
+  DllCopy provided;
+
+  bool IsDuplicate() const { return verdict != Verdict::kKept; }
+  // The package's copy is the newer one; by its name it goes all the same.
+  bool IsNewer() const { return own.version && provided.version && *own.version > *provided.version; }
+};
+
+struct CheckedPackage {
+  std::string name;     // as asked for
+  std::string problem;  // why it could not be checked; empty otherwise, and only then the rest counts
+  std::string id;
+  std::string version;
+  std::string root;              // where it would stand on the device
+  bool dotnet = false;           // the plug-in deals with it at all
+  bool debugging = false;        // its install fails when it has duplicates
+  std::vector<CheckedDll> dlls;  // all of them, ordered by path
+};
+
+// "kept", "reported" or "removed".
+const char* ToString(Verdict verdict);
+
+// How many DLLs of the package have the verdict, and how many are duplicates.
+std::size_t CountOf(const CheckedPackage& package, Verdict verdict);
+std::size_t CountDuplicates(const CheckedPackage& package);
+
+}  // namespace orvelbox
+
+#endif

@@ -1,0 +1,97 @@
+// The SARIF log.
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "base/affix.h"
+#include "orvelbox/check/formats.h"
+#include "orvelbox/check/percent_encoding.h"
+#include "platform/host/json.h"
+
+namespace orvelbox {
+namespace {
+
+constexpr const char* kRemovedRule = "duplicate-removed";
+constexpr const char* kReportedRule = "duplicate-reported";
+
+host::Json Rule(const char* id, const std::string& text) {
+  return {{"id", id},
+          {"shortDescription", {{"text", text}}},
+          {"help",
+           {{"text",
+             "Keep the DLL out of the package; orvelbox check prints the lines for the project file. "
+             "Guide: " ORVEL_GUIDE_URL}}}};
+}
+
+// A path as the relative or file URI that it is.
+std::string UriOf(const std::string& path) {
+  static constexpr std::string_view kPlain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/";
+  const std::string scheme = HasPrefix(path, "/") ? "file://" : "";
+  return scheme + PercentEncoded(path, [](char c) { return kPlain.find(c) != std::string_view::npos; });
+}
+
+std::string VersionIn(const DllCopy& copy) { return copy.version ? " (" + ToString(*copy.version) + ")" : ""; }
+
+std::string MessageAbout(const CheckedPackage& package, const CheckedDll& dll) {
+  std::string text = dll.path + VersionIn(dll.own) + " duplicates " + dll.origin + VersionIn(dll.provided);
+  text += dll.verdict == Verdict::kRemoved ? "; the install removes it." : "; the install reports it but keeps it.";
+  if (dll.IsNewer()) text += " The package's copy is the newer one; by its name it is a duplicate all the same.";
+  if (package.debugging) text += " The package is under debugging, so its install fails.";
+  return text;
+}
+
+// A DLL in a directory is a file to point at; one in an archive has its place by name only.
+host::Json LocationOf(const CheckedPackage& package, const CheckedDll& dll) {
+  const std::filesystem::path file = std::filesystem::path(package.name) / dll.path;
+  std::error_code ignored;
+  const bool archive = !std::filesystem::is_directory(package.name, ignored);
+  const std::string uri = UriOf(archive ? package.name : file.lexically_normal().string());
+  return {{"physicalLocation", {{"artifactLocation", {{"uri", uri}}}}},
+          {"logicalLocations",
+           host::Json::array({{{"fullyQualifiedName", package.id + "/" + dll.path}, {"kind", "resource"}}})}};
+}
+
+host::Json ResultOf(const CheckedPackage& package, const CheckedDll& dll) {
+  const bool removed = dll.verdict == Verdict::kRemoved;
+  return {{"ruleId", removed ? kRemovedRule : kReportedRule},
+          {"level", package.debugging ? "error"
+                    : removed         ? "warning"
+                                      : "note"},
+          {"message", {{"text", MessageAbout(package, dll)}}},
+          {"locations", host::Json::array({LocationOf(package, dll)})}};
+}
+
+host::Json NotificationOf(const CheckedPackage& package) {
+  return {{"level", "error"},
+          {"message", {{"text", package.problem}}},
+          {"locations",
+           host::Json::array({{{"physicalLocation", {{"artifactLocation", {{"uri", UriOf(package.name)}}}}}}})}};
+}
+
+}  // namespace
+
+std::string ToSarif(const std::vector<CheckedPackage>& packages) {
+  host::Json results = host::Json::array();
+  host::Json notifications = host::Json::array();
+  for (const CheckedPackage& package : packages) {
+    if (!package.problem.empty()) notifications.push_back(NotificationOf(package));
+    for (const CheckedDll& dll : package.dlls) {
+      if (dll.IsDuplicate()) results.push_back(ResultOf(package, dll));
+    }
+  }
+  const bool successful = notifications.empty();
+  const host::Json rules = {Rule(kRemovedRule, "A DLL of the package is provided already; the install removes it."),
+                            Rule(kReportedRule,
+                                 "A DLL of the package is provided in the read-write area; the install "
+                                 "reports it and keeps it.")};
+  const host::Json run = {
+      {"tool", {{"driver", {{"name", "orvelbox check"}, {"rules", rules}}}}},
+      {"invocations",
+       host::Json::array({{{"executionSuccessful", successful}, {"toolExecutionNotifications", notifications}}})},
+      {"results", results}};
+  const host::Json log = {{"$schema", "https://json.schemastore.org/sarif-2.1.0.json"},
+                          {"version", "2.1.0"},
+                          {"runs", host::Json::array({run})}};
+  return host::AsciiJson(log, 2);
+}
+
+}  // namespace orvelbox

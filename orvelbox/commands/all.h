@@ -1,0 +1,14 @@
+// The list of the commands.
+#ifndef ORVEL_ORVELBOX_COMMANDS_ALL_H_
+#define ORVEL_ORVELBOX_COMMANDS_ALL_H_
+
+#include "orvelbox/cli/command.h"
+
+namespace orvelbox {
+
+// Every command, in the order of the help.
+Commands AllCommands();
+
+}  // namespace orvelbox
+
+#endif

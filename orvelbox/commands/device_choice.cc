@@ -1,0 +1,60 @@
+// From options and environment to a device.
+#include "orvelbox/commands/device_choice.h"
+
+#include <cstdlib>
+#include <stdexcept>
+
+namespace fs = std::filesystem;
+
+namespace orvelbox {
+namespace {
+
+bool IsSet(const char* value) { return value != nullptr && *value != '\0'; }
+
+// The plug-in that belongs to this program. Installed, it lies among the libraries; built, its directory lies beside
+// this program's.
+fs::path OwnPlugin() {
+  const fs::path programs = fs::read_symlink("/proc/self/exe").parent_path();
+  const fs::path installed = (programs / ORVELBOX_INSTALLED_PLUGIN).lexically_normal();
+  return fs::exists(installed) ? installed : programs.parent_path() / "plugin" / "libmorvath.so";
+}
+
+}  // namespace
+
+fs::path ChooseDevice(const std::string& option, const Environment& environment) {
+  if (!option.empty()) return option;
+  if (const char* device = environment(host::kDeviceVariable); IsSet(device)) return device;
+  // A relative XDG directory counts as none.
+  if (const char* state = environment("XDG_STATE_HOME"); IsSet(state) && *state == '/') {
+    return fs::path(state) / "orvelbox/device";
+  }
+  if (const char* home = environment("HOME"); IsSet(home)) return fs::path(home) / ".local/state/orvelbox/device";
+  throw host::DeviceError("no device named; name its directory with --device");
+}
+
+fs::path ChooseDevice(const GlobalOptions& global) {
+  return ChooseDevice(global.device, [](const char* name) { return std::getenv(name); });
+}
+
+host::Device OpenChosenDevice(const GlobalOptions& global) { return host::OpenDevice(ChooseDevice(global)); }
+
+host::PackageStore ReadStore(const host::Device& device) {
+  return host::PackageStore(device.Database(), host::PackageStore::Mode::kReadOnly);
+}
+
+HookSettings HookSettingsFor(const GlobalOptions& global, const host::Device& device) {
+  HookSettings settings;
+  settings.device = device;
+  settings.quiet = global.quiet;
+  settings.tells_in_place = !global.quiet;
+  settings.plugin = global.plugin.empty() ? OwnPlugin() : fs::absolute(global.plugin);
+  if (!global.trace.empty()) settings.trace = fs::absolute(global.trace);
+  return settings;
+}
+
+void RequireOneOf(const std::string& platform, const GlobalOptions& global) {
+  if (platform.empty() || global.device.empty()) return;
+  throw std::invalid_argument("--platform and --device exclude each other; name what to check against once");
+}
+
+}  // namespace orvelbox

@@ -1,0 +1,12 @@
+// recover: tells the plug-in that an uninstall failed.
+#include "orvelbox/commands/package_event.h"
+
+namespace orvelbox {
+
+std::unique_ptr<Command> MakeRecover() {
+  return MakePackageEvent({"recover",
+                           "An uninstall of the package failed: RECOVERUNINSTALL, then CLEAN; the package stays",
+                           "recovered", " from a failed uninstall; the package stays installed", kRecoverHooks});
+}
+
+}  // namespace orvelbox

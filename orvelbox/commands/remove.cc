@@ -1,0 +1,11 @@
+// remove: tells the plug-in that an update was taken back.
+#include "orvelbox/commands/package_event.h"
+
+namespace orvelbox {
+
+std::unique_ptr<Command> MakeRemove() {
+  return MakePackageEvent({"remove", "An update of the package was taken back: REMOVED, then CLEAN; the package stays",
+                           "took back an update of", "; the package stays installed", kRemoveHooks});
+}
+
+}  // namespace orvelbox

@@ -1,0 +1,72 @@
+// trace: draws what --trace wrote.
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "orvelbox/cli/command.h"
+#include "orvelbox/desk/output.h"
+#include "orvelbox/trace/picture.h"
+#include "orvelbox/trace/timeline.h"
+#include "platform/host/device_error.h"
+#include "platform/host/files.h"
+
+namespace fs = std::filesystem;
+
+namespace orvelbox {
+namespace {
+
+// The columns of the terminal that standard output is; 0 when it is none.
+std::size_t TerminalColumns() {
+  winsize size{};
+  return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
+
+void Write(const fs::path& file, const std::string& text) {
+  std::ofstream stream(file);
+  if (!(stream << text << std::flush)) throw host::DeviceError(file.string() + ": cannot be written; name another");
+}
+
+std::string FaultOfPicture(const std::string& file) {
+  const std::string extension = fs::path(file).extension();
+  return extension == ".svg" || extension == ".html" ? "" : file + " must end in .svg or .html";
+}
+
+class Trace : public Command {
+ public:
+  Trace()
+      : Command("trace", "Draw what --trace wrote: the functions of the plug-in, by time",
+                "trace trace.json --output trace.html") {
+    AddOption({"--output",
+               "FILE",
+               "Draw a picture (.svg) or a page for a browser (.html) into FILE",
+               &output_,
+               {},
+               false,
+               FaultOfPicture});
+    AddArgument({"FILE", "", "A file that --trace wrote", &file_});
+  }
+
+  int Run(const GlobalOptions& /*global*/) const override {
+    const fs::path file = file_;
+    const fs::path output = output_;
+    const std::vector<Lane> lanes = ReadTrace(host::ReadFile(file), file_);
+    if (output.empty()) {
+      SayAll(DrawTimeline(lanes, TerminalColumns()));
+    } else {
+      Write(output, output.extension() == ".svg" ? TraceSvg(lanes) : TraceHtml(lanes, file.filename().string()));
+    }
+    return kDone;
+  }
+
+ private:
+  std::string file_;
+  std::string output_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeTrace() { return std::make_unique<Trace>(); }
+
+}  // namespace orvelbox

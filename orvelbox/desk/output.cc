@@ -1,0 +1,93 @@
+// Printing, and the escaping of what is printed.
+#include "orvelbox/desk/output.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <iostream>
+
+#include "orvelbox/desk/progress.h"
+#include "platform/host/utf8.h"
+
+namespace orvelbox {
+namespace {
+
+bool quiet = false;
+
+std::string Escaped(unsigned char byte) {
+  switch (byte) {
+    case '\n':
+      return "\\n";
+    case '\r':
+      return "\\r";
+    case '\t':
+      return "\\t";
+    default: {
+      std::array<char, 5> text{};
+      std::snprintf(text.data(), text.size(), "\\x%02x", static_cast<unsigned>(byte));
+      return text.data();
+    }
+  }
+}
+
+// Does it turn the direction of a line around?
+constexpr bool TurnsLineAround(char32_t code) {
+  return (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+}
+
+}  // namespace
+
+std::string Printable(std::string_view text) {
+  std::string printable;
+  printable.reserve(text.size());
+  while (!text.empty()) {
+    const auto character = host::FirstCharacter(text);
+    const std::string_view bytes = text.substr(0, character ? character->size : 1);
+    if (character && !host::IsControl(character->code) && !TurnsLineAround(character->code)) {
+      printable += bytes;
+    } else {
+      for (const char byte : bytes) printable += Escaped(static_cast<unsigned char>(byte));
+    }
+    text.remove_prefix(bytes.size());
+  }
+  return printable;
+}
+
+void SetQuiet(bool wanted) { quiet = wanted; }
+
+void Say(std::string_view line) { SayColoured(Printable(line)); }
+
+void SayAll(const Lines& lines) {
+  for (const std::string& line : lines) Say(line);
+}
+
+void SayListing(bool json, const std::string& as_json, const Lines& in_words) {
+  if (json) return SayColoured(as_json);
+  SayAll(in_words);
+}
+
+void SayColoured(std::string_view safe_line) {
+  if (quiet) return;
+  Activity::End();
+  std::cout << safe_line << '\n';
+}
+
+void Complain(std::string_view line) {
+  Activity::End();
+  Remark(line);
+}
+
+void Remark(std::string_view line) {
+  std::cout.flush();
+  Activity::PutLineAbove("orvelbox: " + Printable(line));
+}
+
+bool FlushOutput() { return static_cast<bool>(std::cout.flush()); }
+
+bool ColourWanted(const char* no_color) {
+  const bool refused = no_color != nullptr && *no_color != '\0';
+  return !refused && isatty(STDOUT_FILENO) == 1;
+}
+
+}  // namespace orvelbox

@@ -1,0 +1,70 @@
+// How far a long piece of work is, on a terminal.
+#ifndef ORVEL_ORVELBOX_DESK_PROGRESS_H_
+#define ORVEL_ORVELBOX_DESK_PROGRESS_H_
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <mutex>
+#include <string>
+#include <thread>
+
+namespace orvelbox {
+
+// A bar of text: "checking [#####     ] 5 of 10".
+std::string ProgressBar(const std::string& action, std::size_t done, std::size_t total);
+
+// Shows the bar on standard error while that is a terminal and `wanted`; otherwise it does nothing.
+class Progress {
+ public:
+  Progress(std::string action, std::size_t total, bool wanted);
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+  ~Progress() { Clear(); }
+
+  // Shows that `done` pieces are through; not more often than the eye can follow.
+  void Show(std::size_t done);
+  // Takes the bar away, so that something else can be printed.
+  void Clear();
+
+ private:
+  std::string action_;
+  std::size_t total_;
+  bool shows_;
+  bool visible_ = false;
+  std::chrono::steady_clock::time_point last_{};
+};
+
+// A piece of work whose length nobody knows: once it has taken a second, a line on standard error says that it goes on,
+// for how long and how many files it has written, while that is a terminal and `wanted`. One at a time.
+class Activity {
+ public:
+  // `action`: "install". Short, so that the line fits in a terminal.
+  Activity(std::string action, bool wanted);
+  Activity(const Activity&) = delete;
+  Activity& operator=(const Activity&) = delete;
+  ~Activity();
+
+  // One more file is written.
+  static void CountFile();
+  // Takes the line away for good, so that something else can be printed.
+  static void End();
+  // Writes another line on standard error, which an activity goes on below.
+  static void PutLineAbove(const std::string& line);
+
+ private:
+  void Tell();
+  void Stop();
+
+  std::string action_;
+  std::atomic<std::size_t> files_{0};
+  std::mutex mutex_;
+  std::condition_variable stop_;
+  bool stopped_ = false;
+  std::thread thread_;
+};
+
+}  // namespace orvelbox
+
+#endif

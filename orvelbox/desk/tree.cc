@@ -1,0 +1,124 @@
+// Directory trees: copy, removal, move.
+#include "orvelbox/desk/tree.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <vector>
+
+#include "base/unique_fd.h"
+#include "orvelbox/desk/progress.h"
+#include "platform/host/device.h"
+#include "platform/host/files.h"
+
+namespace fs = std::filesystem;
+
+namespace orvelbox {
+namespace {
+
+// The permissions that a copy takes over: no set-user-id and the like.
+constexpr fs::perms kPlainPermissions = fs::perms::all;
+
+void CopyEntry(const fs::path& from, const fs::path& to);
+
+// The standard library's own copy tells a full disk as an "Input/output error".
+void CopyContent(const fs::path& from, const fs::path& to) {
+  const UniqueFd source(open(from.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+  if (!source) host::ThrowFileError(from, "read", errno);
+  const UniqueFd target(open(to.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+  if (!target) host::ThrowFileError(to, "write", errno);
+  std::vector<char> block(std::size_t{1} << 18);
+  for (;;) {
+    const ssize_t length = read(source.get(), block.data(), block.size());
+    if (length == 0) return;
+    if (length < 0) host::ThrowFileError(from, "read", errno);
+    const int error = host::WriteAll(target.get(), {block.data(), static_cast<std::size_t>(length)});
+    if (error != 0) host::ThrowFileError(to, "write", error);
+  }
+}
+
+void CopyFile(const fs::path& from, const fs::path& to) {
+  CopyContent(from, to);
+  fs::permissions(to, fs::status(from).permissions() & kPlainPermissions);
+  Activity::CountFile();
+}
+
+void CopyLink(const fs::path& from, const fs::path& to) {
+  fs::remove(to);
+  fs::copy_symlink(from, to);
+}
+
+void CopyDirectory(const fs::path& from, const fs::path& to) {
+  fs::create_directory(to);
+  for (const fs::directory_entry& entry : fs::directory_iterator(from)) {
+    CopyEntry(entry.path(), to / entry.path().filename());
+  }
+  fs::permissions(to, (fs::status(from).permissions() & kPlainPermissions) | fs::perms::owner_all);
+}
+
+void CopyEntry(const fs::path& from, const fs::path& to) {
+  switch (fs::symlink_status(from).type()) {
+    case fs::file_type::regular:
+      return CopyFile(from, to);
+    case fs::file_type::symlink:
+      return CopyLink(from, to);
+    case fs::file_type::directory:
+      return CopyDirectory(from, to);
+    default:
+      throw host::DeviceError(from.string() + ": is no file, directory or symbolic link; take it out of the directory");
+  }
+}
+
+// Tells an error of the standard library as one of ours.
+[[noreturn]] void Rethrow(const fs::filesystem_error& error, const char* action) {
+  host::ThrowFileError(error.path1(), action, error.code().value());
+}
+
+bool IsInside(const fs::path& inner, const fs::path& outer) {
+  const fs::path from = fs::canonical(outer);
+  const fs::path to = fs::weakly_canonical(inner);
+  return std::mismatch(from.begin(), from.end(), to.begin(), to.end()).first == from.end();
+}
+
+}  // namespace
+
+void CopyTree(const fs::path& from, const fs::path& to) {
+  try {
+    if (IsInside(to, from)) {
+      throw host::DeviceError(from.string() + ": holds the device itself, which would be copied into itself; " +
+                              "use a device outside of it with --device");
+    }
+    CopyDirectory(from, to);
+  } catch (const fs::filesystem_error& error) {
+    Rethrow(error, "copy");
+  }
+}
+
+void RemoveTree(const fs::path& path) {
+  try {
+    fs::remove_all(path);
+  } catch (const fs::filesystem_error& error) {
+    Rethrow(error, "remove");
+  }
+}
+
+void Move(const fs::path& from, const fs::path& to) {
+  std::error_code error;
+  fs::rename(from, to, error);
+  if (error) host::ThrowFileError(from, "move", error.value());
+}
+
+void MakeDirectory(const fs::path& path) {
+  std::error_code error;
+  fs::create_directories(path, error);
+  if (error) host::ThrowFileError(path, "make the directory", error.value());
+}
+
+bool IsThere(const fs::path& path) {
+  std::error_code ignored;
+  return fs::symlink_status(path, ignored).type() != fs::file_type::not_found;
+}
+
+}  // namespace orvelbox

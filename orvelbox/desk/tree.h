@@ -1,0 +1,30 @@
+// Copies and removes whole directory trees. Where they belong is installed_trees' business.
+#ifndef ORVEL_ORVELBOX_DESK_TREE_H_
+#define ORVEL_ORVELBOX_DESK_TREE_H_
+
+#include <filesystem>
+
+namespace orvelbox {
+
+// Copies the directory `from` to `to`, which may exist already (files of the same name are replaced). Files are
+// copied byte by byte with their permissions, symbolic links as links; a directory stays writable for its owner,
+// so that the copy can be removed again. Throws host::DeviceError for a device, socket or pipe in the tree, for
+// a `to` inside of `from`, and when the system refuses; what was copied until then stays.
+void CopyTree(const std::filesystem::path& from, const std::filesystem::path& to);
+
+// Removes what lies at `path`, whole; nothing there is no error. Links are removed, never followed. Throws
+// host::DeviceError when the system refuses.
+void RemoveTree(const std::filesystem::path& path);
+
+// Moves `from` to `to` on one file system, in one step. Throws host::DeviceError when the system refuses.
+void Move(const std::filesystem::path& from, const std::filesystem::path& to);
+
+// Makes the directory `path` and those above it. Throws host::DeviceError when the system refuses.
+void MakeDirectory(const std::filesystem::path& path);
+
+// Whether something lies at `path`, be it a dangling link.
+bool IsThere(const std::filesystem::path& path);
+
+}  // namespace orvelbox
+
+#endif

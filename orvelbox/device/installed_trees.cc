@@ -1,0 +1,246 @@
+// Package trees and records, in an order of steps that a killed run cannot spoil.
+#include "orvelbox/device/installed_trees.h"
+
+#include <unistd.h>
+
+#include "orvelbox/desk/tree.h"
+#include "orvelbox/desk/with_rollback.h"
+#include "orvelbox/package/manifest.h"
+
+namespace fs = std::filesystem;
+
+namespace orvelbox {
+namespace {
+
+// In the staging area; no package id begins with ".".
+constexpr const char* kUnpacked = ".unpacked";
+
+// The names of what lies in `directory`; none when there is no such directory.
+std::vector<std::string> NamesIn(const fs::path& directory) {
+  std::vector<std::string> names;
+  std::error_code error;
+  for (fs::directory_iterator entry(directory, error), end; !error && entry != end; entry.increment(error)) {
+    names.push_back(entry->path().filename().string());
+  }
+  return names;
+}
+
+// Drops a directory that holds nothing any more.
+void RemoveIfEmpty(const fs::path& directory) { rmdir(directory.c_str()); }
+
+}  // namespace
+
+InstalledTrees::InstalledTrees(host::Device device, const host::DeviceConfig& config)
+    : device_(std::move(device)), root_(config.read_write_root), journal_(device_) {}
+
+std::string InstalledTrees::RootOnDevice(const std::string& package_id) const { return root_ + "/" + package_id; }
+
+fs::path InstalledTrees::Place(const host::Package& package) const { return device_.OnDesk(package.root); }
+
+fs::path InstalledTrees::StagingArea() const { return device_.OnDesk(root_) / ".staging"; }
+
+fs::path InstalledTrees::Unpacked() const { return Staging(kUnpacked); }
+
+fs::path InstalledTrees::PreviousArea() const { return device_.OnDesk(root_) / ".previous"; }
+
+fs::path InstalledTrees::Staging(const std::string& package_id) const { return StagingArea() / package_id; }
+
+fs::path InstalledTrees::Previous(const std::string& package_id) const { return PreviousArea() / package_id; }
+
+void InstalledTrees::Register(const host::Package& package) const {
+  host::PackageStore(device_.Database(), host::PackageStore::Mode::kReadWrite).Put(package);
+}
+
+std::optional<host::Package> InstalledTrees::Registered(const std::string& package_id) const {
+  return host::PackageStore(device_.Database(), host::PackageStore::Mode::kReadOnly).Find(package_id);
+}
+
+void InstalledTrees::Forget(const std::string& package_id) const {
+  host::PackageStore(device_.Database(), host::PackageStore::Mode::kReadWrite).Remove(package_id);
+}
+
+void InstalledTrees::RemoveStaged(const std::string& package_id) const {
+  RemoveTree(Staging(package_id));
+  RemoveIfEmpty(StagingArea());
+}
+
+UnpackPlace InstalledTrees::PlaceToUnpack() const {
+  return {Unpacked(), [this] { RemoveStaged(kUnpacked); }};
+}
+
+void InstalledTrees::Stage(const fs::path& source, const std::string& package_id) const {
+  MakeDirectory(StagingArea());
+  const auto stage = source == Unpacked() ? Move : CopyTree;
+  WithRollback([&] { stage(source, Staging(package_id)); }, [&] { RemoveStaged(package_id); });
+}
+
+// Takes the tree out of its place in one step; RemoveStaged then takes its time.
+void InstalledTrees::MoveAside(const host::Package& package) const {
+  RemoveTree(Staging(package.id));
+  MakeDirectory(StagingArea());
+  if (IsThere(Place(package))) Move(Place(package), Staging(package.id));
+}
+
+void InstalledTrees::Add(const fs::path& source, const host::Package& package) const {
+  if (IsThere(Place(package))) {
+    throw host::DeviceError(Place(package).string() + ": is in the way, and belongs to no installed package; " +
+                            "move it away and try again");
+  }
+  journal_.Begin(Operation::kInstall, package.id);
+  const auto put_in_place = [&] {
+    Stage(source, package.id);
+    Register(package);
+    Move(Staging(package.id), Place(package));
+    RemoveStaged(package.id);
+  };
+  WithRollback(put_in_place, [&] { TakeBackAddition(package); });
+}
+
+void InstalledTrees::KeepAddition() const { journal_.End(); }
+
+void InstalledTrees::TakeBackAddition(const host::Package& package) const {
+  Discard(package);
+  journal_.RestoreCaches();
+  journal_.End();
+}
+
+// Takes the package's tree and record away.
+void InstalledTrees::Discard(const host::Package& package) const {
+  MoveAside(package);
+  RemoveStaged(package.id);
+  Forget(package.id);
+}
+
+void InstalledTrees::Replace(const fs::path& source, const host::Package& package,
+                             const host::Package& installed) const {
+  journal_.Begin(Operation::kUpgrade, package.id);
+  const auto put_in_place = [&] {
+    Stage(source, package.id);
+    MakeDirectory(PreviousArea());
+    Move(Place(package), Previous(package.id));
+    Move(Staging(package.id), Place(package));
+    Register(package);
+    RemoveStaged(package.id);
+  };
+  WithRollback(put_in_place, [&] { RestorePrevious(installed); });
+}
+
+void InstalledTrees::KeepUpgrade(const std::string& package_id) const {
+  journal_.Decide();
+  DropPrevious(package_id);
+  journal_.End();
+}
+
+void InstalledTrees::RestorePrevious(const host::Package& previous) const {
+  PutPreviousBack(previous);
+  journal_.RestoreCaches();
+  journal_.End();
+}
+
+void InstalledTrees::DropPrevious(const std::string& package_id) const {
+  MakeDirectory(StagingArea());
+  if (IsThere(Previous(package_id))) Move(Previous(package_id), Staging(package_id));
+  RemoveIfEmpty(PreviousArea());
+  RemoveStaged(package_id);
+}
+
+void InstalledTrees::PutPreviousBack(const host::Package& previous) const {
+  if (IsThere(Previous(previous.id))) {
+    MoveAside(previous);
+    RemoveStaged(previous.id);
+    Register(previous);
+    Move(Previous(previous.id), Place(previous));
+  }
+  RemoveIfEmpty(PreviousArea());
+  RemoveStaged(previous.id);
+}
+
+void InstalledTrees::BeginRemoval(const std::string& package_id) const {
+  try {
+    journal_.Begin(Operation::kUninstall, package_id);
+  } catch (const host::DeviceError&) {
+    // Uninstalling is how a full disk gets room again: it goes on without the note.
+  }
+}
+
+void InstalledTrees::AbandonRemoval() const { journal_.End(); }
+
+void InstalledTrees::TakeBackRemoval() const {
+  journal_.RestoreCaches();
+  journal_.End();
+}
+
+void InstalledTrees::Remove(const host::Package& package) const {
+  journal_.Decide();
+  Discard(package);
+  journal_.End();
+}
+
+// The packages whose record has no tree.
+std::vector<std::string> InstalledTrees::Unplaced() const {
+  const host::PackageStore store(device_.Database(), host::PackageStore::Mode::kReadOnly);
+  std::vector<std::string> ids;
+  for (const host::Package& package : store.List()) {
+    if (!IsThere(Place(package))) ids.push_back(package.id);
+  }
+  return ids;
+}
+
+// Does what was left to do of an operation that was decided.
+std::string InstalledTrees::Complete(const Pending& pending) const {
+  if (pending.operation == Operation::kUpgrade) {
+    DropPrevious(pending.package_id);
+    return "an upgrade was interrupted at its end; the new version stays";
+  }
+  if (const auto package = Registered(pending.package_id)) Discard(*package);
+  return "an uninstall was interrupted at its end; it is done now";
+}
+
+// Undoes what was done to trees and records in an operation that was not decided.
+std::string InstalledTrees::TakeBack(const Pending& pending) const {
+  const std::string& id = pending.package_id;
+  switch (pending.operation) {
+    case Operation::kInstall: {
+      host::Package package;
+      package.id = id;
+      Discard(PlacedAt(std::move(package), RootOnDevice(id)));
+      return "an install was interrupted; it was taken back";
+    }
+    case Operation::kUpgrade:
+      if (IsThere(Previous(id))) PutPreviousBack(PlacedAt(ReadManifest(Previous(id)).package, RootOnDevice(id)));
+      return "an upgrade was interrupted; the version before it is in place again";
+    default:
+      return "an uninstall was interrupted; the package stays installed";
+  }
+}
+
+std::vector<std::string> InstalledTrees::Mend() const {
+  std::vector<std::string> mended;
+  if (const auto pending = journal_.Read()) {
+    const std::string outcome = pending->decided ? Complete(*pending) : TakeBack(*pending);
+    if (!pending->decided) journal_.RestoreCaches();
+    mended.push_back("mended " + pending->package_id + ": " + outcome);
+  }
+  journal_.End();
+  for (const std::string& id : NamesIn(PreviousArea())) {
+    PutPreviousBack(PlacedAt(ReadManifest(Previous(id)).package, RootOnDevice(id)));
+    mended.push_back("mended " + id + ": an upgrade was interrupted; the version before it is in place again");
+  }
+  for (const std::string& id : NamesIn(StagingArea())) {
+    RemoveStaged(id);
+    mended.push_back("mended " + id + ": the files that an interrupted command left behind were removed");
+  }
+  for (const fs::path& area : {PreviousArea(), StagingArea()}) RemoveIfEmpty(area);
+  for (const std::string& id : Unplaced()) {
+    Forget(id);
+    mended.push_back("mended " + id + ": its files are gone, so it is no longer installed");
+  }
+  return mended;
+}
+
+host::Package FindInstalled(const host::PackageStore& store, const std::string& package_id) {
+  if (auto package = store.Find(package_id)) return *std::move(package);
+  throw host::DeviceError(package_id + ": not installed; see what is with: orvelbox list");
+}
+
+}  // namespace orvelbox

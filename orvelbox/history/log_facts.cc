@@ -1,0 +1,118 @@
+// Reads the facts of an operation out of the plug-in's messages.
+#include "orvelbox/history/log_facts.h"
+
+#include <algorithm>
+
+#include "base/affix.h"
+#include "orvelbox/desk/colour.h"
+
+namespace orvelbox {
+namespace {
+
+constexpr std::string_view kFound = "### Duplicated DLL found ###";
+constexpr std::string_view kOrigin = "Origin : ";
+constexpr std::string_view kDuplicated = "Duplicated : ";
+constexpr std::string_view kReadWrite = "Origin file is in RW area. so doesn't remove duplicate file";
+constexpr std::string_view kGuide = "Duplicated DLL found. Please refer guide : ";
+constexpr std::string_view kNotInhouse = "### App type is not dotnet-inhouse ###";
+constexpr std::string_view kRestartFailed = "Can't restart dotnet-loader-inhouse";
+
+std::string WithoutColours(std::string_view text) {
+  std::string plain;
+  while (!text.empty()) {
+    const std::size_t length = ColourLength(text);
+    if (length == 0) plain += text.front();
+    text.remove_prefix(std::max<std::size_t>(length, 1));
+  }
+  const std::size_t end = plain.find_last_not_of('\n');
+  return plain.substr(0, end == std::string::npos ? 0 : end + 1);
+}
+
+// Collects the facts message by message; the three lines about a duplicate come one after the other.
+class Collector {
+ public:
+  void AddError(const std::string& text, const std::string& time) {
+    if (text == kFound) {
+      found_ = {};
+      found_.time = time;
+    } else if (HasPrefix(text, kOrigin)) {
+      found_.origin = text.substr(kOrigin.size());
+    } else if (HasPrefix(text, kDuplicated)) {
+      found_.duplicated = text.substr(kDuplicated.size());
+      AddDuplicate();
+    } else if (text == kReadWrite) {
+      MarkReadWrite();
+    } else {
+      AddOutcome(text);
+    }
+  }
+
+  void AddInformation(const std::string& text) {
+    if (text == kNotInhouse) facts_.not_inhouse = true;
+  }
+
+  LogFacts Take() { return std::move(facts_); }
+
+ private:
+  // A file that was examined twice is told once, as it was found last.
+  void AddDuplicate() {
+    auto& all = facts_.duplicates;
+    const auto same = [this](const Duplicate& other) { return other.duplicated == found_.duplicated; };
+    all.erase(std::remove_if(all.begin(), all.end(), same), all.end());
+    all.push_back(found_);
+  }
+
+  void MarkReadWrite() {
+    if (!facts_.duplicates.empty()) facts_.duplicates.back().origin_read_write = true;
+  }
+
+  void AddOutcome(const std::string& text) {
+    if (HasPrefix(text, kGuide)) {
+      facts_.guide = text;
+    } else if (text == kRestartFailed) {
+      facts_.restart_failed = true;
+    } else {
+      facts_.errors.push_back(text);
+    }
+  }
+
+  LogFacts facts_;
+  Duplicate found_;
+};
+
+}  // namespace
+
+std::optional<PluginMessage> ParsePluginMessage(std::string_view record_text) {
+  constexpr std::string_view kArrow = ") > ";
+  const std::size_t name = record_text.find(": ");
+  const std::size_t arrow = record_text.find(kArrow);
+  const std::size_t bracket = record_text.find('(');
+  if (arrow == std::string_view::npos || name > bracket || bracket > arrow) return std::nullopt;
+  PluginMessage message;
+  message.function = record_text.substr(name + 2, bracket - name - 2);
+  message.text = WithoutColours(record_text.substr(arrow + kArrow.size()));
+  return message;
+}
+
+LogFacts InterpretLog(const std::vector<host::LogRecord>& records) {
+  Collector collector;
+  for (const host::LogRecord& record : records) {
+    const std::optional<PluginMessage> message = ParsePluginMessage(record.text);
+    const std::string text = message ? message->text : WithoutColours(record.text);
+    if (record.priority == 'E') collector.AddError(text, record.time);
+    if (record.priority == 'I') collector.AddInformation(text);
+  }
+  return collector.Take();
+}
+
+std::vector<host::LogRecord> ParseLog(std::string_view text) {
+  std::vector<host::LogRecord> records;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    if (auto record = host::ParseLogRecord(text.substr(0, end))) records.push_back(*std::move(record));
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return records;
+}
+
+}  // namespace orvelbox

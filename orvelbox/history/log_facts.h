@@ -1,0 +1,44 @@
+// What the plug-in's log records say about one operation. Pure: records in, facts out.
+#ifndef ORVEL_ORVELBOX_HISTORY_LOG_FACTS_H_
+#define ORVEL_ORVELBOX_HISTORY_LOG_FACTS_H_
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/host/log_file.h"
+
+namespace orvelbox {
+
+// The text of a record as the plug-in wraps it: "unit: function(line) > COLOURtextRESET".
+struct PluginMessage {
+  std::string function;
+  std::string text;  // without colours and surrounding line feeds
+};
+std::optional<PluginMessage> ParsePluginMessage(std::string_view record_text);
+
+// A DLL of a package that the plug-in took for a duplicate.
+struct Duplicate {
+  std::string origin;              // the copy that counts
+  std::string duplicated;          // the package's copy
+  bool origin_read_write = false;  // so the package's copy stays
+  std::string time{};              // of the report
+};
+
+struct LogFacts {
+  std::vector<Duplicate> duplicates;  // in the order of the log, each file once
+  std::string guide;                  // the line that names the guide page; empty when the install did not fail
+  bool restart_failed = false;
+  bool not_inhouse = false;         // a hook found no "dotnet-" application and did nothing
+  std::vector<std::string> errors;  // all other errors
+};
+
+LogFacts InterpretLog(const std::vector<host::LogRecord>& records);
+
+// The records of a piece of the log file; lines that are no records are left out.
+std::vector<host::LogRecord> ParseLog(std::string_view text);
+
+}  // namespace orvelbox
+
+#endif

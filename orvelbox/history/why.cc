@@ -1,0 +1,121 @@
+// From a question about a DLL to its answer.
+#include "orvelbox/history/why.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "base/fixed_names.h"
+#include "orvelbox/desk/text_table.h"
+#include "orvelbox/device/installed_trees.h"
+#include "platform/host/json.h"
+#include "platform/host/paths.h"
+
+namespace fs = std::filesystem;
+
+namespace orvelbox {
+namespace {
+
+// A path of the desk inside of the device, as the device's; any other absolute path as it is.
+std::string OnDevice(const host::Device& device, const std::string& text) {
+  std::string found = fs::absolute(text).lexically_normal();
+  if (host::IsBelow(found, device.Root())) found = "/" + host::From(device.Root(), found);
+  while (found.size() > 1 && found.back() == '/') found.pop_back();
+  if (HasSuffix(found, kInformationFileSuffix)) found.resize(found.size() - kInformationFileSuffix.size());
+  return found;
+}
+
+const char* FateOf(const Removal& removal) { return removal.removed ? "removed" : "reported"; }
+
+std::string NoteOn(const Removal& removal) {
+  if (!removal.removed) return "kept, the copy that decided lies in the read-write area";
+  if (!removal.information_file) return "in an install before this one: there is no information file any more";
+  if (!removal.origin_there) return "the copy that decided is gone since; an install now would keep the DLL";
+  return "";
+}
+
+// The DLLs that are asked for and there, of which the removals know nothing.
+std::vector<CheckedDll> Untold(const WhyQuestion& question, const std::vector<Removal>& removals,
+                               const CheckedPackage& today) {
+  std::vector<CheckedDll> untold;
+  if (question.path.empty()) return untold;
+  for (const CheckedDll& dll : today.dlls) {
+    const std::string path = today.root + "/" + dll.path;
+    const bool told = std::any_of(removals.begin(), removals.end(),
+                                  [&](const Removal& removal) { return removal.dll == path && !removal.removed; });
+    if (host::IsAtOrBelow(path, question.path) && !told) untold.push_back(dll);
+  }
+  return untold;
+}
+
+std::string ReasonToday(const CheckedDll& dll, const CheckedPackage& today) {
+  if (!today.dotnet) return "the plug-in leaves the package alone: it has no application of a \"dotnet-\" type";
+  if (dll.verdict == Verdict::kRemoved) return "an install now would remove it";
+  if (dll.verdict == Verdict::kReportedOnly) return "an install now would report it, and keep it (read-write area)";
+  return dll.reason.empty() ? "no catalogue holds its name" : dll.reason;
+}
+
+}  // namespace
+
+WhyQuestion ReadQuestion(const host::Device& device, const host::PackageStore& store, const std::string& text) {
+  if (text.find('/') == std::string::npos) {
+    if (auto package = store.Find(text)) return {*std::move(package), ""};
+    if (!fs::exists(text)) return {FindInstalled(store, text), ""};
+  }
+  const std::string path = OnDevice(device, text);
+  for (host::Package& package : store.List()) {
+    if (path == package.root) return {std::move(package), ""};
+    if (host::IsAtOrBelow(path, package.root)) return {std::move(package), path};
+  }
+  throw host::DeviceError(text + ": belongs to no installed package; see what is with: orvelbox list");
+}
+
+std::vector<Removal> AskedFor(const WhyQuestion& question, std::vector<Removal> removals) {
+  const auto other = [&](const Removal& removal) {
+    return !question.path.empty() && !host::IsAtOrBelow(removal.dll, question.path);
+  };
+  removals.erase(std::remove_if(removals.begin(), removals.end(), other), removals.end());
+  return removals;
+}
+
+Lines DescribeWhy(const WhyQuestion& question, const std::vector<Removal>& removals, const CheckedPackage& today) {
+  const std::string& root = question.package.root;
+  const std::vector<CheckedDll> untold = Untold(question, removals, today);
+  Lines lines = {WithVersion(question.package.id, question.package.version) + " (" + root + ")"};
+  TextTable table({"WHAT", "DLL", "WHEN", "BECAUSE OF", "NOTE"});
+  for (const Removal& removal : removals) {
+    table.Add({FateOf(removal), host::From(root, removal.dll), removal.time, removal.origin, NoteOn(removal)});
+  }
+  for (const CheckedDll& dll : untold) table.Add({"there", dll.path, "", dll.origin, ReasonToday(dll, today)});
+  if (removals.empty() && untold.empty()) {
+    const std::string asked = question.path.empty() ? "the package" : host::From(root, question.path);
+    lines.push_back("    nothing is known of " + asked +
+                    ": no information file, no line in the log, and no DLL there that it could have been");
+    if (question.path.empty()) lines.back() = "    nothing was removed from the package, and nothing reported";
+    return lines;
+  }
+  for (const std::string& line : table.Render()) lines.push_back("    " + line);
+  return lines;
+}
+
+std::string WhyJson(const WhyQuestion& question, const std::vector<Removal>& removals, const CheckedPackage& today) {
+  const host::Package& package = question.package;
+  host::Json json = {
+      {"id", package.id}, {"version", package.version}, {"root", package.root}, {"dlls", host::Json::array()}};
+  for (const Removal& removal : removals) {
+    json["dlls"].push_back({{"path", host::From(package.root, removal.dll)},
+                            {"fate", FateOf(removal)},
+                            {"time", removal.time.empty() ? host::Json() : host::Json(removal.time)},
+                            {"origin", removal.origin},
+                            {"origin_there", removal.origin_there},
+                            {"information_file", removal.information_file}});
+  }
+  for (const CheckedDll& dll : Untold(question, removals, today)) {
+    json["dlls"].push_back({{"path", dll.path},
+                            {"fate", "there"},
+                            {"origin", dll.origin.empty() ? host::Json() : host::Json(dll.origin)},
+                            {"reason", ReasonToday(dll, today)}});
+  }
+  return host::AsciiJson(json);
+}
+
+}  // namespace orvelbox

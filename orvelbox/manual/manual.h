@@ -1,0 +1,21 @@
+// The manual page and the shells' completions, out of what the commands say about themselves. Nothing is told here
+// that --help does not tell.
+#ifndef ORVEL_ORVELBOX_MANUAL_MANUAL_H_
+#define ORVEL_ORVELBOX_MANUAL_MANUAL_H_
+
+#include <string>
+
+#include "orvelbox/cli/command.h"
+
+namespace orvelbox {
+
+// The manual page, in the language of man(7). `version` is the program's.
+std::string ManPage(const CommandFacts& program, const std::string& version);
+
+std::string BashCompletion(const CommandFacts& program);
+std::string ZshCompletion(const CommandFacts& program);
+std::string FishCompletion(const CommandFacts& program);
+
+}  // namespace orvelbox
+
+#endif

@@ -1,0 +1,45 @@
+// Reads package archives (.opk, which are zip files), trusting nothing in them: what an archive may hold, and how much,
+// is decided here. Where its files go is the receiver's business.
+//
+// An archive is refused when it is no zip file, cut off or damaged, and when one of its entries
+// - has an absolute path, a "..", a backslash or an empty or overlong name in its path, or lies too deep,
+// - is a link or a special file, is encrypted, or has the path of another entry that is no directory,
+// - goes beyond one of the limits (archive_limits.h).
+#ifndef ORVEL_ORVELBOX_PACKAGE_ARCHIVE_H_
+#define ORVEL_ORVELBOX_PACKAGE_ARCHIVE_H_
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "orvelbox/package/archive_limits.h"
+
+namespace orvelbox {
+
+struct ArchiveEntry {
+  std::string path;  // relative, its names separated by single "/"
+  bool directory = false;
+  std::filesystem::perms permissions{};  // of owner, group and others, as the archive says
+};
+
+// Takes what an archive holds, in the archive's order: each entry with Begin, then the content of a file in pieces.
+// Directories that only the paths of others imply are not told. What a function throws ends the reading.
+class ArchiveReceiver {
+ public:
+  virtual ~ArchiveReceiver() = default;
+  virtual void Begin(const ArchiveEntry& entry) = 0;
+  virtual void Content(std::string_view piece) = 0;
+};
+
+// Hands the archive to `receiver`. Throws host::DeviceError, naming the archive and the entry, when it is refused; what
+// the receiver got until then is up to the receiver. Keeps no state between calls; calls in several threads are
+// independent of each other.
+void ReadArchive(const std::filesystem::path& file, const ArchiveLimits& limits, ArchiveReceiver& receiver);
+
+// The same for an archive in memory, called `name` in errors.
+void ReadArchive(std::string_view bytes, const std::string& name, const ArchiveLimits& limits,
+                 ArchiveReceiver& receiver);
+
+}  // namespace orvelbox
+
+#endif

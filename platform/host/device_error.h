@@ -1,0 +1,17 @@
+// The error of everything that works on a device.
+#ifndef ORVEL_PLATFORM_HOST_DEVICE_ERROR_H_
+#define ORVEL_PLATFORM_HOST_DEVICE_ERROR_H_
+
+#include <stdexcept>
+
+namespace host {
+
+// What a person did wrong or has to mend: the text is one line that names the thing and the way out.
+class DeviceError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+}  // namespace host
+
+#endif

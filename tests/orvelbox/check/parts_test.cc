@@ -1,0 +1,238 @@
+// The parts of a check: its facts as JSON, its words, its project lines, its SARIF log, its threads.
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <nlohmann/json.hpp>
+#include <thread>
+
+#include "orvelbox/check/check.h"
+#include "orvelbox/check/formats.h"
+#include "orvelbox/check/project_lines.h"
+#include "orvelbox/check/workers.h"
+#include "orvelbox/desk/progress.h"
+#include "orvelbox/desk/text_table.h"
+#include "platform/host/child_process.h"
+#include "platform/host/device.h"
+#include "platform/host/json.h"
+
+namespace orvelbox {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+constexpr const char* kFramework = "/usr/share/dotnet.orvel/framework/";
+
+CheckedDll Dll(const std::string& path, Verdict verdict, const std::string& origin) {
+  CheckedDll dll;
+  dll.path = path;
+  dll.verdict = verdict;
+  dll.origin = origin;
+  return dll;
+}
+
+CheckedPackage Package(std::vector<CheckedDll> dlls) {
+  CheckedPackage package;
+  package.name = "shop.opk";
+  package.id = "org.example.shop";
+  package.version = "1.0";
+  package.root = "/opt/usr/globalapps/org.example.shop";
+  package.dotnet = true;
+  package.dlls = std::move(dlls);
+  return package;
+}
+
+CheckedDll NewerDll() {
+  CheckedDll dll = Dll("bin/Json.dll", Verdict::kRemoved, std::string(kFramework) + "Json.dll");
+  dll.own = {20, AssemblyVersion{2, 0, 0, 0}};
+  dll.provided = {10, AssemblyVersion{1, 9, 0, 0}};
+  return dll;
+}
+
+TEST(CheckJson, says_everything_in_one_line) {
+  CheckedPackage package = Package({NewerDll(), Dll("bin/Own.dll", Verdict::kKept, "")});
+  package.dlls[1].reason = "because";
+  package.debugging = true;
+  const std::string line = ToJson(package);
+  EXPECT_THAT(line, Not(HasSubstr("\n")));
+  EXPECT_THAT(line, HasSubstr(R"("duplicates":1)"));
+  EXPECT_THAT(line, HasSubstr(R"("newer_than_origin":true)"));
+  const auto read = host::ParseJson(line);
+  EXPECT_EQ(read["package"], "shop.opk");
+  EXPECT_EQ(read["debugging"], true);
+  EXPECT_EQ(read["dlls"][0]["verdict"], "removed");
+  EXPECT_EQ(read["dlls"][0]["assembly_version"], "2.0.0.0");
+  EXPECT_EQ(read["dlls"][0]["origin_assembly_version"], "1.9.0.0");
+  EXPECT_EQ(read["dlls"][0]["origin_size"], 10);
+  EXPECT_EQ(read["dlls"][1]["reason"], "because");
+}
+
+TEST(CheckJson, a_problem_takes_the_place_of_the_facts) {
+  CheckedPackage package;
+  package.name = "a\xff\x1b";
+  package.problem = "gone";
+  EXPECT_EQ(ToJson(package), "{\"package\":\"a\\ufffd\\u001b\",\"error\":\"gone\"}");
+}
+
+TEST(CheckTable, has_a_row_for_every_dll_and_warns_of_newer_ones) {
+  const Lines lines = DescribeCheck(Package({NewerDll(), Dll("bin/Own.dll", Verdict::kKept, "")}));
+  EXPECT_EQ(lines[0],
+            "shop.opk: org.example.shop 1.0: of 2 DLLs 1 would be removed, 0 reported but kept (read-write area), "
+            "1 kept");
+  EXPECT_EQ(lines[1], "    VERDICT  DLL           SIZE  VERSION  ITS SIZE  ITS VERSION  BECAUSE OF");
+  EXPECT_EQ(lines[2],
+            "    removed  bin/Json.dll  20    2.0.0.0  10        1.9.0.0      "
+            "/usr/share/dotnet.orvel/framework/Json.dll");
+  EXPECT_EQ(lines[3], "    kept     bin/Own.dll");
+  EXPECT_EQ(lines[4],
+            "    warning: bin/Json.dll (2.0.0.0) is newer than the copy that decides (1.9.0.0); by its name it is a "
+            "duplicate all the same");
+}
+
+TEST(CheckTable, tells_when_an_install_would_fail) {
+  CheckedPackage package = Package({NewerDll()});
+  EXPECT_THAT(DescribeCheck(package), Not(Contains(HasSubstr("would fail"))));
+  package.debugging = true;
+  EXPECT_THAT(DescribeCheck(package), Contains(HasSubstr("Its install would fail")));
+  package.dlls.clear();
+  EXPECT_THAT(DescribeCheck(package), ElementsAre("shop.opk: org.example.shop 1.0: no DLLs"));
+}
+
+TEST(TextTable, columns_are_as_wide_as_their_characters_and_empty_ones_left_out) {
+  TextTable table({"A", "EMPTY", "B"});
+  table.Add({"größer", "", "1"});
+  table.Add({"x", "", "2"});
+  EXPECT_THAT(table.Render(), ElementsAre("A       B", "größer  1", "x       2"));
+}
+
+TEST(ProjectLines, name_each_provided_dll_once_and_escape_it) {
+  const CheckedPackage package = Package({Dll("bin/A&B.dll", Verdict::kRemoved, std::string(kFramework) + "A&B.dll"),
+                                          Dll("res/A&B.dll", Verdict::kRemoved, std::string(kFramework) + "A&B.dll"),
+                                          Dll("bin/It's.dll", Verdict::kReportedOnly, "/opt/other/It's.dll"),
+                                          Dll("bin/Kept.dll", Verdict::kKept, "")});
+  const std::vector<std::string> lines = ProjectLines(package);
+  EXPECT_EQ(
+      std::count(lines.begin(), lines.end(), "  <PackageReference Update=\"A&amp;B\" ExcludeAssets=\"runtime\" />"), 1);
+  EXPECT_THAT(lines, Contains(HasSubstr("'A&amp;B.dll'")));
+  EXPECT_THAT(lines, Contains(HasSubstr("'It%27s.dll'")));
+  EXPECT_THAT(lines, Not(Contains(HasSubstr("Kept"))));
+}
+
+TEST(ProjectLines, a_copy_in_the_package_itself_is_no_matter_of_the_project_file) {
+  CheckedPackage package = Package({});
+  package.dlls.push_back(Dll("bin/A.dll", Verdict::kReportedOnly, package.root + "/lib/A.dll"));
+  EXPECT_THAT(ProjectLines(package), IsEmpty());
+}
+
+TEST(CheckSarif, has_a_result_per_duplicate_and_a_notification_per_unreadable_package) {
+  CheckedPackage unreadable;
+  unreadable.name = "b c.opk";
+  unreadable.problem = "damaged";
+  CheckedPackage debugged = Package({Dll("bin/X.dll", Verdict::kReportedOnly, "/opt/x/X.dll")});
+  debugged.debugging = true;
+  const auto log =
+      host::ParseJson(ToSarif({Package({NewerDll(), Dll("bin/Own.dll", Verdict::kKept, "")}), unreadable, debugged}));
+  EXPECT_EQ(log["version"], "2.1.0");
+  const auto& run = log["runs"][0];
+  ASSERT_EQ(run["results"].size(), 2U);
+  const auto& result = run["results"][0];
+  EXPECT_EQ(result["ruleId"], run["tool"]["driver"]["rules"][0]["id"]);
+  EXPECT_EQ(result["level"], "warning");
+  EXPECT_THAT(result["message"]["text"].get<std::string>(), HasSubstr("bin/Json.dll (2.0.0.0) duplicates"));
+  EXPECT_EQ(result["locations"][0]["physicalLocation"]["artifactLocation"]["uri"], "shop.opk");
+  EXPECT_EQ(run["results"][1]["ruleId"], run["tool"]["driver"]["rules"][1]["id"]);
+  EXPECT_EQ(run["results"][1]["level"], "error");
+  const auto& invocation = run["invocations"][0];
+  EXPECT_EQ(invocation["executionSuccessful"], false);
+  EXPECT_EQ(invocation["toolExecutionNotifications"][0]["locations"][0]["physicalLocation"]["artifactLocation"]["uri"],
+            "b%20c.opk");
+}
+
+TEST(ProgressBar, fills_up) {
+  EXPECT_EQ(ProgressBar("checking", 0, 4), "checking [" + std::string(30, ' ') + "] 0 of 4");
+  EXPECT_EQ(ProgressBar("checking", 2, 4), "checking [" + std::string(15, '#') + std::string(15, ' ') + "] 2 of 4");
+  EXPECT_EQ(ProgressBar("checking", 4, 4), "checking [" + std::string(30, '#') + "] 4 of 4");
+}
+
+TEST(Privilege, short_names_are_those_at_the_ends_of_the_uris) {
+  EXPECT_EQ(PrivilegeUri("platform"), "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/default/platform");
+  EXPECT_EQ(PrivilegeUri("appdebugging"), "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/appdebugging");
+  EXPECT_EQ(PrivilegeUri("http://x/y"), "http://x/y");
+  EXPECT_THROW(PrivilegeUri("bogus"), std::invalid_argument);
+}
+
+CheckedPackage Named(const std::string& name) {
+  CheckedPackage package;
+  package.name = name;
+  return package;
+}
+
+std::vector<std::string> ResultsOf(std::size_t count, unsigned threads,
+                                   const std::function<std::string(std::size_t, const std::atomic<bool>&)>& work) {
+  std::vector<std::string> results;
+  std::size_t through = 0;
+  const host::HeldSignals signals;
+  RunOnThreads(
+      count, threads,
+      [&](std::size_t number, const std::atomic<bool>& stopped) { return Named(work(number, stopped)); },
+      [&](std::size_t number, CheckedPackage package) {
+        EXPECT_EQ(number, results.size());
+        results.push_back(package.name);
+      },
+      [&](std::size_t finished) {
+        EXPECT_GE(finished, through);
+        through = finished;
+      });
+  EXPECT_EQ(through, count);
+  return results;
+}
+
+TEST(Workers, results_come_in_order_whoever_is_through_first) {
+  std::vector<std::string> expected;
+  for (int i = 0; i < 20; ++i) expected.push_back(std::to_string(i));
+  const auto work = [](std::size_t i, const std::atomic<bool>&) {
+    if (i % 3 == 0) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    return std::to_string(i);
+  };
+  for (const unsigned threads : {1U, 3U, 64U}) EXPECT_EQ(ResultsOf(20, threads, work), expected);
+}
+
+TEST(Workers, nothing_to_do_is_done_at_once) {
+  EXPECT_THAT(ResultsOf(0, 4, [](std::size_t, const std::atomic<bool>&) { return std::string("never"); }), IsEmpty());
+}
+
+TEST(Workers, work_goes_on_at_the_same_time) {
+  std::atomic<int> begun{0};
+  const auto meet = [&](std::size_t, const std::atomic<bool>&) {
+    ++begun;
+    while (begun < 2) std::this_thread::yield();
+    return std::string();
+  };
+  EXPECT_EQ(ResultsOf(2, 2, meet).size(), 2U);
+}
+
+TEST(Workers, an_interruption_stops_the_work) {
+  EXPECT_EXIT(
+      {
+        const auto stall = [](std::size_t, const std::atomic<bool>& stopped) {
+          kill(getpid(), SIGTERM);
+          while (!stopped) std::this_thread::yield();
+          return std::string();
+        };
+        try {
+          ResultsOf(2, 2, stall);
+        } catch (const host::DeviceError&) {
+          _exit(0);  // the signal itself came with the end of HeldSignals, before this
+        }
+      },
+      testing::KilledBySignal(SIGTERM), "");
+}
+
+}  // namespace
+}  // namespace orvelbox

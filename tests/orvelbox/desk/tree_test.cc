@@ -1,0 +1,83 @@
+// Copying and removing trees.
+#include "orvelbox/desk/tree.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include "platform/host/device.h"
+#include "tests/support/files.h"
+
+namespace fs = std::filesystem;
+
+namespace orvelbox {
+namespace {
+
+class TreeTest : public testing::Test {
+ protected:
+  support::TempDir dir_;
+};
+
+TEST_F(TreeTest, a_copy_has_the_contents_and_permissions) {
+  support::WriteFile(dir_ / "from/deep/file", std::string("a\0b", 3));
+  fs::permissions(dir_ / "from/deep/file", fs::perms::owner_all | fs::perms::set_uid);
+  CopyTree(dir_ / "from", dir_ / "to");
+  EXPECT_EQ(support::ReadFile(dir_ / "to/deep/file"), std::string("a\0b", 3));
+  EXPECT_EQ(fs::status(dir_ / "to/deep/file").permissions(), fs::perms::owner_all);
+}
+
+TEST_F(TreeTest, a_read_only_directory_is_copied_and_its_copy_can_be_removed) {
+  support::WriteFile(dir_ / "from/closed/file", "x");
+  fs::permissions(dir_ / "from/closed", fs::perms::owner_read | fs::perms::owner_exec);
+  CopyTree(dir_ / "from", dir_ / "to");
+  EXPECT_EQ(fs::status(dir_ / "to/closed").permissions(), fs::perms::owner_all);
+  RemoveTree(dir_ / "to");
+  EXPECT_FALSE(IsThere(dir_ / "to"));
+  fs::permissions(dir_ / "from/closed", fs::perms::owner_all);
+}
+
+TEST_F(TreeTest, links_are_neither_followed_by_a_copy_nor_by_a_removal) {
+  support::WriteFile(dir_ / "outside/file", "precious");
+  fs::create_directory(dir_ / "from");
+  fs::create_directory_symlink(dir_ / "outside", dir_ / "from/link");
+  CopyTree(dir_ / "from", dir_ / "to");
+  EXPECT_TRUE(fs::is_symlink(dir_ / "to/link"));
+  RemoveTree(dir_ / "to");
+  EXPECT_EQ(support::ReadFile(dir_ / "outside/file"), "precious");
+}
+
+TEST_F(TreeTest, a_copy_into_what_is_there_adds_and_replaces) {
+  support::WriteFile(dir_ / "from/both", "new");
+  support::WriteFile(dir_ / "to/both", "old");
+  support::WriteFile(dir_ / "to/own", "own");
+  CopyTree(dir_ / "from", dir_ / "to");
+  EXPECT_EQ(support::ReadFile(dir_ / "to/both"), "new");
+  EXPECT_EQ(support::ReadFile(dir_ / "to/own"), "own");
+}
+
+TEST_F(TreeTest, a_copy_into_itself_is_refused) {
+  fs::create_directory(dir_ / "from");
+  EXPECT_THROW(CopyTree(dir_ / "from", dir_ / "from/inside/to"), host::DeviceError);
+  EXPECT_FALSE(IsThere(dir_ / "from/inside"));
+}
+
+TEST_F(TreeTest, a_socket_or_pipe_is_refused_by_name) {
+  fs::create_directory(dir_ / "from");
+  ASSERT_EQ(mkfifo((dir_ / "from/pipe").c_str(), 0600), 0);
+  try {
+    CopyTree(dir_ / "from", dir_ / "to");
+    FAIL();
+  } catch (const host::DeviceError& error) {
+    EXPECT_THAT(error.what(), testing::HasSubstr(dir_ / "from/pipe"));
+  }
+}
+
+TEST_F(TreeTest, removing_nothing_is_no_error) { RemoveTree(dir_ / "nothing"); }
+
+TEST_F(TreeTest, a_dangling_link_is_there) {
+  fs::create_symlink("nowhere", dir_ / "link");
+  EXPECT_TRUE(IsThere(dir_ / "link"));
+  EXPECT_FALSE(IsThere(dir_ / "nowhere"));
+}
+
+}  // namespace
+}  // namespace orvelbox

@@ -1,0 +1,191 @@
+// What a package archive may hold, and that everything else is refused by name.
+#include "orvelbox/package/archive.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <map>
+
+#include "platform/host/device.h"
+#include "tests/support/files.h"
+#include "tests/support/zip.h"
+
+namespace orvelbox {
+namespace {
+
+using support::ZipOf;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Pair;
+
+class Contents : public ArchiveReceiver {
+ public:
+  void Begin(const ArchiveEntry& entry) override {
+    current_ = entry.path + (entry.directory ? "/" : "");
+    all[current_];
+  }
+  void Content(std::string_view piece) override { all[current_] += piece; }
+
+  std::map<std::string, std::string> all;
+
+ private:
+  std::string current_;
+};
+
+std::map<std::string, std::string> Read(const std::string& zip, const ArchiveLimits& limits = {}) {
+  Contents contents;
+  ReadArchive(zip, "a.opk", limits, contents);
+  return contents.all;
+}
+
+std::string ProblemOf(const std::string& zip, const ArchiveLimits& limits = {}) {
+  try {
+    Read(zip, limits);
+  } catch (const host::DeviceError& error) {
+    return error.what();
+  }
+  return "";
+}
+
+TEST(Archive, files_and_directories_come_with_their_contents) {
+  EXPECT_THAT(Read(ZipOf({{"bin/", ""}, {"bin/A.dll", std::string("a\0b", 3)}, {"empty", ""}})),
+              ElementsAre(Pair("bin/", ""), Pair("bin/A.dll", std::string("a\0b", 3)), Pair("empty", "")));
+}
+
+TEST(Archive, superfluous_dots_and_slashes_are_dropped) {
+  EXPECT_THAT(Read(ZipOf({{"./", ""}, {"./bin//./A.dll", "a"}})), ElementsAre(Pair("bin/A.dll", "a")));
+}
+
+TEST(Archive, paths_written_with_backslashes_only_are_read_as_paths) {
+  EXPECT_THAT(Read(ZipOf({{"bin\\A.dll", "a"}})), ElementsAre(Pair("bin/A.dll", "a")));
+  EXPECT_THAT(ProblemOf(ZipOf({{"..\\A.dll", "a"}})), HasSubstr("leads out of the package"));
+}
+
+TEST(Archive, names_keep_their_bytes_in_any_locale) {
+  const std::string name =
+      "b\xc3\xbc"
+      "cher.dll";
+  EXPECT_THAT(Read(ZipOf({{name, "a", 0, 0x800}})), ElementsAre(Pair(name, "a")));
+  EXPECT_THAT(Read(ZipOf({{name, "a"}})), ElementsAre(Pair(name, "a")));
+}
+
+TEST(Archive, compressed_content_is_unpacked) {
+  EXPECT_EQ(Read(support::ZipOfZeros("zeros", 100000)).at("zeros"), std::string(100000, '\0'));
+}
+
+TEST(Archive, an_archive_can_be_read_from_a_file) {
+  const support::TempDir dir;
+  support::WriteFile(dir / "a.opk", ZipOf({{"A.dll", "a"}}));
+  Contents contents;
+  ReadArchive(std::filesystem::path(dir / "a.opk"), {}, contents);
+  EXPECT_THAT(contents.all, ElementsAre(Pair("A.dll", "a")));
+}
+
+struct BadEntry {
+  const char* name;
+  std::vector<support::ZipEntry> entries;
+  std::string complaint;
+};
+
+class BadArchive : public testing::TestWithParam<BadEntry> {};
+
+TEST_P(BadArchive, is_refused_and_the_entry_named) {
+  const std::string problem = ProblemOf(ZipOf(GetParam().entries));
+  EXPECT_THAT(problem, testing::StartsWith("a.opk: entry \"" + GetParam().entries.back().path + "\""));
+  EXPECT_THAT(problem, HasSubstr(GetParam().complaint));
+  EXPECT_THAT(problem, HasSubstr("; ")) << "the way out";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    entry, BadArchive,
+    testing::Values(BadEntry{"absolute", {{"/etc/passwd", ""}}, "absolute path"},
+                    BadEntry{"leads_out", {{"../x", ""}}, "leads out of the package"},
+                    BadEntry{"leads_out_later", {{"bin/../../x", ""}}, "leads out of the package"},
+                    BadEntry{"dot_dot_inside", {{"bin/../x", ""}}, "leads out of the package"},
+                    BadEntry{"dot_dot_directory", {{"bin/../", ""}}, "leads out of the package"},
+                    BadEntry{"backslash", {{"bin/..\\x", ""}}, "holds \"\\\""},
+                    BadEntry{"long_name", {{std::string(256, 'n'), ""}}, "more than 255 bytes"},
+                    BadEntry{"link", {{"l", "/etc/passwd", S_IFLNK | 0777}}, "is a link"},
+                    BadEntry{"terminal", {{"t", "", S_IFCHR | 0644}}, "is no file and no directory"},
+                    BadEntry{"device", {{"d", "", S_IFBLK | 0644}}, "is no file and no directory"},
+                    BadEntry{"encrypted", {{"e", std::string(20, 'x'), 0, 1}}, "is encrypted"},
+                    BadEntry{"twice", {{"A.dll", "1"}, {"./A.dll", "2"}}, "is there twice"},
+                    BadEntry{"file_then_directory", {{"bin", "1"}, {"bin/", ""}}, "is there twice"},
+                    BadEntry{"directory_then_file", {{"bin/A.dll", "1"}, {"bin", ""}}, "is there twice"},
+                    BadEntry{"below_a_file", {{"bin", "1"}, {"bin/A.dll", ""}}, "lies in \"bin\", which is a file"},
+                    BadEntry{"damaged", {{"A.dll", "content", 0, 0, 1}}, "damaged"}),
+    [](const auto& parameters) { return parameters.param.name; });
+
+TEST(Archive, a_directory_may_be_told_more_than_once) {
+  EXPECT_THAT(Read(ZipOf({{"bin/A.dll", "a"}, {"bin/", ""}, {"bin/", ""}})),
+              ElementsAre(Pair("bin/", ""), Pair("bin/A.dll", "a")));
+}
+
+TEST(Archive, what_is_no_zip_file_is_refused) {
+  for (const std::string& text : {std::string(), std::string("no zip file"), std::string(100000, 'x')}) {
+    EXPECT_THAT(ProblemOf(text), AllOf(HasSubstr("a.opk: no zip archive, cut off or damaged"), HasSubstr("; ")));
+  }
+}
+
+TEST(Archive, a_cut_off_archive_is_refused_wherever_it_ends) {
+  const std::string zip = ZipOf({{"bin/A.dll", "first"}, {"bin/B.dll", "second"}});
+  for (std::size_t length = 0; length < zip.size(); ++length) {
+    EXPECT_NE(ProblemOf(zip.substr(0, length)), "") << length;
+  }
+  EXPECT_EQ(ProblemOf(zip), "");
+}
+
+TEST(Archive, no_more_entries_than_the_limit_are_taken) {
+  ArchiveLimits limits;
+  limits.entries = 3;
+  EXPECT_EQ(ProblemOf(ZipOf({{"a/b/c", ""}}), limits), "");
+  EXPECT_THAT(ProblemOf(ZipOf({{"a/b/c/d", ""}}), limits), HasSubstr("more than 3 files and directories"));
+  EXPECT_THAT(ProblemOf(ZipOf({{"a", ""}, {"b", ""}, {"c", ""}, {"d", ""}}), limits),
+              HasSubstr("entry \"d\" is one too many"));
+}
+
+TEST(Archive, no_deeper_paths_than_the_limit_are_taken) {
+  ArchiveLimits limits;
+  limits.depth = 2;
+  EXPECT_EQ(ProblemOf(ZipOf({{"a/b", ""}}), limits), "");
+  EXPECT_THAT(ProblemOf(ZipOf({{"a/b/c", ""}}), limits), HasSubstr("more than 2 directories deep"));
+}
+
+TEST(Archive, no_longer_paths_than_the_limit_are_taken) {
+  ArchiveLimits limits;
+  limits.path_bytes = 5;
+  EXPECT_EQ(ProblemOf(ZipOf({{"a/b/c", ""}}), limits), "");
+  EXPECT_THAT(ProblemOf(ZipOf({{"a/b/cd", ""}}), limits), HasSubstr("more than 5 bytes"));
+}
+
+TEST(Archive, no_more_bytes_than_the_limit_are_unpacked) {
+  ArchiveLimits limits;
+  limits.bytes = 6;
+  EXPECT_EQ(ProblemOf(ZipOf({{"a", "123"}, {"b", "456"}}), limits), "");
+  EXPECT_THAT(ProblemOf(ZipOf({{"a", "123"}, {"b", "4567"}}), limits), HasSubstr("larger than 6 bytes"));
+}
+
+TEST(Archive, what_unpacks_to_suspiciously_much_is_refused) {
+  ArchiveLimits limits;
+  limits.ratio = 100;
+  limits.unsuspicious_bytes = 1 << 20;
+  EXPECT_EQ(ProblemOf(support::ZipOfZeros("zeros", 1 << 20), limits), "");
+  EXPECT_THAT(ProblemOf(support::ZipOfZeros("zeros", (1 << 20) + 1), limits), HasSubstr("more than 100 times"));
+  limits.ratio = 2000;
+  EXPECT_EQ(ProblemOf(support::ZipOfZeros("zeros", (1 << 20) + 1), limits), "");
+}
+
+TEST(Archive, a_receiver_that_throws_ends_the_reading) {
+  struct Full : ArchiveReceiver {
+    void Begin(const ArchiveEntry&) override { ++begun; }
+    void Content(std::string_view) override { throw host::DeviceError("full"); }
+    int begun = 0;
+  } full;
+  const std::string zip = ZipOf({{"a", "1"}, {"b", "2"}});
+  EXPECT_THROW(ReadArchive(zip, "a.opk", {}, full), host::DeviceError);
+  EXPECT_EQ(full.begun, 1);
+}
+
+}  // namespace
+}  // namespace orvelbox

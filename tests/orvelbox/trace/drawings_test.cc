@@ -1,0 +1,86 @@
+// Traces as lines, as pictures and as pages.
+#include <gmock/gmock.h>
+#include <libxml/parser.h>
+
+#include <memory>
+
+#include "orvelbox/trace/picture.h"
+#include "orvelbox/trace/timeline.h"
+
+namespace orvelbox {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+Lane Sample() {
+  return {7, 7, {{"outer", 0, 4000, 0, true}, {"half", 0, 2000, 1, true}, {"blink", 3999, 3999, 1, true}}};
+}
+
+TEST(TraceTimeline, bars_lie_where_the_time_went) {
+  EXPECT_THAT(DrawTimeline({Sample()}, 0),
+              ElementsAre("process 7: 4.000 ms", "  begin ms   took ms",
+                          "     0.000     4.000  ########################################  outer",
+                          "     0.000     2.000  ####################                        half",
+                          "     3.999     0.000                                         #    blink"));
+}
+
+TEST(TraceTimeline, what_never_ended_ends_in_an_arrow) {
+  EXPECT_THAT(DrawTimeline({{7, 8, {{"lost", 0, 1000, 0, false}}}}, 0),
+              ElementsAre("process 7, thread 8: 1.000 ms", "  begin ms   took ms",
+                          "     0.000     1.000  #######################################>  lost"));
+}
+
+TEST(TraceTimeline, a_trace_of_no_duration_is_drawn) {
+  EXPECT_THAT(DrawTimeline({{7, 7, {{"a", 0, 0, 0, true}}}}, 0).back(),
+              "     0.000     0.000  #" + std::string(39, ' ') + "  a");
+}
+
+TEST(TraceTimeline, lines_keep_to_the_width_of_a_terminal) {
+  const Lane lane{7, 7, {{std::string(200, 'x'), 0, 1, 0, true}}};
+  const std::string line = DrawTimeline({lane}, 80).back();
+  EXPECT_EQ(line.size(), 80U);
+  EXPECT_THAT(line, testing::EndsWith("xx..."));
+}
+
+using Document = std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)>;
+
+Document Parsed(const std::string& text) {
+  return {xmlReadMemory(text.data(), static_cast<int>(text.size()), "t.svg", nullptr, XML_PARSE_NONET), xmlFreeDoc};
+}
+
+TEST(TracePicture, boxes_lie_where_the_time_went) {
+  const std::string svg = TraceSvg({Sample()});
+  EXPECT_NE(Parsed(svg), nullptr) << svg;
+  EXPECT_THAT(svg, HasSubstr("<title>outer\nfrom 0.000 ms, 4.000 ms</title>"
+                             "<rect class=\"span\" x=\"10\" y=\"30\" width=\"1180\" height=\"18\""));
+  EXPECT_THAT(svg, HasSubstr("<rect class=\"span\" x=\"10\" y=\"50\" width=\"590\" height=\"18\""));
+  EXPECT_THAT(svg, HasSubstr("<rect class=\"span\" x=\"1189\" y=\"50\" width=\"1\" height=\"18\""));
+}
+
+TEST(TracePicture, lanes_lie_one_below_the_other) {
+  const std::string svg = TraceSvg({Sample(), Sample()});
+  EXPECT_THAT(svg, HasSubstr("viewBox=\"0 0 1200 150\""));
+  EXPECT_THAT(svg, HasSubstr("x=\"10\" y=\"100\" width=\"1180\""));
+}
+
+TEST(TracePicture, names_cannot_become_markup_or_control_characters) {
+  const Lane lane{7, 7, {{"f<\"T&\x01\xff>", 0, 1, 0, false}}};
+  const std::string svg = TraceSvg({lane});
+  EXPECT_NE(Parsed(svg), nullptr) << svg;
+  EXPECT_THAT(svg, HasSubstr("<title>f&lt;&quot;T&amp;\\x01\\xff&gt;\nfrom 0.000 ms, 0.001 ms, never ended</title>"));
+}
+
+TEST(TracePicture, a_page_brings_everything_along) {
+  const std::string page = TraceHtml({Sample()}, "a<b");
+  EXPECT_THAT(page, HasSubstr("<title>a&lt;b</title>"));
+  EXPECT_THAT(page, HasSubstr(TraceSvg({Sample()})));
+  EXPECT_THAT(page, HasSubstr("<td>0.000<td>2.000<td class=\"name\" style=\"padding-left: 1em\">half</tr>"));
+  for (const char* reference : {"<script", "src=", "href=", "url(", "@import"}) {
+    EXPECT_THAT(page, Not(HasSubstr(reference)));
+  }
+}
+
+}  // namespace
+}  // namespace orvelbox

@@ -1,0 +1,252 @@
+// writeStringToFile.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <utility>
+
+#include "morvath/platform_utils.h"
+#include "tests/support/child.h"
+#include "tests/support/expected_lines.h"
+#include "tests/support/files.h"
+#include "tests/support/interposed.h"
+#include "tests/support/unit_case.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using doubles::Call;
+using doubles::Platform;
+using doubles::Source;
+using doubles::Steps;
+using expected::NotThereYet;
+using support::IsThere;
+using support::ReadFile;
+using support::TempDir;
+using support::WriteFile;
+
+const Source kWrite("platform_utils", "writeStringToFile");
+const Source kIsRealPath("platform_utils", "isRealPath");
+
+// A directory with the paths that a write of "TPA.txt" uses.
+struct Target {
+  TempDir root;
+  std::string directory = root.path().string() + "/";
+  std::string target = root / "TPA.txt";
+  std::string temporary = root / "temp_TPA.txt";
+
+  void Write(const std::string& content) const { writeStringToFile(directory, "TPA.txt", content); }
+
+  Steps Renamed() const { return Call("rename(" + temporary + ", " + target + ")"); }
+  Steps SaveFile() const { return kWrite.At(173).Debug("Save File : %s", target); }
+  Steps OpenError(const std::string& reason) const {
+    return kWrite.At(163).Error("Fail to write string to file - open error(%s)", reason);
+  }
+};
+
+TEST(DurableWrite, a_new_file_is_written_synced_renamed_and_synced) {
+  const Target file;
+  Platform& platform = doubles::Reset();
+  file.Write("abc");
+  EXPECT_TRUE(Holds(platform, {NotThereYet(), NotThereYet(), Call("fsync(3)"), file.SaveFile(), file.Renamed(),
+                               kWrite.At(177).Debug("Saved"), Call("sync()")}));
+  EXPECT_EQ("abc", ReadFile(file.target));
+  EXPECT_FALSE(IsThere(file.temporary));
+}
+
+TEST(DurableWrite, an_existing_file_is_replaced_whole) {
+  const Target file;
+  WriteFile(file.target, "a much longer content than before\n");
+  Platform& platform = doubles::Reset();
+  file.Write("abc");
+  EXPECT_TRUE(Holds(platform, {NotThereYet(), file.SaveFile(), kWrite.At(177).Debug("Saved")}));
+  EXPECT_EQ("abc", ReadFile(file.target));
+}
+
+TEST(DurableWrite, what_cannot_be_written_is_not_noticed_and_the_short_file_takes_the_place) {
+  const Target file;
+  WriteFile(file.target, "before");
+  Fresh([&](Platform& platform) {
+    support::LeaveNoRoomInFiles();
+    file.Write("abc");
+    EXPECT_TRUE(Holds(platform, {NotThereYet(), Call("fsync(0)"), file.SaveFile(), file.Renamed(),
+                                 kWrite.At(177).Debug("Saved"), Call("sync()")}));
+  });
+  EXPECT_EQ("", ReadFile(file.target));
+  EXPECT_FALSE(IsThere(file.temporary));
+}
+
+TEST(DurableWrite, a_temporary_file_that_was_left_behind_is_used_again) {
+  const Target file;
+  WriteFile(file.temporary, "a much longer content than before\n");
+  const ino_t left_behind = support::InodeOf(file.temporary);
+  Platform& platform = doubles::Reset();
+  file.Write("abc");
+  EXPECT_TRUE(Holds(platform, {NotThereYet(), file.SaveFile(), kWrite.At(177).Debug("Saved")}));
+  EXPECT_EQ("abc", ReadFile(file.target));
+  EXPECT_EQ(left_behind, support::InodeOf(file.target));
+}
+
+TEST(DurableWrite, a_reader_of_the_old_file_keeps_the_old_content) {
+  const Target file;
+  WriteFile(file.target, "old");
+  fs::create_hard_link(file.target, file.root / "the old one");
+  doubles::Reset();
+  file.Write("new");
+  EXPECT_EQ("new", ReadFile(file.target));
+  EXPECT_EQ("old", ReadFile(file.root / "the old one"));
+}
+
+TEST(DurableWrite, the_content_is_written_up_to_its_first_nul_and_nothing_is_added) {
+  const std::pair<std::string, std::string> rows[] = {{"", ""},
+                                                      {"a\n", "a\n"},
+                                                      {"a\r\nb", "a\r\nb"},
+                                                      {"%s%n%d", "%s%n%d"},
+                                                      {"\xFF\xFE\x01", "\xFF\xFE\x01"},
+                                                      {std::string("ab\0cd", 5), "ab"},
+                                                      {std::string("\0ab", 3), ""},
+                                                      {std::string(1 << 20, 'x'), std::string(1 << 20, 'x')}};
+  for (const auto& [content, written] : rows) {
+    const Target file;
+    Platform& platform = doubles::Reset();
+    file.Write(content);
+    EXPECT_EQ(written, ReadFile(file.target));
+    EXPECT_EQ((std::vector<std::string>{"fsync(" + std::to_string(written.size()) + ")"}), platform.Calls("fsync"));
+  }
+}
+
+TEST(DurableWrite, directory_and_name_are_joined_as_they_stand) {
+  const TempDir root;
+  fs::create_directories(root / "temp_d");
+  doubles::Reset();
+  writeStringToFile(root / "d", "f", "abc");
+  EXPECT_EQ("abc", ReadFile(root / "df"));
+  EXPECT_FALSE(IsThere(root / "d"));
+}
+
+TEST(DurableWrite, a_link_in_the_targets_place_is_refused) {
+  for (const char* destination : {"precious", "gone"}) {
+    const Target file;
+    WriteFile(file.root / "precious", "mine");
+    fs::create_symlink(destination, file.target);
+    Platform& platform = doubles::Reset();
+    file.Write("abc");
+    EXPECT_TRUE(Holds(platform, {NotThereYet(), kIsRealPath.Error("Symbolic link is detected : %s", file.target)}));
+    EXPECT_TRUE(platform.Calls("").empty());
+    EXPECT_EQ(destination, fs::read_symlink(file.target).string());
+    EXPECT_EQ("mine", ReadFile(file.root / "precious"));
+    EXPECT_EQ((std::vector<std::string>{"TPA.txt", "precious"}), support::NamesIn(file.root.path()));
+  }
+}
+
+TEST(DurableWrite, a_link_in_the_temporary_files_place_is_refused_before_the_target_is_looked_at) {
+  const Target file;
+  WriteFile(file.root / "precious", "mine");
+  WriteFile(file.target, "old");
+  fs::create_symlink("precious", file.temporary);
+  Platform& platform = doubles::Reset();
+  file.Write("abc");
+  EXPECT_TRUE(Holds(platform, {kIsRealPath.Error("Symbolic link is detected : %s", file.temporary)}));
+  EXPECT_TRUE(platform.Calls("").empty());
+  EXPECT_EQ("mine", ReadFile(file.root / "precious"));
+  EXPECT_EQ("old", ReadFile(file.target));
+  EXPECT_TRUE(fs::is_symlink(file.temporary));
+}
+
+TEST(DurableWrite, links_in_both_places_are_one_error_line) {
+  const Target file;
+  fs::create_symlink("a", file.temporary);
+  fs::create_symlink("b", file.target);
+  Platform& platform = doubles::Reset();
+  file.Write("abc");
+  EXPECT_TRUE(Holds(platform, {kIsRealPath.Error("Symbolic link is detected : %s", file.temporary)}));
+}
+
+TEST(DurableWrite, a_target_without_a_name_is_refused) {
+  Fresh([](Platform& platform) {
+    const TempDir root;
+    fs::current_path(root.path());
+    writeStringToFile("", "", "abc");
+    EXPECT_TRUE(Holds(platform, {NotThereYet(), kIsRealPath.Error("Path is empty")}));
+    EXPECT_TRUE(support::NamesIn(root.path()).empty());
+  });
+}
+
+TEST(DurableWrite, a_path_that_cannot_be_examined_is_refused) {
+  const TempDir root;
+  WriteFile(root / "file");
+  Platform& platform = doubles::Reset();
+  writeStringToFile(root / "file/", "TPA.txt", "abc");
+  EXPECT_TRUE(Holds(platform, {kIsRealPath.Error("lstat error.")}));
+}
+
+TEST(DurableWrite, a_missing_directory_is_an_open_error_and_nothing_is_synced) {
+  const TempDir root;
+  Platform& platform = doubles::Reset();
+  writeStringToFile(root / "missing/", "TPA.txt", "abc");
+  EXPECT_TRUE(
+      Holds(platform, {NotThereYet(), NotThereYet(),
+                       kWrite.At(163).Error("Fail to write string to file - open error(%s)", std::strerror(ENOENT))}));
+  EXPECT_TRUE(platform.Calls("").empty());
+  EXPECT_TRUE(support::NamesIn(root.path()).empty());
+}
+
+TEST(DurableWrite, an_open_error_leaves_the_target_as_it_was) {
+  const Target file;
+  WriteFile(file.target, "old");
+  fs::create_directory(file.temporary);
+  Platform& platform = doubles::Reset();
+  file.Write("abc");
+  EXPECT_TRUE(Holds(platform, {file.OpenError(std::strerror(EISDIR))}));
+  EXPECT_TRUE(platform.Calls("").empty());
+  EXPECT_EQ("old", ReadFile(file.target));
+}
+
+TEST(DurableWrite, a_failed_rename_is_not_logged_and_is_followed_by_the_sync) {
+  const Target file;
+  WriteFile(file.target, "old");
+  Platform& platform = doubles::Reset();
+  interposed::Now().rename_error = EXDEV;
+  file.Write("abc");
+  interposed::Now().rename_error.reset();
+  EXPECT_TRUE(Holds(platform, {NotThereYet(), Call("fsync(3)"), file.SaveFile(), file.Renamed(), Call("sync()")}));
+  EXPECT_EQ("old", ReadFile(file.target));
+  EXPECT_EQ("abc", ReadFile(file.temporary));
+}
+
+TEST(DurableWrite, the_write_after_a_failed_rename_succeeds) {
+  const Target file;
+  doubles::Reset();
+  interposed::Now().rename_error = EIO;
+  file.Write("a long first content");
+  interposed::Now().rename_error.reset();
+  file.Write("abc");
+  EXPECT_EQ("abc", ReadFile(file.target));
+  EXPECT_FALSE(IsThere(file.temporary));
+}
+
+TEST(DurableWrite, the_file_has_the_default_permissions_of_the_process) {
+  support::InFreshProcess([] {
+    const Target file;
+    WriteFile(file.target, "old");
+    fs::permissions(file.target, fs::perms(0600));
+    doubles::Reset();
+    umask(0027);
+    file.Write("abc");
+    EXPECT_EQ(fs::perms(0640), fs::status(file.target).permissions());
+  });
+}
+
+TEST(DurableWrite, no_file_stays_open) {
+  const Target file;
+  doubles::Reset();
+  const std::size_t before = support::NamesIn("/proc/self/fd").size();
+  file.Write("abc");
+  EXPECT_EQ(before, support::NamesIn("/proc/self/fd").size());
+}
+
+}  // namespace

@@ -1,0 +1,27 @@
+// The walk over a package or a directory of assemblies that lies behind scanFilesInDirExcludeSymlink, for callers that
+// can use what the listing tells of a file beside its name. What the files mean is the callers' business.
+#ifndef UTIL_PLATFORM_UTILS_DIRECTORY_WALK_H_
+#define UTIL_PLATFORM_UTILS_DIRECTORY_WALK_H_
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+// A file that a walk has come to; good until the visitor returns.
+struct ListedFile {
+  const std::string& directory;
+  std::string_view name;
+  // The listing says that the file is a regular one, and nothing about its path speaks against lstat finding it.
+  bool regular;
+
+  // The full path, put together anew with every call.
+  std::string Path() const;
+};
+
+using FileVisitor = std::function<void(const ListedFile&)>;
+
+// Calls `visit` for the files that scanFilesInDirExcludeSymlink hands to its reader, in the same order; every directory
+// gets a copy of its own of `visit`, made from that of the directory above.
+void WalkFiles(const std::string& path, FileVisitor visit, unsigned int depth);
+
+#endif
