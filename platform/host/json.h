@@ -1,4 +1,4 @@
-// JSON as it is read and written here, in one source, because the parser and the writer take long to compile.
+// JSON as it is read and written here, in one source, because the parser and writer take long to compile.
 #ifndef PLATFORM_HOST_JSON_H_
 #define PLATFORM_HOST_JSON_H_
 

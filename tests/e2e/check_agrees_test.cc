@@ -3,6 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "platform/host/json.h"
 #include "tests/support/orvelbox_desk.h"
 #include "tests/support/uris.h"
 
@@ -24,7 +25,7 @@ struct Case {
 class CheckAgreesE2e : public HookDesk, public testing::WithParamInterface<Case> {
  protected:
   // The verdicts that the install's outcome amounts to.
-  std::map<std::string, std::string> Outcome(const Result& install, const nlohmann::json& checked) const {
+  std::map<std::string, std::string> Outcome(const Result& install, const host::Json& checked) const {
     const std::string root = OnDesk("/opt/usr/globalapps/org.example.shop/");
     std::map<std::string, std::string> verdicts;
     for (const auto& dll : checked["dlls"]) {
@@ -50,7 +51,7 @@ TEST_P(CheckAgreesE2e, with_what_an_install_does) {
   std::filesystem::create_symlink("orvel-manifest.xml", package + "/Linked.dll");
 
   const Result check = Run({"check", "--format", "json", package});
-  const auto checked = nlohmann::json::parse(check.out);
+  const auto checked = host::ParseJson(check.out);
   EXPECT_EQ(check.status, checked["duplicates"] == 0 ? 0 : 1);
   std::map<std::string, std::string> predicted;
   for (const auto& dll : checked["dlls"]) predicted[dll["path"]] = dll["verdict"];

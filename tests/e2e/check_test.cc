@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "platform/host/json.h"
 #include "tests/support/assembly.h"
 #include "tests/support/orvelbox_desk.h"
 #include "tests/support/zip.h"
@@ -29,7 +30,7 @@ class CheckE2e : public Desk {
   // The verdicts of a check in JSON as "VERDICT PATH ORIGIN".
   std::vector<std::string> Verdicts(int status, std::vector<std::string> arguments) const {
     arguments.insert(arguments.begin(), {"check", "--format", "json"});
-    const auto json = nlohmann::json::parse(RunExpecting(status, arguments).out);
+    const auto json = host::ParseJson(RunExpecting(status, arguments).out);
     std::vector<std::string> verdicts;
     for (const auto& dll : json["dlls"]) {
       verdicts.push_back(dll["verdict"].get<std::string>() + " " + dll["path"].get<std::string>() + " " +
@@ -118,7 +119,7 @@ TEST_F(CheckE2e, an_archive_is_checked_like_its_directory) {
                                                         {"bin/big.bin", std::string(100000, 'x')}}));
   std::filesystem::create_directory(dir_ / "tmp");
   environment_["TMPDIR"] = dir_ / "tmp";
-  const auto json = nlohmann::json::parse(RunExpecting(1, {"check", "--format", "json", dir_ / "shop.opk"}).out);
+  const auto json = host::ParseJson(RunExpecting(1, {"check", "--format", "json", dir_ / "shop.opk"}).out);
   EXPECT_EQ(json["dlls"][0]["verdict"], "removed");
   EXPECT_EQ(json["dlls"][0]["assembly_version"], "1.2.3.4");
   EXPECT_THAT(support::NamesIn(dir_ / "tmp"), IsEmpty());
@@ -134,7 +135,7 @@ TEST_F(CheckE2e, many_packages_give_one_line_each_in_their_order) {
   std::istringstream lines(RunExpecting(1, arguments).out);
   int count = 0;
   for (std::string line; std::getline(lines, line); ++count) {
-    const auto json = nlohmann::json::parse(line);
+    const auto json = host::ParseJson(line);
     EXPECT_EQ(json["id"], "p" + std::to_string(count));
     EXPECT_EQ(json["duplicates"], count % 2 == 0 ? 1 : 0);
   }
@@ -152,7 +153,7 @@ TEST_F(CheckE2e, an_unreadable_package_is_named_and_the_others_are_checked) {
 
 TEST_F(CheckE2e, sarif_is_one_document) {
   AddPlatformFile("framework/Json.dll");
-  const auto log = nlohmann::json::parse(RunExpecting(1, {"check", "--format", "sarif", Shop({{"Json.dll", ""}})}).out);
+  const auto log = host::ParseJson(RunExpecting(1, {"check", "--format", "sarif", Shop({{"Json.dll", ""}})}).out);
   EXPECT_EQ(log["runs"][0]["results"].size(), 1U);
   EXPECT_EQ(log["runs"][0]["results"][0]["locations"][0]["physicalLocation"]["artifactLocation"]["uri"],
             "file://" + (dir_ / "packages/shop/Json.dll"));

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "platform/host/json.h"
 #include "platform/host/log_file.h"
 #include "platform/host/package_store.h"
 #include "tests/host/machine.h"
@@ -31,8 +32,8 @@ class MannersE2e : public Desk {
     support::WriteFile(device_.OnDesk(package.root) / "orvel-manifest.xml", ManifestText("a", "1"));
   }
 
-  nlohmann::json Json(const std::vector<std::string>& arguments) const {
-    return nlohmann::json::parse(RunExpecting(0, arguments).out);
+  host::Json Json(const std::vector<std::string>& arguments) const {
+    return host::ParseJson(RunExpecting(0, arguments).out);
   }
 
   // The commands that the help lists.
@@ -60,7 +61,7 @@ TEST_F(MannersE2e, every_command_has_help_with_an_example_of_itself) {
 }
 
 TEST_F(MannersE2e, list_and_show_are_told_as_json) {
-  EXPECT_EQ(Json({"list", "--json"}), nlohmann::json::array());
+  EXPECT_EQ(Json({"list", "--json"}), host::Json::array());
   Register();
   EXPECT_EQ(Json({"list", "--json"})[0]["root"], "/opt/usr/globalapps/a");
   const auto shown = Json({"show", "--json", "a"});
@@ -73,7 +74,7 @@ TEST_F(MannersE2e, caches_are_told_as_json) {
   support::WriteFile(OnDesk("/opt/usr/home/owner/share/dotnet/TPA.txt"), "[START]:/a:/b[END]");
   std::filesystem::remove(OnDesk("/opt/usr/home/owner/share/dotnet/CoBA.txt"));
   const auto json = Json({"cache", "--json"});
-  EXPECT_EQ(json["TPA.txt"]["entries"], nlohmann::json({"/a", "/b"}));
+  EXPECT_EQ(json["TPA.txt"]["entries"], host::Json({"/a", "/b"}));
   EXPECT_EQ(json["TPA.txt"]["state"], "sound");
   EXPECT_EQ(json["CoBA.txt"]["state"], "missing");
 }

@@ -3,6 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "platform/host/json.h"
 #include "tests/support/child.h"
 #include "tests/support/orvelbox_desk.h"
 #include "tests/support/zip.h"
@@ -36,7 +37,7 @@ class PackageLifeE2e : public HookDesk {
   std::string Package(const std::string& id) const { return MakePackage(id, ManifestText(id, "1")); }
 };
 
-std::vector<std::string> StepsOf(const nlohmann::json& life) {
+std::vector<std::string> StepsOf(const host::Json& life) {
   std::vector<std::string> steps;
   for (const auto& step : life["steps"]) {
     EXPECT_EQ(step["problem"], nullptr);
@@ -62,7 +63,7 @@ TEST_F(PackageLifeE2e, a_component_lives_in_an_archive_and_is_upgraded_to_anothe
                      support::ZipOf({{"orvel-manifest.xml", ManifestText("org.example.a", "1", CobaMetadata())},
                                      {"shared/res/A.dll", "a"}}));
   const std::string two = MakePackage("two", ManifestText("org.example.a", "2"), {{"bin/A.dll", "a"}});
-  const auto life = nlohmann::json::parse(Test(0, {"--json", dir_ / "one.opk", two}).out);
+  const auto life = host::ParseJson(Test(0, {"--json", dir_ / "one.opk", two}).out);
   EXPECT_EQ(life["sound"], true);
   EXPECT_THAT(StepsOf(life),
               ElementsAre("install", "clean", "undo", "recover", "upgrade", "clean", "recover", "uninstall"));
@@ -70,7 +71,7 @@ TEST_F(PackageLifeE2e, a_component_lives_in_an_archive_and_is_upgraded_to_anothe
 
 TEST_F(PackageLifeE2e, what_is_left_behind_is_named) {
   const auto life =
-      nlohmann::json::parse(Test(1, {"--json", "--plugin", LITTERING_PLUGIN, Package("org.example.litter")}).out);
+      host::ParseJson(Test(1, {"--json", "--plugin", LITTERING_PLUGIN, Package("org.example.litter")}).out);
   EXPECT_EQ(life["sound"], false);
   EXPECT_THAT(StepsOf(life), ElementsAre("install", "clean", "undo", "recover", "upgrade", "clean", "recover",
                                          "uninstall", "+ /opt/usr/home/litter"));

@@ -5,6 +5,7 @@
 #include <set>
 #include <sstream>
 
+#include "platform/host/json.h"
 #include "tests/support/command.h"
 #include "tests/support/orvelbox_desk.h"
 
@@ -29,7 +30,7 @@ TEST_F(ParallelE2e, two_workers_check_every_package_once) {
   std::multiset<std::string> told;
   std::istringstream lines(output);
   for (std::string line; std::getline(lines, line);) {
-    const auto json = nlohmann::json::parse(line);
+    const auto json = host::ParseJson(line);
     told.insert(json["id"].get<std::string>() + " " + std::to_string(json["duplicates"].get<int>()));
   }
   EXPECT_EQ(told, std::multiset<std::string>(expected.begin(), expected.end())) << output;

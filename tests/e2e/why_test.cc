@@ -3,6 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "platform/host/json.h"
 #include "platform/host/package_store.h"
 #include "tests/support/orvelbox_desk.h"
 
@@ -69,7 +70,7 @@ TEST_F(WhyE2e, what_changed_since_is_noted) {
 
 TEST_F(WhyE2e, json_holds_the_same) {
   InstallShop();
-  const auto json = nlohmann::json::parse(RunExpecting(0, {"why", "--json", "org.example.shop"}).out);
+  const auto json = host::ParseJson(RunExpecting(0, {"why", "--json", "org.example.shop"}).out);
   ASSERT_EQ(json["dlls"].size(), 2U);
   EXPECT_EQ(json["dlls"][0]["path"], "bin/Json.dll");
   EXPECT_EQ(json["dlls"][0]["fate"], "removed");
@@ -80,7 +81,7 @@ TEST_F(WhyE2e, json_holds_the_same) {
 TEST_F(WhyE2e, the_information_file_speaks_where_the_log_is_gone) {
   InstallShop();
   support::WriteFile(device_.Log(), "");
-  const auto json = nlohmann::json::parse(RunExpecting(0, {"why", "--json", "org.example.shop"}).out);
+  const auto json = host::ParseJson(RunExpecting(0, {"why", "--json", "org.example.shop"}).out);
   ASSERT_EQ(json["dlls"].size(), 1U);
   EXPECT_EQ(json["dlls"][0]["time"], nullptr);
   EXPECT_EQ(json["dlls"][0]["origin"], "/usr/share/dotnet.orvel/framework/Json.dll");
@@ -103,7 +104,7 @@ TEST_F(WhyE2e, caches_that_the_plug_in_wrote_are_sound_until_a_file_is_gone) {
   std::filesystem::remove(OnDesk("/opt/usr/globalapps/org.example.component/shared/res/Part.dll"));
   const Result result = RunExpecting(1, {"cache", "verify"});
   EXPECT_THAT(result.out, AllOf(HasSubstr("Part.dll is gone; "), HasSubstr("orvelbox clean org.example.component\n")));
-  EXPECT_EQ(nlohmann::json::parse(RunExpecting(1, {"cache", "verify", "--json"}).out)["findings"][0]["kind"], "gone");
+  EXPECT_EQ(host::ParseJson(RunExpecting(1, {"cache", "verify", "--json"}).out)["findings"][0]["kind"], "gone");
   EXPECT_EQ(RunExpecting(1, {"--quiet", "cache", "verify"}).out, "");
 }
 

@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "orvel/aul.h"
+#include "platform/host/json.h"
 #include "tests/host/samples.h"
 #include "tests/support/child.h"
 #include "tests/support/standard_error.h"
@@ -17,7 +18,7 @@
 namespace {
 
 namespace fs = std::filesystem;
-using nlohmann::json;
+using json = host::Json;
 using samples::ErrorOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -91,14 +92,14 @@ TEST(LoaderRecord, tells_what_was_loaded_and_counts_the_starts) {
   const samples::EnvironmentDevice device;
   host::RecordLoaderStart(device.device(), {{"/a", "/\xff"}, {"/b/"}, ""});
   host::RecordLoaderStart(device.device(), {{}, {}, "broken"});
-  const auto record = json::parse(support::ReadFile(device.device().LoaderRecord()));
+  const auto record = host::ParseJson(support::ReadFile(device.device().LoaderRecord()));
   EXPECT_EQ(json({{"TPA", json::array()}, {"CoBA", json::array()}, {"starts", 2}, {"error", "broken"}}), record);
 }
 
 TEST(LoaderRecord, paths_need_not_be_utf8) {
   const samples::EnvironmentDevice device;
   host::RecordLoaderStart(device.device(), {{"/a", "/\xff"}, {"/b/"}, ""});
-  const auto record = json::parse(support::ReadFile(device.device().LoaderRecord()));
+  const auto record = host::ParseJson(support::ReadFile(device.device().LoaderRecord()));
   EXPECT_EQ(json({"/a", "/\xEF\xBF\xBD"}), record["TPA"]);
   EXPECT_EQ(json({"/b/"}), record["CoBA"]);
   EXPECT_TRUE(record["error"].is_null());
@@ -109,7 +110,7 @@ TEST(LoaderRecord, a_damaged_record_begins_anew) {
   for (const char* damage : {"", "[]", "{}", R"({"starts": "x"})", R"({"starts": -1})"}) {
     support::WriteFile(device.device().LoaderRecord(), damage);
     host::RecordLoaderStart(device.device(), {});
-    EXPECT_EQ(1, json::parse(support::ReadFile(device.device().LoaderRecord()))["starts"]) << damage;
+    EXPECT_EQ(1, host::ParseJson(support::ReadFile(device.device().LoaderRecord()))["starts"]) << damage;
   }
 }
 
@@ -121,7 +122,7 @@ TEST(RestartLoader, starts_the_loader_on_the_device) {
   support::WithFixedPaths(device.device().Root(), [&] {
     EXPECT_EQ(0, aul_restart_loader("dotnet-loader-inhouse"));
     EXPECT_EQ(0, aul_restart_loader("dotnet-loader-inhouse"));
-    const auto record = json::parse(support::ReadFile(device.device().LoaderRecord()));
+    const auto record = host::ParseJson(support::ReadFile(device.device().LoaderRecord()));
     EXPECT_EQ(json({"/opt/usr/globalapps/p/shared/res/X.dll"}), record["TPA"]);
     EXPECT_EQ(json::array(), record["CoBA"]);
     EXPECT_EQ(2, record["starts"]);
@@ -139,7 +140,7 @@ TEST(RestartLoader, a_loader_that_cannot_start_is_a_failure_told_in_one_line) {
     EXPECT_EQ(
         "dotnet-loader-inhouse: /opt/usr/home/owner/share/dotnet/CoBA.txt: cannot read: No such file or directory\n",
         errors);
-    const auto record = json::parse(support::ReadFile(device.device().LoaderRecord()));
+    const auto record = host::ParseJson(support::ReadFile(device.device().LoaderRecord()));
     EXPECT_EQ("/opt/usr/home/owner/share/dotnet/CoBA.txt: cannot read: No such file or directory", record["error"]);
   });
 }

@@ -15,12 +15,13 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/host/device.h"
+#include "platform/host/json.h"
 #include "platform/host/trace_file.h"
 #include "tests/support/files.h"
 
 namespace {
 
-using nlohmann::json;
+using json = host::Json;
 using testing::ElementsAre;
 
 class Trace : public testing::Test {
@@ -30,7 +31,7 @@ class Trace : public testing::Test {
 
   std::filesystem::path file() const { return directory_.path() / "trace.json"; }
   // The array so far; its closing bracket may be missing in the file.
-  json Events() const { return json::parse(support::ReadFile(file()) + "]"); }
+  json Events() const { return host::ParseJson(support::ReadFile(file()) + "]"); }
   std::vector<std::string> Texts() const {
     std::vector<std::string> texts;
     for (const auto& event : Events()) {

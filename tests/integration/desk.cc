@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "platform/host/json.h"
 #include "tests/support/child.h"
 #include "tests/support/files.h"
 #include "tests/support/uris.h"
@@ -59,7 +60,7 @@ std::vector<std::string> Desk::LogTexts(const std::string& part) const {
 LoaderRecord Desk::Loader() const {
   LoaderRecord record;
   if (!support::IsThere(device_.LoaderRecord())) return record;
-  const auto json = nlohmann::json::parse(support::ReadFile(device_.LoaderRecord()));
+  const auto json = host::ParseJson(support::ReadFile(device_.LoaderRecord()));
   record.starts = json.at("starts");
   record.tpa = json.at("TPA").get<std::vector<std::string>>();
   record.coba = json.at("CoBA").get<std::vector<std::string>>();

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/host/json.h"
 #include "tests/integration/desk.h"
 #include "tests/support/device_root.h"
 #include "tests/support/files.h"
@@ -88,7 +89,7 @@ DESK_TEST(InstallEvents, the_log_holds_whole_lines_under_both_tags) {
 // The phases and the signatures of the trace file, in order: "B gac", "E gac".
 std::vector<std::string> SpansOf(const std::string& file) {
   std::vector<std::string> spans;
-  for (const auto& event : nlohmann::json::parse(ReadFile(file) + "]")) {
+  for (const auto& event : host::ParseJson(ReadFile(file) + "]")) {
     const std::string name = event.at("name");
     spans.push_back(event.at("ph").get<std::string>() + name.substr(name.find(") ") + 1));
   }

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "bench/device_tree.h"
+#include "platform/host/json.h"
 #include "tests/performance/system_calls.h"
 #include "tests/support/child.h"
 #include "tests/support/files.h"
@@ -23,7 +24,7 @@ TEST(Counts, the_pass_over_the_realistic_package_does_no_more_than_recorded) {
   support::WithFixedPaths(root.path(), [] {
     const std::optional<MeasuredRun> run = RunTraced(BENCH_PLUGIN, "pass");
     ASSERT_TRUE(run.has_value()) << "this machine does not let processes be traced";
-    const auto report = nlohmann::json::parse(run->report);
+    const auto report = host::ParseJson(run->report);
     // It did the work: 20 duplicates, each with its lines and spans.
     EXPECT_EQ(308, report.at("lines").get<long>());
     EXPECT_EQ(184, report.at("spans").get<long>());

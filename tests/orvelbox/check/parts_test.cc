@@ -16,6 +16,7 @@
 #include "orvelbox/desk/text_table.h"
 #include "platform/host/child_process.h"
 #include "platform/host/device.h"
+#include "platform/host/json.h"
 
 namespace orvelbox {
 namespace {
@@ -62,7 +63,7 @@ TEST(CheckJson, says_everything_in_one_line) {
   EXPECT_THAT(line, Not(HasSubstr("\n")));
   EXPECT_THAT(line, HasSubstr(R"("duplicates":1)"));
   EXPECT_THAT(line, HasSubstr(R"("newer_than_origin":true)"));
-  const auto read = nlohmann::json::parse(line);
+  const auto read = host::ParseJson(line);
   EXPECT_EQ(read["package"], "shop.opk");
   EXPECT_EQ(read["debugging"], true);
   EXPECT_EQ(read["dlls"][0]["verdict"], "removed");
@@ -135,8 +136,8 @@ TEST(CheckSarif, has_a_result_per_duplicate_and_a_notification_per_unreadable_pa
   unreadable.problem = "damaged";
   CheckedPackage debugged = Package({Dll("bin/X.dll", Verdict::kReportedOnly, "/opt/x/X.dll")});
   debugged.debugging = true;
-  const auto log = nlohmann::json::parse(
-      ToSarif({Package({NewerDll(), Dll("bin/Own.dll", Verdict::kKept, "")}), unreadable, debugged}));
+  const auto log =
+      host::ParseJson(ToSarif({Package({NewerDll(), Dll("bin/Own.dll", Verdict::kKept, "")}), unreadable, debugged}));
   EXPECT_EQ(log["version"], "2.1.0");
   const auto& run = log["runs"][0];
   ASSERT_EQ(run["results"].size(), 2U);

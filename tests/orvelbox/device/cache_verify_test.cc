@@ -6,6 +6,8 @@
 #include <nlohmann/json.hpp>
 #include <set>
 
+#include "platform/host/json.h"
+
 namespace orvelbox {
 namespace {
 
@@ -72,7 +74,7 @@ TEST(CacheVerify, a_root_that_begins_another_is_a_hazard) {
 
 TEST(CacheVerify, json_says_whether_anything_was_found) {
   EXPECT_EQ(ToJson(std::vector<CacheFinding>{}), R"({"sound":true,"findings":[]})");
-  const auto json = nlohmann::json::parse(ToJson({{"TPA.txt", "gone", "/x", "text"}}));
+  const auto json = host::ParseJson(ToJson({{"TPA.txt", "gone", "/x", "text"}}));
   EXPECT_EQ(json["sound"], false);
   EXPECT_EQ(json["findings"][0]["kind"], "gone");
 }
