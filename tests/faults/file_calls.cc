@@ -4,7 +4,6 @@
 #undef _FORTIFY_SOURCE
 
 #include <dirent.h>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,56 +13,22 @@
 #include <cstdio>
 #include <cstring>
 
+#include "tests/faults/call_paths.h"
 #include "tests/faults/fault_points.h"
 #include "tests/faults/opened.h"
 
 namespace {
 
+using faults::Fails;
+using faults::FailsOn;
 using faults::kChanges;
 using faults::kReads;
+using faults::Next;
+using faults::Opened;
+using faults::Path;
+using faults::PathAt;
+using faults::PathOf;
 using faults::Verdict;
-
-// The function of that name which this program's definition hides.
-template <typename Function>
-Function* Next(const char* name) {
-  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-}
-
-// Paths of calls, in plain memory.
-struct Path {
-  char text[4352] = {};
-};
-
-Path PathOf(int file) {
-  Path link;
-  Path path;
-  std::snprintf(link.text, sizeof link.text, "/proc/self/fd/%d", file);
-  static auto* const next = Next<ssize_t(const char*, char*, size_t)>("readlink");
-  const int error = errno;
-  if (next(link.text, path.text, sizeof path.text - 1) < 0) path.text[0] = '\0';
-  errno = error;
-  return path;
-}
-
-Path PathAt(int directory, const char* name) {
-  Path path;
-  if (directory == AT_FDCWD || *name == '/') {
-    std::snprintf(path.text, sizeof path.text, "%s", name);
-  } else {
-    const Path base = PathOf(directory);
-    std::snprintf(path.text, sizeof path.text, "%.4095s/%.255s", base.text, name);
-  }
-  return path;
-}
-
-// Whether the call is to fail; sets errno.
-bool Fails(unsigned kind, const char* call, const char* path) {
-  if (faults::Meet(kind, call, path) != Verdict::kFail) return false;
-  errno = EIO;
-  return true;
-}
-
-bool FailsOn(unsigned kind, const char* call, int file) { return Fails(kind, call, PathOf(file).text); }
 
 unsigned KindOfOpening(int flags) {
   const bool changes = (flags & O_ACCMODE) != O_RDONLY || (flags & (O_CREAT | O_TRUNC)) != 0;
@@ -73,22 +38,6 @@ unsigned KindOfOpening(int flags) {
 unsigned KindOfOpening(const char* mode) { return std::strpbrk(mode, "wa+") != nullptr ? kChanges : kReads; }
 
 bool NeedsMode(int flags) { return (flags & (O_CREAT | O_TMPFILE)) != 0; }
-
-// Tells what was opened.
-int Opened(int file) {
-  faults::NoteOpened(file);
-  return file;
-}
-
-FILE* Opened(FILE* file) {
-  if (file != nullptr) faults::NoteOpened(fileno(file));
-  return file;
-}
-
-DIR* Opened(DIR* directory) {
-  if (directory != nullptr) faults::NoteOpened(dirfd(directory));
-  return directory;
-}
 
 using Write = ssize_t(int, const void*, size_t);
 

@@ -10,13 +10,10 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <functional>
 #include <iostream>
 #include <stdexcept>
 
-#include "platform/host/device.h"
 #include "tests/host/machine.h"
 #include "tests/host/roots.h"
 #include "tests/host/samples.h"

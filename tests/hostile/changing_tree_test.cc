@@ -54,23 +54,21 @@ TEST(ChangingTree, a_dll_that_becomes_a_link_loses_the_link_only) {
   }
 }
 
-TEST(ChangingTree, a_dll_that_became_a_link_after_it_was_listed_is_kept) {
-  OnWatchedDevice([&](const WatchedDevice& device) {
-    WriteFile(InPackage("A.dll"));
-    WriteFile(InPackage("B.dll"));
-    std::string exchanged;
-    device.platform().on_event = [&](const doubles::Event& event) {
-      const std::string message = doubles::MessageOf(event.log);
-      if (message.rfind("Duplicated : ", 0) != 0 || !exchanged.empty()) return;
-      exchanged = message == "Duplicated : " + InPackage("A.dll") ? "B.dll" : "A.dll";
-      fs::remove(InPackage(exchanged));
-      fs::create_symlink(Victim(exchanged), InPackage(exchanged));
-    };
-    device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
-    EXPECT_TRUE(fs::is_symlink(InPackage(exchanged)));
-    EXPECT_TRUE(device.Logged("Symbolic link is detected : " + InPackage(exchanged)));
-    EXPECT_EQ(2u, NamesInRoot().size());
-  });
+HOSTILE_TEST(ChangingTree, a_dll_that_became_a_link_after_it_was_listed_is_kept) {
+  WriteFile(InPackage("A.dll"));
+  WriteFile(InPackage("B.dll"));
+  std::string exchanged;
+  device.platform().on_event = [&](const doubles::Event& event) {
+    const std::string message = doubles::MessageOf(event.log);
+    if (message.rfind("Duplicated : ", 0) != 0 || !exchanged.empty()) return;
+    exchanged = message == "Duplicated : " + InPackage("A.dll") ? "B.dll" : "A.dll";
+    fs::remove(InPackage(exchanged));
+    fs::create_symlink(Victim(exchanged), InPackage(exchanged));
+  };
+  device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+  EXPECT_TRUE(fs::is_symlink(InPackage(exchanged)));
+  EXPECT_TRUE(device.Logged("Symbolic link is detected : " + InPackage(exchanged)));
+  EXPECT_EQ(2u, NamesInRoot().size());
 }
 
 TEST(ChangingTree, a_dll_that_becomes_a_directory_stays) {
@@ -115,37 +113,31 @@ TEST(ChangingTree, a_directory_that_vanishes_or_becomes_a_file_is_passed_over) {
   }
 }
 
-TEST(ChangingTree, a_whole_package_that_vanishes_during_the_walk_is_the_end_of_it) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    WriteFile(InPackage("A.dll"));
-    for (const char* name : {"one/B.dll", "two/three/B.dll"}) WriteFile(InPackage(name));
-    device.At(kRemoving, [] { fs::remove_all(kRoot); });
-    device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
-    EXPECT_FALSE(IsThere(kRoot));
-  });
+HOSTILE_TEST(ChangingTree, a_whole_package_that_vanishes_during_the_walk_is_the_end_of_it) {
+  WriteFile(InPackage("A.dll"));
+  for (const char* name : {"one/B.dll", "two/three/B.dll"}) WriteFile(InPackage(name));
+  device.At(kRemoving, [] { fs::remove_all(kRoot); });
+  device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+  EXPECT_FALSE(IsThere(kRoot));
 }
 
-TEST(ChangingTree, a_cache_file_that_vanishes_between_look_and_read_stays_away) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    MakeCacheFiles();
-    device.At("access cache path", [] { fs::remove(kTpaFile); });
-    device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL);
-    EXPECT_FALSE(IsThere(kTpaFile));
-    EXPECT_EQ("[START]/opt/usr/apps/other/[END]", support::ReadFile(support::kCobaFile));
-  });
+HOSTILE_TEST(ChangingTree, a_cache_file_that_vanishes_between_look_and_read_stays_away) {
+  MakeCacheFiles();
+  device.At("access cache path", [] { fs::remove(kTpaFile); });
+  device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL);
+  EXPECT_FALSE(IsThere(kTpaFile));
+  EXPECT_EQ("[START]/opt/usr/apps/other/[END]", support::ReadFile(support::kCobaFile));
 }
 
-TEST(ChangingTree, a_cache_file_that_becomes_a_link_after_the_read_is_replaced) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    MakeCacheFiles();
-    device.At("after erase", [] {
-      fs::remove(kTpaFile);
-      fs::create_symlink(Victim("notes.txt"), kTpaFile);
-    });
-    device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL);
-    EXPECT_FALSE(fs::is_symlink(kTpaFile));
-    EXPECT_EQ("[START]/opt/usr/apps/other/Y.dll[END]", support::ReadFile(kTpaFile));
+HOSTILE_TEST(ChangingTree, a_cache_file_that_becomes_a_link_after_the_read_is_replaced) {
+  MakeCacheFiles();
+  device.At("after erase", [] {
+    fs::remove(kTpaFile);
+    fs::create_symlink(Victim("notes.txt"), kTpaFile);
   });
+  device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL);
+  EXPECT_FALSE(fs::is_symlink(kTpaFile));
+  EXPECT_EQ("[START]/opt/usr/apps/other/Y.dll[END]", support::ReadFile(kTpaFile));
 }
 
 }  // namespace

@@ -27,14 +27,12 @@ using support::WriteFile;
 
 using Names = std::vector<std::string>;
 
-TEST(Links, a_lib_that_leads_to_others_loses_them_nothing) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    fs::create_directory_symlink(kVictims, InPackage("lib"));
-    WriteFile(InPackage("bin/notes.txt"), "mine");
-    device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
-    EXPECT_EQ((Names{"bin", "lib"}), NamesInRoot());
-    EXPECT_TRUE(fs::is_symlink(InPackage("lib")));
-  });
+HOSTILE_TEST(Links, a_lib_that_leads_to_others_loses_them_nothing) {
+  fs::create_directory_symlink(kVictims, InPackage("lib"));
+  WriteFile(InPackage("bin/notes.txt"), "mine");
+  device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+  EXPECT_EQ((Names{"bin", "lib"}), NamesInRoot());
+  EXPECT_TRUE(fs::is_symlink(InPackage("lib")));
 }
 
 TEST(Links, a_lib_that_is_a_file_or_a_loop_is_passed_over) {
@@ -48,45 +46,37 @@ TEST(Links, a_lib_that_is_a_file_or_a_loop_is_passed_over) {
   }
 }
 
-TEST(Links, directories_that_lead_out_of_the_package_are_not_entered) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    fs::create_directories(InPackage("bin"));
-    fs::create_directory_symlink(kVictims, InPackage("bin/out"));
-    fs::create_directory_symlink(support::kCoreDirectory, InPackage("bin/core.dll"));
-    fs::create_directory_symlink("..", InPackage("bin/up"));
-    // Not "/": what a broken walk deletes as root is to be the sandbox's.
-    fs::create_directory_symlink("/opt/usr", InPackage("above"));
-    EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_INSTALL).result);
-    EXPECT_EQ((Names{"core.dll", "out", "up"}), support::NamesIn(InPackage("bin")));
-  });
+HOSTILE_TEST(Links, directories_that_lead_out_of_the_package_are_not_entered) {
+  fs::create_directories(InPackage("bin"));
+  fs::create_directory_symlink(kVictims, InPackage("bin/out"));
+  fs::create_directory_symlink(support::kCoreDirectory, InPackage("bin/core.dll"));
+  fs::create_directory_symlink("..", InPackage("bin/up"));
+  // Not "/": what a broken walk deletes as root is to be the sandbox's.
+  fs::create_directory_symlink("/opt/usr", InPackage("above"));
+  EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_INSTALL).result);
+  EXPECT_EQ((Names{"core.dll", "out", "up"}), support::NamesIn(InPackage("bin")));
 }
 
-TEST(Links, a_dll_that_is_a_link_stays_and_so_does_what_it_leads_to) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    fs::create_symlink(Core("A.dll"), InPackage("A.dll"));
-    fs::create_symlink(Victim("B.dll"), InPackage("B.dll"));
-    EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_INSTALL).result);
-    EXPECT_EQ((Names{"A.dll", "B.dll"}), NamesInRoot());
-  });
+HOSTILE_TEST(Links, a_dll_that_is_a_link_stays_and_so_does_what_it_leads_to) {
+  fs::create_symlink(Core("A.dll"), InPackage("A.dll"));
+  fs::create_symlink(Victim("B.dll"), InPackage("B.dll"));
+  EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_INSTALL).result);
+  EXPECT_EQ((Names{"A.dll", "B.dll"}), NamesInRoot());
 }
 
-TEST(Links, a_dll_that_is_a_hard_link_loses_its_name_only) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    fs::create_hard_link(Victim("A.dll"), InPackage("A.dll"));
-    device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
-    EXPECT_EQ((Names{"A.dll_deleted"}), NamesInRoot());
-  });
+HOSTILE_TEST(Links, a_dll_that_is_a_hard_link_loses_its_name_only) {
+  fs::create_hard_link(Victim("A.dll"), InPackage("A.dll"));
+  device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+  EXPECT_EQ((Names{"A.dll_deleted"}), NamesInRoot());
 }
 
-TEST(Links, loops_and_dangling_links_are_passed_over) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    fs::create_symlink("A.dll", InPackage("A.dll"));
-    fs::create_symlink("y.dll", InPackage("x.dll"));
-    fs::create_symlink("x.dll", InPackage("y.dll"));
-    fs::create_symlink("gone", InPackage("B.dll"));
-    EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_INSTALL).result);
-    EXPECT_EQ((Names{"A.dll", "B.dll", "x.dll", "y.dll"}), NamesInRoot());
-  });
+HOSTILE_TEST(Links, loops_and_dangling_links_are_passed_over) {
+  fs::create_symlink("A.dll", InPackage("A.dll"));
+  fs::create_symlink("y.dll", InPackage("x.dll"));
+  fs::create_symlink("x.dll", InPackage("y.dll"));
+  fs::create_symlink("gone", InPackage("B.dll"));
+  EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_INSTALL).result);
+  EXPECT_EQ((Names{"A.dll", "B.dll", "x.dll", "y.dll"}), NamesInRoot());
 }
 
 // The information file's name, taken before the plug-in needs it.
@@ -110,13 +100,11 @@ TEST(Links, a_link_in_the_information_files_place_is_replaced_wherever_it_leads)
   }
 }
 
-TEST(Links, a_hard_link_in_the_information_files_place_is_replaced_and_its_file_not_written) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    WriteFile(InPackage("A.dll"));
-    fs::create_hard_link(Victim("notes.txt"), InPackage("A.dll_deleted"));
-    device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
-    ExpectInformationFile();
-  });
+HOSTILE_TEST(Links, a_hard_link_in_the_information_files_place_is_replaced_and_its_file_not_written) {
+  WriteFile(InPackage("A.dll"));
+  fs::create_hard_link(Victim("notes.txt"), InPackage("A.dll_deleted"));
+  device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+  ExpectInformationFile();
 }
 
 // The cache files and their temporary ones.
@@ -136,60 +124,50 @@ TEST(Links, links_in_the_cache_files_places_are_replaced_and_never_written_throu
   }
 }
 
-TEST(Links, hard_links_in_the_cache_files_places_are_replaced_and_never_written_through) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    MakeCacheFiles();
-    fs::create_hard_link(kTpaFile, Victim("TPA.txt"));
-    fs::create_hard_link(kCobaFile, Victim("CoBA.txt"));
-    device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL);
-    EXPECT_EQ("[START]/opt/usr/apps/other/Y.dll[END]", ReadFile(kTpaFile));
-    EXPECT_NE(ReadFile(kTpaFile), ReadFile(Victim("TPA.txt")));
-  });
+HOSTILE_TEST(Links, hard_links_in_the_cache_files_places_are_replaced_and_never_written_through) {
+  MakeCacheFiles();
+  fs::create_hard_link(kTpaFile, Victim("TPA.txt"));
+  fs::create_hard_link(kCobaFile, Victim("CoBA.txt"));
+  device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL);
+  EXPECT_EQ("[START]/opt/usr/apps/other/Y.dll[END]", ReadFile(kTpaFile));
+  EXPECT_NE(ReadFile(kTpaFile), ReadFile(Victim("TPA.txt")));
 }
 
-TEST(Links, links_in_the_temporary_files_places_are_never_written_through) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    MakeCacheFiles();
-    fs::create_symlink(Victim("notes.txt"), kTemporaryTpa);
-    fs::create_symlink("/opt/usr/made-by-root", kTemporaryCoba);
-    device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL);
-    EXPECT_TRUE(device.Logged(std::string("Symbolic link is detected : ") + kTemporaryTpa));
-    EXPECT_TRUE(device.Logged(std::string("Symbolic link is detected : ") + kTemporaryCoba));
-  });
+HOSTILE_TEST(Links, links_in_the_temporary_files_places_are_never_written_through) {
+  MakeCacheFiles();
+  fs::create_symlink(Victim("notes.txt"), kTemporaryTpa);
+  fs::create_symlink("/opt/usr/made-by-root", kTemporaryCoba);
+  device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL);
+  EXPECT_TRUE(device.Logged(std::string("Symbolic link is detected : ") + kTemporaryTpa));
+  EXPECT_TRUE(device.Logged(std::string("Symbolic link is detected : ") + kTemporaryCoba));
 }
 
-TEST(Links, hard_links_in_the_temporary_files_places_are_never_written_through) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    MakeCacheFiles();
-    fs::create_hard_link(Victim("notes.txt"), kTemporaryTpa);
-    fs::create_hard_link(Victim("A.dll"), kTemporaryCoba);
-    device.Send(PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL);
-    EXPECT_EQ("[START]/opt/usr/apps/other/Y.dll[END]", ReadFile(kTpaFile));
-    EXPECT_EQ("[START]/opt/usr/apps/other/[END]", ReadFile(kCobaFile));
-  });
+HOSTILE_TEST(Links, hard_links_in_the_temporary_files_places_are_never_written_through) {
+  MakeCacheFiles();
+  fs::create_hard_link(Victim("notes.txt"), kTemporaryTpa);
+  fs::create_hard_link(Victim("A.dll"), kTemporaryCoba);
+  device.Send(PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL);
+  EXPECT_EQ("[START]/opt/usr/apps/other/Y.dll[END]", ReadFile(kTpaFile));
+  EXPECT_EQ("[START]/opt/usr/apps/other/[END]", ReadFile(kCobaFile));
 }
 
-TEST(Links, a_cache_file_that_leads_to_an_endless_device_reads_as_empty) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    alarm(5);  // before all memory is taken
-    fs::create_symlink("/dev/zero", kTpaFile);
-    fs::create_symlink("/dev/zero", kCobaFile);
-    device.SendCoba(PKGMGR_PARSER_PLUGIN_CLEAN);
-    EXPECT_EQ("/dev/zero", fs::read_symlink(kTpaFile));
-    EXPECT_EQ("/dev/zero", fs::read_symlink(kCobaFile));
-  });
+HOSTILE_TEST(Links, a_cache_file_that_leads_to_an_endless_device_reads_as_empty) {
+  alarm(5);  // before all memory is taken
+  fs::create_symlink("/dev/zero", kTpaFile);
+  fs::create_symlink("/dev/zero", kCobaFile);
+  device.SendCoba(PKGMGR_PARSER_PLUGIN_CLEAN);
+  EXPECT_EQ("/dev/zero", fs::read_symlink(kTpaFile));
+  EXPECT_EQ("/dev/zero", fs::read_symlink(kCobaFile));
 }
 
-TEST(Links, shared_resources_that_lead_elsewhere_are_listed_under_the_packages_own_root) {
-  OnWatchedDevice([](const WatchedDevice& device) {
-    MakeCacheFiles();
-    fs::create_directories(InPackage("shared"));
-    fs::create_directory_symlink(kVictims, InPackage("shared/res"));
-    device.SendCoba(PKGMGR_PARSER_PLUGIN_CLEAN);
-    EXPECT_EQ("[START]/opt/usr/apps/other/Y.dll:" + InPackage("shared/res/A.dll") + ":" +
-                  InPackage("shared/res/B.dll") + "[END]",
-              ReadFile(kTpaFile));
-  });
+HOSTILE_TEST(Links, shared_resources_that_lead_elsewhere_are_listed_under_the_packages_own_root) {
+  MakeCacheFiles();
+  fs::create_directories(InPackage("shared"));
+  fs::create_directory_symlink(kVictims, InPackage("shared/res"));
+  device.SendCoba(PKGMGR_PARSER_PLUGIN_CLEAN);
+  EXPECT_EQ("[START]/opt/usr/apps/other/Y.dll:" + InPackage("shared/res/A.dll") + ":" + InPackage("shared/res/B.dll") +
+                "[END]",
+            ReadFile(kTpaFile));
 }
 
 }  // namespace

@@ -37,18 +37,16 @@ Document ParseGenerously(const std::string& xml) {
 
 const xmlChar* ToXml(const char* text) { return reinterpret_cast<const xmlChar*>(text); }
 
-TEST(HostileManifests, elements_nested_without_end_are_walked) {
-  Fresh([](doubles::Platform&) {
-    const Document document = support::ManifestOf("");
-    xmlNode* node = xmlDocGetRootElement(document.get());
-    for (int i = 0; i < 200000; ++i) node = xmlNewChild(node, nullptr, ToXml("deep"), nullptr);
-    xmlNewProp(xmlNewChild(node, nullptr, ToXml("widget-application"), nullptr), ToXml("type"), ToXml("dotnet-x"));
-    xmlNode* metadata = xmlNewChild(node, nullptr, ToXml("metadata"), nullptr);
-    xmlNewProp(metadata, ToXml("key"), ToXml(support::kCobaKey));
-    xmlNewProp(metadata, ToXml("value"), ToXml("true"));
-    EXPECT_TRUE(isAppDotnetInhouse(document.get()));
-    EXPECT_TRUE(isAppCoBARelated(document.get()));
-  });
+FRESH_TEST(HostileManifests, elements_nested_without_end_are_walked) {
+  const Document document = support::ManifestOf("");
+  xmlNode* node = xmlDocGetRootElement(document.get());
+  for (int i = 0; i < 200000; ++i) node = xmlNewChild(node, nullptr, ToXml("deep"), nullptr);
+  xmlNewProp(xmlNewChild(node, nullptr, ToXml("widget-application"), nullptr), ToXml("type"), ToXml("dotnet-x"));
+  xmlNode* metadata = xmlNewChild(node, nullptr, ToXml("metadata"), nullptr);
+  xmlNewProp(metadata, ToXml("key"), ToXml(support::kCobaKey));
+  xmlNewProp(metadata, ToXml("value"), ToXml("true"));
+  EXPECT_TRUE(isAppDotnetInhouse(document.get()));
+  EXPECT_TRUE(isAppCoBARelated(document.get()));
 }
 
 // A document type in which the entity "bomb" stands for 10 to the power of `levels` bytes.
@@ -62,15 +60,13 @@ std::string Bomb(int levels) {
   return text + "<!ENTITY bomb '&e" + std::to_string(levels) + ";'>]>";
 }
 
-TEST(HostileManifests, an_entity_bomb_in_the_text_is_not_set_off) {
-  Fresh([](doubles::Platform&) {
-    alarm(20);
-    const Document document =
-        ParseGenerously(Bomb(6) + "<manifest>&bomb;<a>&bomb;</a>" + kCoba + kDotnet + "</manifest>");
-    ASSERT_NE(nullptr, document);
-    EXPECT_TRUE(isAppDotnetInhouse(document.get()));
-    EXPECT_TRUE(isAppCoBARelated(document.get()));
-  });
+FRESH_TEST(HostileManifests, an_entity_bomb_in_the_text_is_not_set_off) {
+  alarm(20);
+  const Document document =
+      ParseGenerously(Bomb(6) + "<manifest>&bomb;<a>&bomb;</a>" + kCoba + kDotnet + "</manifest>");
+  ASSERT_NE(nullptr, document);
+  EXPECT_TRUE(isAppDotnetInhouse(document.get()));
+  EXPECT_TRUE(isAppCoBARelated(document.get()));
 }
 
 // Adds an element whose attribute is a reference to the entity; by hand, because a parser would expand it to check it.
@@ -82,73 +78,63 @@ void AddElementOfEntity(xmlDoc* document, const char* element, const char* attri
   value->children->parent = reinterpret_cast<xmlNode*>(value);
 }
 
-TEST(HostileManifests, an_entity_bomb_in_an_attribute_is_not_set_off_and_the_walk_goes_on) {
-  Fresh([](doubles::Platform& platform) {
-    alarm(20);
-    const Document document = ParseGenerously(Bomb(9) + "<manifest/>");
-    ASSERT_NE(nullptr, document);
-    AddElementOfEntity(document.get(), "ui-application", "type", "bomb");
-    AddElementOfEntity(document.get(), "metadata", "key", "bomb");
-    xmlNewProp(xmlGetLastChild(xmlDocGetRootElement(document.get())), ToXml("value"), ToXml("true"));
-    EXPECT_FALSE(isAppDotnetInhouse(document.get()));
-    EXPECT_FALSE(isAppCoBARelated(document.get()));
-    const auto messages = platform.Messages();
-    EXPECT_EQ(1, std::count(messages.begin(), messages.end(),
-                            "Attribute type is left out: its entities are too long or nested too deep"));
-    const Document last = ParseGenerously("<manifest>" + kDotnet + kCoba + "</manifest>");
-    xmlAddChild(xmlDocGetRootElement(document.get()),
-                xmlDocCopyNode(xmlDocGetRootElement(last.get()), document.get(), 1));
-    EXPECT_TRUE(isAppDotnetInhouse(document.get()));
-    EXPECT_TRUE(isAppCoBARelated(document.get()));
-  });
+FRESH_TEST(HostileManifests, an_entity_bomb_in_an_attribute_is_not_set_off_and_the_walk_goes_on) {
+  alarm(20);
+  const Document document = ParseGenerously(Bomb(9) + "<manifest/>");
+  ASSERT_NE(nullptr, document);
+  AddElementOfEntity(document.get(), "ui-application", "type", "bomb");
+  AddElementOfEntity(document.get(), "metadata", "key", "bomb");
+  xmlNewProp(xmlGetLastChild(xmlDocGetRootElement(document.get())), ToXml("value"), ToXml("true"));
+  EXPECT_FALSE(isAppDotnetInhouse(document.get()));
+  EXPECT_FALSE(isAppCoBARelated(document.get()));
+  const auto messages = platform.Messages();
+  EXPECT_EQ(1, std::count(messages.begin(), messages.end(),
+                          "Attribute type is left out: its entities are too long or nested too deep"));
+  const Document last = ParseGenerously("<manifest>" + kDotnet + kCoba + "</manifest>");
+  xmlAddChild(xmlDocGetRootElement(document.get()),
+              xmlDocCopyNode(xmlDocGetRootElement(last.get()), document.get(), 1));
+  EXPECT_TRUE(isAppDotnetInhouse(document.get()));
+  EXPECT_TRUE(isAppCoBARelated(document.get()));
 }
 
-TEST(HostileManifests, an_attribute_made_of_references_without_end_is_not_put_together) {
-  Fresh([](doubles::Platform&) {
-    alarm(20);
-    std::string references;
-    while (references.size() < 600000) references += "&a;";
-    const Document document = support::Parse("<!DOCTYPE manifest [<!ENTITY a 'x'>]><manifest><ui-application type='" +
-                                             references + "dotnet-'/>" + kCoba + "</manifest>");
-    EXPECT_FALSE(isAppDotnetInhouse(document.get()));
-    EXPECT_TRUE(isAppCoBARelated(document.get()));
-  });
+FRESH_TEST(HostileManifests, an_attribute_made_of_references_without_end_is_not_put_together) {
+  alarm(20);
+  std::string references;
+  while (references.size() < 600000) references += "&a;";
+  const Document document = support::Parse("<!DOCTYPE manifest [<!ENTITY a 'x'>]><manifest><ui-application type='" +
+                                           references + "dotnet-'/>" + kCoba + "</manifest>");
+  EXPECT_FALSE(isAppDotnetInhouse(document.get()));
+  EXPECT_TRUE(isAppCoBARelated(document.get()));
 }
 
-TEST(HostileManifests, ordinary_entities_are_expanded) {
-  Fresh([](doubles::Platform&) {
-    const Document document = support::Parse(
-        "<!DOCTYPE manifest [<!ENTITY net 'dotnet-'><!ENTITY k '" + std::string(support::kCobaKey) +
-        "'>]><manifest><ui-application type='&#97; &net;inhouse'/><metadata key='&k;' value='t&#114;ue'/></manifest>");
-    EXPECT_TRUE(isAppDotnetInhouse(document.get()));
-    EXPECT_TRUE(isAppCoBARelated(document.get()));
-  });
+FRESH_TEST(HostileManifests, ordinary_entities_are_expanded) {
+  const Document document = support::Parse(
+      "<!DOCTYPE manifest [<!ENTITY net 'dotnet-'><!ENTITY k '" + std::string(support::kCobaKey) +
+      "'>]><manifest><ui-application type='&#97; &net;inhouse'/><metadata key='&k;' value='t&#114;ue'/></manifest>");
+  EXPECT_TRUE(isAppDotnetInhouse(document.get()));
+  EXPECT_TRUE(isAppCoBARelated(document.get()));
 }
 
-TEST(HostileManifests, an_attribute_of_plain_text_may_be_of_any_length) {
-  Fresh([](doubles::Platform&) {
-    const Document document =
-        support::ManifestOf(ApplicationElement("ui-application", std::string(8000000, 'x') + "dotnet-"));
-    EXPECT_TRUE(isAppDotnetInhouse(document.get()));
-  });
+FRESH_TEST(HostileManifests, an_attribute_of_plain_text_may_be_of_any_length) {
+  const Document document =
+      support::ManifestOf(ApplicationElement("ui-application", std::string(8000000, 'x') + "dotnet-"));
+  EXPECT_TRUE(isAppDotnetInhouse(document.get()));
 }
 
-TEST(HostileManifests, entities_that_are_missing_or_stand_for_themselves_are_no_text) {
-  Fresh([](doubles::Platform&) {
-    alarm(20);
-    const Document document = ParseGenerously("<!DOCTYPE manifest [<!ENTITY loop 'x'>]><manifest/>");
-    xmlEntity* loop = xmlGetDocEntity(document.get(), ToXml("loop"));
-    ASSERT_NE(nullptr, loop);
-    AddElementOfEntity(document.get(), "ui-application", "type", "missing");
-    EXPECT_FALSE(isAppDotnetInhouse(document.get()));
-    AddElementOfEntity(document.get(), "ui-application", "type", "loop");
-    xmlFreeNodeList(loop->children);
-    loop->children = xmlNewReference(document.get(), ToXml("loop"));
-    loop->last = loop->children;
-    loop->children->parent = reinterpret_cast<xmlNode*>(loop);
-    loop->owner = 1;
-    EXPECT_FALSE(isAppDotnetInhouse(document.get()));
-  });
+FRESH_TEST(HostileManifests, entities_that_are_missing_or_stand_for_themselves_are_no_text) {
+  alarm(20);
+  const Document document = ParseGenerously("<!DOCTYPE manifest [<!ENTITY loop 'x'>]><manifest/>");
+  xmlEntity* loop = xmlGetDocEntity(document.get(), ToXml("loop"));
+  ASSERT_NE(nullptr, loop);
+  AddElementOfEntity(document.get(), "ui-application", "type", "missing");
+  EXPECT_FALSE(isAppDotnetInhouse(document.get()));
+  AddElementOfEntity(document.get(), "ui-application", "type", "loop");
+  xmlFreeNodeList(loop->children);
+  loop->children = xmlNewReference(document.get(), ToXml("loop"));
+  loop->last = loop->children;
+  loop->children->parent = reinterpret_cast<xmlNode*>(loop);
+  loop->owner = 1;
+  EXPECT_FALSE(isAppDotnetInhouse(document.get()));
 }
 
 // What libxml2 was asked to fetch.
@@ -167,31 +153,28 @@ int NoteFile(const char* name) {
   return 0;
 }
 
-TEST(HostileManifests, external_entities_are_never_loaded) {
-  Fresh([](doubles::Platform&) {
-    const support::TempDir directory;
-    support::WriteFile(directory / "secret", "dotnet-");
-    const std::string url = "file://" + (directory / "secret");
-    const Document document =
-        ParseGenerously("<!DOCTYPE manifest SYSTEM '" + url + "' [<!ENTITY secret SYSTEM '" + url +
-                        "'><!ENTITY % more SYSTEM '" + url + "'><!NOTATION n SYSTEM '" + url +
-                        "'><!ENTITY raw SYSTEM '" + url + "' NDATA n>]><?xml-stylesheet href='" + url +
-                        "'?><manifest xmlns:xi='http://www.w3.org/2001/XInclude' "
-                        "xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xsi:schemaLocation='a " +
-                        url + "'><xi:include href='" + url + "'/>&secret;<x>&secret;</x><ui-application type='raw'/>" +
-                        kCoba + "</manifest>");
-    ASSERT_NE(nullptr, document);
-    AddElementOfEntity(document.get(), "ui-application", "type", "secret");
-    xmlSetExternalEntityLoader(RefuseEntity);
-    ASSERT_LE(0, xmlRegisterInputCallbacks(
-                     NoteFile, [](const char*) { return static_cast<void*>(nullptr); },
-                     [](void*, char*, int) { return -1; }, [](void*) { return 0; }));
-    EXPECT_FALSE(isAppDotnetInhouse(document.get()));
-    EXPECT_TRUE(isAppCoBARelated(document.get()));
-    EXPECT_EQ(std::vector<std::string>{}, Fetched());
-    xmlFreeDoc(xmlReadFile(url.c_str(), nullptr, XML_PARSE_NOERROR));
-    EXPECT_EQ(std::vector<std::string>{url}, Fetched()) << "what is fetched is noticed";
-  });
+FRESH_TEST(HostileManifests, external_entities_are_never_loaded) {
+  const support::TempDir directory;
+  support::WriteFile(directory / "secret", "dotnet-");
+  const std::string url = "file://" + (directory / "secret");
+  const Document document = ParseGenerously(
+      "<!DOCTYPE manifest SYSTEM '" + url + "' [<!ENTITY secret SYSTEM '" + url + "'><!ENTITY % more SYSTEM '" + url +
+      "'><!NOTATION n SYSTEM '" + url + "'><!ENTITY raw SYSTEM '" + url + "' NDATA n>]><?xml-stylesheet href='" + url +
+      "'?><manifest xmlns:xi='http://www.w3.org/2001/XInclude' "
+      "xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xsi:schemaLocation='a " +
+      url + "'><xi:include href='" + url + "'/>&secret;<x>&secret;</x><ui-application type='raw'/>" + kCoba +
+      "</manifest>");
+  ASSERT_NE(nullptr, document);
+  AddElementOfEntity(document.get(), "ui-application", "type", "secret");
+  xmlSetExternalEntityLoader(RefuseEntity);
+  ASSERT_LE(0, xmlRegisterInputCallbacks(
+                   NoteFile, [](const char*) { return static_cast<void*>(nullptr); },
+                   [](void*, char*, int) { return -1; }, [](void*) { return 0; }));
+  EXPECT_FALSE(isAppDotnetInhouse(document.get()));
+  EXPECT_TRUE(isAppCoBARelated(document.get()));
+  EXPECT_EQ(std::vector<std::string>{}, Fetched());
+  xmlFreeDoc(xmlReadFile(url.c_str(), nullptr, XML_PARSE_NOERROR));
+  EXPECT_EQ(std::vector<std::string>{url}, Fetched()) << "what is fetched is noticed";
 }
 
 }  // namespace

@@ -73,24 +73,20 @@ void ExpectBothFound(const Document& document) {
   EXPECT_TRUE(isAppCoBARelated(document.get()));
 }
 
-TEST(Masses, a_manifest_of_100_mb_of_elements_is_read_to_its_end) {
-  Fresh([](doubles::Platform&) {
-    ExpectBothFound(
-        ManifestOfSize(kManifestSize, support::ApplicationElement("ui-application", std::string(500, 'x')) +
-                                          support::MetadataElement(std::string(250, 'k'), std::string(250, 'v'))));
-  });
+FRESH_TEST(Masses, a_manifest_of_100_mb_of_elements_is_read_to_its_end) {
+  ExpectBothFound(
+      ManifestOfSize(kManifestSize, support::ApplicationElement("ui-application", std::string(500, 'x')) +
+                                        support::MetadataElement(std::string(250, 'k'), std::string(250, 'v'))));
 }
 
 TEST(Masses, a_manifest_of_100_mb_of_text_is_read_to_its_end) {
   Fresh([](doubles::Platform&) { ExpectBothFound(ManifestOfSize(kManifestSize, std::string(1 << 20, 'x'))); });
 }
 
-TEST(Masses, an_attribute_of_100_mb_is_searched_to_its_end) {
-  Fresh([](doubles::Platform&) {
-    const std::string end = "dotnet-";
-    ExpectBothFound(
-        ManifestOfSize(0, support::ApplicationElement("ui-application", std::string(kManifestSize, 'x') + end)));
-  });
+FRESH_TEST(Masses, an_attribute_of_100_mb_is_searched_to_its_end) {
+  const std::string end = "dotnet-";
+  ExpectBothFound(
+      ManifestOfSize(0, support::ApplicationElement("ui-application", std::string(kManifestSize, 'x') + end)));
 }
 
 // A cache text of others' entries with `own` entries of the package spread over it, and the same without those.

@@ -1,9 +1,7 @@
 // Pipes, sockets, devices and directories where files are expected. Whoever waits for one of them is ended.
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -29,17 +27,6 @@ using Names = std::vector<std::string>;
 
 constexpr unsigned kPatience = 20;  // seconds
 
-void MakePipe(const std::string& path) { ASSERT_EQ(0, mkfifo(path.c_str(), 0600)); }
-
-void MakeSocket(const std::string& path) {
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  ASSERT_LT(path.size(), sizeof address.sun_path);
-  path.copy(address.sun_path, path.size());
-  const UniqueFd file(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-  ASSERT_EQ(0, bind(file.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address));
-}
-
 void OnImpatientDevice(const std::function<void(const WatchedDevice&)>& body) {
   OnWatchedDevice([&](const WatchedDevice& device) {
     alarm(kPatience);
@@ -51,8 +38,8 @@ void OnImpatientDevice(const std::function<void(const WatchedDevice&)>& body) {
 
 IMPATIENT_TEST(SpecialFiles, pipes_and_sockets_with_names_of_assemblies_stay) {
   fs::create_directories(InPackage("lib"));
-  for (const char* name : {"A.dll", "lib/B.dll"}) MakePipe(InPackage(name));
-  for (const char* name : {"B.dll", "lib/A.dll"}) MakeSocket(InPackage(name));
+  for (const char* name : {"A.dll", "lib/B.dll"}) support::MakePipe(InPackage(name));
+  for (const char* name : {"B.dll", "lib/A.dll"}) support::MakeSocket(InPackage(name));
   EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_INSTALL).result);
   EXPECT_EQ((Names{"A.dll", "B.dll", "lib"}), NamesInRoot());
   EXPECT_EQ((Names{"A.dll", "B.dll"}), support::NamesIn(InPackage("lib")));
@@ -60,14 +47,14 @@ IMPATIENT_TEST(SpecialFiles, pipes_and_sockets_with_names_of_assemblies_stay) {
 
 TEST(SpecialFiles, a_root_or_lib_that_is_a_pipe_is_passed_over) {
   OnImpatientDevice([](const WatchedDevice& device) {
-    MakePipe(InPackage("lib"));
+    support::MakePipe(InPackage("lib"));
     WriteFile(InPackage("A.dll"));
     device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
     EXPECT_EQ((Names{"A.dll_deleted", "lib"}), NamesInRoot());
   });
   OnImpatientDevice([](const WatchedDevice& device) {
     fs::remove(kRoot);
-    MakePipe(kRoot);
+    support::MakePipe(kRoot);
     EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_INSTALL).result);
     EXPECT_TRUE(fs::is_fifo(kRoot));
   });
@@ -84,8 +71,8 @@ IMPATIENT_TEST(SpecialFiles, a_dll_that_is_a_directory_is_walked_and_stays) {
 IMPATIENT_TEST(SpecialFiles, an_information_file_in_the_place_of_which_something_else_stands_is_not_written) {
   for (const char* dll : {"A.dll", "B.dll", "sub/A.dll"}) WriteFile(InPackage(dll));
   fs::create_directories(InPackage("A.dll_deleted"));
-  MakeSocket(InPackage("B.dll_deleted"));
-  MakePipe(InPackage("sub/A.dll_deleted"));
+  support::MakeSocket(InPackage("B.dll_deleted"));
+  support::MakePipe(InPackage("sub/A.dll_deleted"));
   device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
   EXPECT_EQ((Names{"A.dll_deleted", "B.dll_deleted", "sub"}), NamesInRoot());
   EXPECT_TRUE(fs::is_empty(InPackage("A.dll_deleted")));
@@ -96,7 +83,7 @@ IMPATIENT_TEST(SpecialFiles, an_information_file_in_the_place_of_which_something
 
 IMPATIENT_TEST(SpecialFiles, whoever_listens_at_a_pipe_in_the_information_files_place_hears_nothing) {
   WriteFile(InPackage("A.dll"));
-  MakePipe(InPackage("A.dll_deleted"));
+  support::MakePipe(InPackage("A.dll_deleted"));
   const UniqueFd listener(open(InPackage("A.dll_deleted").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   ASSERT_LE(0, listener.get());
   device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
@@ -107,7 +94,7 @@ IMPATIENT_TEST(SpecialFiles, whoever_listens_at_a_pipe_in_the_information_files_
 
 TEST(SpecialFiles, cache_files_that_are_none_read_as_empty_and_stay) {
   OnImpatientDevice([](const WatchedDevice& device) {
-    MakePipe(kTpaFile);
+    support::MakePipe(kTpaFile);
     fs::create_directory(kCobaFile);
     WriteFile(InPackage("shared/res/X.dll"));
     device.SendCoba(PKGMGR_PARSER_PLUGIN_CLEAN);
@@ -116,8 +103,8 @@ TEST(SpecialFiles, cache_files_that_are_none_read_as_empty_and_stay) {
     EXPECT_TRUE(fs::is_directory(kCobaFile));
   });
   OnImpatientDevice([](const WatchedDevice& device) {
-    MakeSocket(kTpaFile);
-    MakeSocket(kCobaFile);
+    support::MakeSocket(kTpaFile);
+    support::MakeSocket(kCobaFile);
     device.SendCoba(PKGMGR_PARSER_PLUGIN_CLEAN);
     EXPECT_TRUE(fs::is_socket(kTpaFile));
     EXPECT_TRUE(fs::is_socket(kCobaFile));
@@ -126,7 +113,7 @@ TEST(SpecialFiles, cache_files_that_are_none_read_as_empty_and_stay) {
 
 IMPATIENT_TEST(SpecialFiles, a_pipe_in_the_temporary_files_place_never_becomes_a_cache_file) {
   MakeCacheFiles();
-  MakePipe(kTemporaryTpa);
+  support::MakePipe(kTemporaryTpa);
   device.Send(PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL);
   EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(kTpaFile)));
   EXPECT_EQ("[START]/opt/usr/apps/other/Y.dll[END]", support::ReadFile(kTpaFile));

@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <fstream>
@@ -37,6 +40,21 @@ void WriteFile(const fs::path& file, const std::string& content) {
 
 void WriteFiles(const std::vector<std::string>& files) {
   for (const std::string& file : files) WriteFile(file);
+}
+
+void MakePipe(const std::string& path) {
+  if (mkfifo(path.c_str(), 0600) != 0) throw std::runtime_error("cannot make the pipe " + path);
+}
+
+void MakeSocket(const std::string& path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  if (path.size() >= sizeof address.sun_path) throw std::runtime_error("too long for a socket: " + path);
+  path.copy(address.sun_path, path.size());
+  const int file = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const int bound = bind(file, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+  close(file);
+  if (bound != 0) throw std::runtime_error("cannot make the socket " + path);
 }
 
 std::string ReadFile(const fs::path& file) {

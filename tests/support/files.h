@@ -32,6 +32,10 @@ void WriteFile(const std::filesystem::path& file, const std::string& content = "
 // Writes empty files.
 void WriteFiles(const std::vector<std::string>& files);
 
+// Makes a named pipe, or a socket that nobody listens at. Throws std::runtime_error.
+void MakePipe(const std::string& path);
+void MakeSocket(const std::string& path);
+
 // The file's content. Throws std::runtime_error when it cannot be read.
 std::string ReadFile(const std::filesystem::path& file);
 

@@ -199,69 +199,31 @@ TEST(DuplicateWalk, a_path_that_no_call_takes_gives_the_line_of_a_failed_lstat) 
 }
 
 // What the policy says of each file before anything is touched, against what the walk then leaves.
-TEST(DuplicatePolicy, says_beforehand_what_the_walk_does) {
-  Fresh([](Platform&) {
-    const TempDir root;
-    const std::string package = root / "pkg";
-    MakePackage(package);
-    PutCatalogues(package);
-    Texts kept;
-    Texts removed;
-    Texts reported;
-    const auto foretell = [&](const std::string& path, const std::string& name) {
-      const Verdict verdict = Foretell(ByPrecedence(OwnCatalogues()), path, name).verdict;
-      (verdict == Verdict::kKept ? kept : verdict == Verdict::kRemoved ? removed : reported).push_back(path);
-    };
-    scanFilesInDirExcludeSymlink(package, foretell, kLevels);
-    const Outcome outcome = OutcomeOf(package, RemoveDuplicates);
-    const auto there = [](const std::string& path) { return support::IsThere(path); };
-    EXPECT_TRUE(std::all_of(kept.begin(), kept.end(), there));
-    EXPECT_TRUE(std::none_of(removed.begin(), removed.end(), there));
-    EXPECT_TRUE(std::all_of(reported.begin(), reported.end(), there));
-    EXPECT_EQ((Texts{package + "/C.dll"}), reported);
-    const auto tells_of_duplicate = [](const std::string& line) {
-      return line.find("### Duplicated DLL found ###") != std::string::npos;
-    };
-    EXPECT_EQ(static_cast<std::ptrdiff_t>(removed.size() + reported.size()),
-              std::count_if(outcome.log.begin(), outcome.log.end(), tells_of_duplicate));
-    EXPECT_THAT(removed, testing::SizeIs(5));
-  });
-}
-
-struct ForetoldRow {
-  const char* path;
-  const char* name;
-  Verdict verdict;
-  std::string origin;  // empty: none
-  Exemption exemption;
-};
-
-TEST(DuplicatePolicy, names_the_first_catalogued_copy_of_the_catalogues_it_is_given_and_what_exempts_a_file) {
-  Catalogue core = {{"A.dll", "/core/A.dll"}, {"notes.json", "/n"}};
-  Catalogue framework = {{"A.dll", "/second"}, {"P.dll", "/usr/d.pc/P.dll"}};
-  Catalogue components = {{"C.dll", "/opt/usr/globalapps/coba/C.dll"}, {"P.dll", "/second"}};
-  Catalogue library = {{"C.dll", "/second"}, {"L.dll", "/pkg/lib/L.dll"}};
-  const ForetoldRow rows[] = {
-      {"/pkg/A.dll", "A.dll", Verdict::kRemoved, "/core/A.dll", Exemption::kNone},
-      {"/pkg/d.pc/A.dll", "A.dll", Verdict::kKept, "/core/A.dll", Exemption::kOnDpcPath},
-      {"/pkg/P.dll", "P.dll", Verdict::kKept, "/usr/d.pc/P.dll", Exemption::kOriginOnDpcPath},
-      {"/pkg/d.pc/P.dll", "P.dll", Verdict::kKept, "/usr/d.pc/P.dll", Exemption::kOriginOnDpcPath},
-      {"/pkg/C.dll", "C.dll", Verdict::kReportedOnly, "/opt/usr/globalapps/coba/C.dll", Exemption::kNone},
-      {"/pkg/lib/L.dll", "L.dll", Verdict::kKept, "/pkg/lib/L.dll", Exemption::kSamePath},
-      {"/pkg/L.dll", "L.dll", Verdict::kRemoved, "/pkg/lib/L.dll", Exemption::kNone},
-      {"/pkg/U.dll", "U.dll", Verdict::kKept, "", Exemption::kNone},
-      {"/pkg/notes.json", "notes.json", Verdict::kKept, "", Exemption::kNone},
+FRESH_TEST(DuplicatePolicy, says_beforehand_what_the_walk_does) {
+  const TempDir root;
+  const std::string package = root / "pkg";
+  MakePackage(package);
+  PutCatalogues(package);
+  Texts kept;
+  Texts removed;
+  Texts reported;
+  const auto foretell = [&](const std::string& path, const std::string& name) {
+    const Verdict verdict = Foretell(ByPrecedence(OwnCatalogues()), path, name).verdict;
+    (verdict == Verdict::kKept ? kept : verdict == Verdict::kRemoved ? removed : reported).push_back(path);
   };
-  Fresh([&](Platform& platform) {
-    coreFX = {{"U.dll", "/not/asked"}, {"A.dll", "/not/asked"}};
-    for (const ForetoldRow& row : rows) {
-      const Judgement judgement = Foretell({&core, &framework, &components, &library}, row.path, row.name);
-      EXPECT_EQ(row.verdict, judgement.verdict) << row.path;
-      EXPECT_EQ(row.exemption, judgement.exemption) << row.path;
-      EXPECT_EQ(row.origin, judgement.origin == nullptr ? "" : *judgement.origin) << row.path;
-    }
-    EXPECT_TRUE(platform.Messages().empty());
-  });
+  scanFilesInDirExcludeSymlink(package, foretell, kLevels);
+  const Outcome outcome = OutcomeOf(package, RemoveDuplicates);
+  const auto there = [](const std::string& path) { return support::IsThere(path); };
+  EXPECT_TRUE(std::all_of(kept.begin(), kept.end(), there));
+  EXPECT_TRUE(std::none_of(removed.begin(), removed.end(), there));
+  EXPECT_TRUE(std::all_of(reported.begin(), reported.end(), there));
+  EXPECT_EQ((Texts{package + "/C.dll"}), reported);
+  const auto tells_of_duplicate = [](const std::string& line) {
+    return line.find("### Duplicated DLL found ###") != std::string::npos;
+  };
+  EXPECT_EQ(static_cast<std::ptrdiff_t>(removed.size() + reported.size()),
+            std::count_if(outcome.log.begin(), outcome.log.end(), tells_of_duplicate));
+  EXPECT_THAT(removed, testing::SizeIs(5));
 }
 
 }  // namespace

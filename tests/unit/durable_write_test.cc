@@ -166,14 +166,12 @@ TEST(DurableWrite, links_in_both_places_are_one_error_line) {
   EXPECT_TRUE(Holds(platform, {kIsRealPath.Error("Symbolic link is detected : %s", file.temporary)}));
 }
 
-TEST(DurableWrite, a_target_without_a_name_is_refused) {
-  Fresh([](Platform& platform) {
-    const TempDir root;
-    fs::current_path(root.path());
-    writeStringToFile("", "", "abc");
-    EXPECT_TRUE(Holds(platform, {NotThereYet(), kIsRealPath.Error("Path is empty")}));
-    EXPECT_TRUE(support::NamesIn(root.path()).empty());
-  });
+FRESH_TEST(DurableWrite, a_target_without_a_name_is_refused) {
+  const TempDir root;
+  fs::current_path(root.path());
+  writeStringToFile("", "", "abc");
+  EXPECT_TRUE(Holds(platform, {NotThereYet(), kIsRealPath.Error("Path is empty")}));
+  EXPECT_TRUE(support::NamesIn(root.path()).empty());
 }
 
 TEST(DurableWrite, a_path_that_cannot_be_examined_is_refused) {

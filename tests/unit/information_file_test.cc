@@ -77,18 +77,16 @@ TEST(Duplicates, the_open_information_file_is_neither_inherited_nor_made_the_ter
   EXPECT_NE(0, interposed::Files().common_open_flags & O_NOCTTY);
 }
 
-TEST(Duplicates, the_descriptor_of_a_closed_standard_input_is_as_good_as_any) {
-  Fresh([](Platform&) {
-    const TempDir package;
-    const std::string dll = package / "A.dll";
-    WriteFile(dll, "MZ");
-    close(STDIN_FILENO);
-    const std::size_t before = support::NamesIn("/proc/self/fd").size();
-    errno = ELOOP;  // as a failure long before leaves it
-    removeFileAndLeaveInformationFile(kOrigin, dll);
-    EXPECT_EQ(InformationText(kOrigin, dll), support::ReadFile(dll + "_deleted"));
-    EXPECT_EQ(before, support::NamesIn("/proc/self/fd").size());
-  });
+FRESH_TEST(Duplicates, the_descriptor_of_a_closed_standard_input_is_as_good_as_any) {
+  const TempDir package;
+  const std::string dll = package / "A.dll";
+  WriteFile(dll, "MZ");
+  close(STDIN_FILENO);
+  const std::size_t before = support::NamesIn("/proc/self/fd").size();
+  errno = ELOOP;  // as a failure long before leaves it
+  removeFileAndLeaveInformationFile(kOrigin, dll);
+  EXPECT_EQ(InformationText(kOrigin, dll), support::ReadFile(dll + "_deleted"));
+  EXPECT_EQ(before, support::NamesIn("/proc/self/fd").size());
 }
 
 TEST(Duplicates, the_information_file_is_left_although_the_removal_failed) {

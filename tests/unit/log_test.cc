@@ -30,11 +30,9 @@ void ExpectLabel(const std::string& label, const char* signature, const char* pa
   EXPECT_EQ(Event::Kind::kSpanEnd, platform.journal[3].kind);
 }
 
-TEST(Tracker, a_scope_is_framed_by_lines_and_a_span) {
-  Fresh([](Platform& platform) {
-    { FunctionEntryExitTracker tracker("int gac(const std::string&)", "plugin/morvath", 12); }
-    EXPECT_TRUE(Holds(platform, {Traced("morvath", "int gac(const std::string&)", {}, 12)}));
-  });
+FRESH_TEST(Tracker, a_scope_is_framed_by_lines_and_a_span) {
+  { FunctionEntryExitTracker tracker("int gac(const std::string&)", "plugin/morvath", 12); }
+  EXPECT_TRUE(Holds(platform, {Traced("morvath", "int gac(const std::string&)", {}, 12)}));
 }
 
 TEST(Tracker, a_line_reads_exactly_so) {

@@ -67,13 +67,11 @@ TEST(ManifestEntities, a_reference_counts_alone_and_behind_text) {
   ExpectRefused(WithType(too_much, "x&a;"));
 }
 
-TEST(ManifestEntities, an_attribute_that_never_got_a_value_is_no_trouble) {
-  Fresh([](Platform&) {
-    const Document document = support::ManifestOf("<ui-application/>");
-    xmlNode* const application = xmlDocGetRootElement(document.get())->children;
-    xmlNewProp(application, reinterpret_cast<const xmlChar*>("type"), nullptr);
-    EXPECT_FALSE(isAppDotnetInhouse(document.get()));
-  });
+FRESH_TEST(ManifestEntities, an_attribute_that_never_got_a_value_is_no_trouble) {
+  const Document document = support::ManifestOf("<ui-application/>");
+  xmlNode* const application = xmlDocGetRootElement(document.get())->children;
+  xmlNewProp(application, reinterpret_cast<const xmlChar*>("type"), nullptr);
+  EXPECT_FALSE(isAppDotnetInhouse(document.get()));
 }
 
 TEST(ManifestEntities, entities_of_entities_count_as_often_as_they_are_named) {
@@ -101,20 +99,17 @@ TEST(ManifestEntities, entities_may_be_nested_so_deep_and_no_deeper) {
   ExpectRefused(WithNestedEntities(17));
 }
 
-TEST(ManifestEntities, both_walks_tell_of_an_attribute_that_is_left_out) {
-  Fresh([](Platform& platform) {
-    const std::string too_much = Entity("a", Filler(kMost));
-    const Document document =
-        WithEntities(too_much, "<metadata key='&a;' value='true'/><metadata key='k' value='&a;'/>");
-    EXPECT_FALSE(isAppCoBARelated(document.get()));
-    const doubles::Source walk = Plugin("isAppCoBARelated");
-    EXPECT_TRUE(Holds(platform, expected::TracedPlugin(
-                                    "bool isAppCoBARelated(xmlDocPtr)",
-                                    {walk.Debug("Local name %s", "manifest"), walk.Debug("Local name %s", "manifest"),
-                                     walk.Debug("Local name %s", "metadata"), walk.Error(kLeftOut, "key"),
-                                     walk.Debug("Local name %s", "metadata"), walk.Error(kLeftOut, "value"),
-                                     walk.Debug("Local name %s", "manifest")})));
-  });
+FRESH_TEST(ManifestEntities, both_walks_tell_of_an_attribute_that_is_left_out) {
+  const std::string too_much = Entity("a", Filler(kMost));
+  const Document document = WithEntities(too_much, "<metadata key='&a;' value='true'/><metadata key='k' value='&a;'/>");
+  EXPECT_FALSE(isAppCoBARelated(document.get()));
+  const doubles::Source walk = Plugin("isAppCoBARelated");
+  EXPECT_TRUE(Holds(platform, expected::TracedPlugin(
+                                  "bool isAppCoBARelated(xmlDocPtr)",
+                                  {walk.Debug("Local name %s", "manifest"), walk.Debug("Local name %s", "manifest"),
+                                   walk.Debug("Local name %s", "metadata"), walk.Error(kLeftOut, "key"),
+                                   walk.Debug("Local name %s", "metadata"), walk.Error(kLeftOut, "value"),
+                                   walk.Debug("Local name %s", "manifest")})));
 }
 
 TEST(ManifestEntities, text_without_entities_may_be_longer) {

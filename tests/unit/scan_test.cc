@@ -1,8 +1,6 @@
 // The two directory walkers.
 #include <gtest/gtest.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -27,7 +25,6 @@ namespace fs = std::filesystem;
 
 using doubles::Platform;
 using doubles::Steps;
-using doubles::Traced;
 using support::TempDir;
 using support::WriteFile;
 
@@ -57,16 +54,14 @@ std::vector<std::string> PathsBelow(const TempDir& root, const Seen& seen) {
 
 using Paths = std::vector<std::string>;
 
-TEST(Scan, files_are_reported_with_full_path_and_bare_name) {
-  Fresh([](Platform& platform) {
-    const TempDir root;
-    WriteFile(root / "A.dll");
-    WriteFile(root / "b.JSON");
-    const Seen expected = {{root / "A.dll", "A.dll"}, {root / "b.JSON", "b.JSON"}};
-    EXPECT_EQ(expected, Sorted(ScanFiles(root.path().string())));
-    EXPECT_EQ(expected, Sorted(ScanFiles(root.path().string() + "/"))) << "a trailing slash changes no path";
-    EXPECT_TRUE(Holds(platform, Steps{}));
-  });
+FRESH_TEST(Scan, files_are_reported_with_full_path_and_bare_name) {
+  const TempDir root;
+  WriteFile(root / "A.dll");
+  WriteFile(root / "b.JSON");
+  const Seen expected = {{root / "A.dll", "A.dll"}, {root / "b.JSON", "b.JSON"}};
+  EXPECT_EQ(expected, Sorted(ScanFiles(root.path().string())));
+  EXPECT_EQ(expected, Sorted(ScanFiles(root.path().string() + "/"))) << "a trailing slash changes no path";
+  EXPECT_TRUE(Holds(platform, Steps{}));
 }
 
 TEST(Scan, the_depth_counts_levels_the_first_one_included) {
@@ -84,14 +79,6 @@ TEST(Scan, the_depth_counts_levels_the_first_one_included) {
     EXPECT_EQ(std::count(seen.back().first.begin(), seen.back().first.end(), '/'),
               std::count(seen.front().first.begin(), seen.front().first.end(), '/') + static_cast<long>(files) - 1);
   }
-}
-
-TEST(Scan, depth_two_sees_a_file_and_then_that_of_the_subdirectory) {
-  const TempDir root;
-  WriteFile(root / "sub/f2");
-  WriteFile(root / "f1");
-  EXPECT_EQ((Seen{{root / "f1", "f1"}, {root / "sub/f2", "f2"}}), ScanFiles(root.path().string(), 2));
-  EXPECT_EQ((Seen{{root / "f1", "f1"}}), ScanFiles(root.path().string(), 1));
 }
 
 // Files of a directory in the order of its listing, then its subdirectories in that order.
@@ -130,20 +117,10 @@ TEST(Scan, a_link_is_reported_under_its_own_name_and_never_walked) {
             Sorted(ScanFiles(root.path().string())));
 }
 
-void MakeSocket(const std::string& path) {
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  ASSERT_LT(path.size(), sizeof address.sun_path);
-  path.copy(address.sun_path, path.size());
-  const int file = socket(AF_UNIX, SOCK_STREAM, 0);
-  EXPECT_EQ(0, bind(file, reinterpret_cast<const sockaddr*>(&address), sizeof address));
-  close(file);
-}
-
 TEST(Scan, pipes_and_sockets_and_links_to_them_are_passed_over) {
   const TempDir root;
-  ASSERT_EQ(0, mkfifo((root / "pipe").c_str(), 0600));
-  MakeSocket(root / "socket");
+  support::MakePipe(root / "pipe");
+  support::MakeSocket(root / "socket");
   fs::create_symlink("pipe", root / "link to pipe");
   WriteFile(root / "file");
   EXPECT_EQ((Paths{"file"}), PathsBelow(root, ScanFiles(root.path().string())));
@@ -167,20 +144,17 @@ TEST(Scan, a_path_with_the_assembly_cache_link_text_is_not_entered) {
   EXPECT_TRUE(ScanFiles(root / "a/.sac_symlink/y").empty());
 }
 
-TEST(Scan, without_entry_types_every_entry_is_reported_and_none_descended_into) {
-  Fresh([](Platform&) {
-    const TempDir root;
-    WriteFile(root / "f");
-    WriteFile(root / "sub/f2");
-    fs::create_symlink("gone", root / "dangling");
-    fs::create_symlink("f", root / "link");
-    ASSERT_EQ(0, mkfifo((root / "pipe").c_str(), 0600));
-    interposed::Now().entry_types_unknown = true;
-    EXPECT_EQ(
-        (Seen{
-            {root / ".", "."}, {root / "..", ".."}, {root / "f", "f"}, {root / "link", "link"}, {root / "sub", "sub"}}),
-        Sorted(ScanFiles(root.path().string())));
-  });
+FRESH_TEST(Scan, without_entry_types_every_entry_is_reported_and_none_descended_into) {
+  const TempDir root;
+  WriteFile(root / "f");
+  WriteFile(root / "sub/f2");
+  fs::create_symlink("gone", root / "dangling");
+  fs::create_symlink("f", root / "link");
+  support::MakePipe(root / "pipe");
+  interposed::Now().entry_types_unknown = true;
+  EXPECT_EQ(
+      (Seen{{root / ".", "."}, {root / "..", ".."}, {root / "f", "f"}, {root / "link", "link"}, {root / "sub", "sub"}}),
+      Sorted(ScanFiles(root.path().string())));
 }
 
 // The paths below `root` that a walk over it examines, sorted.
@@ -196,35 +170,29 @@ Paths ExaminedByWalk(const TempDir& root) {
   return paths;
 }
 
-TEST(Scan, links_alone_are_examined_where_the_listing_tells_the_types) {
-  Fresh([](Platform&) {
-    const TempDir root;
-    for (const char* file : {"A.dll", "sub/B.dll"}) WriteFile(root / file);
-    ASSERT_EQ(0, mkfifo((root / "pipe").c_str(), 0600));
-    fs::create_symlink("A.dll", root / "link");
-    fs::create_symlink("gone", root / "sub/dangling");
-    EXPECT_EQ((Paths{"link", "sub/dangling"}), ExaminedByWalk(root));
-  });
+FRESH_TEST(Scan, links_alone_are_examined_where_the_listing_tells_the_types) {
+  const TempDir root;
+  for (const char* file : {"A.dll", "sub/B.dll"}) WriteFile(root / file);
+  support::MakePipe(root / "pipe");
+  fs::create_symlink("A.dll", root / "link");
+  fs::create_symlink("gone", root / "sub/dangling");
+  EXPECT_EQ((Paths{"link", "sub/dangling"}), ExaminedByWalk(root));
 }
 
-TEST(Scan, every_entry_is_examined_where_the_listing_tells_no_types) {
-  Fresh([](Platform&) {
-    const TempDir root;
-    for (const char* file : {"A.dll", "sub/B.dll"}) WriteFile(root / file);
-    interposed::Now().entry_types_unknown = true;
-    EXPECT_EQ((Paths{".", "..", "A.dll", "sub"}), ExaminedByWalk(root));
-  });
+FRESH_TEST(Scan, every_entry_is_examined_where_the_listing_tells_no_types) {
+  const TempDir root;
+  for (const char* file : {"A.dll", "sub/B.dll"}) WriteFile(root / file);
+  interposed::Now().entry_types_unknown = true;
+  EXPECT_EQ((Paths{".", "..", "A.dll", "sub"}), ExaminedByWalk(root));
 }
 
-TEST(Scan, a_directory_that_cannot_be_opened_yields_nothing_and_no_message) {
-  Fresh([](Platform& platform) {
-    const TempDir root;
-    WriteFile(root / "file");
-    EXPECT_TRUE(ScanFiles(root / "missing").empty());
-    EXPECT_TRUE(ScanFiles(root / "file").empty());
-    EXPECT_TRUE(ScanFiles("").empty());
-    EXPECT_TRUE(Holds(platform, Steps{}));
-  });
+FRESH_TEST(Scan, a_directory_that_cannot_be_opened_yields_nothing_and_no_message) {
+  const TempDir root;
+  WriteFile(root / "file");
+  EXPECT_TRUE(ScanFiles(root / "missing").empty());
+  EXPECT_TRUE(ScanFiles(root / "file").empty());
+  EXPECT_TRUE(ScanFiles("").empty());
+  EXPECT_TRUE(Holds(platform, Steps{}));
 }
 
 TEST(Scan, a_subdirectory_that_may_not_be_read_is_passed_over) {
@@ -237,18 +205,6 @@ TEST(Scan, a_subdirectory_that_may_not_be_read_is_passed_over) {
     EXPECT_TRUE(Holds(platform, Steps{}));
   });
   fs::permissions(root / "closed", fs::perms::owner_all);
-}
-
-TEST(Scan, what_the_reader_throws_leaves_the_walk) {
-  const TempDir root;
-  WriteFile(root / "sub/f");
-  int calls = 0;
-  const FileReader reader = [&](const std::string&, const std::string&) {
-    ++calls;
-    throw std::runtime_error("no more");
-  };
-  EXPECT_THROW(scanFilesInDirExcludeSymlink(root.path().string(), reader, 10), std::runtime_error);
-  EXPECT_EQ(1, calls);
 }
 
 TEST(Scan, what_the_reader_throws_leaves_no_directory_open) {
@@ -281,52 +237,6 @@ TEST(Scan, one_directory_per_level_is_open_while_its_subdirectories_are_walked) 
       root.path().string(), [&](const std::string&, const std::string&) { open.push_back(OpenFiles() - before); }, 10);
   EXPECT_EQ((std::vector<std::size_t>{1, 2, 3}), open);
   EXPECT_EQ(before, OpenFiles());
-}
-
-Steps ScanDirsFrame() {
-  return Traced("platform_utils", "void scanDirsInDirectory(const std::string&, FileReader)", Steps{});
-}
-
-TEST(ScanDirs, the_immediate_subdirectories_are_reported) {
-  Fresh([](Platform& platform) {
-    const TempDir root;
-    for (const char* file : {"f", "sub/f", "sub/deep/f", ".hidden/f", ".sac_symlink/f"}) WriteFile(root / file);
-    fs::create_symlink("sub", root / "link");
-    Seen seen;
-    scanDirsInDirectory(root.path().string(), Into(seen));
-    EXPECT_EQ((Seen{{root / ".hidden", ".hidden"}, {root / ".sac_symlink", ".sac_symlink"}, {root / "sub", "sub"}}),
-              Sorted(seen));
-    EXPECT_TRUE(Holds(platform, {ScanDirsFrame()}));
-  });
-}
-
-TEST(ScanDirs, a_directory_that_cannot_be_opened_has_none) {
-  Fresh([](Platform& platform) {
-    Seen seen;
-    scanDirsInDirectory("/proc/nowhere/at/all", Into(seen));
-    EXPECT_TRUE(seen.empty());
-    EXPECT_TRUE(Holds(platform, {ScanDirsFrame()}));
-  });
-}
-
-TEST(ScanDirs, without_entry_types_nothing_is_reported) {
-  Fresh([](Platform&) {
-    const TempDir root;
-    fs::create_directories(root / "sub");
-    interposed::Now().entry_types_unknown = true;
-    Seen seen;
-    scanDirsInDirectory(root.path().string(), Into(seen));
-    EXPECT_TRUE(seen.empty());
-  });
-}
-
-TEST(ScanDirs, an_empty_reader_raises_after_the_exit_line) {
-  Fresh([](Platform& platform) {
-    const TempDir root;
-    fs::create_directories(root / "sub");
-    EXPECT_THROW(scanDirsInDirectory(root.path().string(), FileReader()), std::bad_function_call);
-    EXPECT_TRUE(Holds(platform, {ScanDirsFrame()}));
-  });
 }
 
 }  // namespace
