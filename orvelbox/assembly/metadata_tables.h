@@ -1,4 +1,4 @@
-// The table stream ("#~") of CLI metadata: where the rows of a table stand. What they mean is the reader's business.
+// The table stream ("#~") of CLI metadata: where the rows of a table stand. Their meaning is left to the reader.
 #ifndef ORVEL_ORVELBOX_ASSEMBLY_METADATA_TABLES_H_
 #define ORVEL_ORVELBOX_ASSEMBLY_METADATA_TABLES_H_
 

@@ -9,7 +9,6 @@
 #include "base/affix.h"
 #include "orvelbox/check/package_checker.h"
 #include "orvelbox/check/workers.h"
-#include "orvelbox/desk/scratch_directory.h"
 #include "orvelbox/desk/tree.h"
 #include "orvelbox/package/manifest.h"
 #include "orvelbox/package/source.h"
@@ -52,7 +51,7 @@ PlatformSet CollectSet(const CheckRequest& request, const fs::path& device, cons
   return set;
 }
 
-// What goes wrong with one package is that one's problem.
+// An error about one package becomes the problem of its result; the others go on.
 CheckedPackage CheckOne(const PackageChecker& checker, const std::string& package, const fs::path& scratch,
                         const std::atomic<bool>& stopped) {
   CheckedPackage result;

@@ -1,4 +1,4 @@
-// Many packages judged on all cores. What is told of the results is the command's business.
+// Many packages judged on all cores. The command reports the results.
 #ifndef ORVEL_ORVELBOX_CHECK_CHECK_H_
 #define ORVEL_ORVELBOX_CHECK_CHECK_H_
 
@@ -26,7 +26,7 @@ class CheckReceiver {
   virtual ~CheckReceiver() = default;
   // One package, in the order in which they were asked for.
   virtual void Receive(CheckedPackage package) = 0;
-  // So many packages are through.
+  // So many packages are finished.
   virtual void Finished(std::size_t packages) = 0;
 };
 

@@ -13,6 +13,10 @@ namespace orvelbox {
 // All about a package that could be checked, in words and a table; still to be made printable (output.h).
 Lines DescribeCheck(const CheckedPackage& package);
 
+// The lines for the duplicates of `package` that a copy outside of it makes duplicates, to be put inside of <Project>.
+// None when there are none.
+Lines ProjectLines(const CheckedPackage& package);
+
 // Everything as one line of JSON.
 std::string ToJson(const CheckedPackage& package);
 

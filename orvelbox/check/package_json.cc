@@ -2,7 +2,6 @@
 #include <nlohmann/json.hpp>
 
 #include "orvelbox/check/formats.h"
-#include "orvelbox/check/project_lines.h"
 #include "platform/host/json.h"
 
 namespace orvelbox {

@@ -1,5 +1,5 @@
 // What a package is checked against: the platform's assemblies and the CoBA packages of a device, a directory, or a
-// list of files. Laid out on the desk as the plug-in's own cataloguing expects it; judging is check_package's business.
+// list of files. Laid out on the desk as the plug-in's own cataloguing expects it; judged in package_checker.
 #ifndef ORVEL_ORVELBOX_CHECK_PLATFORM_SET_H_
 #define ORVEL_ORVELBOX_CHECK_PLATFORM_SET_H_
 

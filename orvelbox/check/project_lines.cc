@@ -1,12 +1,11 @@
 // Lines of a .NET project file.
-#include "orvelbox/check/project_lines.h"
-
 #include <filesystem>
 #include <set>
 
-#include "orvelbox/check/percent_encoding.h"
+#include "orvelbox/check/formats.h"
 #include "orvelbox/desk/xml.h"
 #include "platform/host/paths.h"
+#include "platform/host/percent_encoding.h"
 
 namespace orvelbox {
 namespace {
@@ -14,7 +13,7 @@ namespace {
 // Within the quotes of a condition, these have a meaning of their own.
 std::string ConditionText(const std::string& text) {
   constexpr std::string_view kMeaningful = "%'$@";
-  return XmlEscaped(PercentEncoded(text, [&](char c) { return kMeaningful.find(c) == std::string_view::npos; }));
+  return XmlEscaped(host::PercentEncoded(text, [&](char c) { return kMeaningful.find(c) == std::string_view::npos; }));
 }
 
 // The names of the DLLs without ".dll".
@@ -29,10 +28,10 @@ std::set<std::string> ProvidedElsewhere(const CheckedPackage& package) {
 
 }  // namespace
 
-std::vector<std::string> ProjectLines(const CheckedPackage& package) {
+Lines ProjectLines(const CheckedPackage& package) {
   const std::set<std::string> names = ProvidedElsewhere(package);
   if (names.empty()) return {};
-  std::vector<std::string> lines = {"<!-- DLLs that come with a package of their name -->", "<ItemGroup>"};
+  Lines lines = {"<!-- DLLs that come with a package of their name -->", "<ItemGroup>"};
   for (const std::string& name : names) {
     lines.push_back("  <PackageReference Update=\"" + XmlEscaped(name) + "\" ExcludeAssets=\"runtime\" />");
   }

@@ -1,4 +1,4 @@
-// What `check` finds out about a package. Plain facts; finding them and telling them is done elsewhere.
+// What `check` finds out about a package. Plain facts; found in package_checker, reported in formats.
 #ifndef ORVEL_ORVELBOX_CHECK_RESULT_H_
 #define ORVEL_ORVELBOX_CHECK_RESULT_H_
 

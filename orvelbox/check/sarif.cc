@@ -4,8 +4,8 @@
 
 #include "base/affix.h"
 #include "orvelbox/check/formats.h"
-#include "orvelbox/check/percent_encoding.h"
 #include "platform/host/json.h"
+#include "platform/host/percent_encoding.h"
 
 namespace orvelbox {
 namespace {
@@ -26,7 +26,7 @@ host::Json Rule(const char* id, const std::string& text) {
 std::string UriOf(const std::string& path) {
   static constexpr std::string_view kPlain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/";
   const std::string scheme = HasPrefix(path, "/") ? "file://" : "";
-  return scheme + PercentEncoded(path, [](char c) { return kPlain.find(c) != std::string_view::npos; });
+  return scheme + host::PercentEncoded(path, [](char c) { return kPlain.find(c) != std::string_view::npos; });
 }
 
 std::string VersionIn(const DllCopy& copy) { return copy.version ? " (" + ToString(*copy.version) + ")" : ""; }

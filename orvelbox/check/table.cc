@@ -1,6 +1,5 @@
 // The table of a check.
 #include "orvelbox/check/formats.h"
-#include "orvelbox/check/project_lines.h"
 #include "orvelbox/desk/text_table.h"
 
 namespace orvelbox {

@@ -1,4 +1,4 @@
-// Opening the device for a change, and telling what came of it.
+// Opening the device for a change, and reporting the outcome.
 #include "orvelbox/commands/changing_command.h"
 
 #include "orvelbox/commands/device_choice.h"
@@ -7,6 +7,29 @@
 #include "orvelbox/operations/report.h"
 
 namespace orvelbox {
+namespace {
+
+class PackageEventCommand : public ChangingCommand {
+ public:
+  explicit PackageEventCommand(const PackageEvent& event)
+      : ChangingCommand(event.command, event.description, std::string(event.command) + " org.example.shop"),
+        event_(event) {
+    AddArgument(IdArgument(&id_));
+  }
+
+ private:
+  int RunOn(const Session& session) const override {
+    const Change change = CallHooks(session, event_.hooks, id_);
+    const std::string name = WithVersion(change.package.id, change.package.version);
+    return Tell(change, std::string(event_.done) + " " + name + event_.after,
+                std::string("not done: ") + event_.command + " " + name);
+  }
+
+  PackageEvent event_;
+  std::string id_;
+};
+
+}  // namespace
 
 int ChangingCommand::Run(const GlobalOptions& global) const {
   const Session session(HookSettingsFor(global, OpenChosenDevice(global)));
@@ -21,6 +44,10 @@ int ChangingCommand::Tell(const Change& change, const std::string& done, const s
   if (change.Done()) return kDone;
   Complain(ComplaintAbout(facts().name, change));
   return kFailed;
+}
+
+std::unique_ptr<Command> MakePackageEvent(const PackageEvent& event) {
+  return std::make_unique<PackageEventCommand>(event);
 }
 
 }  // namespace orvelbox

@@ -3,7 +3,7 @@
 #include "orvelbox/commands/device_choice.h"
 #include "orvelbox/desk/output.h"
 #include "orvelbox/desk/progress.h"
-#include "orvelbox/desk/scratch_directory.h"
+#include "orvelbox/desk/tree.h"
 #include "orvelbox/operations/lifecycle.h"
 #include "platform/host/child_process.h"
 

@@ -7,8 +7,7 @@
 
 #include "orvelbox/cli/command.h"
 #include "orvelbox/desk/output.h"
-#include "orvelbox/trace/picture.h"
-#include "orvelbox/trace/timeline.h"
+#include "orvelbox/trace/drawings.h"
 #include "platform/host/device_error.h"
 #include "platform/host/files.h"
 

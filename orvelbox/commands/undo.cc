@@ -1,5 +1,5 @@
 // undo: calls UNDO.
-#include "orvelbox/commands/package_event.h"
+#include "orvelbox/commands/changing_command.h"
 
 namespace orvelbox {
 

@@ -1,4 +1,4 @@
-// Pieces of the lines that people read. Where lines go is output's business.
+// Helpers for lines of text for people. Printing them is done in output.
 #ifndef ORVEL_ORVELBOX_DESK_LINES_H_
 #define ORVEL_ORVELBOX_DESK_LINES_H_
 

@@ -11,8 +11,8 @@
 namespace orvelbox {
 
 // `text` with every control character, every mark that turns a line around and every byte that is no UTF-8 escaped as
-// in C ("\n", "\x1b"), so that no name can steer a terminal or forge a line. A backslash stays as it is: the result is
-// for eyes, not for reading back.
+// in C ("\n", "\x1b"), so that no name can control a terminal or forge a line. A backslash stays as it is: the result
+// cannot be read back.
 std::string Printable(std::string_view text);
 
 // Whether nothing but complaints is printed from here on.

@@ -1,4 +1,4 @@
-// The progress bar, and the line of work without a known end.
+// The progress bar, and the line for work of unknown length.
 #include "orvelbox/desk/progress.h"
 
 #include <unistd.h>
@@ -69,7 +69,7 @@ Activity::Activity(std::string action, bool wanted) : action_(std::move(action))
       thread_ = std::thread([this] { Tell(); });
       current = this;
     } catch (const std::system_error&) {
-      // The work matters more than its line.
+      // Without the thread the work goes on, only the line is missing.
     }
   });
 }

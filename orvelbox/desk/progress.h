@@ -1,4 +1,4 @@
-// How far a long piece of work is, on a terminal.
+// The progress of long work, on a terminal.
 #ifndef ORVEL_ORVELBOX_DESK_PROGRESS_H_
 #define ORVEL_ORVELBOX_DESK_PROGRESS_H_
 
@@ -23,7 +23,7 @@ class Progress {
   Progress& operator=(const Progress&) = delete;
   ~Progress() { Clear(); }
 
-  // Shows that `done` pieces are through; not more often than the eye can follow.
+  // Shows that `done` pieces are finished; at most ten times a second.
   void Show(std::size_t done);
   // Takes the bar away, so that something else can be printed.
   void Clear();
@@ -36,7 +36,7 @@ class Progress {
   std::chrono::steady_clock::time_point last_{};
 };
 
-// A piece of work whose length nobody knows: once it has taken a second, a line on standard error says that it goes on,
+// A piece of work of unknown length: once it has taken a second, a line on standard error says that it goes on,
 // for how long and how many files it has written, while that is a terminal and `wanted`. One at a time.
 class Activity {
  public:

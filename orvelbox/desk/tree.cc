@@ -1,7 +1,8 @@
-// Directory trees: copy, removal, move.
+// Directory trees: copy, removal, move, temporary ones.
 #include "orvelbox/desk/tree.h"
 
 #include <fcntl.h>
+#include <stdlib.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -119,6 +120,19 @@ void MakeDirectory(const fs::path& path) {
 bool IsThere(const fs::path& path) {
   std::error_code ignored;
   return fs::symlink_status(path, ignored).type() != fs::file_type::not_found;
+}
+
+ScratchDirectory::ScratchDirectory() {
+  std::error_code ignored;
+  const fs::path temporary = fs::temp_directory_path(ignored);
+  std::string name = ((ignored ? fs::path("/tmp") : fs::canonical(temporary)) / "orvelbox-XXXXXX").string();
+  if (mkdtemp(name.data()) == nullptr) host::ThrowFileError(name, "make the directory", errno);
+  path_ = name;
+}
+
+ScratchDirectory::~ScratchDirectory() {
+  std::error_code ignored;
+  fs::remove_all(path_, ignored);
 }
 
 }  // namespace orvelbox

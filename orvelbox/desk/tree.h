@@ -1,4 +1,4 @@
-// Copies and removes whole directory trees. Where they belong is installed_trees' business.
+// Copies, moves and removes whole directory trees.
 #ifndef ORVEL_ORVELBOX_DESK_TREE_H_
 #define ORVEL_ORVELBOX_DESK_TREE_H_
 
@@ -24,6 +24,21 @@ void MakeDirectory(const std::filesystem::path& path);
 
 // Whether something lies at `path`, be it a dangling link.
 bool IsThere(const std::filesystem::path& path);
+
+// A new directory below $TMPDIR (or /tmp) for this user alone, removed with all it holds at the end.
+class ScratchDirectory {
+ public:
+  // Throws host::DeviceError.
+  ScratchDirectory();
+  ScratchDirectory(const ScratchDirectory&) = delete;
+  ScratchDirectory& operator=(const ScratchDirectory&) = delete;
+  ~ScratchDirectory();
+
+  const std::filesystem::path& path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
 
 }  // namespace orvelbox
 

@@ -12,6 +12,8 @@ namespace fs = std::filesystem;
 namespace orvelbox {
 namespace {
 
+using Mode = host::PackageStore::Mode;
+
 // In the staging area; no package id begins with ".".
 constexpr const char* kUnpacked = ".unpacked";
 
@@ -33,31 +35,9 @@ void RemoveIfEmpty(const fs::path& directory) { rmdir(directory.c_str()); }
 InstalledTrees::InstalledTrees(host::Device device, const host::DeviceConfig& config)
     : device_(std::move(device)), root_(config.read_write_root), journal_(device_) {}
 
-std::string InstalledTrees::RootOnDevice(const std::string& package_id) const { return root_ + "/" + package_id; }
+void InstalledTrees::Register(const host::Package& package) const { Store(Mode::kReadWrite).Put(package); }
 
-fs::path InstalledTrees::Place(const host::Package& package) const { return device_.OnDesk(package.root); }
-
-fs::path InstalledTrees::StagingArea() const { return device_.OnDesk(root_) / ".staging"; }
-
-fs::path InstalledTrees::Unpacked() const { return Staging(kUnpacked); }
-
-fs::path InstalledTrees::PreviousArea() const { return device_.OnDesk(root_) / ".previous"; }
-
-fs::path InstalledTrees::Staging(const std::string& package_id) const { return StagingArea() / package_id; }
-
-fs::path InstalledTrees::Previous(const std::string& package_id) const { return PreviousArea() / package_id; }
-
-void InstalledTrees::Register(const host::Package& package) const {
-  host::PackageStore(device_.Database(), host::PackageStore::Mode::kReadWrite).Put(package);
-}
-
-std::optional<host::Package> InstalledTrees::Registered(const std::string& package_id) const {
-  return host::PackageStore(device_.Database(), host::PackageStore::Mode::kReadOnly).Find(package_id);
-}
-
-void InstalledTrees::Forget(const std::string& package_id) const {
-  host::PackageStore(device_.Database(), host::PackageStore::Mode::kReadWrite).Remove(package_id);
-}
+void InstalledTrees::Forget(const std::string& package_id) const { Store(Mode::kReadWrite).Remove(package_id); }
 
 void InstalledTrees::RemoveStaged(const std::string& package_id) const {
   RemoveTree(Staging(package_id));
@@ -65,12 +45,12 @@ void InstalledTrees::RemoveStaged(const std::string& package_id) const {
 }
 
 UnpackPlace InstalledTrees::PlaceToUnpack() const {
-  return {Unpacked(), [this] { RemoveStaged(kUnpacked); }};
+  return {Staging(kUnpacked), [this] { RemoveStaged(kUnpacked); }};
 }
 
 void InstalledTrees::Stage(const fs::path& source, const std::string& package_id) const {
   MakeDirectory(StagingArea());
-  const auto stage = source == Unpacked() ? Move : CopyTree;
+  const auto stage = source == Staging(kUnpacked) ? Move : CopyTree;
   WithRollback([&] { stage(source, Staging(package_id)); }, [&] { RemoveStaged(package_id); });
 }
 
@@ -95,8 +75,6 @@ void InstalledTrees::Add(const fs::path& source, const host::Package& package) c
   };
   WithRollback(put_in_place, [&] { TakeBackAddition(package); });
 }
-
-void InstalledTrees::KeepAddition() const { journal_.End(); }
 
 void InstalledTrees::TakeBackAddition(const host::Package& package) const {
   Discard(package);
@@ -159,11 +137,9 @@ void InstalledTrees::BeginRemoval(const std::string& package_id) const {
   try {
     journal_.Begin(Operation::kUninstall, package_id);
   } catch (const host::DeviceError&) {
-    // Uninstalling is how a full disk gets room again: it goes on without the note.
+    // Uninstalling frees a full disk: it goes on without the journal.
   }
 }
-
-void InstalledTrees::AbandonRemoval() const { journal_.End(); }
 
 void InstalledTrees::TakeBackRemoval() const {
   journal_.RestoreCaches();
@@ -178,9 +154,8 @@ void InstalledTrees::Remove(const host::Package& package) const {
 
 // The packages whose record has no tree.
 std::vector<std::string> InstalledTrees::Unplaced() const {
-  const host::PackageStore store(device_.Database(), host::PackageStore::Mode::kReadOnly);
   std::vector<std::string> ids;
-  for (const host::Package& package : store.List()) {
+  for (const host::Package& package : Store(Mode::kReadOnly).List()) {
     if (!IsThere(Place(package))) ids.push_back(package.id);
   }
   return ids;
@@ -192,7 +167,7 @@ std::string InstalledTrees::Complete(const Pending& pending) const {
     DropPrevious(pending.package_id);
     return "an upgrade was interrupted at its end; the new version stays";
   }
-  if (const auto package = Registered(pending.package_id)) Discard(*package);
+  if (const auto package = Store(Mode::kReadOnly).Find(pending.package_id)) Discard(*package);
   return "an uninstall was interrupted at its end; it is done now";
 }
 

@@ -1,17 +1,16 @@
-// The read-write application root of a device: how a package's tree and its record get in, get replaced and get out,
-// so that a process killed in between loses nothing. Hooks are called elsewhere.
+// The packages in the read-write application root of a device: adds, replaces and removes trees and their records in
+// steps after each of which a killed run can be mended. Hooks are called elsewhere.
 //
 // Beside the packages lie two directories of orvelbox's own, there only while a command works:
-//   .staging/ID    a tree on its way in or out: rubbish after a killed run
+//   .staging/ID    a tree that is being installed or removed: discarded after a killed run
 //   .previous/ID   the version that an upgrade replaces: put back after a killed run
-// Which operation was under way, and the cache files from before its hooks, stand in the device's pending note. A
+// Which operation was under way, and the cache files from before its hooks, are recorded in the device's journal. A
 // record without a tree has lost its files and is forgotten. Of the steps of a removal, those that need disk space come
 // after those that free some.
 #ifndef ORVEL_ORVELBOX_DEVICE_INSTALLED_TREES_H_
 #define ORVEL_ORVELBOX_DEVICE_INSTALLED_TREES_H_
 
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,9 +27,9 @@ class InstalledTrees {
   InstalledTrees(host::Device device, const host::DeviceConfig& config);
 
   // Where the tree of a new package is to stand on the device.
-  std::string RootOnDevice(const std::string& package_id) const;
+  std::string RootOnDevice(const std::string& package_id) const { return root_ + "/" + package_id; }
   // Where the package's tree stands on the desk.
-  std::filesystem::path Place(const host::Package& package) const;
+  std::filesystem::path Place(const host::Package& package) const { return device_.OnDesk(package.root); }
 
   // Where a package may be unpacked before Add or Replace take it from there. After a killed run Mend clears it. Must
   // not outlive this object.
@@ -39,7 +38,7 @@ class InstalledTrees {
   // Puts a copy of `source` in place and registers `package` (PlacedAt its root). The package is there for good with
   // KeepAddition and gone, the cache files as before, with TakeBackAddition. Leaves nothing when it fails.
   void Add(const std::filesystem::path& source, const host::Package& package) const;
-  void KeepAddition() const;
+  void KeepAddition() const { journal_.End(); }
   void TakeBackAddition(const host::Package& package) const;
 
   // Puts a copy of `source` in the place of the installed package and registers `package`; the replaced version is
@@ -53,7 +52,7 @@ class InstalledTrees {
   // Before the hooks of a removal: a run that is killed from now on, and before Remove, is taken back.
   void BeginRemoval(const std::string& package_id) const;
   // The package stays, and the cache files are left as they are.
-  void AbandonRemoval() const;
+  void AbandonRemoval() const { journal_.End(); }
   // The package stays, and the cache files become what they were.
   void TakeBackRemoval() const;
   // Takes the package's tree and record away.
@@ -63,11 +62,11 @@ class InstalledTrees {
   std::vector<std::string> Mend() const;
 
  private:
-  std::filesystem::path StagingArea() const;
-  std::filesystem::path PreviousArea() const;
-  std::filesystem::path Unpacked() const;
-  std::filesystem::path Staging(const std::string& package_id) const;
-  std::filesystem::path Previous(const std::string& package_id) const;
+  std::filesystem::path StagingArea() const { return device_.OnDesk(root_) / ".staging"; }
+  std::filesystem::path PreviousArea() const { return device_.OnDesk(root_) / ".previous"; }
+  std::filesystem::path Staging(const std::string& package_id) const { return StagingArea() / package_id; }
+  std::filesystem::path Previous(const std::string& package_id) const { return PreviousArea() / package_id; }
+  host::PackageStore Store(host::PackageStore::Mode mode) const { return {device_.Database(), mode}; }
   void Stage(const std::filesystem::path& source, const std::string& package_id) const;
   void MoveAside(const host::Package& package) const;
   void Discard(const host::Package& package) const;
@@ -77,7 +76,6 @@ class InstalledTrees {
   std::string TakeBack(const Pending& pending) const;
   void RemoveStaged(const std::string& package_id) const;
   void Register(const host::Package& package) const;
-  std::optional<host::Package> Registered(const std::string& package_id) const;
   void Forget(const std::string& package_id) const;
   std::vector<std::string> Unplaced() const;
 

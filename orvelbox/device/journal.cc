@@ -1,4 +1,4 @@
-// The note of the pending operation.
+// The record of the pending operation.
 #include "orvelbox/device/journal.h"
 
 #include <algorithm>
@@ -44,7 +44,7 @@ Pending Parse(const fs::path& file, const std::string& text, bool decided) {
 Journal::Journal(host::Device device) : device_(std::move(device)) {}
 
 void Journal::Begin(Operation operation, const std::string& package_id) const {
-  const auto write_note = [&] {
+  const auto write_record = [&] {
     RemoveTree(Temporary());
     MakeDirectory(Temporary());
     host::CreateFile(Temporary() / kBegun, std::string(NameOf(operation)) + " " + package_id);
@@ -53,7 +53,7 @@ void Journal::Begin(Operation operation, const std::string& package_id) const {
     }
     Move(Temporary(), Directory());
   };
-  WithRollback(write_note, [&] { RemoveTree(Temporary()); });
+  WithRollback(write_record, [&] { RemoveTree(Temporary()); });
 }
 
 void Journal::Decide() const {

@@ -4,7 +4,6 @@
 #include <algorithm>
 
 #include "base/affix.h"
-#include "orvelbox/desk/colour.h"
 
 namespace orvelbox {
 namespace {
@@ -54,7 +53,7 @@ class Collector {
   LogFacts Take() { return std::move(facts_); }
 
  private:
-  // A file that was examined twice is told once, as it was found last.
+  // A file that was examined twice is listed once, as it was found last.
   void AddDuplicate() {
     auto& all = facts_.duplicates;
     const auto same = [this](const Duplicate& other) { return other.duplicated == found_.duplicated; };
@@ -81,6 +80,12 @@ class Collector {
 };
 
 }  // namespace
+
+std::size_t ColourLength(std::string_view text) {
+  if (text.substr(0, 2) != "\x1b[") return 0;
+  const std::size_t end = text.find_first_not_of("0123456789;", 2);
+  return end != std::string_view::npos && text[end] == 'm' ? end + 1 : 0;
+}
 
 std::optional<PluginMessage> ParsePluginMessage(std::string_view record_text) {
   constexpr std::string_view kArrow = ") > ";

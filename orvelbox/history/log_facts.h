@@ -11,6 +11,9 @@
 
 namespace orvelbox {
 
+// The length of the colour sequence ("\e[…m") at the front of `text`; 0 when there is none.
+std::size_t ColourLength(std::string_view text);
+
 // The text of a record as the plug-in wraps it: "unit: function(line) > COLOURtextRESET".
 struct PluginMessage {
   std::string function;

@@ -12,8 +12,8 @@
 #include <optional>
 
 #include "base/unique_fd.h"
-#include "orvelbox/desk/colour.h"
 #include "orvelbox/desk/output.h"
+#include "orvelbox/history/log_facts.h"
 #include "platform/host/files.h"
 #include "platform/host/json.h"
 

@@ -1,5 +1,5 @@
 // What the plug-in did to the DLLs of an installed package, put together from what it left: information files and the
-// log. Only reads; the words for it are why's.
+// log. Only reads; described in why.
 #ifndef ORVEL_ORVELBOX_HISTORY_REMOVALS_H_
 #define ORVEL_ORVELBOX_HISTORY_REMOVALS_H_
 

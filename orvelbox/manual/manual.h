@@ -1,5 +1,5 @@
-// The manual page and the shells' completions, out of what the commands say about themselves. Nothing is told here
-// that --help does not tell.
+// The manual page and the shells' completions, out of what the commands say about themselves. They hold
+// nothing that --help does not say.
 #ifndef ORVEL_ORVELBOX_MANUAL_MANUAL_H_
 #define ORVEL_ORVELBOX_MANUAL_MANUAL_H_
 

@@ -1,5 +1,5 @@
-// What an operation did to a device: its log, cache files, loader and DLLs before and after. Only reads; the words
-// for it are report's.
+// What an operation did to a device: its log, cache files, loader and DLLs before and after. Only reads;
+// described in report.
 #ifndef ORVEL_ORVELBOX_OPERATIONS_EFFECTS_H_
 #define ORVEL_ORVELBOX_OPERATIONS_EFFECTS_H_
 

@@ -40,16 +40,6 @@ void Report(int report, std::string line) {
   host::WriteAll(report, line);
 }
 
-std::string ReadAll(int report) {
-  std::string text;
-  std::array<char, 4096> block{};
-  for (;;) {
-    const ssize_t length = pread(report, block.data(), block.size(), static_cast<off_t>(text.size()));
-    if (length <= 0) return text;
-    text.append(block.data(), static_cast<std::size_t>(length));
-  }
-}
-
 Hook FindHook(void* library, const std::filesystem::path& plugin, const std::string& name) {
   const std::string symbol = "PKGMGR_PARSER_PLUGIN_" + name;
   void* address = dlsym(library, symbol.c_str());
@@ -184,7 +174,7 @@ HookRun RunHooks(const HookSettings& settings, const std::function<void(const Ho
   };
   const host::ChildOutcome outcome = host::RunWithFixedPaths(
       settings.device.Root(), [&] { return RunChild(settings, report.get(), body); }, tell);
-  HookRun run = ReadHookReport(ReadAll(report.get()), InWords(outcome));
+  HookRun run = ReadHookReport(host::ReadFromStart(report.get()), InWords(outcome));
   const bool failed = outcome.signalled || outcome.code != 0;
   const bool explained = !run.problem.empty() || (!run.results.empty() && !run.results.back().message.empty());
   if (failed && !explained) run.problem = "outside of any hook, the plug-in " + InWords(outcome);

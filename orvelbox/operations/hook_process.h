@@ -1,5 +1,5 @@
 // Calls the plug-in's hooks as the package manager does: in a process of their own that sees the device's fixed
-// paths, looked up by name in the loaded library. Which hooks an operation calls is operations' business.
+// paths, looked up by name in the loaded library. Which hooks an operation calls is decided in operations.
 #ifndef ORVEL_ORVELBOX_OPERATIONS_HOOK_PROCESS_H_
 #define ORVEL_ORVELBOX_OPERATIONS_HOOK_PROCESS_H_
 

@@ -1,5 +1,5 @@
 // Reads package archives (.opk, which are zip files), trusting nothing in them: what an archive may hold, and how much,
-// is decided here. Where its files go is the receiver's business.
+// is decided here. Where its files go is up to the receiver.
 //
 // An archive is refused when it is no zip file, cut off or damaged, and when one of its entries
 // - has an absolute path, a "..", a backslash or an empty or overlong name in its path, or lies too deep,
@@ -23,7 +23,7 @@ struct ArchiveEntry {
 };
 
 // Takes what an archive holds, in the archive's order: each entry with Begin, then the content of a file in pieces.
-// Directories that only the paths of others imply are not told. What a function throws ends the reading.
+// Directories that only the paths of others imply are not reported. What a function throws ends the reading.
 class ArchiveReceiver {
  public:
   virtual ~ArchiveReceiver() = default;

@@ -1,6 +1,4 @@
 // Files and directories out of an archive.
-#include "orvelbox/package/unpack.h"
-
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -10,6 +8,7 @@
 #include "orvelbox/desk/progress.h"
 #include "orvelbox/desk/tree.h"
 #include "orvelbox/desk/with_rollback.h"
+#include "orvelbox/package/source.h"
 #include "platform/host/files.h"
 
 namespace fs = std::filesystem;

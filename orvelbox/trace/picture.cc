@@ -1,12 +1,10 @@
 // Boxes, their labels and the page around them.
-#include "orvelbox/trace/picture.h"
-
 #include <algorithm>
 #include <array>
 
 #include "orvelbox/desk/output.h"
 #include "orvelbox/desk/xml.h"
-#include "orvelbox/trace/timeline.h"
+#include "orvelbox/trace/drawings.h"
 
 namespace orvelbox {
 namespace {

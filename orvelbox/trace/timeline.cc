@@ -1,11 +1,10 @@
 // Bars out of characters that every terminal has.
-#include "orvelbox/trace/timeline.h"
-
 #include <algorithm>
 #include <array>
 #include <cstdio>
 
 #include "orvelbox/desk/output.h"
+#include "orvelbox/trace/drawings.h"
 
 namespace orvelbox {
 namespace {

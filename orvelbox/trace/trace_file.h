@@ -1,4 +1,4 @@
-// What `--trace` asks of its file. What is written there is platform/host/trace_file.h's business.
+// What `--trace` requires of its file. It is written in platform/host/trace_file.
 #ifndef ORVEL_ORVELBOX_TRACE_TRACE_FILE_H_
 #define ORVEL_ORVELBOX_TRACE_TRACE_FILE_H_
 

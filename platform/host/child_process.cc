@@ -52,16 +52,6 @@ std::string FaultOf(const Action& action) {
   _exit(result);
 }
 
-std::string ReadToEnd(int fd) {
-  std::string text;
-  std::array<char, 512> buffer;
-  for (;;) {
-    const ssize_t count = read(fd, buffer.data(), buffer.size());
-    if (count > 0) text.append(buffer.data(), static_cast<size_t>(count));
-    if (count == 0 || (count < 0 && errno != EINTR)) return text;
-  }
-}
-
 int WaitPassingSignalsOn(pid_t child, const sigset_t& held) {
   for (;;) {
     int status = 0;
@@ -107,7 +97,8 @@ ChildOutcome RunChild(const HeldSignals& signals, const std::function<void()>& s
     RunAsChild(std::move(to_parent), set_up, body);
   }
   to_parent.Reset();
-  const std::string obstacle = ReadToEnd(from_child.get());
+  std::string obstacle;
+  ReadToEnd(from_child.get(), obstacle);
   const int status = WaitPassingSignalsOn(child, signals.held());
   if (!obstacle.empty()) throw DeviceError(obstacle);
   if (WIFSIGNALED(status)) return {true, WTERMSIG(status)};

@@ -1,4 +1,4 @@
-// A child process that runs a function, supervised to its end. Why it is needed is the caller's business.
+// A child process that runs a function, supervised to its end.
 #ifndef ORVEL_PLATFORM_HOST_CHILD_PROCESS_H_
 #define ORVEL_PLATFORM_HOST_CHILD_PROCESS_H_
 

@@ -54,13 +54,25 @@ std::string ReadFile(const std::filesystem::path& file) {
   const UniqueFd fd(open(file.c_str(), O_RDONLY | O_CLOEXEC));
   if (!fd) ThrowFileError(file, "read", errno);
   std::string content;
+  if (const int error = ReadToEnd(fd.get(), content)) ThrowFileError(file, "read", error);
+  return content;
+}
+
+int ReadToEnd(int fd, std::string& content) {
   std::array<char, 65536> buffer;
   for (;;) {
-    const ssize_t count = read(fd.get(), buffer.data(), buffer.size());
-    if (count == 0) return content;
+    const ssize_t count = read(fd, buffer.data(), buffer.size());
+    if (count == 0) return 0;
     if (count > 0) content.append(buffer.data(), static_cast<size_t>(count));
-    if (count < 0 && errno != EINTR) ThrowFileError(file, "read", errno);
+    if (count < 0 && errno != EINTR) return errno;
   }
+}
+
+std::string ReadFromStart(int fd) {
+  std::string content;
+  lseek(fd, 0, SEEK_SET);
+  ReadToEnd(fd, content);
+  return content;
 }
 
 int WriteAll(int fd, std::string_view data) {

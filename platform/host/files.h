@@ -1,4 +1,4 @@
-// Whole files, read and written with every error told as a DeviceError. What the files mean is not known here.
+// Whole files, read and written, with every error as a DeviceError.
 #ifndef ORVEL_PLATFORM_HOST_FILES_H_
 #define ORVEL_PLATFORM_HOST_FILES_H_
 
@@ -19,6 +19,11 @@ std::string_view UsualWayOut(int error);
 
 // Reads the whole file. Throws DeviceError.
 std::string ReadFile(const std::filesystem::path& file);
+
+// Appends what is still to be read to `content`. Returns 0, or the error number of the read that failed.
+int ReadToEnd(int fd, std::string& content);
+// What an open file holds from its beginning on, as far as it can be read.
+std::string ReadFromStart(int fd);
 
 // Writes all of `data`, in as many writes as it takes. Returns 0, or the error number of the write that failed.
 int WriteAll(int fd, std::string_view data);

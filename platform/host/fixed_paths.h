@@ -1,5 +1,5 @@
 // Gives a child process the platform's fixed paths, laid over a directory of the desk: in a private mount namespace
-// where the kernel allows one, else (as root) in place. What lies in the directory is device.h's business.
+// where the kernel allows one, else (as root) in place. The layout of the directory is in device.h.
 #ifndef ORVEL_PLATFORM_HOST_FIXED_PATHS_H_
 #define ORVEL_PLATFORM_HOST_FIXED_PATHS_H_
 

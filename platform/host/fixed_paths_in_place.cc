@@ -31,7 +31,7 @@ fs::path LockFilePath() {
   return access("/run/lock", W_OK) == 0 ? fs::path("/run/lock") / kName : fs::path("/tmp") / kName;
 }
 
-// Opens the lock file, which lies where everybody may write: only our own one is believed. Throws DeviceError.
+// Opens the lock file, which lies where everybody may write: one of another user is refused. Throws DeviceError.
 UniqueFd OpenLockFile() {
   const fs::path path = LockFilePath();
   UniqueFd fd(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
@@ -41,18 +41,8 @@ UniqueFd OpenLockFile() {
   throw DeviceError(path.string() + ": is not root's own file; remove it");
 }
 
-std::string Recorded(int lock_file) {
-  std::string text;
-  std::array<char, 4096> buffer;
-  for (;;) {
-    const ssize_t count = pread(lock_file, buffer.data(), buffer.size(), static_cast<off_t>(text.size()));
-    if (count <= 0) return text;
-    text.append(buffer.data(), static_cast<size_t>(count));
-  }
-}
-
 Made ReadRecord(int lock_file) try {
-  const Json json = ParseJson(Recorded(lock_file));
+  const Json json = ParseJson(ReadFromStart(lock_file));
   return {json.at("links"), json.at("directories")};
 } catch (const Json::exception&) {
   return {};  // empty, or cut short before anything was made

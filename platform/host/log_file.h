@@ -2,7 +2,7 @@
 //   2026-11-21T08:00:00.123Z E NETCORE_INSTALLER_PLUGIN 4711 text
 // with UTC time, priority letter (D, I, E), tag, pid and text. In tag and text a backslash and every control
 // character is escaped as in C ("\\", "\n", "\e", "\x01"), so that no message can forge a record or reach a terminal
-// unread; the line feed that ends a message is dropped. How records are shown is orvelbox's business.
+// unread; the line feed that ends a message is dropped. They are shown in orvelbox/history/log_view.
 #ifndef ORVEL_PLATFORM_HOST_LOG_FILE_H_
 #define ORVEL_PLATFORM_HOST_LOG_FILE_H_
 

@@ -3,23 +3,11 @@
 
 #include "platform/host/device_error.h"
 #include "platform/host/package_store_schema.h"
-#include "platform/host/sqlite_database.h"
 
 namespace host {
 namespace {
 
 using Transaction = SqliteTransaction;
-
-SqliteDatabase::Access AccessOf(PackageStore::Mode mode) {
-  switch (mode) {
-    case PackageStore::Mode::kReadOnly:
-      return SqliteDatabase::Access::kReadOnly;
-    case PackageStore::Mode::kReadWrite:
-      return SqliteDatabase::Access::kReadWrite;
-    default:
-      return SqliteDatabase::Access::kCreate;
-  }
-}
 
 void RefuseForeignApplications(const SqliteDatabase& database, const Package& package) {
   SqliteStatement owner(database, "SELECT package_id FROM applications WHERE id = ?1");
@@ -133,48 +121,45 @@ std::string FilterQuery(size_t entries) {
 
 }  // namespace
 
-PackageStore::PackageStore(const std::filesystem::path& file, Mode mode)
-    : database_(std::make_unique<SqliteDatabase>(file, AccessOf(mode))) {
-  if (mode == Mode::kCreate) CreateSchema(*database_);
-  CheckSchema(*database_);
+PackageStore::PackageStore(const std::filesystem::path& file, Mode mode) : database_(file, mode) {
+  if (mode == Mode::kCreate) CreateSchema(database_);
+  CheckSchema(database_);
 }
 
-PackageStore::~PackageStore() = default;
-
 void PackageStore::Put(const Package& package) {
-  Transaction change(*database_, Transaction::Kind::kWrite);
-  Delete(*database_, package.id);
-  RefuseForeignApplications(*database_, package);
-  InsertPackage(*database_, package);
+  Transaction change(database_, Transaction::Kind::kWrite);
+  Delete(database_, package.id);
+  RefuseForeignApplications(database_, package);
+  InsertPackage(database_, package);
   change.Commit();
 }
 
 bool PackageStore::Remove(const std::string& package_id) {
-  Transaction change(*database_, Transaction::Kind::kWrite);
-  const bool found = Delete(*database_, package_id);
+  Transaction change(database_, Transaction::Kind::kWrite);
+  const bool found = Delete(database_, package_id);
   change.Commit();
   return found;
 }
 
 std::optional<Package> PackageStore::Find(const std::string& package_id) const {
-  return ReadOnePackage(*database_, " WHERE id = ?1", package_id);
+  return ReadOnePackage(database_, " WHERE id = ?1", package_id);
 }
 
 std::optional<Package> PackageStore::FindByApplication(const std::string& app_id) const {
-  return ReadOnePackage(*database_, " WHERE id = (SELECT package_id FROM applications WHERE id = ?1)", app_id);
+  return ReadOnePackage(database_, " WHERE id = (SELECT package_id FROM applications WHERE id = ?1)", app_id);
 }
 
 std::vector<Package> PackageStore::List() const {
-  const Transaction one_state(*database_, Transaction::Kind::kRead);
-  SqliteStatement row(*database_, std::string(kPackageRow).append(" ORDER BY id"));
+  const Transaction one_state(database_, Transaction::Kind::kRead);
+  SqliteStatement row(database_, std::string(kPackageRow).append(" ORDER BY id"));
   std::vector<Package> packages;
-  while (row.Step()) packages.push_back(ReadPackage(*database_, row));
+  while (row.Step()) packages.push_back(ReadPackage(database_, row));
   return packages;
 }
 
 std::vector<std::pair<std::string, std::string>> PackageStore::ApplicationsWithMetadata(
     const std::vector<MetadataEntry>& entries) const {
-  SqliteStatement row(*database_, FilterQuery(entries.size()));
+  SqliteStatement row(database_, FilterQuery(entries.size()));
   int parameter = 0;
   for (const auto& entry : entries) {
     row.Bind(++parameter, entry.key);

@@ -4,15 +4,14 @@
 #define ORVEL_PLATFORM_HOST_PACKAGE_STORE_H_
 
 #include <filesystem>
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-namespace host {
+#include "platform/host/sqlite_database.h"
 
-class SqliteDatabase;
+namespace host {
 
 struct MetadataEntry {
   std::string key;
@@ -41,11 +40,10 @@ struct Package {
 // when SQLite refuses; a failed change leaves the database as it was.
 class PackageStore {
  public:
-  enum class Mode { kReadOnly, kReadWrite, kCreate };
+  using Mode = SqliteDatabase::Access;
 
   // Opens `file`. Throws when its schema is newer than this program's.
   PackageStore(const std::filesystem::path& file, Mode mode);
-  ~PackageStore();
 
   // Adds the package, or replaces it whole, in one transaction. Throws also when another package has one of its
   // applications.
@@ -64,7 +62,7 @@ class PackageStore {
       const std::vector<MetadataEntry>& entries) const;
 
  private:
-  std::unique_ptr<SqliteDatabase> database_;
+  SqliteDatabase database_;
 };
 
 }  // namespace host

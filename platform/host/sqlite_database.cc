@@ -5,6 +5,7 @@
 
 #include "platform/host/device_error.h"
 #include "platform/host/files.h"
+#include "platform/host/percent_encoding.h"
 
 namespace host {
 namespace {
@@ -47,18 +48,8 @@ bool MeansNothingCanBeWritten(int code) {
 }
 
 std::string ImmutableUri(const std::filesystem::path& file) {
-  constexpr std::string_view kHexDigits = "0123456789ABCDEF";
-  std::string uri = "file:";
-  for (const char c : file.native()) {
-    const auto byte = static_cast<unsigned char>(c);
-    const bool special = c == '%' || c == '?' || c == '#' || byte <= 0x20;
-    if (special) {
-      uri += {'%', kHexDigits[byte >> 4], kHexDigits[byte & 15]};
-    } else {
-      uri += c;
-    }
-  }
-  return uri + "?immutable=1";
+  const auto plain = [](char c) { return c != '%' && c != '?' && c != '#' && static_cast<unsigned char>(c) > 0x20; };
+  return "file:" + PercentEncoded(file.native(), plain) + "?immutable=1";
 }
 
 }  // namespace

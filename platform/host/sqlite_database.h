@@ -1,4 +1,4 @@
-// SQLite's handles as C++ owners, with every refusal told as a DeviceError. No tables are known here.
+// SQLite's handles as C++ owners, with every refusal as a DeviceError. No tables are known here.
 #ifndef ORVEL_PLATFORM_HOST_SQLITE_DATABASE_H_
 #define ORVEL_PLATFORM_HOST_SQLITE_DATABASE_H_
 
@@ -13,7 +13,7 @@ struct sqlite3_stmt;
 
 namespace host {
 
-// One connection to a database file, with foreign keys on and patience for other processes. Its members throw
+// One connection to a database file, with foreign keys on; it waits for other processes. Its members throw
 // DeviceError naming the file, SQLite's message and the way out.
 class SqliteDatabase {
  public:

@@ -1,17 +1,11 @@
 // liborvel_package_info: a package's record, copied from the device's package database when it is created.
 #include "orvel/package_info.h"
 
-#include "platform/host/c_boundary.h"
 #include "platform/host/installed_packages.h"
+#include "platform/host/libraries/records.h"
 
 int package_info_create(const char* packageId, package_info_h* handle) {
-  if (packageId == nullptr || handle == nullptr) return -1;
-  return host::AnswerOr(-1, [&] {
-    auto package = host::FindInstalledPackage(packageId);
-    if (!package) return -1;
-    *handle = new host::Package(std::move(*package));
-    return 0;
-  });
+  return host::MakeRecord(packageId, handle, host::FindInstalledPackage);
 }
 
 int package_info_foreach_privilege_info(package_info_h handle, package_info_privilege_info_cb callback,
@@ -25,8 +19,4 @@ int package_info_foreach_privilege_info(package_info_h handle, package_info_priv
   });
 }
 
-int package_info_destroy(package_info_h handle) {
-  if (handle == nullptr) return -1;
-  delete static_cast<host::Package*>(handle);
-  return 0;
-}
+int package_info_destroy(package_info_h handle) { return host::DestroyRecord<host::Package>(handle); }

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "platform/host/c_boundary.h"
 #include "platform/host/installed_packages.h"
+#include "platform/host/libraries/records.h"
 
 namespace {
 
@@ -19,25 +19,6 @@ int HandOut(std::string& text, char** out) {
 int GetAppText(pkgmgrinfo_appinfo_h handle, char** out, std::string host::InstalledApplication::*text) {
   if (handle == nullptr || out == nullptr) return -1;
   return HandOut(static_cast<host::InstalledApplication*>(handle)->*text, out);
-}
-
-// Makes a record of what `find` gives.
-template <typename Find>
-int MakeRecord(const char* id, void** handle, const Find& find) {
-  if (id == nullptr || handle == nullptr) return -1;
-  return host::AnswerOr(-1, [&] {
-    auto found = find(std::string(id));
-    if (!found) return -1;
-    *handle = new auto(std::move(*found));
-    return 0;
-  });
-}
-
-template <typename Record>
-int Destroy(void* handle) {
-  if (handle == nullptr) return -1;
-  delete static_cast<Record*>(handle);
-  return 0;
 }
 
 }  // namespace
@@ -71,11 +52,11 @@ int pkgmgrinfo_appinfo_metadata_filter_foreach(pkgmgrinfo_appinfo_metadata_filte
 }
 
 int pkgmgrinfo_appinfo_metadata_filter_destroy(pkgmgrinfo_appinfo_metadata_filter_h filter) {
-  return Destroy<Filter>(filter);
+  return host::DestroyRecord<Filter>(filter);
 }
 
 int pkgmgrinfo_appinfo_get_appinfo(const char* appId, pkgmgrinfo_appinfo_h* handle) {
-  return MakeRecord(appId, handle, host::FindInstalledApplication);
+  return host::MakeRecord(appId, handle, host::FindInstalledApplication);
 }
 
 int pkgmgrinfo_appinfo_get_root_path(pkgmgrinfo_appinfo_h handle, char** rootPath) {
@@ -100,11 +81,11 @@ int pkgmgrinfo_appinfo_get_metadata_value(pkgmgrinfo_appinfo_h handle, const cha
 }
 
 int pkgmgrinfo_appinfo_destroy_appinfo(pkgmgrinfo_appinfo_h handle) {
-  return Destroy<host::InstalledApplication>(handle);
+  return host::DestroyRecord<host::InstalledApplication>(handle);
 }
 
 int pkgmgrinfo_pkginfo_get_pkginfo(const char* pkgId, pkgmgrinfo_pkginfo_h* handle) {
-  return MakeRecord(pkgId, handle, host::FindInstalledPackage);
+  return host::MakeRecord(pkgId, handle, host::FindInstalledPackage);
 }
 
 // A desk has one user's packages, which are every user's.
@@ -123,4 +104,6 @@ int pkgmgrinfo_pkginfo_get_type(pkgmgrinfo_pkginfo_h handle, char** type) {
   return HandOut(static_cast<host::Package*>(handle)->type, type);
 }
 
-int pkgmgrinfo_pkginfo_destroy_pkginfo(pkgmgrinfo_pkginfo_h handle) { return Destroy<host::Package>(handle); }
+int pkgmgrinfo_pkginfo_destroy_pkginfo(pkgmgrinfo_pkginfo_h handle) {
+  return host::DestroyRecord<host::Package>(handle);
+}

@@ -10,7 +10,6 @@
 
 #include "orvelbox/check/check.h"
 #include "orvelbox/check/formats.h"
-#include "orvelbox/check/project_lines.h"
 #include "orvelbox/check/workers.h"
 #include "orvelbox/desk/progress.h"
 #include "orvelbox/desk/text_table.h"

@@ -1,10 +1,9 @@
 // Archives on the disk: what is there afterwards, and that a refused one leaves nothing.
-#include "orvelbox/package/unpack.h"
-
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
 #include "orvelbox/desk/tree.h"
+#include "orvelbox/package/source.h"
 #include "platform/host/device.h"
 #include "tests/support/files.h"
 #include "tests/support/zip.h"

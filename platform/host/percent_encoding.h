@@ -1,11 +1,11 @@
 // Percent encoding, as URIs and project files have it.
-#ifndef ORVEL_ORVELBOX_CHECK_PERCENT_ENCODING_H_
-#define ORVEL_ORVELBOX_CHECK_PERCENT_ENCODING_H_
+#ifndef ORVEL_PLATFORM_HOST_PERCENT_ENCODING_H_
+#define ORVEL_PLATFORM_HOST_PERCENT_ENCODING_H_
 
 #include <string>
 #include <string_view>
 
-namespace orvelbox {
+namespace host {
 
 // `text` with "%" and two digits in the place of every byte that is not `plain`.
 template <typename IsPlain>
@@ -23,6 +23,6 @@ std::string PercentEncoded(const std::string& text, const IsPlain& plain) {
   return encoded;
 }
 
-}  // namespace orvelbox
+}  // namespace host
 
 #endif
