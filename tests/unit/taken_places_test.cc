@@ -76,6 +76,16 @@ TEST(TakenPlaces, without_an_information_file_its_text_goes_nowhere) {
   });
 }
 
+TEST(TakenPlaces, an_information_file_may_be_opened_in_the_place_of_closed_standard_input) {
+  support::InFreshProcess([] {
+    const TempDir package;
+    close(STDIN_FILENO);
+    doubles::Reset();
+    removeFileAndLeaveInformationFile(kOrigin, package / "A.dll");
+    EXPECT_EQ(support::InformationText(kOrigin, package / "A.dll"), ReadFile(package / "A.dll_deleted"));
+  });
+}
+
 TEST(TakenPlaces, an_earlier_information_file_is_written_anew_and_stays_the_same_file) {
   const TempDir package;
   const std::string information = package / "A.dll_deleted";
