@@ -104,7 +104,7 @@ class Pass {
       if (!logs_ && !IsThere(path.append(name))) return;
       const std::string* const origin = OriginOf(name);
       if (origin == nullptr) return;
-      if (logs_) path += name;
+      if (logs_ && !IsThere(path.append(name))) return;
       if (logs_) LogFound(*origin, path);
       const bool duplicate =
           *origin != path && origin->find("/d.pc/") == std::string::npos && path.find("/d.pc/") == std::string::npos;

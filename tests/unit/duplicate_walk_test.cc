@@ -166,8 +166,9 @@ TEST(DuplicateWalk, without_entry_types_every_file_is_examined) {
   });
 }
 
-// Makes directories below `root` until their path is `length` bytes long, one by one, for no call takes it whole.
-void MakeLongPath(const fs::path& root, std::size_t length, const char* file) {
+// Makes directories below `root` until their path is `length` bytes long, one by one, for no call takes it whole, and
+// in the last one a DLL that is catalogued and one that is not.
+void MakeLongPath(const fs::path& root, std::size_t length) {
   const fs::path before = fs::current_path();
   std::size_t reached = root.string().size();
   fs::create_directories(root);
@@ -178,11 +179,11 @@ void MakeLongPath(const fs::path& root, std::size_t length, const char* file) {
     fs::current_path(name);
     reached += name.size() + 1;
   }
-  WriteFile(fs::path(".") / file);
+  for (const char* file : {"./A.dll", "./U.dll"}) WriteFile(file);
   fs::current_path(before);
 }
 
-TEST(DuplicateWalk, a_path_that_no_call_takes_gives_the_line_of_a_failed_lstat) {
+TEST(DuplicateWalk, paths_that_no_call_takes_give_the_lines_of_failed_lstats) {
   // The walk ends before paths get that long from a root that is not a long one itself.
   const std::string level(200, 'r');
   const fs::path place = fs::path(level) / level / level / level / level / level / level / level / level / level;
@@ -192,9 +193,9 @@ TEST(DuplicateWalk, a_path_that_no_call_takes_gives_the_line_of_a_failed_lstat) 
     const std::size_t length = static_cast<std::size_t>(PATH_MAX - short_of_it);
     const auto make = [&](const fs::path& root) {
       WriteFile(root / "A.dll");
-      MakeLongPath(root, length, "A.dll");
+      MakeLongPath(root, length);
     };
-    ExpectSameOutcome(make, {place, true, length + std::strlen("/A.dll") < PATH_MAX ? 0 : 1});
+    ExpectSameOutcome(make, {place, true, length + std::strlen("/A.dll") < PATH_MAX ? 0 : 2});
   }
 }
 
