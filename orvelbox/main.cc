@@ -11,7 +11,7 @@ namespace {
 int Run(const orvelbox::Request& request) {
   orvelbox::SetQuiet(request.global.quiet);
   if (!request.global.trace.empty()) orvelbox::RequireTraceable(request.global.trace);
-  return request.command->Run(request.global);
+  return request.command->run(request.global);
 }
 
 // No exception ends the program without a line for people, be it one of the command line's own making.

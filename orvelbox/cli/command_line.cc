@@ -34,7 +34,7 @@ struct AddTo {
   void operator()(std::monostate) const { app.set_help_flag("-h," + option.name, option.description); }
   void operator()(bool* flag) const { app.add_flag(option.name, *flag, option.description); }
   void operator()(std::string* text) const { Add(*text); }
-  void operator()(const Number& number) const { Add(*number.value)->check(CLI::Range(1U, number.most)); }
+  void operator()(unsigned* number) const { Add(*number)->check(CLI::Range(1U, option.most)); }
   void operator()(std::vector<std::string>* texts) const {
     CLI::Option* added = Add(*texts);
     if (!added->get_positional()) added->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)->expected(1);
@@ -75,22 +75,25 @@ int Explain(const CLI::App& app, const CLI::ParseError& error) {
   return usage ? kUsage : kDone;
 }
 
-Command& Named(const Commands& commands, const std::string& name) {
-  return **std::find_if(commands.begin(), commands.end(),
-                        [&](const auto& command) { return command->facts().name == name; });
+const Command& Named(const Commands& commands, const std::string& name) {
+  return *std::find_if(commands.begin(), commands.end(),
+                       [&](const Command& command) { return command.facts().name == name; });
 }
 
 }  // namespace
 
 CommandFacts DescribeProgram(const Commands& commands, GlobalOptions& global) {
   CommandFacts program{"orvelbox", kDescription, kFooter};
-  program.options = {
-      {"--device", "DIR", "The directory of the device", &global.device},
-      {"--plugin", "FILE", "The parser plug-in to load, instead of the one built with this program", &global.plugin},
-      {"--trace", "FILE", "Append the plug-in's trace spans to FILE (Chrome trace-event format, as Perfetto reads it)",
-       &global.trace},
-      {"--quiet", "", "Print nothing but complaints", &global.quiet}};
-  for (const auto& command : commands) program.commands.push_back(command->facts());
+  const auto add = [&](Option option, auto* target) {
+    option.target = target;
+    program.options.push_back(std::move(option));
+  };
+  add({"--device", "DIR", "The directory of the device"}, &global.device);
+  add({"--plugin", "FILE", "The parser plug-in to load, instead of the one built with this program"}, &global.plugin);
+  add({"--trace", "FILE", "Append the plug-in's trace spans to FILE (Chrome trace-event format, as Perfetto reads it)"},
+      &global.trace);
+  add({"--quiet", "", "Print nothing but complaints"}, &global.quiet);
+  for (const Command& command : commands) program.commands.push_back(command.facts());
   AddHelp(program);
   return program;
 }
@@ -105,8 +108,8 @@ std::variant<Request, int> ParseCommandLine(const Commands& commands, int argc, 
   try {
     app.parse(argc, argv);
     if (app.get_subcommands().empty()) throw CLI::RequiredError::Subcommand(1);
-    Command& command = Named(commands, app.get_subcommands().front()->get_name());
-    command.Accept(global);
+    const Command& command = Named(commands, app.get_subcommands().front()->get_name());
+    command.check(global);
     return Request{&command, global};
   } catch (const CLI::ParseError& error) {
     return Explain(app, error);

@@ -24,7 +24,7 @@
 
 namespace orvelbox {
 
-#define ORVELBOX_DECLARE(make) std::unique_ptr<Command> make();
+#define ORVELBOX_DECLARE(make) Command make();
 ORVELBOX_COMMANDS(ORVELBOX_DECLARE)
 
 Commands AllCommands() {

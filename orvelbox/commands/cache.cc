@@ -9,51 +9,40 @@
 namespace orvelbox {
 namespace {
 
-class Cache : public Command {
- public:
-  Cache() : Command("cache", "Show the candidate loader's cache files, one entry a line", "cache verify") {
-    AddOption(JsonFlag(&json_));
-    AddCommand({"verify",
-                "Look for what is wrong with them: markers, entries whose files are gone, packages that are not "
-                "installed, entries that are there twice, roots that begin others",
-                "Exit status: 0 nothing is wrong, 1 something is, 2 wrong usage.\nExample: orvelbox cache verify",
-                {JsonFlag(&json_)},
-                {},
-                {},
-                &verify_});
-  }
+int Show(const host::Device& device, bool json) {
+  const CacheText tpa = ReadCache(device, kTpaFile);
+  const CacheText coba = ReadCache(device, kCobaFile);
+  SayListing(json, CachesJson(tpa, coba), DescribeCaches(tpa, coba));
+  return kDone;
+}
 
-  int Run(const GlobalOptions& global) const override {
-    const host::Device device = OpenChosenDevice(global);
-    return verify_ ? Verify(device) : Show(device);
+int Verify(const host::Device& device, bool json) {
+  const std::vector<host::Package> packages = ReadStore(device).List();
+  std::vector<CacheFinding> findings = FindPrefixHazards(packages);
+  for (const char* name : kCacheFiles) {
+    const auto more = VerifyCache(name, ReadCache(device, name), packages,
+                                  [&](const std::string& path) { return IsThere(device.OnDesk(path)); });
+    findings.insert(findings.end(), more.begin(), more.end());
   }
-
- private:
-  int Show(const host::Device& device) const {
-    const CacheText tpa = ReadCache(device, kTpaFile);
-    const CacheText coba = ReadCache(device, kCobaFile);
-    SayListing(json_, CachesJson(tpa, coba), DescribeCaches(tpa, coba));
-    return kDone;
-  }
-
-  int Verify(const host::Device& device) const {
-    const std::vector<host::Package> packages = ReadStore(device).List();
-    std::vector<CacheFinding> findings = FindPrefixHazards(packages);
-    for (const char* name : kCacheFiles) {
-      const auto more = VerifyCache(name, ReadCache(device, name), packages,
-                                    [&](const std::string& path) { return IsThere(device.OnDesk(path)); });
-      findings.insert(findings.end(), more.begin(), more.end());
-    }
-    SayListing(json_, ToJson(findings), DescribeFindings(findings));
-    return findings.empty() ? kDone : kFailed;
-  }
-
-  bool json_ = false;
-  bool verify_ = false;
-};
+  SayListing(json, ToJson(findings), DescribeFindings(findings));
+  return findings.empty() ? kDone : kFailed;
+}
 
 }  // namespace
 
-std::unique_ptr<Command> MakeCache() { return std::make_unique<Cache>(); }
+Command MakeCache() {
+  Command command("cache", "Show the candidate loader's cache files, one entry a line", "cache verify");
+  const auto& json = command.Take<bool>(JsonFlag());
+  const auto& verify = command.AddCommand(
+      "verify",
+      "Look for what is wrong with them: markers, entries whose files are gone, packages that are not "
+      "installed, entries that are there twice, roots that begin others",
+      "Exit status: 0 nothing is wrong, 1 something is, 2 wrong usage.\nExample: orvelbox cache verify");
+  command.run = [&json, &verify](const GlobalOptions& global) {
+    const host::Device device = OpenChosenDevice(global);
+    return verify ? Verify(device, json) : Show(device, json);
+  };
+  return command;
+}
 
 }  // namespace orvelbox

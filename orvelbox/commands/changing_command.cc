@@ -7,47 +7,34 @@
 #include "orvelbox/operations/report.h"
 
 namespace orvelbox {
-namespace {
 
-class PackageEventCommand : public ChangingCommand {
- public:
-  explicit PackageEventCommand(const PackageEvent& event)
-      : ChangingCommand(event.command, event.description, std::string(event.command) + " org.example.shop"),
-        event_(event) {
-    AddArgument(IdArgument(&id_));
-  }
-
- private:
-  int RunOn(const Session& session) const override {
-    const Change change = CallHooks(session, event_.hooks, id_);
-    const std::string name = WithVersion(change.package.id, change.package.version);
-    return Tell(change, std::string(event_.done) + " " + name + event_.after,
-                std::string("not done: ") + event_.command + " " + name);
-  }
-
-  PackageEvent event_;
-  std::string id_;
-};
-
-}  // namespace
-
-int ChangingCommand::Run(const GlobalOptions& global) const {
-  const Session session(HookSettingsFor(global, OpenChosenDevice(global)));
-  SayAll(session.mended());
-  const Activity activity(facts().name, !global.quiet);
-  return RunOn(session);
+void RunOnSession(Command& command, const std::function<int(const Session&)>& change) {
+  command.run = [change, name = command.facts().name](const GlobalOptions& global) {
+    const Session session(HookSettingsFor(global, OpenChosenDevice(global)));
+    SayAll(session.mended());
+    const Activity activity(name, !global.quiet);
+    return change(session);
+  };
 }
 
-int ChangingCommand::Tell(const Change& change, const std::string& done, const std::string& failed) const {
+int Tell(const std::string& command, const Change& change, const std::string& done, const std::string& failed) {
   Say(change.Done() ? done : failed);
   SayAll(DescribeChange(change));
   if (change.Done()) return kDone;
-  Complain(ComplaintAbout(facts().name, change));
+  Complain(ComplaintAbout(command, change));
   return kFailed;
 }
 
-std::unique_ptr<Command> MakePackageEvent(const PackageEvent& event) {
-  return std::make_unique<PackageEventCommand>(event);
+Command MakePackageEvent(const std::string& name, const std::string& description, const std::string& done,
+                         const std::string& after, HookNames hooks) {
+  Command command(name, description, name + " org.example.shop");
+  const auto& id = command.Take<std::string>(IdArgument());
+  RunOnSession(command, [=, &id](const Session& session) {
+    const Change change = CallHooks(session, hooks, id);
+    const std::string package = WithVersion(change.package.id, change.package.version);
+    return Tell(name, change, done + " " + package + after, "not done: " + name + " " + package);
+  });
+  return command;
 }
 
 }  // namespace orvelbox

@@ -2,7 +2,7 @@
 #ifndef ORVEL_ORVELBOX_COMMANDS_CHANGING_COMMAND_H_
 #define ORVEL_ORVELBOX_COMMANDS_CHANGING_COMMAND_H_
 
-#include <memory>
+#include <functional>
 #include <string>
 
 #include "orvelbox/cli/command.h"
@@ -10,29 +10,15 @@
 
 namespace orvelbox {
 
-class ChangingCommand : public Command {
- public:
-  using Command::Command;
-  int Run(const GlobalOptions& global) const final;
+// Makes `command` run `change` on the opened device.
+void RunOnSession(Command& command, const std::function<int(const Session& session)>& change);
 
- protected:
-  // Does it on the opened device and returns the exit status.
-  virtual int RunOn(const Session& session) const = 0;
+// Says what `command` did, below the headline `done` or `failed`, and complains of a failure. Returns the exit status.
+int Tell(const std::string& command, const Change& change, const std::string& done, const std::string& failed);
 
-  // Says what happened, below the headline `done` or `failed`, and complains of a failure. Returns the exit status.
-  int Tell(const Change& change, const std::string& done, const std::string& failed) const;
-};
-
-// A command that only calls hooks for an installed package.
-struct PackageEvent {
-  const char* command;
-  const char* description;
-  const char* done;        // "cleaned", to be followed by the package
-  const char* after = "";  // what follows the package
-  HookNames hooks;
-};
-
-std::unique_ptr<Command> MakePackageEvent(const PackageEvent& event);
+// A command that only calls hooks for an installed package; it was "`done` PACKAGE`after`".
+Command MakePackageEvent(const std::string& name, const std::string& description, const std::string& done,
+                         const std::string& after, HookNames hooks);
 
 }  // namespace orvelbox
 

@@ -56,55 +56,53 @@ class CheckReporter : public CheckReceiver {
   int status_ = kNoDuplicates;
 };
 
-class Check : public Command {
- public:
-  Check()
-      : Command("check",
-                "Say which DLLs of packages an install would remove, and because of what; nothing is installed",
-                "check --platform tv-assemblies shop.opk",
-                "Exit status: 0 no duplicates, 1 duplicates, 2 wrong usage, or something could not be read.\n") {
-    AddOption({"--platform", "DIR|LIST",
-               "Check against the platform in this directory (netcoreapp/ framework/ d.pc/ tvappapi/) or list file "
-               "(paths of a device, one a line), instead of a device",
-               &request_.platform});
-    AddOption({"--coba", "PACKAGE", "A CoBA package (directory or .opk) that is there as well", &request_.coba});
-    AddOption({"--privilege", "URI",
-               "A privilege that the packages hold beside those of their manifests: a URI, \"platform\" or "
-               "\"appdebugging\"",
-               &request_.privileges});
-    AddOption({"--format",
-               "FORMAT",
-               "table, json (one line per package) or sarif (2.1.0)",
-               &format_,
-               {kTable, kJson, kSarif}});
-    AddOption({"--jobs", "N", "How many packages are checked at a time (one per core)", Number{&request_.jobs, 1024}});
-    AddArgument({"PACKAGE", "", "Directories or .opk archives of packages", &request_.packages});
+int Run(const CheckRequest& request, const std::string& format, const GlobalOptions& global) {
+  const auto device = request.platform.empty() ? ChooseDevice(global) : std::filesystem::path();
+  try {
+    CheckReporter reporter(format, request.packages.size(), global.quiet);
+    CheckPackages(request, device, reporter);
+    return reporter.Finish();
+  } catch (const std::exception& error) {
+    Complain(error.what());
+    return kUnreadable;
   }
+}
 
-  void Accept(const GlobalOptions& global) override {
-    for (std::string& privilege : request_.privileges) privilege = PrivilegeUri(privilege);
-    RequireOneOf(request_.platform, global);
-  }
-
-  int Run(const GlobalOptions& global) const override {
-    const auto device = request_.platform.empty() ? ChooseDevice(global) : std::filesystem::path();
-    try {
-      CheckReporter reporter(format_, request_.packages.size(), global.quiet);
-      CheckPackages(request_, device, reporter);
-      return reporter.Finish();
-    } catch (const std::exception& error) {
-      Complain(error.what());
-      return kUnreadable;
-    }
-  }
-
- private:
-  CheckRequest request_;
-  std::string format_ = kTable;
-};
+std::vector<std::string> Uris(std::vector<std::string> privileges) {
+  for (std::string& privilege : privileges) privilege = PrivilegeUri(privilege);
+  return privileges;
+}
 
 }  // namespace
 
-std::unique_ptr<Command> MakeCheck() { return std::make_unique<Check>(); }
+Command MakeCheck() {
+  using Texts = std::vector<std::string>;
+  Command command("check",
+                  "Say which DLLs of packages an install would remove, and because of what; nothing is installed",
+                  "check --platform tv-assemblies shop.opk",
+                  "Exit status: 0 no duplicates, 1 duplicates, 2 wrong usage, or something could not be read.\n");
+  const auto& platform = command.Take<std::string>(
+      {"--platform", "DIR|LIST",
+       "Check against the platform in this directory (netcoreapp/ framework/ d.pc/ tvappapi/) or list file (paths of a "
+       "device, one a line), instead of a device"});
+  const auto& coba =
+      command.Take<Texts>({"--coba", "PACKAGE", "A CoBA package (directory or .opk) that is there as well"});
+  const auto& privileges = command.Take<Texts>(
+      {"--privilege", "URI",
+       "A privilege that the packages hold beside those of their manifests: a URI, \"platform\" or \"appdebugging\""});
+  const auto& format = command.Take<std::string>(
+      {"--format", "FORMAT", "table, json (one line per package) or sarif (2.1.0)", {kTable, kJson, kSarif}}, kTable);
+  const auto& jobs = command.Take<unsigned>(
+      {"--jobs", "N", "How many packages are checked at a time (one per core)", {}, false, 1024});
+  const auto& packages = command.Take<Texts>({"PACKAGE", "", "Directories or .opk archives of packages"});
+  command.check = [&platform, &privileges](const GlobalOptions& global) {
+    Uris(privileges);
+    RequireOneOf(platform, global);
+  };
+  command.run = [&platform, &coba, &privileges, &format, &jobs, &packages](const GlobalOptions& global) {
+    return Run({packages, platform, coba, Uris(privileges), jobs}, format, global);
+  };
+  return command;
+}
 
 }  // namespace orvelbox

@@ -3,8 +3,6 @@
 
 namespace orvelbox {
 
-std::unique_ptr<Command> MakeClean() {
-  return MakePackageEvent({"clean", "Call CLEAN for the package", "cleaned", "", kCleanHooks});
-}
+Command MakeClean() { return MakePackageEvent("clean", "Call CLEAN for the package", "cleaned", "", kCleanHooks); }
 
 }  // namespace orvelbox

@@ -3,9 +3,9 @@
 
 namespace orvelbox {
 
-std::unique_ptr<Command> MakeCleanup() {
-  return MakePackageEvent(
-      {"cleanup", "Call CLEANUP, which calls CLEAN itself, for the package", "cleaned up", "", kCleanupHooks});
+Command MakeCleanup() {
+  return MakePackageEvent("cleanup", "Call CLEANUP, which calls CLEAN itself, for the package", "cleaned up", "",
+                          kCleanupHooks);
 }
 
 }  // namespace orvelbox

@@ -16,35 +16,29 @@ void RemoveDevice(const fs::path& directory, bool keep_directory) {
   for (const fs::directory_entry& entry : fs::directory_iterator(directory)) RemoveTree(entry.path());
 }
 
-class Init : public Command {
- public:
-  Init() : Command("init", "Make a device", "init --platform tv-assemblies") {
-    AddOption({"--platform", "DIR", "Copy the platform's assemblies (netcoreapp/ framework/ d.pc/ tvappapi/) from DIR",
-               &platform_});
+int Init(const fs::path& directory, const std::string& platform, bool quiet) {
+  if (!platform.empty()) RequirePlatform(platform);
+  const bool was_there = IsThere(directory);
+  const host::Device device = host::CreateDevice(directory);
+  const Activity activity("init", !quiet);
+  try {
+    if (!platform.empty()) CopyPlatform(platform, device);
+  } catch (const host::DeviceError&) {
+    RemoveDevice(device.directory, was_there);
+    throw;
   }
-
-  int Run(const GlobalOptions& global) const override {
-    if (!platform_.empty()) RequirePlatform(platform_);
-    const fs::path directory = ChooseDevice(global);
-    const bool was_there = IsThere(directory);
-    const host::Device device = host::CreateDevice(directory);
-    const Activity activity(facts().name, !global.quiet);
-    try {
-      if (!platform_.empty()) CopyPlatform(platform_, device);
-    } catch (const host::DeviceError&) {
-      RemoveDevice(device.directory, was_there);
-      throw;
-    }
-    Say("made the device " + device.directory.string());
-    return kDone;
-  }
-
- private:
-  std::string platform_;
-};
+  Say("made the device " + device.directory.string());
+  return kDone;
+}
 
 }  // namespace
 
-std::unique_ptr<Command> MakeInit() { return std::make_unique<Init>(); }
+Command MakeInit() {
+  Command command("init", "Make a device", "init --platform tv-assemblies");
+  const auto& platform = command.Take<std::string>(
+      {"--platform", "DIR", "Copy the platform's assemblies (netcoreapp/ framework/ d.pc/ tvappapi/) from DIR"});
+  command.run = [&platform](const GlobalOptions& global) { return Init(ChooseDevice(global), platform, global.quiet); };
+  return command;
+}
 
 }  // namespace orvelbox

@@ -4,24 +4,16 @@
 #include "orvelbox/device/listings.h"
 
 namespace orvelbox {
-namespace {
 
-class List : public Command {
- public:
-  List() : Command("list", "List the installed packages", "list --json") { AddOption(JsonFlag(&json_)); }
-
-  int Run(const GlobalOptions& global) const override {
+Command MakeList() {
+  Command command("list", "List the installed packages", "list --json");
+  const auto& json = command.Take<bool>(JsonFlag());
+  command.run = [&json](const GlobalOptions& global) {
     const std::vector<host::Package> packages = ReadStore(OpenChosenDevice(global)).List();
-    SayListing(json_, PackagesJson(packages), DescribePackages(packages));
+    SayListing(json, PackagesJson(packages), DescribePackages(packages));
     return kDone;
-  }
-
- private:
-  bool json_ = false;
-};
-
-}  // namespace
-
-std::unique_ptr<Command> MakeList() { return std::make_unique<List>(); }
+  };
+  return command;
+}
 
 }  // namespace orvelbox

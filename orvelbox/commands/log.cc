@@ -6,32 +6,20 @@
 #include "orvelbox/history/log_view.h"
 
 namespace orvelbox {
-namespace {
 
-class Log : public Command {
- public:
-  Log() : Command("log", "Show the device's log", "log --priority I --follow") {
-    AddOption(JsonFlag(&json_));
-    AddOption({"--follow", "", "Go on with every record that comes", &follow_});
-    AddOption({"--tag", "TAG", "Only records under this tag", &tag_});
-    AddOption({"--priority", "P", "Only records of this priority and above (D, I, E)", &priority_, {"D", "I", "E"}});
-  }
-
-  int Run(const GlobalOptions& global) const override {
+Command MakeLog() {
+  Command command("log", "Show the device's log", "log --priority I --follow");
+  const auto& json = command.Take<bool>(JsonFlag());
+  const auto& follow = command.Take<bool>({"--follow", "", "Go on with every record that comes"});
+  const auto& tag = command.Take<std::string>({"--tag", "TAG", "Only records under this tag"});
+  const auto& priority = command.Take<std::string>(
+      {"--priority", "P", "Only records of this priority and above (D, I, E)", {"D", "I", "E"}}, "D");
+  command.run = [&json, &follow, &tag, &priority](const GlobalOptions& global) {
     const bool colour = ColourWanted(std::getenv("NO_COLOR"));
-    ShowLog(OpenChosenDevice(global), {{tag_, priority_.front()}, follow_, colour, json_});
+    ShowLog(OpenChosenDevice(global), {{tag, priority.front()}, follow, colour, json});
     return kDone;
-  }
-
- private:
-  bool json_ = false;
-  bool follow_ = false;
-  std::string tag_;
-  std::string priority_ = "D";
-};
-
-}  // namespace
-
-std::unique_ptr<Command> MakeLog() { return std::make_unique<Log>(); }
+  };
+  return command;
+}
 
 }  // namespace orvelbox

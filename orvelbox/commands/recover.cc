@@ -3,10 +3,10 @@
 
 namespace orvelbox {
 
-std::unique_ptr<Command> MakeRecover() {
-  return MakePackageEvent({"recover",
-                           "An uninstall of the package failed: RECOVERUNINSTALL, then CLEAN; the package stays",
-                           "recovered", " from a failed uninstall; the package stays installed", kRecoverHooks});
+Command MakeRecover() {
+  return MakePackageEvent("recover",
+                          "An uninstall of the package failed: RECOVERUNINSTALL, then CLEAN; the package stays",
+                          "recovered", " from a failed uninstall; the package stays installed", kRecoverHooks);
 }
 
 }  // namespace orvelbox

@@ -3,9 +3,9 @@
 
 namespace orvelbox {
 
-std::unique_ptr<Command> MakeRemove() {
-  return MakePackageEvent({"remove", "An update of the package was taken back: REMOVED, then CLEAN; the package stays",
-                           "took back an update of", "; the package stays installed", kRemoveHooks});
+Command MakeRemove() {
+  return MakePackageEvent("remove", "An update of the package was taken back: REMOVED, then CLEAN; the package stays",
+                          "took back an update of", "; the package stays installed", kRemoveHooks);
 }
 
 }  // namespace orvelbox

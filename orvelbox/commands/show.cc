@@ -5,28 +5,17 @@
 #include "orvelbox/device/listings.h"
 
 namespace orvelbox {
-namespace {
 
-class Show : public Command {
- public:
-  Show() : Command("show", "Show what is registered about a package", "show org.example.shop") {
-    AddOption(JsonFlag(&json_));
-    AddArgument(IdArgument(&id_));
-  }
-
-  int Run(const GlobalOptions& global) const override {
-    const host::Package package = FindInstalled(ReadStore(OpenChosenDevice(global)), id_);
-    SayListing(json_, PackageJson(package), DescribePackage(package));
+Command MakeShow() {
+  Command command("show", "Show what is registered about a package", "show org.example.shop");
+  const auto& json = command.Take<bool>(JsonFlag());
+  const auto& id = command.Take<std::string>(IdArgument());
+  command.run = [&](const GlobalOptions& global) {
+    const host::Package package = FindInstalled(ReadStore(OpenChosenDevice(global)), id);
+    SayListing(json, PackageJson(package), DescribePackage(package));
     return kDone;
-  }
-
- private:
-  bool json_ = false;
-  std::string id_;
-};
-
-}  // namespace
-
-std::unique_ptr<Command> MakeShow() { return std::make_unique<Show>(); }
+  };
+  return command;
+}
 
 }  // namespace orvelbox

@@ -32,40 +32,33 @@ std::string FaultOfPicture(const std::string& file) {
   return extension == ".svg" || extension == ".html" ? "" : file + " must end in .svg or .html";
 }
 
-class Trace : public Command {
- public:
-  Trace()
-      : Command("trace", "Draw what --trace wrote: the functions of the plug-in, by time",
-                "trace trace.json --output trace.html") {
-    AddOption({"--output",
-               "FILE",
-               "Draw a picture (.svg) or a page for a browser (.html) into FILE",
-               &output_,
-               {},
-               false,
-               FaultOfPicture});
-    AddArgument({"FILE", "", "A file that --trace wrote", &file_});
+void Draw(const fs::path& file, const fs::path& output) {
+  const std::vector<Lane> lanes = ReadTrace(host::ReadFile(file), file.string());
+  if (output.empty()) {
+    SayAll(DrawTimeline(lanes, TerminalColumns()));
+  } else {
+    Write(output, output.extension() == ".svg" ? TraceSvg(lanes) : TraceHtml(lanes, file.filename().string()));
   }
-
-  int Run(const GlobalOptions& /*global*/) const override {
-    const fs::path file = file_;
-    const fs::path output = output_;
-    const std::vector<Lane> lanes = ReadTrace(host::ReadFile(file), file_);
-    if (output.empty()) {
-      SayAll(DrawTimeline(lanes, TerminalColumns()));
-    } else {
-      Write(output, output.extension() == ".svg" ? TraceSvg(lanes) : TraceHtml(lanes, file.filename().string()));
-    }
-    return kDone;
-  }
-
- private:
-  std::string file_;
-  std::string output_;
-};
+}
 
 }  // namespace
 
-std::unique_ptr<Command> MakeTrace() { return std::make_unique<Trace>(); }
+Command MakeTrace() {
+  Command command("trace", "Draw what --trace wrote: the functions of the plug-in, by time",
+                  "trace trace.json --output trace.html");
+  const auto& output = command.Take<std::string>({"--output",
+                                                  "FILE",
+                                                  "Draw a picture (.svg) or a page for a browser (.html) into FILE",
+                                                  {},
+                                                  false,
+                                                  0,
+                                                  FaultOfPicture});
+  const auto& file = command.Take<std::string>({"FILE", "", "A file that --trace wrote"});
+  command.run = [&output, &file](const GlobalOptions& /*global*/) {
+    Draw(file, output);
+    return kDone;
+  };
+  return command;
+}
 
 }  // namespace orvelbox

@@ -3,8 +3,8 @@
 
 namespace orvelbox {
 
-std::unique_ptr<Command> MakeUndo() {
-  return MakePackageEvent({"undo", "Call UNDO for the package", "told the plug-in to undo", "", kUndoHooks});
+Command MakeUndo() {
+  return MakePackageEvent("undo", "Call UNDO for the package", "told the plug-in to undo", "", kUndoHooks);
 }
 
 }  // namespace orvelbox

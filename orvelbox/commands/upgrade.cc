@@ -3,33 +3,22 @@
 #include "orvelbox/package/source.h"
 
 namespace orvelbox {
-namespace {
 
-class UpgradeCommand : public ChangingCommand {
- public:
-  UpgradeCommand()
-      : ChangingCommand("upgrade", "Upgrade an installed package: UPGRADE, then CLEAN", "upgrade shop.opk") {
-    AddArgument(PackageArgument(&package_));
-  }
-
- private:
-  int RunOn(const Session& session) const override {
+Command MakeUpgrade() {
+  Command command("upgrade", "Upgrade an installed package: UPGRADE, then CLEAN", "upgrade shop.opk");
+  const auto& package = command.Take<std::string>(PackageArgument());
+  RunOnSession(command, [&package](const Session& session) {
     int status = kFailed;
-    WithPackage(package_, session.trees().PlaceToUnpack(), [&](const std::filesystem::path& directory) {
+    WithPackage(package, session.trees().PlaceToUnpack(), [&](const std::filesystem::path& directory) {
       const Change change = Upgrade(session, directory);
       const std::string versions =
           WithVersion(change.previous->id, change.previous->version) + " to " + change.package.version;
-      status = Tell(change, "upgraded " + versions + " (" + change.package.root + ")",
+      status = Tell("upgrade", change, "upgraded " + versions + " (" + change.package.root + ")",
                     "not upgraded: " + versions + "; the version before is in place again");
     });
     return status;
-  }
-
-  std::string package_;
-};
-
-}  // namespace
-
-std::unique_ptr<Command> MakeUpgrade() { return std::make_unique<UpgradeCommand>(); }
+  });
+  return command;
+}
 
 }  // namespace orvelbox

@@ -40,7 +40,7 @@ CommandFacts Small() {
           {{"cut",
             "Cuts a\\b",
             ".5 of it\nExample: box cut x",
-            {{"--how", "H", "How", {}, {"a", "b"}}},
+            {{"--how", "H", "How", {"a", "b"}}},
             {{"X", "", "What"}},
             {}}}};
 }
