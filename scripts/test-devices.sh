@@ -28,9 +28,10 @@ pass_tests() {
   fi
 }
 
-# "TEST: REASON" for each test that did not run. CTest forgets the run when it lists the tests: asked once only.
+# "TEST: REASON" for each test that did not run; once only, for CTest empties its log when it lists the tests.
 skipped() {
-  log=build/$processor/Testing/Temporary/LastTest.log
+  log=build/$processor/LastTest.log
+  mv "build/$processor/Testing/Temporary/LastTest.log" "$log"
   awk '/: Skipped$/ { getline reason } /^\[  SKIPPED \] .* ms\)$/ { print $4 ": " reason }' "$log"
   ctest --preset "$processor" --show-only | sed -n 's/^ *Test *#[0-9]*: //p' | grep -E "$starters" |
     while read -r test; do
