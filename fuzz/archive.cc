@@ -2,20 +2,25 @@
 // limits allow.
 #include "orvelbox/package/archive.h"
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "base/unique_fd.h"
 #include "fuzz/input.h"
 #include "platform/host/device.h"
 
 namespace {
 
 using fuzz::Require;
+using orvelbox::Archive;
 using orvelbox::ArchiveEntry;
 using orvelbox::ArchiveLimits;
-
-constexpr const char* kName = "archive.opk";
+using std::filesystem::perms;
 
 // Small enough for an input to reach them.
 ArchiveLimits SmallLimits() {
@@ -42,29 +47,36 @@ std::vector<std::string> NamesOf(const std::string& path) {
   return names;
 }
 
-// Takes note and holds the reader to its promises.
-class Watch : public orvelbox::ArchiveReceiver {
+// Holds the reader to its promises.
+class Watch {
  public:
   explicit Watch(const ArchiveLimits& limits) : limits_(limits) {}
 
-  void Begin(const ArchiveEntry& entry) override {
-    CheckPath(entry.path);
-    Require((entry.permissions & ~std::filesystem::perms::all) == std::filesystem::perms::none &&
-                (entry.permissions & (std::filesystem::perms::set_uid | std::filesystem::perms::set_gid |
-                                      std::filesystem::perms::sticky_bit)) == std::filesystem::perms::none,
-            "permissions are those of owner, group and others");
-    in_file_ = !entry.directory;
-    if (in_file_) Require(files_.insert(entry.path).second, "no file comes twice");
-    Require(++entries_ <= limits_.entries, "there are no more entries than allowed");
-  }
-
-  void Content(std::string_view piece) override {
-    Require(in_file_, "only files have content");
-    bytes_ += piece.size();
-    Require(bytes_ <= limits_.bytes, "there are no more bytes than allowed");
+  void Read(const Archive& archive) {
+    for (const ArchiveEntry& entry : archive.entries()) {
+      CheckEntry(entry);
+      if (!entry.directory) CheckContent(archive, entry);
+    }
   }
 
  private:
+  void CheckEntry(const ArchiveEntry& entry) {
+    CheckPath(entry.path);
+    Require((entry.permissions & ~(perms::owner_all | perms::group_all | perms::others_all)) == perms::none,
+            "permissions are those of owner, group and others");
+    Require(entry.directory || files_.insert(entry.path).second, "no file comes twice");
+    Require(++entries_ <= limits_.entries, "there are no more entries than allowed");
+  }
+
+  void CheckContent(const Archive& archive, const ArchiveEntry& entry) {
+    std::uint64_t size = 0;
+    orvelbox::ArchiveContent content(archive, entry);
+    for (std::string_view piece = content.Next(); !piece.empty(); piece = content.Next()) size += piece.size();
+    Require(size == entry.size, "a file is as long as its entry says");
+    bytes_ += size;
+    Require(bytes_ <= limits_.bytes, "there are no more bytes than allowed");
+  }
+
   void CheckPath(const std::string& path) const {
     Require(path.size() <= limits_.path_bytes, "no path is longer than allowed");
     const std::vector<std::string> names = NamesOf(path);
@@ -79,18 +91,29 @@ class Watch : public orvelbox::ArchiveReceiver {
   std::set<std::string> files_;
   std::uint64_t entries_ = 0;
   std::uint64_t bytes_ = 0;
-  bool in_file_ = false;
+};
+
+// The bytes as a file, whose name is the process's own.
+class FileInMemory {
+ public:
+  FileInMemory(const std::uint8_t* data, std::size_t size) : file_(memfd_create("archive", MFD_CLOEXEC)) {
+    Require(file_.get() >= 0 && write(file_.get(), data, size) == static_cast<ssize_t>(size), "there is memory");
+  }
+  std::string Path() const { return "/proc/self/fd/" + std::to_string(file_.get()); }
+
+ private:
+  UniqueFd file_;
 };
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const FileInMemory file(data, size);
   const ArchiveLimits limits = SmallLimits();
-  Watch watch(limits);
   try {
-    orvelbox::ReadArchive({reinterpret_cast<const char*>(data), size}, kName, limits, watch);
+    Watch(limits).Read(Archive(file.Path(), limits));
   } catch (const host::DeviceError& error) {
-    Require(std::string(error.what()).find(kName) != std::string::npos, "a refusal names the archive");
+    Require(std::string(error.what()).find(file.Path()) != std::string::npos, "a refusal names the archive");
   }
   return 0;
 }

@@ -28,37 +28,39 @@ constexpr unsigned int kWholePackage = 10;
 
 // Does insertItem for each file, but gives its strings away, and looks for the place beside that of the file before:
 // file systems of read-only images, and those in memory, list names in order.
-void CatalogueFiles(const std::string& directory, Catalogue& catalogue, unsigned int depth) {
+void CatalogueFiles(const std::string& directory, Catalogue& catalogue, unsigned int depth,
+                    const DirectoryLister& lister) {
   const auto record = [&catalogue, place = catalogue.end()](const ListedFile& file) mutable {
     std::string name(file.name);
     std::string path = concatPath(file.directory, name);
     place = catalogue.emplace_hint(place, std::move(name), std::move(path));
   };
-  WalkFiles(directory, record, depth);
+  WalkFiles(directory, record, depth, lister);
 }
 
 }  // namespace
 
-void CataloguePlatform(const Catalogues& catalogues, const std::string& platformRoot) {
-  CatalogueFiles(platformRoot + "netcoreapp/", catalogues.core, kDirectoryOnly);
-  CatalogueFiles(platformRoot + "framework/", catalogues.framework, kDirectoryOnly);
-  CatalogueFiles(platformRoot + "d.pc/", catalogues.framework, kWithSubdirectories);
+void CataloguePlatform(const Catalogues& catalogues, const std::string& platformRoot, const DirectoryLister& lister) {
+  CatalogueFiles(platformRoot + "netcoreapp/", catalogues.core, kDirectoryOnly, lister);
+  CatalogueFiles(platformRoot + "framework/", catalogues.framework, kDirectoryOnly, lister);
+  CatalogueFiles(platformRoot + "d.pc/", catalogues.framework, kWithSubdirectories, lister);
 }
 
-void CatalogueTvAppApi(const Catalogues& catalogues, const std::string& platformRoot) {
-  CatalogueFiles(platformRoot + "tvappapi/", catalogues.framework, kDirectoryOnly);
+void CatalogueTvAppApi(const Catalogues& catalogues, const std::string& platformRoot, const DirectoryLister& lister) {
+  CatalogueFiles(platformRoot + "tvappapi/", catalogues.framework, kDirectoryOnly, lister);
 }
 
-void CatalogueSharedResources(const Catalogues& catalogues, const std::string& packageRoot) {
-  CatalogueFiles(packageRoot + kSharedResourceSuffix, catalogues.components, kDirectoryOnly);
+void CatalogueSharedResources(const Catalogues& catalogues, const std::string& packageRoot,
+                              const DirectoryLister& lister) {
+  CatalogueFiles(packageRoot + kSharedResourceSuffix, catalogues.components, kDirectoryOnly, lister);
 }
 
-void CatalogueLibrary(const Catalogues& catalogues, const std::string& packageRoot) {
-  CatalogueFiles(packageRoot + kLibrarySuffix, catalogues.library, kDirectoryOnly);
+void CatalogueLibrary(const Catalogues& catalogues, const std::string& packageRoot, const DirectoryLister& lister) {
+  CatalogueFiles(packageRoot + kLibrarySuffix, catalogues.library, kDirectoryOnly, lister);
 }
 
-void VisitPackage(const std::string& packageRoot, const FileVisitor& visit) {
-  WalkFiles(packageRoot, visit, kWholePackage);
+void VisitPackage(const std::string& packageRoot, const FileVisitor& visit, const DirectoryLister& lister) {
+  WalkFiles(packageRoot, visit, kWholePackage, lister);
 }
 
 int RemoveDuplicates(const std::string& packageRoot) {

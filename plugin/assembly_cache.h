@@ -29,14 +29,19 @@ ORVEL_EXPORT int cobaCallback(pkgmgrinfo_appinfo_h handle, void* userData);
 // The steps of the pass that fill the catalogues, for whoever judges a package without installing it.
 // `platformRoot`: the directory of the platform's assemblies, with a "/" at its end. CataloguePlatform takes up all of
 // them but the TV application API.
-void CataloguePlatform(const Catalogues& catalogues, const std::string& platformRoot);
-void CatalogueTvAppApi(const Catalogues& catalogues, const std::string& platformRoot);
+void CataloguePlatform(const Catalogues& catalogues, const std::string& platformRoot,
+                       const DirectoryLister& lister = FileSystemLister());
+void CatalogueTvAppApi(const Catalogues& catalogues, const std::string& platformRoot,
+                       const DirectoryLister& lister = FileSystemLister());
 // `packageRoot`: the root directory of a package, without a "/" at its end.
-void CatalogueSharedResources(const Catalogues& catalogues, const std::string& packageRoot);
-void CatalogueLibrary(const Catalogues& catalogues, const std::string& packageRoot);
+void CatalogueSharedResources(const Catalogues& catalogues, const std::string& packageRoot,
+                              const DirectoryLister& lister = FileSystemLister());
+void CatalogueLibrary(const Catalogues& catalogues, const std::string& packageRoot,
+                      const DirectoryLister& lister = FileSystemLister());
 
 // Calls `visit` for each file of a package that the pass judges, in its order.
-void VisitPackage(const std::string& packageRoot, const FileVisitor& visit);
+void VisitPackage(const std::string& packageRoot, const FileVisitor& visit,
+                  const DirectoryLister& lister = FileSystemLister());
 
 // The last step of the pass: offers those files to isUniqueDll. Returns -1 when any was a duplicate, else 0.
 int RemoveDuplicates(const std::string& packageRoot);

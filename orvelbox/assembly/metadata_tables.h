@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdint>
 
-#include "orvelbox/assembly/byte_view.h"
+#include "orvelbox/desk/bytes.h"
 
 namespace orvelbox {
 

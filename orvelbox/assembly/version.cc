@@ -1,8 +1,8 @@
 // The way from a file's first bytes to the row of the Assembly table.
 #include "orvelbox/assembly/version.h"
 
-#include "orvelbox/assembly/byte_view.h"
 #include "orvelbox/assembly/metadata_tables.h"
+#include "orvelbox/desk/bytes.h"
 
 namespace orvelbox {
 namespace {
@@ -27,6 +27,7 @@ constexpr std::uint64_t kMetadataSizeAt = 12;
 constexpr std::string_view kMetadataSignature = "BSJB";
 constexpr std::uint64_t kVersionLengthAt = 12;
 constexpr std::uint64_t kVersionAt = 16;
+constexpr std::uint64_t kLongestStreamName = 32;
 // In a row of the Assembly table, behind the hash algorithm.
 constexpr std::uint64_t kVersionNumbersAt = 4;
 
@@ -67,7 +68,7 @@ std::optional<ByteView> FindTableStream(const ByteView& metadata) {
   const std::uint64_t flags = kVersionAt + RoundedUp(metadata.U32(kVersionLengthAt));
   std::uint64_t header = flags + 4;
   for (unsigned left = metadata.U16(flags + 2); left > 0; --left) {
-    const std::string_view name = metadata.From(header + 8).Text();
+    const std::string name = metadata.From(header + 8).Text(kLongestStreamName);
     if (name == "#~" || name == "#-") return metadata.Part(metadata.U32(header), metadata.U32(header + 4));
     header += 8 + RoundedUp(name.size() + 1);
   }
@@ -89,9 +90,9 @@ std::optional<AssemblyVersion> FindVersion(const ByteView& file) {
 
 }  // namespace
 
-std::optional<AssemblyVersion> ReadAssemblyVersion(std::string_view file) {
+std::optional<AssemblyVersion> ReadAssemblyVersion(ByteSource& file, std::uint64_t size) {
   try {
-    return FindVersion(ByteView(file));
+    return FindVersion(ByteView(file, size));
   } catch (const BeyondBytes&) {
     return std::nullopt;
   }

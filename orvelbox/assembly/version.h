@@ -6,16 +6,17 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
+
+#include "orvelbox/desk/bytes.h"
 
 namespace orvelbox {
 
 // Major, minor, build and revision number; compares as versions do.
 using AssemblyVersion = std::array<std::uint16_t, 4>;
 
-// The version that the assembly in `file` (its whole content) declares. Nothing when that is no assembly, or a damaged
-// one.
-std::optional<AssemblyVersion> ReadAssemblyVersion(std::string_view file);
+// The version that the assembly in `file`, of `size` bytes, declares. Nothing when that is no assembly, or a damaged
+// one. No more is read than headers and metadata. Throws what `file` throws, but for BeyondBytes.
+std::optional<AssemblyVersion> ReadAssemblyVersion(ByteSource& file, std::uint64_t size);
 
 // "1.2.3.4".
 std::string ToString(const AssemblyVersion& version);

@@ -6,12 +6,8 @@
 #include <thread>
 #include <utility>
 
-#include "base/affix.h"
 #include "orvelbox/check/package_checker.h"
 #include "orvelbox/check/workers.h"
-#include "orvelbox/desk/tree.h"
-#include "orvelbox/package/manifest.h"
-#include "orvelbox/package/source.h"
 #include "platform/host/child_process.h"
 #include "platform/host/device.h"
 #include "util/privilege_checker.h"
@@ -21,47 +17,27 @@ namespace fs = std::filesystem;
 namespace orvelbox {
 namespace {
 
-// Of an archive only these are needed; the other files count by name.
-bool IsNeeded(const std::string& path) { return path == kManifestName || IsAssemblyName(path); }
-
-UnpackPlace PlaceAt(const fs::path& directory) {
-  return {directory, [directory] { RemoveTree(directory); }, IsNeeded};
-}
-
-// Adds the CoBA package, which stays unpacked at `scratch` when it is an archive.
-void AddCobaPackage(const fs::path& package, const fs::path& scratch, PlatformSet& set) {
-  UnpackPlace place = PlaceAt(scratch);
-  place.remove = [] {};
-  WithPackage(package, place, [&](const fs::path& directory) {
-    const host::Package described = ReadManifest(directory).package;
-    if (!IsCobaPackage(described)) {
-      throw host::DeviceError(package.string() + ": is no CoBA package, no application of it has the metadata " +
-                              "that makes one; leave it out");
-    }
-    AddCoba({described.id, fs::canonical(directory), RootOnDevice(set, described.id)}, set);
-  });
-}
-
-PlatformSet CollectSet(const CheckRequest& request, const fs::path& device, const fs::path& scratch) {
-  PlatformSet set = request.platform.empty() ? SetOfDevice(host::OpenDevice(device))
-                                             : SetOfPlatform(request.platform, scratch / "list");
-  for (std::size_t i = 0; i < request.coba.size(); ++i) {
-    AddCobaPackage(request.coba[i], scratch / ("coba-" + std::to_string(i)), set);
+void AddCobaPackage(const fs::path& package, PlatformSet& set) {
+  const OpenedPackage opened = OpenPackage(package);
+  const host::Package& described = opened.manifest.package;
+  if (!IsCobaPackage(described)) {
+    throw host::DeviceError(package.string() + ": is no CoBA package, no application of it has the metadata " +
+                            "that makes one; leave it out");
   }
+  AddCoba({described.id, RootOnDevice(set, described.id), opened.files}, set);
+}
+
+PlatformSet CollectSet(const CheckRequest& request, const fs::path& device) {
+  PlatformSet set = request.platform.empty() ? SetOfDevice(host::OpenDevice(device)) : SetOfPlatform(request.platform);
+  for (const std::string& package : request.coba) AddCobaPackage(package, set);
   return set;
 }
 
 // An error about one package becomes the problem of its result; the others go on.
-CheckedPackage CheckOne(const PackageChecker& checker, const std::string& package, const fs::path& scratch,
-                        const std::atomic<bool>& stopped) {
+CheckedPackage CheckOne(const PackageChecker& checker, const std::string& package) {
   CheckedPackage result;
   try {
-    UnpackPlace place = PlaceAt(scratch);
-    place.wanted = [&](const std::string& path) {
-      if (stopped) throw host::DeviceError("interrupted");
-      return IsNeeded(path);
-    };
-    WithPackage(package, place, [&](const fs::path& directory) { result = checker.Check(directory); });
+    result = checker.Check(package);
   } catch (const host::DeviceError& error) {
     result.problem = error.what();
   } catch (const std::exception& error) {
@@ -83,14 +59,10 @@ std::string PrivilegeUri(const std::string& text) {
 
 void CheckPackages(const CheckRequest& request, const fs::path& device, CheckReceiver& receiver) {
   const host::HeldSignals signals;
-  const ScratchDirectory scratch;
-  const PackageChecker checker(CollectSet(request, device, scratch.path()), request.privileges);
+  const PackageChecker checker(CollectSet(request, device), request.privileges);
   const unsigned jobs = request.jobs != 0 ? request.jobs : std::max(1U, std::thread::hardware_concurrency());
   RunOnThreads(
-      request.packages.size(), jobs,
-      [&](std::size_t i, const std::atomic<bool>& stopped) {
-        return CheckOne(checker, request.packages[i], scratch.path() / std::to_string(i), stopped);
-      },
+      request.packages.size(), jobs, [&](std::size_t i) { return CheckOne(checker, request.packages[i]); },
       [&](std::size_t, CheckedPackage package) { receiver.Receive(std::move(package)); },
       [&](std::size_t finished) { receiver.Finished(finished); });
 }

@@ -1,16 +1,16 @@
 // The assembly cache pass over a package that is not installed: the same catalogues, filled by the same functions in
-// the same order, the same walk, the same policy.
+// the same order, the same walk, the same policy, all by the paths that the files have on the device.
 #include "orvelbox/check/package_checker.h"
 
 #include <libxml/parser.h>
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 
 #include "base/affix.h"
-#include "morvath/platform_utils.h"
 #include "orvelbox/check/silent_platform.h"
-#include "platform/host/files.h"
+#include "platform/host/paths.h"
 #include "plugin/assembly_cache.h"
 #include "plugin/catalogues.h"
 #include "plugin/manifest.h"
@@ -20,40 +20,6 @@ namespace fs = std::filesystem;
 
 namespace orvelbox {
 namespace {
-
-// A larger file is no assembly that anybody would ask the version of.
-constexpr std::uintmax_t kLargestAssembly = std::uintmax_t{256} << 20;
-
-bool LooksLikeDll(const fs::path& name) { return EqualsIgnoringCase(name.extension().native(), ".dll"); }
-
-// Every DLL of the package, looked at by the plug-in or not, by its path below the root.
-std::set<std::string> DllsIn(const fs::path& directory) {
-  std::set<std::string> dlls;
-  try {
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(directory)) {
-      const bool subdirectory = entry.symlink_status().type() == fs::file_type::directory;
-      if (subdirectory || !LooksLikeDll(entry.path().filename())) continue;
-      dlls.insert(entry.path().lexically_relative(directory).string());
-    }
-  } catch (const fs::filesystem_error& error) {
-    host::ThrowFileError(error.path1().empty() ? directory : error.path1(), "read", error.code().value());
-  }
-  return dlls;
-}
-
-DllCopy FactsOf(const fs::path& file) {
-  std::error_code error;
-  const std::uintmax_t size = fs::file_size(file, error);
-  if (error) return {};
-  DllCopy copy{size, std::nullopt};
-  if (size > kLargestAssembly) return copy;
-  try {
-    copy.version = ReadAssemblyVersion(host::ReadFile(file));
-  } catch (const host::DeviceError&) {
-    // The size is known all the same.
-  }
-  return copy;
-}
 
 std::string ReasonToKeep(Exemption exemption) {
   if (exemption == Exemption::kNone) return "";
@@ -69,7 +35,7 @@ CheckedDll Kept(const std::string& path, const std::string& reason) {
 }
 
 std::string ReasonNotSeen(const std::string& path) {
-  if (!endWith(path, ".dll")) return "only names that end in \".dll\" in lower case count";
+  if (!IsAssemblyName(path)) return "only names that end in \".dll\" in lower case count";
   return "the plug-in does not look that deep, nor into \".sac_symlink\"";
 }
 
@@ -83,106 +49,117 @@ struct OwnedCatalogues {
   Catalogue library;
 };
 
+Catalogue ComponentOf(const PlacedPackage& package) {
+  OwnedCatalogues found;
+  CatalogueSharedResources(found.All(), package.root, PlacedListing(package.files->listing(), package.root));
+  return found.components;
+}
+
+Catalogue LibraryOf(const PlacedPackage& package) {
+  OwnedCatalogues found;
+  CatalogueLibrary(found.All(), package.root, PlacedListing(package.files->listing(), package.root));
+  return found.library;
+}
+
+bool IsBefore(const CheckedDll& a, const CheckedDll& b) { return a.path < b.path; }
+
+// Adds the DLLs that the pass came not to, and puts all into order.
+void AddUnseen(const Listing& listing, CheckedPackage& package) {
+  std::sort(package.dlls.begin(), package.dlls.end(), IsBefore);
+  std::vector<CheckedDll> unseen;
+  listing.ForEachDll([&](const std::string& path) {
+    const CheckedDll dll = Kept(path, package.dotnet ? ReasonNotSeen(path) : "");
+    if (!std::binary_search(package.dlls.begin(), package.dlls.end(), dll, IsBefore)) unseen.push_back(dll);
+  });
+  std::move(unseen.begin(), unseen.end(), std::back_inserter(package.dlls));
+  std::sort(package.dlls.begin(), package.dlls.end(), IsBefore);
+}
+
 }  // namespace
 
 PackageChecker::PackageChecker(PlatformSet set, std::vector<std::string> privileges)
     : set_(std::move(set)), privileges_(std::move(privileges)) {
   xmlInitParser();  // in this thread, before others read manifests
   SetReadWriteRoot(set_.read_write_root);
-  const std::string desk = set_.assemblies.string() + "/";
-  const std::string device = std::string(host::kPlatformAssemblies) + "/";
-  Places unread;  // from a list come names without files
-  Places& places = set_.only_names ? unread : places_;
+  const PlacedListing platform(set_.assemblies->listing(), host::kPlatformAssemblies);
+  const std::string root = std::string(host::kPlatformAssemblies) + "/";
   OwnedCatalogues found;
-  CataloguePlatform(found.All(), desk);
-  core_ = MovedToDevice(found.core, desk, device, places);
-  framework_ = MovedToDevice(found.framework, desk, device, places);
-  OwnedCatalogues api;
-  CatalogueTvAppApi(api.All(), desk);
-  framework_with_api_ = framework_;
-  framework_with_api_.merge(MovedToDevice(api.framework, desk, device, places));
-  for (const PlacedPackage& component : set_.coba) {
-    components_[component.id] = ComponentOf(component, component.only_names ? unread : places_);
-  }
-}
-
-// Turns paths of the desk into those of the device, which are what the policy is about.
-Catalogue PackageChecker::MovedToDevice(const Catalogue& on_desk, const std::string& desk, const std::string& device,
-                                        Places& places) {
-  Catalogue moved;
-  for (const auto& [name, path] : on_desk) {
-    const std::string& on_device = moved[name] = device + path.substr(desk.size());
-    places[on_device] = path;
-  }
-  return moved;
-}
-
-Catalogue PackageChecker::ComponentOf(const PlacedPackage& package, Places& places) {
-  OwnedCatalogues found;
-  CatalogueSharedResources(found.All(), package.desk);
-  return MovedToDevice(found.components, package.desk.string(), package.root, places);
+  CataloguePlatform(found.All(), root, platform);
+  core_ = found.core;
+  framework_ = found.framework;
+  CatalogueTvAppApi(found.All(), root, platform);
+  framework_with_api_ = std::move(found.framework);
+  for (const PlacedPackage& component : set_.coba) components_[component.id] = ComponentOf(component);
 }
 
 // What is shared once the package is there: an earlier version of it shares nothing any more.
-Catalogue PackageChecker::ComponentsBeside(const PlacedPackage& own, bool coba, Places& places) const {
-  std::map<std::string, Catalogue> components = components_;
-  components.erase(own.id);
-  if (coba) components[own.id] = ComponentOf(own, places);
+Catalogue PackageChecker::ComponentsBeside(const PlacedPackage& own, bool coba) const {
   Catalogue all;
-  for (auto& [id, component] : components) all.merge(component);
+  for (const PlacedPackage& one : set_.coba) {
+    if (one.id < own.id) all.insert(components_.at(one.id).begin(), components_.at(one.id).end());
+  }
+  if (coba) all.merge(ComponentOf(own));
+  for (const PlacedPackage& one : set_.coba) {
+    if (own.id < one.id) all.insert(components_.at(one.id).begin(), components_.at(one.id).end());
+  }
   return all;
 }
 
-void PackageChecker::JudgeDotnet(const fs::path& directory, const Manifest& manifest, bool platform,
-                                 CheckedPackage& package) const {
-  Places places;
-  const PlacedPackage own{package.id, directory, package.root};
-  const Catalogue components = ComponentsBeside(own, IsCobaPackage(manifest.package), places);
-  OwnedCatalogues found;
-  CatalogueLibrary(found.All(), directory);
-  const Catalogue library = MovedToDevice(found.library, directory.string(), package.root, places);
-  JudgeAll(directory, {&core_, platform ? &framework_with_api_ : &framework_, &components, &library}, places, package);
+void PackageChecker::JudgeDotnet(const PlacedPackage& own, bool coba, bool platform, CheckedPackage& package) const {
+  const Catalogue components = ComponentsBeside(own, coba);
+  const Catalogue library = LibraryOf(own);
+  JudgeAll(own, {&core_, platform ? &framework_with_api_ : &framework_, &components, &library}, package);
 }
 
-void PackageChecker::JudgeAll(const fs::path& directory, const CatalogueList& catalogues, const Places& places,
+void PackageChecker::JudgeAll(const PlacedPackage& own, const CatalogueList& catalogues,
                               CheckedPackage& package) const {
-  std::set<std::string> unseen = DllsIn(directory);
-  const std::size_t root_length = directory.string().size() + 1;
-  VisitPackage(directory, [&](const ListedFile& file) {
-    if (!IsAssemblyName(file.name)) return;
-    const std::string on_desk = file.Path();
-    const std::string path = on_desk.substr(root_length);
-    unseen.erase(path);
-    if (!file.regular && !isRealPath(on_desk)) {
+  const auto judge = [&](const ListedFile& file) {
+    const std::string on_device = file.Path();
+    const std::string path = on_device.substr(package.root.size() + 1);
+    if (!file.regular) {
       package.dlls.push_back(Kept(path, "a symbolic link is never judged"));
       return;
     }
-    const std::string on_device = package.root + "/" + path;
     const Judgement judgement = Foretell(catalogues, on_device, std::string(file.name));
     CheckedDll dll = Kept(path, ReasonToKeep(judgement.exemption));
     dll.verdict = judgement.verdict;
     if (judgement.origin != nullptr) dll.origin = *judgement.origin;
-    if (dll.IsDuplicate()) AddFacts(directory, places, dll);
+    if (dll.IsDuplicate()) {
+      dll.own = own.files->FactsOf(path);
+      dll.provided = Provided(dll.origin, own);
+    }
     package.dlls.push_back(std::move(dll));
-  });
-  for (const std::string& path : unseen) package.dlls.push_back(Kept(path, ReasonNotSeen(path)));
-  std::sort(package.dlls.begin(), package.dlls.end(),
-            [](const CheckedDll& a, const CheckedDll& b) { return a.path < b.path; });
+  };
+  const PlacedListing listing(own.files->listing(), own.root);
+  VisitPackage(
+      own.root,
+      [&](const ListedFile& file) {
+        if (IsAssemblyName(file.name)) judge(file);
+      },
+      listing);
 }
 
-void PackageChecker::AddFacts(const fs::path& directory, const Places& places, CheckedDll& dll) const {
-  dll.own = FactsOf(directory / dll.path);
-  for (const Places* known : {&places, &places_}) {
-    const auto provided = known->find(dll.origin);
-    if (provided == known->end()) continue;
-    dll.provided = FactsOf(provided->second);
-    return;
+// Of the copies that the platform and the CoBA packages provide, each is looked at once.
+DllCopy PackageChecker::Provided(const std::string& origin, const PlacedPackage& own) const {
+  const auto facts_in = [&](const PackageFiles& files, const std::string& root) {
+    return files.FactsOf(origin.substr(root.size() + 1));
+  };
+  if (host::IsBelow(origin, own.root)) return facts_in(*own.files, own.root);
+  const std::lock_guard lock(mutex_);
+  const auto [place, added] = provided_.try_emplace(origin);
+  if (!added) return place->second;
+  if (host::IsBelow(origin, host::kPlatformAssemblies)) {
+    place->second = facts_in(*set_.assemblies, host::kPlatformAssemblies);
   }
+  for (const PlacedPackage& component : set_.coba) {
+    if (host::IsBelow(origin, component.root)) place->second = facts_in(*component.files, component.root);
+  }
+  return place->second;
 }
 
-CheckedPackage PackageChecker::Check(const fs::path& package_directory) const {
-  const Manifest manifest = ReadManifest(package_directory);
-  const fs::path directory = fs::canonical(package_directory);
+CheckedPackage PackageChecker::Check(const fs::path& package_path) const {
+  const OpenedPackage opened = OpenPackage(package_path);
+  const Manifest& manifest = opened.manifest;
   CheckedPackage package;
   package.id = manifest.package.id;
   package.version = manifest.package.version;
@@ -192,10 +169,10 @@ CheckedPackage PackageChecker::Check(const fs::path& package_directory) const {
   privileges.insert(manifest.package.privileges.begin(), manifest.package.privileges.end());
   package.debugging = privileges.count(kAppDebuggingPrivilege) != 0;
   if (package.dotnet) {
-    JudgeDotnet(directory, manifest, privileges.count(kPlatformPrivilege) != 0, package);
-  } else {
-    for (const std::string& path : DllsIn(directory)) package.dlls.push_back(Kept(path, ""));
+    JudgeDotnet({package.id, package.root, opened.files}, IsCobaPackage(manifest.package),
+                privileges.count(kPlatformPrivilege) != 0, package);
   }
+  AddUnseen(opened.files->listing(), package);
   return package;
 }
 

@@ -1,16 +1,18 @@
-// Judges the DLLs of packages by a platform set, with the plug-in's own cataloguing and policy and without installing
-// or changing anything.
+// Judges the DLLs of packages by a platform set, with the plug-in's own cataloguing, walk and policy and without
+// installing, unpacking or changing anything.
 #ifndef ORVEL_ORVELBOX_CHECK_PACKAGE_CHECKER_H_
 #define ORVEL_ORVELBOX_CHECK_PACKAGE_CHECKER_H_
 
 #include <filesystem>
 #include <map>
+#include <mutex>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
+#include "orvelbox/check/package_files.h"
 #include "orvelbox/check/platform_set.h"
 #include "orvelbox/check/result.h"
-#include "orvelbox/package/manifest.h"
 #include "plugin/duplicate_policy.h"
 
 namespace orvelbox {
@@ -21,29 +23,24 @@ class PackageChecker {
   // the process's platform library answers with the set's read-write root.
   PackageChecker(PlatformSet set, std::vector<std::string> privileges);
 
-  // Checks the package in `directory`; several threads may do so at a time. Throws host::DeviceError when it is none.
-  CheckedPackage Check(const std::filesystem::path& directory) const;
+  // Checks the package in the directory or archive `package`; several threads may do so at a time. Throws
+  // host::DeviceError when it is none.
+  CheckedPackage Check(const std::filesystem::path& package) const;
 
  private:
-  using Places = std::map<std::string, std::string>;  // catalogued paths of the device -> the files on the desk
-
-  static Catalogue MovedToDevice(const Catalogue& on_desk, const std::string& desk, const std::string& device,
-                                 Places& places);
-  static Catalogue ComponentOf(const PlacedPackage& package, Places& places);
-  Catalogue ComponentsBeside(const PlacedPackage& own, bool coba, Places& places) const;
-  void JudgeDotnet(const std::filesystem::path& directory, const Manifest& manifest, bool platform,
-                   CheckedPackage& package) const;
-  void JudgeAll(const std::filesystem::path& directory, const CatalogueList& catalogues, const Places& places,
-                CheckedPackage& package) const;
-  void AddFacts(const std::filesystem::path& directory, const Places& places, CheckedDll& dll) const;
+  Catalogue ComponentsBeside(const PlacedPackage& own, bool coba) const;
+  void JudgeDotnet(const PlacedPackage& own, bool coba, bool platform, CheckedPackage& package) const;
+  void JudgeAll(const PlacedPackage& own, const CatalogueList& catalogues, CheckedPackage& package) const;
+  DllCopy Provided(const std::string& origin, const PlacedPackage& own) const;
 
   PlatformSet set_;
   std::vector<std::string> privileges_;
-  Places places_;  // of what follows
   Catalogue core_;
   Catalogue framework_;
   Catalogue framework_with_api_;                 // what packages with the platform privilege see
   std::map<std::string, Catalogue> components_;  // by the id of their packages
+  mutable std::mutex mutex_;                     // guards what follows
+  mutable std::unordered_map<std::string, DllCopy> provided_;
 };
 
 }  // namespace orvelbox

@@ -1,6 +1,8 @@
 // Platform sets from their three sources.
 #include "orvelbox/check/platform_set.h"
 
+#include <dirent.h>
+
 #include <algorithm>
 #include <set>
 #include <sstream>
@@ -43,53 +45,52 @@ std::set<std::string> ReadList(const fs::path& list) {
   return paths;
 }
 
-// Makes an empty file with the directories above it.
-void Touch(const fs::path& file) {
-  MakeDirectory(file.parent_path());
-  host::CreateFile(file, "");
-}
-
-// Lays a list out in `scratch`.
-PlatformSet SetOfList(const fs::path& list, const fs::path& scratch) {
-  PlatformSet set;
-  set.assemblies = scratch / "platform";
-  set.only_names = true;
+PlatformSet SetOfList(const fs::path& list) {
+  Listing platform;
+  std::map<std::string, Listing> components;  // by their roots
+  bool found = false;
   for (const std::string& path : ReadList(list)) {
     const std::size_t shared = path.rfind(kSharedResourceSuffix);
     if (host::IsBelow(path, host::kPlatformAssemblies)) {
-      Touch(set.assemblies / host::From(host::kPlatformAssemblies, path));
+      platform.Add(host::From(host::kPlatformAssemblies, path), DT_REG);
+      found = true;
     } else if (shared != std::string::npos && shared > 0) {
-      const std::string root = path.substr(0, shared);
-      const fs::path desk = scratch / "coba" / fs::path(root).relative_path();
-      Touch(desk / path.substr(shared + 1));
-      AddCoba({fs::path(root).filename().string(), desk, root, true}, set);
+      components[path.substr(0, shared)].Add(path.substr(shared + 1), DT_REG);
     }
   }
-  if (IsThere(set.assemblies)) return set;
-  throw host::DeviceError(list.string() + ": names no assemblies below " + host::kPlatformAssemblies +
-                          "; list them on the device with: find " + host::kPlatformAssemblies);
+  if (!found) {
+    throw host::DeviceError(list.string() + ": names no assemblies below " + host::kPlatformAssemblies +
+                            "; list them on the device with: find " + host::kPlatformAssemblies);
+  }
+  PlatformSet set;
+  set.assemblies = std::make_shared<PackageFiles>(std::move(platform));
+  for (auto& [root, listing] : components) {
+    AddCoba({fs::path(root).filename().string(), root, std::make_shared<PackageFiles>(std::move(listing))}, set);
+  }
+  return set;
 }
 
 }  // namespace
 
 PlatformSet SetOfDevice(const host::Device& device) {
   PlatformSet set;
-  set.assemblies = device.OnDesk(host::kPlatformAssemblies);
+  set.assemblies = FilesIn(device.OnDesk(host::kPlatformAssemblies));
   set.read_write_root = host::ReadConfig(device).read_write_root;
   const host::PackageStore store(device.Database(), host::PackageStore::Mode::kReadOnly);
   for (const host::Package& package : store.List()) {
     set.roots[package.id] = package.root;
-    if (IsCobaPackage(package)) AddCoba({package.id, device.OnDesk(package.root), package.root, false}, set);
+    if (!IsCobaPackage(package)) continue;
+    AddCoba({package.id, package.root, FilesIn(device.OnDesk(package.root), kSharedResourceSuffix + 1)}, set);
   }
   return set;
 }
 
-PlatformSet SetOfPlatform(const fs::path& platform, const fs::path& scratch) {
+PlatformSet SetOfPlatform(const fs::path& platform) {
   std::error_code ignored;
-  if (fs::is_regular_file(platform, ignored)) return SetOfList(platform, scratch);
+  if (fs::is_regular_file(platform, ignored)) return SetOfList(platform);
   RequirePlatform(platform);
   PlatformSet set;
-  set.assemblies = fs::absolute(platform);
+  set.assemblies = FilesIn(platform);
   return set;
 }
 

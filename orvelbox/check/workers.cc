@@ -2,6 +2,7 @@
 #include "orvelbox/check/workers.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <csignal>
@@ -20,7 +21,7 @@ namespace {
 // How long a signal may wait to be noticed.
 constexpr std::chrono::milliseconds kLook{100};
 
-using Work = std::function<CheckedPackage(std::size_t, const std::atomic<bool>& stopped)>;
+using Work = std::function<CheckedPackage(std::size_t)>;
 
 bool IsInterrupted() {
   sigset_t pending;
@@ -70,7 +71,7 @@ class Workers {
 
   void TakeOneAfterTheOther() {
     for (std::size_t number = next_++; number < count_ && !stopped_; number = next_++) {
-      CheckedPackage result = work_(number, stopped_);
+      CheckedPackage result = work_(number);
       const std::lock_guard lock(mutex_);
       results_.emplace(number, std::move(result));
       changed_.notify_one();

@@ -2,7 +2,6 @@
 #ifndef ORVEL_ORVELBOX_CHECK_WORKERS_H_
 #define ORVEL_ORVELBOX_CHECK_WORKERS_H_
 
-#include <atomic>
 #include <cstddef>
 #include <functional>
 
@@ -12,10 +11,9 @@ namespace orvelbox {
 
 // Calls `work` for 0 … count-1 on at most `threads` (not 0) threads, and `done` on this one with each result, in the
 // order of the numbers, as soon as it is that number's turn. `finished` is called here with how many are through,
-// whenever that changes. `work` must not throw; it gives up early once `stopped` is true. To be called while
-// host::HeldSignals lives: SIGINT, SIGTERM and SIGHUP then stop the work and make this throw host::DeviceError.
-void RunOnThreads(std::size_t count, unsigned threads,
-                  const std::function<CheckedPackage(std::size_t, const std::atomic<bool>& stopped)>& work,
+// whenever that changes. `work` must not throw. To be called while host::HeldSignals lives: SIGINT, SIGTERM and SIGHUP
+// then let no more work begin and make this throw host::DeviceError.
+void RunOnThreads(std::size_t count, unsigned threads, const std::function<CheckedPackage(std::size_t)>& work,
                   const std::function<void(std::size_t, CheckedPackage)>& done,
                   const std::function<void(std::size_t)>& finished);
 

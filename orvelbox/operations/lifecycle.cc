@@ -37,12 +37,8 @@ class LifecycleRun {
  private:
   using Event = std::pair<const char*, HookNames>;
 
-  std::string IdOf(const fs::path& package) const {
-    UnpackPlace place = session_.trees().PlaceToUnpack();
-    place.wanted = [](const std::string& path) { return path == kManifestName; };
-    std::string id;
-    WithPackage(package, place, [&](const fs::path& directory) { id = ReadManifest(directory).package.id; });
-    return id;
+  static std::string IdOf(const fs::path& package) {
+    return (IsArchive(package) ? ReadManifest(Archive(package)) : ReadManifest(package)).package.id;
   }
 
   DeviceState State() const { return StateOf(session_.device()); }

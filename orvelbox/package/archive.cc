@@ -1,180 +1,194 @@
-// Reading an archive with libarchive, entry by entry, each judged before anything of it is handed on.
+// Judging an archive's entries, and unpacking their contents with zlib.
 #include "orvelbox/package/archive.h"
 
-#include <archive.h>
-#include <archive_entry.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include <array>
+#include <algorithm>
 #include <cerrno>
-#include <clocale>
-#include <memory>
 #include <new>
 
-#include "base/unique_fd.h"
+#include "orvelbox/desk/bytes.h"
 #include "orvelbox/package/archive_paths.h"
-#include "platform/host/device.h"
+#include "orvelbox/package/zip_directory.h"
+#include "platform/host/device_error.h"
 #include "platform/host/files.h"
+
+namespace fs = std::filesystem;
 
 namespace orvelbox {
 namespace {
 
-struct FreeArchive {
-  void operator()(archive* reader) const { archive_read_free(reader); }
-};
-using Reader = std::unique_ptr<archive, FreeArchive>;
+// The directory is read in large pieces, the header before each content by itself.
+constexpr std::size_t kDirectoryWindow = 65536;
+constexpr std::size_t kHeaderWindow = 256;
+constexpr std::size_t kPiece = 8192;
 
-// libarchive converts names to the characters of the thread's locale: while this lives, they stay UTF-8.
-class Utf8Names {
- public:
-  Utf8Names() : utf8_(newlocale(LC_CTYPE_MASK, "C.UTF-8", locale_t{})) {
-    if (utf8_ != locale_t{}) before_ = uselocale(utf8_);
-  }
-  Utf8Names(const Utf8Names&) = delete;
-  Utf8Names& operator=(const Utf8Names&) = delete;
-  ~Utf8Names() {
-    if (utf8_ == locale_t{}) return;
-    uselocale(before_);
-    freelocale(utf8_);
-  }
-
- private:
-  locale_t utf8_;
-  locale_t before_{};
-};
-
-// Only through its directory of entries is a zip file read: a cut-off one has none.
-Reader MakeReader() {
-  Reader reader(archive_read_new());
-  if (!reader) throw std::bad_alloc();
-  if (archive_read_support_format_zip_seekable(reader.get()) != ARCHIVE_OK) throw std::bad_alloc();
-  return reader;
-}
-
-// Reads one opened archive.
-class Reading {
- public:
-  Reading(archive* reader, std::string name, std::uint64_t own_size, const ArchiveLimits& limits,
-          ArchiveReceiver& receiver)
-      : reader_(reader),
-        name_(std::move(name)),
-        own_size_(own_size),
-        limits_(limits),
-        paths_(limits),
-        receiver_(receiver) {}
-
-  void Run() {
-    archive_entry* entry = nullptr;
-    for (;;) {
-      const int status = archive_read_next_header(reader_, &entry);
-      if (status == ARCHIVE_EOF) return;
-      if (status != ARCHIVE_OK) RefuseDamaged();
-      Take(entry);
-    }
-  }
-
- private:
-  [[noreturn]] void RefuseDamaged() const {
-    const char* text = archive_error_string(reader_);
-    throw host::DeviceError((current_.empty() ? name_ : name_ + ": entry \"" + current_ + "\"") +
-                            ": no zip archive, cut off or damaged (" + (text == nullptr ? "unreadable" : text) +
-                            "); make it anew, or fetch it again");
-  }
-
-  [[noreturn]] void Refuse(const std::string& why) const {
-    throw host::DeviceError(name_ + ": entry \"" + current_ + "\" " + why);
-  }
-
-  void Take(archive_entry* entry) {
-    const char* path = archive_entry_pathname(entry);
-    if (path == nullptr) RefuseDamaged();
-    current_ = path;
-    RequirePlain(entry);
-    ArchiveEntry told;
-    told.directory = archive_entry_filetype(entry) == AE_IFDIR;
-    told.permissions = static_cast<std::filesystem::perms>(archive_entry_perm(entry) & 0777U);
-    if (const std::string problem = paths_.Add(current_, told.directory, told.path); !problem.empty()) Refuse(problem);
-    if (told.path.empty()) return;  // the package's own directory
-    if (!told.directory) RequireRoom(entry);
-    receiver_.Begin(told);
-    if (!told.directory) TakeContent();
-  }
-
-  void RequirePlain(archive_entry* entry) const {
-    if (archive_entry_is_encrypted(entry) != 0) Refuse("is encrypted; pack it without a password");
-    const auto type = archive_entry_filetype(entry);
-    if (type == AE_IFLNK || archive_entry_hardlink(entry) != nullptr) {
-      Refuse("is a link; pack the file itself in its place");
-    }
-    if (type != AE_IFREG && type != AE_IFDIR) Refuse("is no file and no directory; take it out of the archive");
-  }
-
-  // By what the entry says of itself; what it really holds is counted as well.
-  void RequireRoom(archive_entry* entry) const {
-    const std::int64_t size = archive_entry_size_is_set(entry) != 0 ? archive_entry_size(entry) : 0;
-    if (size < 0) RefuseDamaged();
-    RequireWithin(static_cast<std::uint64_t>(size));
-  }
-
-  // `more` bytes beside those that were unpacked already.
-  void RequireWithin(std::uint64_t more) const {
-    if (more > limits_.bytes - bytes_) {
-      Refuse("makes the package larger than " + std::to_string(limits_.bytes) + " bytes; make it smaller");
-    }
-    const std::uint64_t total = bytes_ + more;
-    if (total > limits_.unsuspicious_bytes && total / limits_.ratio > own_size_) {
-      Refuse("unpacks to more than " + std::to_string(limits_.ratio) +
-             " times the archive's size, which no package does; install it from a directory if it is to be trusted");
-    }
-  }
-
-  void TakeContent() {
-    std::array<char, 65536> block;
-    for (;;) {
-      const la_ssize_t length = archive_read_data(reader_, block.data(), block.size());
-      if (length < 0) RefuseDamaged();
-      if (length == 0) return;
-      RequireWithin(static_cast<std::uint64_t>(length));
-      bytes_ += static_cast<std::uint64_t>(length);
-      receiver_.Content({block.data(), static_cast<std::size_t>(length)});
-    }
-  }
-
-  archive* reader_;
-  std::string name_;
-  std::uint64_t own_size_;
-  ArchiveLimits limits_;
-  ArchivePaths paths_;
-  ArchiveReceiver& receiver_;
-  std::string current_;  // the entry at hand, as the archive names it
-  std::uint64_t bytes_ = 0;
-};
-
-}  // namespace
-
-void ReadArchive(const std::filesystem::path& file, const ArchiveLimits& limits, ArchiveReceiver& receiver) {
-  const UniqueFd descriptor(open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-  if (!descriptor) host::ThrowFileError(file, "read", errno);
+UniqueFd OpenArchive(const fs::path& file, std::uint64_t& size) {
+  UniqueFd descriptor(open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   struct stat status {};
-  if (fstat(descriptor.get(), &status) != 0) host::ThrowFileError(file, "read", errno);
+  if (!descriptor || fstat(descriptor.get(), &status) != 0) host::ThrowFileError(file, "read", errno);
   if (!S_ISREG(status.st_mode)) {
     throw host::DeviceError(file.string() + ": no regular file; name the directory or the archive of a package");
   }
-  const Utf8Names utf8;
-  const Reader reader = MakeReader();
-  Reading reading(reader.get(), file.string(), static_cast<std::uint64_t>(status.st_size), limits, receiver);
-  archive_read_open_fd(reader.get(), descriptor.get(), 65536);  // its failure shows with the first entry
-  reading.Run();
+  size = static_cast<std::uint64_t>(status.st_size);
+  return descriptor;
 }
 
-void ReadArchive(std::string_view bytes, const std::string& name, const ArchiveLimits& limits,
-                 ArchiveReceiver& receiver) {
-  const Utf8Names utf8;
-  const Reader reader = MakeReader();
-  Reading reading(reader.get(), name, bytes.size(), limits, receiver);
-  archive_read_open_memory(reader.get(), bytes.data(), bytes.size());
-  reading.Run();
+// Programs of other systems write "\" between the names.
+std::string PathOf(const ZipEntry& entry) {
+  std::string path = entry.name;
+  if (path.find('/') == std::string::npos) std::replace(path.begin(), path.end(), '\\', '/');
+  return path;
+}
+
+// A NUL would end the whole text.
+std::string Named(const std::string& entry) { return std::string(": entry \"") + entry.c_str() + "\""; }
+
+bool IsDirectory(const ZipEntry& entry) { return !entry.name.empty() && PathOf(entry).back() == '/'; }
+
+}  // namespace
+
+Archive::Archive(const fs::path& file, const ArchiveLimits& limits) : name_(file.string()) {
+  std::uint64_t size = 0;
+  file_ = OpenArchive(file, size);
+  try {
+    ReadEntries(size, limits);
+  } catch (const ZipProblem& problem) {
+    RefuseDamaged(problem.entry, problem.what());
+  } catch (const BeyondBytes&) {
+    RefuseDamaged("", "it ends too early");
+  }
+}
+
+void Archive::ReadEntries(std::uint64_t size, const ArchiveLimits& limits) {
+  FileBytes directory(file_.get(), kDirectoryWindow);
+  FileBytes headers(file_.get(), kHeaderWindow);
+  ArchivePaths paths(limits);
+  std::uint64_t bytes = 0;
+  ReadZipDirectory(directory, size, [&](ZipEntry entry) {
+    RequirePlain(entry);
+    ArchiveEntry told;
+    told.directory = IsDirectory(entry);
+    if (const std::string why = paths.Add(PathOf(entry), told.directory, told.path); !why.empty()) {
+      Refuse(entry.name, why);
+    }
+    RequireRoom(entry, bytes, size, limits);
+    FindContent(headers, entry);
+    bytes += entry.size;
+    told.permissions = static_cast<fs::perms>(entry.mode == 0 ? 0644U : entry.mode & 0777U);
+    told.size = entry.size;
+    told.content = entry.content;
+    told.packed_size = entry.packed_size;
+    told.checksum = entry.checksum;
+    told.deflated = entry.method == kDeflated;
+    if (!told.path.empty()) entries_.push_back(std::move(told));  // an empty one is the package's own directory
+  });
+  RequireApart(size);
+}
+
+void Archive::RefuseDamaged(const std::string& entry, const std::string& why) const {
+  throw host::DeviceError((entry.empty() ? name_ : name_ + Named(entry)) + ": no zip archive, cut off or damaged (" +
+                          why + "); make it anew, or fetch it again");
+}
+
+void Archive::Refuse(const std::string& entry, const std::string& why) const {
+  throw host::DeviceError(name_ + Named(entry) + " " + why);
+}
+
+void Archive::RequirePlain(const ZipEntry& entry) const {
+  if (entry.IsEncrypted()) Refuse(entry.name, "is encrypted; pack it without a password");
+  if (S_ISLNK(entry.mode)) Refuse(entry.name, "is a link; pack the file itself in its place");
+  const unsigned type = entry.mode & S_IFMT;
+  if (type != 0 && type != S_IFREG && type != S_IFDIR) {
+    Refuse(entry.name, "is no file and no directory; take it out of the archive");
+  }
+  const bool contradiction = IsDirectory(entry) ? type == S_IFREG || entry.size != 0 : type == S_IFDIR;
+  if (contradiction) Refuse(entry.name, "is told to be a file and a directory at once; pack the archive anew");
+  if (entry.method != kStored && entry.method != kDeflated) {
+    Refuse(entry.name, "is compressed in another way than by deflate; pack it with zip's own settings");
+  }
+}
+
+// By what the entry says of itself; what it really holds is held to that when it is unpacked.
+void Archive::RequireRoom(const ZipEntry& entry, std::uint64_t before, std::uint64_t own_size,
+                          const ArchiveLimits& limits) const {
+  if (entry.size > limits.bytes - before) {
+    Refuse(entry.name, "makes the package larger than " + std::to_string(limits.bytes) + " bytes; make it smaller");
+  }
+  const std::uint64_t total = before + entry.size;
+  if (total > limits.unsuspicious_bytes && total / limits.ratio > own_size) {
+    Refuse(entry.name,
+           "unpacks to more than " + std::to_string(limits.ratio) +
+               " times the archive's size, which no package does; install it from a directory if it is to be trusted");
+  }
+}
+
+// A few bytes that serve many entries would unpack to far more than the archive holds.
+void Archive::RequireApart(std::uint64_t size) const {
+  std::vector<const ArchiveEntry*> in_place;
+  for (const ArchiveEntry& entry : entries_) in_place.push_back(&entry);
+  std::sort(in_place.begin(), in_place.end(), [](const ArchiveEntry* a, const ArchiveEntry* b) {
+    return a->content != b->content ? a->content < b->content : a->packed_size < b->packed_size;
+  });
+  for (std::size_t i = 0; i < in_place.size(); ++i) {
+    const std::uint64_t next = i + 1 < in_place.size() ? in_place[i + 1]->content : size;
+    const ArchiveEntry& entry = *in_place[i];
+    if (entry.content > next || entry.packed_size > next - entry.content) {
+      RefuseDamaged(entry.path, "it reaches into what follows");
+    }
+  }
+}
+
+ArchiveContent::ArchiveContent(const Archive& archive, const ArchiveEntry& entry) : archive_(archive), entry_(entry) {
+  if (inflateInit2(&stream_, -MAX_WBITS) != Z_OK) throw std::bad_alloc();
+}
+
+ArchiveContent::~ArchiveContent() { inflateEnd(&stream_); }
+
+std::string_view ArchiveContent::Next() {
+  const std::string_view piece = entry_.deflated ? Unpack() : ReadPacked();
+  Check(piece);
+  return piece;
+}
+
+std::string_view ArchiveContent::ReadPacked() {
+  packed_.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kPiece, entry_.packed_size - read_)));
+  const off_t place = static_cast<off_t>(entry_.content + read_);
+  const ssize_t count = TEMP_FAILURE_RETRY(pread(archive_.file(), packed_.data(), packed_.size(), place));
+  if (count < 0) archive_.RefuseDamaged(entry_.path, host::ErrorText(errno));
+  packed_.resize(static_cast<std::size_t>(count));
+  read_ += packed_.size();
+  return packed_;
+}
+
+std::string_view ArchiveContent::Unpack() {
+  piece_.resize(kPiece);
+  stream_.next_out = reinterpret_cast<Bytef*>(piece_.data());
+  stream_.avail_out = kPiece;
+  int result = Z_OK;
+  while (stream_.avail_out == kPiece && result == Z_OK) {
+    if (stream_.avail_in == 0) {
+      const std::string_view packed = ReadPacked();
+      stream_.next_in = reinterpret_cast<Bytef*>(packed_.data());
+      stream_.avail_in = static_cast<uInt>(packed.size());
+    }
+    result = inflate(&stream_, Z_NO_FLUSH);
+  }
+  if (result != Z_OK && result != Z_STREAM_END) {
+    archive_.RefuseDamaged(entry_.path, stream_.msg == nullptr ? "its content ends too early" : stream_.msg);
+  }
+  piece_.resize(kPiece - stream_.avail_out);
+  return piece_;
+}
+
+void ArchiveContent::Check(std::string_view piece) {
+  unpacked_ += piece.size();
+  checksum_ = static_cast<std::uint32_t>(
+      crc32(checksum_, reinterpret_cast<const Bytef*>(piece.data()), static_cast<uInt>(piece.size())));
+  const bool too_short = piece.empty() && unpacked_ < entry_.size;
+  if (unpacked_ > entry_.size || too_short) archive_.RefuseDamaged(entry_.path, "it is not as long as it says");
+  if (piece.empty() && checksum_ != entry_.checksum) archive_.RefuseDamaged(entry_.path, "its checksum is wrong");
 }
 
 }  // namespace orvelbox

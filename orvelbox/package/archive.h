@@ -1,44 +1,95 @@
 // Reads package archives (.opk, which are zip files), trusting nothing in them: what an archive may hold, and how much,
-// is decided here. Where its files go is up to the receiver.
+// is decided here. Where its files go is up to the caller.
 //
 // An archive is refused when it is no zip file, cut off or damaged, and when one of its entries
-// - has an absolute path, a "..", a backslash or an empty or overlong name in its path, or lies too deep,
+// - has an absolute path, a "..", a backslash, a NUL or an empty or overlong name in its path, or lies too deep,
 // - is a link or a special file, is encrypted, or has the path of another entry that is no directory,
+// - is told differently by the archive's directory and by its own header, or shares bytes with another one,
 // - goes beyond one of the limits (archive_limits.h).
 #ifndef ORVEL_ORVELBOX_PACKAGE_ARCHIVE_H_
 #define ORVEL_ORVELBOX_PACKAGE_ARCHIVE_H_
 
+#include <zlib.h>
+
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "base/unique_fd.h"
 #include "orvelbox/package/archive_limits.h"
 
 namespace orvelbox {
+
+struct ZipEntry;
 
 struct ArchiveEntry {
   std::string path;  // relative, its names separated by single "/"
   bool directory = false;
   std::filesystem::perms permissions{};  // of owner, group and others, as the archive says
+  std::uint64_t size = 0;                // unpacked
+  // Where its content stands in the archive, and how.
+  std::uint64_t content = 0;
+  std::uint64_t packed_size = 0;
+  std::uint32_t checksum = 0;
+  bool deflated = false;
 };
 
-// Takes what an archive holds, in the archive's order: each entry with Begin, then the content of a file in pieces.
-// Directories that only the paths of others imply are not reported. What a function throws ends the reading.
-class ArchiveReceiver {
+class Archive {
  public:
-  virtual ~ArchiveReceiver() = default;
-  virtual void Begin(const ArchiveEntry& entry) = 0;
-  virtual void Content(std::string_view piece) = 0;
+  // Reads what the archive holds; contents are left alone. Throws host::DeviceError, naming the archive and the entry,
+  // when it is refused.
+  explicit Archive(const std::filesystem::path& file, const ArchiveLimits& limits = {});
+
+  // In the order of the archive's directory. Directories that only the paths of others imply are not among them.
+  const std::vector<ArchiveEntry>& entries() const { return entries_; }
+  const std::string& name() const { return name_; }
+  int file() const { return file_.get(); }
+
+  // Throws host::DeviceError about a damaged entry, or about the whole archive.
+  [[noreturn]] void RefuseDamaged(const std::string& entry, const std::string& why) const;
+
+ private:
+  void ReadEntries(std::uint64_t size, const ArchiveLimits& limits);
+  [[noreturn]] void Refuse(const std::string& entry, const std::string& why) const;
+  void RequirePlain(const ZipEntry& entry) const;
+  void RequireRoom(const ZipEntry& entry, std::uint64_t before, std::uint64_t own_size,
+                   const ArchiveLimits& limits) const;
+  void RequireApart(std::uint64_t size) const;
+
+  std::string name_;
+  UniqueFd file_;
+  std::vector<ArchiveEntry> entries_;
 };
 
-// Hands the archive to `receiver`. Throws host::DeviceError, naming the archive and the entry, when it is refused; what
-// the receiver got until then is up to the receiver. Keeps no state between calls; calls in several threads are
-// independent of each other.
-void ReadArchive(const std::filesystem::path& file, const ArchiveLimits& limits, ArchiveReceiver& receiver);
+// The content of one entry, unpacked piece by piece.
+class ArchiveContent {
+ public:
+  // Borrows both.
+  ArchiveContent(const Archive& archive, const ArchiveEntry& entry);
+  ArchiveContent(const ArchiveContent&) = delete;
+  ArchiveContent& operator=(const ArchiveContent&) = delete;
+  ~ArchiveContent();
 
-// The same for an archive in memory, called `name` in errors.
-void ReadArchive(std::string_view bytes, const std::string& name, const ArchiveLimits& limits,
-                 ArchiveReceiver& receiver);
+  // The next piece, good until the next call; empty at the end. Throws host::DeviceError when the content is damaged,
+  // or not as long as the archive says.
+  std::string_view Next();
+
+ private:
+  std::string_view ReadPacked();
+  std::string_view Unpack();
+  void Check(std::string_view piece);
+
+  const Archive& archive_;
+  const ArchiveEntry& entry_;
+  std::uint64_t read_ = 0;      // packed bytes
+  std::uint64_t unpacked_ = 0;  // bytes that were handed on
+  std::uint32_t checksum_ = 0;
+  z_stream stream_{};
+  std::string packed_;
+  std::string piece_;
+};
 
 }  // namespace orvelbox
 

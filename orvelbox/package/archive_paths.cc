@@ -19,6 +19,7 @@ std::string ProblemOfName(std::string_view name) {
 std::string ArchivePaths::Add(std::string_view written, bool directory, std::string& path) {
   path.clear();
   if (written.empty()) return "has no name; pack the archive anew";
+  if (written.find('\0') != std::string_view::npos) return "holds a NUL in its path; pack the archive anew";
   if (written.front() == '/') return "has an absolute path; pack it with paths relative to the package";
   if (written.find('\\') != std::string_view::npos) return "holds \"\\\"; pack it with \"/\" between the names";
   if (written.size() > limits_.path_bytes) {

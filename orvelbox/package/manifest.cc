@@ -20,6 +20,8 @@ namespace orvelbox {
 namespace {
 
 constexpr std::size_t kLongestName = 255;
+// A parsed document takes some thirty times its text.
+constexpr std::size_t kLargestManifest = 1 << 20;
 
 struct FreeParser {
   void operator()(xmlParserCtxt* parser) const { xmlFreeParserCtxt(parser); }
@@ -123,6 +125,17 @@ void KeepFirstError(void* parser, xmlErrorPtr error) {
   *kept = "line " + std::to_string(error->line) + ": " + message;
 }
 
+void RequireShort(std::uint64_t size, const std::string& file) {
+  if (size <= kLargestManifest) return;
+  throw host::DeviceError(file + ": larger than " + std::to_string(kLargestManifest) +
+                          " bytes; leave out what describes no package");
+}
+
+[[noreturn]] void ThrowNoPackage(const std::string& package) {
+  throw host::DeviceError(package + ": no " + kManifestName +
+                          " in it, so it is no package; name the directory that holds the manifest");
+}
+
 UniqueFd OpenManifest(const std::filesystem::path& package_directory, const std::filesystem::path& file) {
   std::error_code ignored;
   if (!std::filesystem::is_directory(package_directory, ignored)) {
@@ -131,26 +144,36 @@ UniqueFd OpenManifest(const std::filesystem::path& package_directory, const std:
   }
   UniqueFd descriptor(open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
   if (!descriptor && errno == ENOENT) {
-    throw host::DeviceError(package_directory.string() + ": no " + kManifestName +
-                            " in it, so it is no package; name the directory that holds the manifest");
+    ThrowNoPackage(package_directory.string());
   }
   struct stat status {};
-  if (descriptor && fstat(descriptor.get(), &status) == 0 && S_ISREG(status.st_mode)) return descriptor;
+  if (descriptor && fstat(descriptor.get(), &status) == 0 && S_ISREG(status.st_mode)) {
+    RequireShort(static_cast<std::uint64_t>(status.st_size), file.string());
+    return descriptor;
+  }
   const std::string reason = descriptor || errno == ELOOP ? "no regular file" : host::ErrorText(errno);
   throw host::DeviceError(file.string() + ": cannot be read (" + reason + "); put a readable manifest file there");
 }
 
-XmlDocument ParseManifest(int descriptor, const std::string& file) {
+XmlDocument ParseManifest(const std::string& text, const std::string& file) {
+  RequireShort(text.size(), file);
   const std::unique_ptr<xmlParserCtxt, FreeParser> parser(xmlNewParserCtxt());
   if (!parser) throw std::bad_alloc();
   std::string first_error;
   parser->_private = &first_error;
   parser->sax->serror = KeepFirstError;
-  XmlDocument document(xmlCtxtReadFd(parser.get(), descriptor, file.c_str(), nullptr,
-                                     XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
+  XmlDocument document(xmlCtxtReadMemory(parser.get(), text.data(), static_cast<int>(text.size()), file.c_str(),
+                                         nullptr, XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
   if (document) return document;
   throw host::DeviceError(file + ": not well-formed, " + (first_error.empty() ? "empty" : first_error) +
                           "; mend the XML and try again");
+}
+
+Manifest ManifestOf(const std::string& text, const std::string& file) {
+  Manifest manifest;
+  manifest.document = ParseManifest(text, file);
+  manifest.package = DescribePackage(manifest.document.get(), file);
+  return manifest;
 }
 
 }  // namespace
@@ -184,10 +207,22 @@ host::Package DescribePackage(const xmlDoc* document, const std::string& file) {
 Manifest ReadManifest(const std::filesystem::path& package_directory) {
   const std::filesystem::path file = package_directory / kManifestName;
   const UniqueFd descriptor = OpenManifest(package_directory, file);
-  Manifest manifest;
-  manifest.document = ParseManifest(descriptor.get(), file.string());
-  manifest.package = DescribePackage(manifest.document.get(), file.string());
-  return manifest;
+  std::string text;
+  if (const int error = host::ReadToEnd(descriptor.get(), text); error != 0) host::ThrowFileError(file, "read", error);
+  return ManifestOf(text, file.string());
+}
+
+Manifest ReadManifest(const Archive& archive) {
+  const auto entry = std::find_if(archive.entries().begin(), archive.entries().end(),
+                                  [](const ArchiveEntry& one) { return one.path == kManifestName && !one.directory; });
+  if (entry == archive.entries().end()) ThrowNoPackage(archive.name());
+  std::string text;
+  ArchiveContent content(archive, *entry);
+  for (std::string_view piece = content.Next(); !piece.empty() && text.size() <= kLargestManifest;
+       piece = content.Next()) {
+    text += piece;
+  }
+  return ManifestOf(text, archive.name() + "/" + kManifestName);
 }
 
 host::Package PlacedAt(host::Package package, const std::string& root) {

@@ -22,7 +22,7 @@
 //   are kept, and a privilege without text is ignored.
 // - Names count as written, without a namespace prefix, because the plug-in compares them so. Other elements and
 //   attributes are left to whoever knows them.
-// - The document may have a DOCTYPE, which is never loaded, but may not declare entities.
+// - The document may have a DOCTYPE, which is never loaded, but may not declare entities. It has at most 1 MiB.
 #ifndef ORVEL_ORVELBOX_PACKAGE_MANIFEST_H_
 #define ORVEL_ORVELBOX_PACKAGE_MANIFEST_H_
 
@@ -32,6 +32,7 @@
 #include <memory>
 #include <string>
 
+#include "orvelbox/package/archive.h"
 #include "platform/host/package_store.h"
 
 namespace orvelbox {
@@ -51,6 +52,8 @@ struct Manifest {
 // Reads the manifest in `package_directory`. Throws host::DeviceError, naming the manifest (with the line, where the
 // XML is wrong) and the way out. Nothing is fetched or read but that one file, and nothing is printed.
 Manifest ReadManifest(const std::filesystem::path& package_directory);
+// The same for the manifest in an archive.
+Manifest ReadManifest(const Archive& archive);
 
 // What `document` (only read) says, checked. Throws host::DeviceError with `file` as the name of the manifest.
 host::Package DescribePackage(const xmlDoc* document, const std::string& file);

@@ -20,7 +20,7 @@ std::string Replaced(std::string text, const std::string& from, const std::strin
 
 void WithArchive(const fs::path& archive, const UnpackPlace& place, const std::function<void(const fs::path&)>& work) {
   const auto unpack_and_work = [&] {
-    Unpack(archive, place.directory, {}, place.wanted);
+    Unpack(archive, place.directory);
     work(place.directory);
   };
   try {
@@ -33,10 +33,13 @@ void WithArchive(const fs::path& archive, const UnpackPlace& place, const std::f
 
 }  // namespace
 
-void WithPackage(const fs::path& package, const UnpackPlace& place, const std::function<void(const fs::path&)>& work) {
+bool IsArchive(const fs::path& package) {
   std::error_code ignored;
-  const bool archive = fs::exists(package, ignored) && !fs::is_directory(package, ignored);
-  if (archive) {
+  return fs::exists(package, ignored) && !fs::is_directory(package, ignored);
+}
+
+void WithPackage(const fs::path& package, const UnpackPlace& place, const std::function<void(const fs::path&)>& work) {
+  if (IsArchive(package)) {
     WithArchive(package, place, work);
   } else {
     work(package);

@@ -16,44 +16,29 @@ namespace fs = std::filesystem;
 namespace orvelbox {
 namespace {
 
-// Writes below a directory that holds nothing but what this writes: paths are plain and no link ever stands there.
-class TreeWriter : public ArchiveReceiver {
- public:
-  TreeWriter(const fs::path& to, const Wanted& wanted) : to_(to), wanted_(wanted) {}
-
-  void Begin(const ArchiveEntry& entry) override {
-    current_ = to_ / entry.path;
-    MakeDirectory(entry.directory ? current_ : current_.parent_path());
-    if (entry.directory) return;
-    file_ = UniqueFd(open(current_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
-    // The owner can always read what was unpacked.
-    const mode_t mode = static_cast<mode_t>(entry.permissions) | S_IRUSR | S_IWUSR;
-    if (!file_ || fchmod(file_.get(), mode) != 0) host::ThrowFileError(current_, "create", errno);
-    writing_ = wanted_(entry.path);
-    Activity::CountFile();
+// Below a directory that holds nothing but what this writes: paths are plain and no link ever stands there.
+void WriteEntry(const Archive& archive, const ArchiveEntry& entry, const fs::path& place) {
+  MakeDirectory(entry.directory ? place : place.parent_path());
+  if (entry.directory) return;
+  const UniqueFd file(open(place.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+  // The owner can always read what was unpacked.
+  const mode_t mode = static_cast<mode_t>(entry.permissions) | S_IRUSR | S_IWUSR;
+  if (!file || fchmod(file.get(), mode) != 0) host::ThrowFileError(place, "create", errno);
+  ArchiveContent content(archive, entry);
+  for (std::string_view piece = content.Next(); !piece.empty(); piece = content.Next()) {
+    const int error = host::WriteAll(file.get(), piece);
+    if (error != 0) host::ThrowFileError(place, "write", error);
   }
-
-  void Content(std::string_view piece) override {
-    if (!writing_) return;
-    const int error = host::WriteAll(file_.get(), piece);
-    if (error != 0) host::ThrowFileError(current_, "write", error);
-  }
-
- private:
-  fs::path to_;
-  const Wanted& wanted_;
-  fs::path current_;
-  UniqueFd file_;
-  bool writing_ = false;
-};
+  Activity::CountFile();
+}
 
 }  // namespace
 
-void Unpack(const fs::path& file, const fs::path& to, const ArchiveLimits& limits, const Wanted& wanted) {
+void Unpack(const fs::path& file, const fs::path& to, const ArchiveLimits& limits) {
   const auto unpack = [&] {
+    const Archive archive(file, limits);
     MakeDirectory(to);
-    TreeWriter writer(to, wanted);
-    ReadArchive(file, limits, writer);
+    for (const ArchiveEntry& entry : archive.entries()) WriteEntry(archive, entry, to / entry.path);
   };
   WithRollback(unpack, [&] { RemoveTree(to); });
 }

@@ -71,5 +71,11 @@ TEST_F(BadArchiveE2e, a_file_that_is_no_archive_is_named) {
   ExpectRefusal("install", dir_ / "text.opk", ": no zip archive, cut off or damaged");
 }
 
+TEST_F(BadArchiveE2e, a_manifest_that_unpacks_to_far_too_much_is_refused) {
+  support::WriteFile(dir_ / "bomb.opk", support::ZipOfZeros("orvel-manifest.xml", 2 << 20));
+  const Result result = Run({"check", "--platform", OnDesk("/usr/share/dotnet.orvel"), dir_ / "bomb.opk"});
+  EXPECT_THAT(result.err, HasSubstr("bomb.opk/orvel-manifest.xml: larger than 1048576 bytes"));
+}
+
 }  // namespace
 }  // namespace e2e

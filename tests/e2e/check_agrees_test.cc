@@ -2,10 +2,12 @@
 #include <gmock/gmock.h>
 
 #include <nlohmann/json.hpp>
+#include <random>
 
 #include "platform/host/json.h"
 #include "tests/support/orvelbox_desk.h"
 #include "tests/support/uris.h"
+#include "tests/support/zip.h"
 
 namespace e2e {
 namespace {
@@ -24,6 +26,23 @@ struct Case {
 
 class CheckAgreesE2e : public HookDesk, public testing::WithParamInterface<Case> {
  protected:
+  // What check foretells of each DLL.
+  std::map<std::string, std::string> Foretold(const std::string& package, host::Json& checked) const {
+    const Result check = Run({"check", "--format", "json", package});
+    checked = host::ParseJson(check.out);
+    EXPECT_EQ(check.status, checked["duplicates"] == 0 ? 0 : 1) << check.err;
+    std::map<std::string, std::string> verdicts;
+    for (const auto& dll : checked["dlls"]) verdicts[dll["path"]] = dll["verdict"];
+    return verdicts;
+  }
+
+  std::string MakeArchive(const std::string& manifest, const std::map<std::string, std::string>& files) const {
+    std::vector<support::ZipEntry> entries = {{"orvel-manifest.xml", manifest}};
+    for (const auto& [path, content] : files) entries.push_back({path, content});
+    support::WriteFile(dir_ / "shop.opk", support::ZipOf(entries));
+    return dir_ / "shop.opk";
+  }
+
   // The verdicts that the install's outcome amounts to.
   std::map<std::string, std::string> Outcome(const Result& install, const host::Json& checked) const {
     const std::string root = OnDesk("/opt/usr/globalapps/org.example.shop/");
@@ -44,17 +63,18 @@ TEST_P(CheckAgreesE2e, with_what_an_install_does) {
   RunExpecting(0, {"install", MakePackage("component", ManifestText("org.example.component", "1", CobaMetadata()),
                                           {{"shared/res/Component.dll", "c"}, {"shared/res/Shared.dll", "c"}})});
   for (const std::string& file : GetParam().platform) AddPlatformFile(file);
-  const std::string package = MakePackage(
-      "shop", ManifestText("org.example.shop", "1", GetParam().application, GetParam().package), GetParam().files);
+  const std::string manifest = ManifestText("org.example.shop", "1", GetParam().application, GetParam().package);
+  const std::string package = MakePackage("shop", manifest, GetParam().files);
   // By its name the link would be a duplicate, but links are left alone.
   AddPlatformFile("framework/Linked.dll");
   std::filesystem::create_symlink("orvel-manifest.xml", package + "/Linked.dll");
 
-  const Result check = Run({"check", "--format", "json", package});
-  const auto checked = host::ParseJson(check.out);
-  EXPECT_EQ(check.status, checked["duplicates"] == 0 ? 0 : 1);
-  std::map<std::string, std::string> predicted;
-  for (const auto& dll : checked["dlls"]) predicted[dll["path"]] = dll["verdict"];
+  host::Json checked;
+  const std::map<std::string, std::string> predicted = Foretold(package, checked);
+  std::map<std::string, std::string> without_link = predicted;
+  without_link.erase("Linked.dll");
+  host::Json archived;
+  EXPECT_EQ(Foretold(MakeArchive(manifest, GetParam().files), archived), without_link);
 
   const bool fails = checked["debugging"] == true && checked["duplicates"] != 0;
   const Result install = RunExpecting(fails ? 1 : 0, {"install", package});
@@ -98,6 +118,29 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"under_debugging", {"framework/X.dll"}, AllOverThePackage("X.dll"), "", DebuggingPrivileges()},
         Case{"under_debugging_without_duplicates", {}, {{"bin/Own.dll", ""}}, "", DebuggingPrivileges()}),
     [](const auto& parameters) { return parameters.param.name; });
+
+// Any tree whose names have something to do with the rules.
+Case RandomTree(unsigned seed) {
+  std::mt19937 random(seed);
+  const auto any = [&](const std::vector<std::string>& all) { return all[random() % all.size()]; };
+  const std::vector<std::string> dlls = {"A.dll", "B.dll", "C.dll", "D.DLL", "d.dll", "Component.dll", "E.dll"};
+  const std::vector<std::string> directories = {"bin",  "lib",          "shared",        "res",
+                                                "d.pc", ".sac_symlink", "x.sac_symlinky"};
+  Case tree{"random", {}, {}, random() % 2 == 0 ? CobaMetadata() : "", ""};
+  for (int i = 0; i < 5; ++i) {
+    tree.platform.push_back(any({"netcoreapp/", "framework/", "d.pc/", "d.pc/a/", "tvappapi/"}) + any(dlls));
+  }
+  for (int i = 0; i < 40; ++i) {
+    std::string path;
+    for (auto depth = random() % 12; depth > 0; --depth) path += any(directories) + "/";
+    tree.files[path + any(dlls)] = "content";
+  }
+  return tree;
+}
+
+INSTANTIATE_TEST_SUITE_P(random, CheckAgreesE2e,
+                         testing::Values(RandomTree(1), RandomTree(2), RandomTree(3), RandomTree(4), RandomTree(5)),
+                         [](const auto& parameters) { return "tree_" + std::to_string(parameters.index); });
 
 class CheckUpgradeE2e : public HookDesk {};
 

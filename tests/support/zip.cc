@@ -13,7 +13,8 @@ constexpr std::uint16_t kStored = 0;
 constexpr std::uint16_t kDeflated = 8;
 constexpr std::uint16_t kMadeOnUnix = 0x031e;
 constexpr std::uint16_t kVersionNeeded = 20;
-constexpr std::uint16_t kDate = 0x21;  // the first day that zip knows
+constexpr std::uint32_t kIn64Bits = 0xffffffff;
+constexpr std::uint32_t kDate = 0x21;  // the first day that zip knows
 
 // One entry as it stands in the file.
 struct Record {
@@ -23,7 +24,7 @@ struct Record {
   std::uint32_t size = 0;  // unpacked
 };
 
-void Put(std::string& bytes, std::uint32_t value, int count) {
+void Put(std::string& bytes, std::uint64_t value, int count) {
   for (int i = 0; i < count; ++i) bytes += static_cast<char>(value >> (8 * i) & 0xffU);
 }
 
@@ -37,48 +38,78 @@ std::uint32_t ChecksumOf(const std::string& text) {
       crc32(0, reinterpret_cast<const Bytef*>(text.data()), static_cast<uInt>(text.size())));
 }
 
+// The extra field with the numbers that did not fit.
+std::string WideNumbers(const Record& record, const std::vector<std::uint64_t>& numbers) {
+  std::string field;
+  if (!record.entry.wide) return field;
+  Put(field, 1, 2);
+  Put(field, numbers.size() * 8, 2);
+  for (const std::uint64_t number : numbers) Put(field, number, 8);
+  return field;
+}
+
 // What the local header and the directory say alike.
-std::string CommonFields(const Record& record) {
+std::string CommonFields(const Record& record, const std::string& extra) {
   std::string fields;
   Put(fields, kVersionNeeded, 2);
   Put(fields, record.entry.flags, 2);
   Put(fields, record.method, 2);
   Put(fields, kDate << 16U, 4);
   Put(fields, record.crc, 4);
-  Put(fields, static_cast<std::uint32_t>(record.entry.content.size()), 4);
-  Put(fields, record.size, 4);
-  Put(fields, static_cast<std::uint32_t>(record.entry.path.size()), 2);
-  Put(fields, 0, 2);  // no extra fields
+  Put(fields, record.entry.wide ? kIn64Bits : record.entry.content.size(), 4);
+  Put(fields, record.entry.wide ? kIn64Bits : record.size, 4);
+  Put(fields, record.entry.path.size(), 2);
+  Put(fields, extra.size(), 2);
   return fields;
 }
 
 std::string DirectoryEntry(const Record& record, std::size_t offset) {
+  const std::string extra = WideNumbers(record, {record.size, record.entry.content.size(), offset});
   std::string bytes = "PK\x01\x02";
   Put(bytes, kMadeOnUnix, 2);
-  bytes += CommonFields(record);
+  bytes += CommonFields(record, extra);
   Put(bytes, 0, 2);  // no comment
   Put(bytes, 0, 2);  // first disk
   Put(bytes, 0, 2);  // binary
   Put(bytes, static_cast<std::uint32_t>(ModeOf(record.entry)) << 16U, 4);
-  Put(bytes, static_cast<std::uint32_t>(offset), 4);
-  return bytes + record.entry.path;
+  Put(bytes, record.entry.wide ? kIn64Bits : offset, 4);
+  return bytes + record.entry.path + extra;
+}
+
+// The 64-bit record about the directory, and where it stands itself.
+std::string WideEnd(std::size_t count, std::size_t size, std::size_t offset) {
+  std::string bytes = "PK\x06\x06";
+  Put(bytes, 44, 8);  // of what follows
+  Put(bytes, kMadeOnUnix, 2);
+  Put(bytes, kVersionNeeded, 2);
+  Put(bytes, 0, 8);  // one disk
+  for (const std::size_t number : {count, count, size, offset}) Put(bytes, number, 8);
+  bytes += "PK\x06\x07";
+  Put(bytes, 0, 4);  // first disk
+  Put(bytes, offset + size, 8);
+  Put(bytes, 1, 4);  // of one
+  return bytes;
 }
 
 std::string FileOf(const std::vector<Record>& records) {
   std::string bytes;
   std::string directory;
+  bool wide = false;
   for (const Record& record : records) {
+    const std::string extra = WideNumbers(record, {record.size, record.entry.content.size()});
     directory += DirectoryEntry(record, bytes.size());
-    bytes += "PK\x03\x04" + CommonFields(record) + record.entry.path + record.entry.content;
+    bytes += "PK\x03\x04" + CommonFields(record, extra) + record.entry.path + extra + record.entry.content;
+    wide = wide || record.entry.wide;
   }
-  const auto offset = static_cast<std::uint32_t>(bytes.size());
-  const auto count = static_cast<std::uint32_t>(records.size());
-  bytes += directory + "PK\x05\x06";
+  const std::size_t offset = bytes.size();
+  bytes += directory;
+  if (wide) bytes += WideEnd(records.size(), directory.size(), offset);
+  bytes += "PK\x05\x06";
   Put(bytes, 0, 4);  // one disk
-  Put(bytes, count, 2);
-  Put(bytes, count, 2);
-  Put(bytes, static_cast<std::uint32_t>(directory.size()), 4);
-  Put(bytes, offset, 4);
+  Put(bytes, wide ? kIn64Bits : records.size(), 2);
+  Put(bytes, wide ? kIn64Bits : records.size(), 2);
+  Put(bytes, wide ? kIn64Bits : directory.size(), 4);
+  Put(bytes, wide ? kIn64Bits : offset, 4);
   Put(bytes, 0, 2);  // no comment
   return bytes;
 }

@@ -14,6 +14,7 @@ struct ZipEntry {
   std::uint16_t mode = 0;       // as in stat(); 0: 0100644, and 040755 for a path that ends in "/"
   std::uint16_t flags = 0;      // 1: encrypted, 0x800: the path is UTF-8
   std::uint32_t crc_fault = 0;  // what the checksum is off by
+  bool wide = false;            // its numbers, and the whole directory's, are told in 64 bits
 };
 
 // A whole zip file with the entries.

@@ -46,40 +46,55 @@ Directory OpenDirectory(const std::string& path) {
 
 bool IsDotOrDotDot(std::string_view name) { return name == "." || name == ".."; }
 
-bool LeadsToFileOrDirectory(const std::string& path) {
-  struct stat64 status;
-  return stat64(path.c_str(), &status) == 0 && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
-}
+class FileSystem : public DirectoryLister {
+ public:
+  void List(const std::string& path, const std::function<void(const Entry&)>& visit) const override {
+    const Directory directory = OpenDirectory(path);
+    if (directory.listing == nullptr) return;
+    while (const dirent64* entry = readdir64(directory.listing.get())) {
+      const std::string_view name = entry->d_name;
+      visit({name, entry->d_type, name.size() <= directory.reachable});
+    }
+  }
+
+  bool LeadsToFileOrDirectory(const std::string& path) const override {
+    struct stat64 status;
+    return stat64(path.c_str(), &status) == 0 && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
+  }
+};
 
 }  // namespace
 
+const DirectoryLister& FileSystemLister() {
+  static const FileSystem file_system;
+  return file_system;
+}
+
 std::string ListedFile::Path() const { return concatPath(directory, std::string(name)); }
 
-void WalkFiles(const std::string& path, FileVisitor visit, unsigned int depth) {
+void WalkFiles(const std::string& path, FileVisitor visit, unsigned int depth, const DirectoryLister& lister) {
   if (Contains(path, kAssemblyCacheLinks)) return;
-  const Directory directory = OpenDirectory(path);
-  if (directory.listing == nullptr) return;
-
   std::vector<std::string> subdirectories;
-  while (const dirent64* entry = readdir64(directory.listing.get())) {
-    const std::string_view name = entry->d_name;
-    const ListedFile file{path, name, entry->d_type == DT_REG && name.size() <= directory.reachable};
-    switch (entry->d_type) {
+  lister.List(path, [&](const DirectoryLister::Entry& entry) {
+    const ListedFile file{path, entry.name, entry.type == DT_REG && entry.reachable};
+    switch (entry.type) {
       case DT_REG:
         visit(file);
         break;
       case DT_LNK:
       case DT_UNKNOWN:
-        if (LeadsToFileOrDirectory(file.Path())) visit(file);
+        if (lister.LeadsToFileOrDirectory(file.Path())) visit(file);
         break;
       case DT_DIR:
-        if (depth >= 2 && !IsDotOrDotDot(name)) subdirectories.emplace_back(name);
+        if (depth >= 2 && !IsDotOrDotDot(entry.name)) subdirectories.emplace_back(entry.name);
         break;
       default:
         break;
     }
+  });
+  for (const std::string& subdirectory : subdirectories) {
+    WalkFiles(concatPath(path, subdirectory), visit, depth - 1, lister);
   }
-  for (const std::string& subdirectory : subdirectories) WalkFiles(concatPath(path, subdirectory), visit, depth - 1);
 }
 
 void scanFilesInDirExcludeSymlink(const std::string& path, FileReader reader, unsigned int depth) {

@@ -20,8 +20,28 @@ struct ListedFile {
 
 using FileVisitor = std::function<void(const ListedFile&)>;
 
+// Where a walk learns what directories hold: the file system, or a listing of files that are not there themselves.
+class DirectoryLister {
+ public:
+  // Good until the visitor returns.
+  struct Entry {
+    std::string_view name;
+    unsigned char type;  // as in dirent
+    bool reachable;      // nothing about its path speaks against lstat finding it
+  };
+
+  virtual ~DirectoryLister() = default;
+  // Calls `visit` for each entry, in the directory's order; for none when the directory cannot be listed.
+  virtual void List(const std::string& path, const std::function<void(const Entry&)>& visit) const = 0;
+  // Asked about links and entries of unknown type.
+  virtual bool LeadsToFileOrDirectory(const std::string& path) const = 0;
+};
+
+const DirectoryLister& FileSystemLister();
+
 // Calls `visit` for the files that scanFilesInDirExcludeSymlink hands to its reader, in the same order; every directory
 // gets a copy of its own of `visit`, made from that of the directory above.
-void WalkFiles(const std::string& path, FileVisitor visit, unsigned int depth);
+void WalkFiles(const std::string& path, FileVisitor visit, unsigned int depth,
+               const DirectoryLister& lister = FileSystemLister());
 
 #endif

@@ -13,8 +13,13 @@ using support::AssemblyShape;
 
 constexpr AssemblyVersion kVersion = {13, 0, 3, 27908};
 
+std::optional<AssemblyVersion> VersionIn(const std::string& file) {
+  MemoryBytes bytes(file);
+  return ReadAssemblyVersion(bytes, file.size());
+}
+
 std::string VersionOf(const AssemblyShape& shape) {
-  const auto version = ReadAssemblyVersion(AssemblyOf(kVersion, shape));
+  const auto version = VersionIn(AssemblyOf(kVersion, shape));
   return version ? ToString(*version) : "none";
 }
 
@@ -56,7 +61,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(AssemblyVersion, other_files_have_none) {
   for (const std::string& text : {std::string(), std::string("x"), std::string("MZ"), std::string(1000, 'M')}) {
-    EXPECT_FALSE(ReadAssemblyVersion(text)) << text.size();
+    EXPECT_FALSE(VersionIn(text)) << text.size();
   }
 }
 
@@ -64,7 +69,7 @@ TEST(AssemblyVersion, a_cut_off_assembly_has_none) {
   const std::string whole = AssemblyOf(kVersion);
   const std::size_t behind_the_version = whole.size() - 16;
   for (std::size_t length = 0; length < behind_the_version; ++length) {
-    EXPECT_FALSE(ReadAssemblyVersion(whole.substr(0, length))) << length;
+    EXPECT_FALSE(VersionIn(whole.substr(0, length))) << length;
   }
 }
 
@@ -76,7 +81,7 @@ TEST(AssemblyVersion, a_damaged_assembly_does_no_harm) {
     for (const char value : {'\0', '\x7f', '\xff'}) {
       std::string damaged = whole;
       damaged[at] = value;
-      found += ReadAssemblyVersion(damaged) ? 1 : 0;
+      found += VersionIn(damaged) ? 1 : 0;
     }
   }
   EXPECT_GT(found, 0) << "of the damages that matter to nobody";

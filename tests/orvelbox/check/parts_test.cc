@@ -173,13 +173,12 @@ CheckedPackage Named(const std::string& name) {
 }
 
 std::vector<std::string> ResultsOf(std::size_t count, unsigned threads,
-                                   const std::function<std::string(std::size_t, const std::atomic<bool>&)>& work) {
+                                   const std::function<std::string(std::size_t)>& work) {
   std::vector<std::string> results;
   std::size_t through = 0;
   const host::HeldSignals signals;
   RunOnThreads(
-      count, threads,
-      [&](std::size_t number, const std::atomic<bool>& stopped) { return Named(work(number, stopped)); },
+      count, threads, [&](std::size_t number) { return Named(work(number)); },
       [&](std::size_t number, CheckedPackage package) {
         EXPECT_EQ(number, results.size());
         results.push_back(package.name);
@@ -195,7 +194,7 @@ std::vector<std::string> ResultsOf(std::size_t count, unsigned threads,
 TEST(Workers, results_come_in_order_whoever_is_through_first) {
   std::vector<std::string> expected;
   for (int i = 0; i < 20; ++i) expected.push_back(std::to_string(i));
-  const auto work = [](std::size_t i, const std::atomic<bool>&) {
+  const auto work = [](std::size_t i) {
     if (i % 3 == 0) std::this_thread::sleep_for(std::chrono::milliseconds(5));
     return std::to_string(i);
   };
@@ -203,12 +202,12 @@ TEST(Workers, results_come_in_order_whoever_is_through_first) {
 }
 
 TEST(Workers, nothing_to_do_is_done_at_once) {
-  EXPECT_THAT(ResultsOf(0, 4, [](std::size_t, const std::atomic<bool>&) { return std::string("never"); }), IsEmpty());
+  EXPECT_THAT(ResultsOf(0, 4, [](std::size_t) { return std::string("never"); }), IsEmpty());
 }
 
 TEST(Workers, work_goes_on_at_the_same_time) {
   std::atomic<int> begun{0};
-  const auto meet = [&](std::size_t, const std::atomic<bool>&) {
+  const auto meet = [&](std::size_t) {
     ++begun;
     while (begun < 2) std::this_thread::yield();
     return std::string();
@@ -219,13 +218,13 @@ TEST(Workers, work_goes_on_at_the_same_time) {
 TEST(Workers, an_interruption_stops_the_work) {
   EXPECT_EXIT(
       {
-        const auto stall = [](std::size_t, const std::atomic<bool>& stopped) {
-          kill(getpid(), SIGTERM);
-          while (!stopped) std::this_thread::yield();
+        const auto interrupt = [](std::size_t number) {
+          if (number == 0) kill(getpid(), SIGTERM);
+          std::this_thread::sleep_for(std::chrono::milliseconds(1));
           return std::string();
         };
         try {
-          ResultsOf(2, 2, stall);
+          ResultsOf(1'000'000, 2, interrupt);
         } catch (const host::DeviceError&) {
           _exit(0);  // the signal itself came with the end of HeldSignals, before this
         }

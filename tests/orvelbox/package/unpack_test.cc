@@ -32,13 +32,6 @@ TEST_F(UnpackTest, files_stand_in_their_directories_with_their_permissions) {
   EXPECT_EQ(fs::status(dir_ / "to/bin/closed").permissions(), fs::perms{0644});
 }
 
-TEST_F(UnpackTest, unwanted_content_leaves_empty_files) {
-  Unpack(Archive({{"a", "1"}, {"b", "2"}, {"c", "3"}}), dir_ / "to", {}, [](const std::string& p) { return p == "b"; });
-  EXPECT_EQ(support::ReadFile(dir_ / "to/a"), "");
-  EXPECT_EQ(support::ReadFile(dir_ / "to/b"), "2");
-  EXPECT_EQ(support::ReadFile(dir_ / "to/c"), "");
-}
-
 TEST_F(UnpackTest, a_refused_archive_leaves_nothing) {
   EXPECT_THROW(Unpack(Archive({{"good", "1"}, {"../bad", "2"}}), dir_ / "to"), host::DeviceError);
   EXPECT_EQ(support::NamesIn(dir_.path()), std::vector<std::string>{"a.opk"});

@@ -1,0 +1,71 @@
+// Listings, and the walk's look at them.
+#include "orvelbox/check/listing.h"
+
+#include <dirent.h>
+
+#include <algorithm>
+
+#include "base/affix.h"
+
+namespace orvelbox {
+
+bool LooksLikeDll(std::string_view path) {
+  constexpr std::string_view kSuffix = ".dll";
+  return path.size() >= kSuffix.size() && EqualsIgnoringCase(path.substr(path.size() - kSuffix.size()), kSuffix);
+}
+
+std::vector<Listing::Entry>& Listing::In(std::string_view directory) {
+  const auto [place, added] = directories_.try_emplace(std::string(directory));
+  std::vector<Entry>& entries = place->second;
+  if (added && !directory.empty()) Put(directory, DT_DIR, true);
+  return entries;
+}
+
+void Listing::Put(std::string_view path, unsigned char type, bool followed) {
+  const std::size_t slash = path.rfind('/');
+  const std::string_view directory = slash == std::string_view::npos ? "" : path.substr(0, slash);
+  In(directory).push_back({std::string(path.substr(slash + 1)), type, followed});
+}
+
+void Listing::Add(std::string_view path, unsigned char type, bool followed) {
+  if (type == DT_DIR) {
+    In(path);
+  } else if (LooksLikeDll(path)) {
+    Put(path, type, followed);
+  }
+}
+
+void Listing::ForEachDll(const std::function<void(const std::string& path)>& visit) const {
+  for (const auto& [directory, entries] : directories_) {
+    for (const Entry& entry : entries) {
+      if (entry.type == DT_DIR) continue;
+      visit(directory.empty() ? entry.name : directory + "/" + entry.name);
+    }
+  }
+}
+
+const std::vector<Listing::Entry>* PlacedListing::Find(std::string_view path) const {
+  if (!HasPrefix(path, root_)) return nullptr;
+  path.remove_prefix(root_.size());
+  while (!path.empty() && path.front() == '/') path.remove_prefix(1);
+  while (!path.empty() && path.back() == '/') path.remove_suffix(1);
+  const auto found = listing_.directories_.find(std::string(path));
+  return found == listing_.directories_.end() ? nullptr : &found->second;
+}
+
+void PlacedListing::List(const std::string& path, const std::function<void(const Entry&)>& visit) const {
+  const std::vector<Listing::Entry>* const entries = Find(path);
+  if (entries == nullptr) return;
+  for (const Listing::Entry& entry : *entries) visit({entry.name, entry.type, true});
+}
+
+bool PlacedListing::LeadsToFileOrDirectory(const std::string& path) const {
+  const std::size_t slash = path.rfind('/');
+  const std::vector<Listing::Entry>* const entries = Find(path.substr(0, slash));
+  if (entries == nullptr) return false;
+  return std::any_of(entries->begin(), entries->end(), [&](const Listing::Entry& entry) {
+    return entry.followed && std::string_view(path).substr(slash + 1) == entry.name;
+  });
+}
+
+}  // namespace orvelbox

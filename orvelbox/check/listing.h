@@ -1,0 +1,60 @@
+// What a package or a platform holds, known by a listing of it: directories, DLLs and what is named like one. Walked by
+// the plug-in's own walk, under the root that the tree has on the device. Contents are package_files' matter.
+#ifndef ORVEL_ORVELBOX_CHECK_LISTING_H_
+#define ORVEL_ORVELBOX_CHECK_LISTING_H_
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "util/platform_utils/directory_walk.h"
+
+namespace orvelbox {
+
+// Is this named like a DLL, in capitals or not?
+bool LooksLikeDll(std::string_view path);
+
+class Listing {
+ public:
+  // `path`: below the root, its names separated by single "/". `type`: as in dirent. `followed`: a link or what is of
+  // no known type leads to a file or a directory. A directory may be told more than once, or not at all. Files that are
+  // not named like DLLs are left out.
+  void Add(std::string_view path, unsigned char type, bool followed = true);
+
+  // Calls `visit` with the path of everything that is named like a DLL and is no directory, seen by the walk or not.
+  void ForEachDll(const std::function<void(const std::string& path)>& visit) const;
+
+ private:
+  friend class PlacedListing;
+  struct Entry {
+    std::string name;
+    unsigned char type;
+    bool followed;
+  };
+  std::vector<Entry>& In(std::string_view directory);
+  void Put(std::string_view path, unsigned char type, bool followed);
+
+  std::unordered_map<std::string, std::vector<Entry>> directories_;  // by their paths below the root, which is ""
+};
+
+// A listing as the walk sees it once the tree has its place at `root` on the device.
+class PlacedListing : public DirectoryLister {
+ public:
+  // Borrows the listing.
+  PlacedListing(const Listing& listing, std::string root) : listing_(listing), root_(std::move(root)) {}
+
+  void List(const std::string& path, const std::function<void(const Entry&)>& visit) const override;
+  bool LeadsToFileOrDirectory(const std::string& path) const override;
+
+ private:
+  const std::vector<Listing::Entry>* Find(std::string_view path) const;
+
+  const Listing& listing_;
+  std::string root_;  // without a "/" at its end
+};
+
+}  // namespace orvelbox
+
+#endif

@@ -1,0 +1,154 @@
+// Zip files as APPNOTE 6.3 describes them, with the 64-bit records and without several disks.
+#include "orvelbox/package/zip_directory.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace orvelbox {
+namespace {
+
+constexpr std::size_t kEndSize = 22;
+constexpr std::size_t kLongestComment = 0xffff;
+constexpr std::size_t kEnd64Size = 56;
+constexpr std::size_t kLocatorSize = 20;
+constexpr std::size_t kEntrySize = 46;
+constexpr std::size_t kHeaderSize = 30;
+constexpr std::uint32_t kIn64Bits = 0xffffffff;
+constexpr std::uint16_t k64BitField = 1;
+constexpr std::uint16_t kSizesFollow = 8;  // flag: sizes and checksum stand behind the content
+constexpr unsigned kMadeOnUnix = 3;
+
+std::uint16_t U16(std::string_view bytes, std::size_t at) { return static_cast<std::uint16_t>(Number(bytes, at, 2)); }
+std::uint32_t U32(std::string_view bytes, std::size_t at) { return static_cast<std::uint32_t>(Number(bytes, at, 4)); }
+
+bool HasSignature(std::string_view bytes, std::string_view signature) {
+  return bytes.substr(0, signature.size()) == signature;
+}
+
+struct Directory {
+  std::uint64_t begin;
+  std::uint64_t size;
+  std::uint64_t entries;
+};
+
+// Where the record at the file's end stands; a comment may follow it.
+std::uint64_t FindEnd(ByteSource& file, std::uint64_t size) {
+  const std::uint64_t length = std::min<std::uint64_t>(size, kEndSize + kLongestComment);
+  const std::string_view tail = file.Read(size - length, static_cast<std::size_t>(length));
+  for (std::size_t at = tail.rfind("PK\5\6"); at != std::string_view::npos && at != 0;
+       at = tail.rfind("PK\5\6", at - 1)) {
+    const std::size_t left = tail.size() - at;
+    if (left >= kEndSize && U16(tail, at + 20) == left - kEndSize) return size - length + at;
+  }
+  const bool begins =
+      HasSignature(tail, "PK\5\6") && tail.size() >= kEndSize && U16(tail, 20) == tail.size() - kEndSize;
+  if (!begins) throw ZipProblem("its end has no directory of entries");
+  return size - length;
+}
+
+Directory ReadEnd(ByteSource& file, std::uint64_t end) {
+  const std::string_view record = file.Read(end, kEndSize);
+  if (U16(record, 4) != 0 || U16(record, 6) != 0 || U16(record, 8) != U16(record, 10)) {
+    throw ZipProblem("it is one of several parts");
+  }
+  return {U32(record, 16), U32(record, 12), U16(record, 10)};
+}
+
+// Prefers the 64-bit record, where one stands before the other.
+void ReadEnd64(ByteSource& file, std::uint64_t end, Directory& directory) {
+  if (end < kLocatorSize) return;
+  const std::string_view locator = file.Read(end - kLocatorSize, kLocatorSize);
+  if (!HasSignature(locator, "PK\6\7")) return;
+  const std::string_view record = file.Read(Number(locator, 8, 8), kEnd64Size);
+  if (!HasSignature(record, "PK\6\6")) throw ZipProblem("its 64-bit end record is not where it should be");
+  directory = {Number(record, 48, 8), Number(record, 40, 8), Number(record, 32, 8)};
+}
+
+Directory FindDirectory(ByteSource& file, std::uint64_t size) {
+  const std::uint64_t end = FindEnd(file, size);
+  Directory directory = ReadEnd(file, end);
+  ReadEnd64(file, end, directory);
+  if (directory.begin > end || directory.size > end - directory.begin) {
+    throw ZipProblem("its directory of entries does not fit in");
+  }
+  return directory;
+}
+
+// Takes the numbers that did not fit from the extra field for them, in their order.
+void Take64Bits(std::string_view extra, std::initializer_list<std::uint64_t*> numbers) {
+  while (extra.size() >= 4) {
+    const std::uint16_t id = U16(extra, 0);
+    std::string_view field = extra.substr(4, U16(extra, 2));
+    extra.remove_prefix(4 + field.size());
+    if (id != k64BitField) continue;
+    for (std::uint64_t* number : numbers) {
+      if (*number != kIn64Bits) continue;
+      if (field.size() < 8) throw ZipProblem("a 64-bit number is missing");
+      *number = Number(field, 0, 8);
+      field.remove_prefix(8);
+    }
+    return;
+  }
+}
+
+// What stands in the 46 bytes `record` of an entry in the directory.
+ZipEntry DescribeEntry(std::string_view record) {
+  ZipEntry entry;
+  entry.flags = U16(record, 8);
+  entry.method = U16(record, 10);
+  entry.checksum = U32(record, 16);
+  entry.packed_size = U32(record, 20);
+  entry.size = U32(record, 24);
+  if (static_cast<unsigned char>(record[5]) == kMadeOnUnix) entry.mode = U16(record, 40);
+  entry.header = U32(record, 42);
+  return entry;
+}
+
+}  // namespace
+
+void ReadZipDirectory(ByteSource& file, std::uint64_t size, const std::function<void(ZipEntry)>& take) {
+  const Directory directory = FindDirectory(file, size);
+  std::uint64_t at = directory.begin;
+  const std::uint64_t end = directory.begin + directory.size;
+  for (std::uint64_t i = 0; i < directory.entries; ++i) {
+    if (end - at < kEntrySize) throw ZipProblem("its directory ends too early");
+    const std::string_view record = file.Read(at, kEntrySize);
+    if (!HasSignature(record, "PK\1\2")) throw ZipProblem("its directory is damaged");
+    ZipEntry entry = DescribeEntry(record);
+    const std::size_t name = U16(record, 28);
+    const std::size_t extra = U16(record, 30);
+    const std::size_t whole = name + extra + U16(record, 32);
+    at += kEntrySize;
+    if (end - at < whole) throw ZipProblem("its directory ends too early");
+    const std::string_view rest = file.Read(at, whole);
+    entry.name = rest.substr(0, name);
+    Take64Bits(rest.substr(name, extra), {&entry.size, &entry.packed_size, &entry.header});
+    at += whole;
+    take(std::move(entry));
+  }
+  if (at != end) throw ZipProblem("its directory holds more than its entries");
+}
+
+void FindContent(ByteSource& file, ZipEntry& entry) {
+  const std::string_view header = file.Read(entry.header, kHeaderSize);
+  if (!HasSignature(header, "PK\3\4")) throw ZipProblem("its header is not where it should be", entry.name);
+  const auto contradict = [&](const char* what) {
+    throw ZipProblem(std::string("its own header and the directory tell different ") + what, entry.name);
+  };
+  const std::uint16_t flags = U16(header, 6);
+  if (((flags ^ entry.flags) & 0x2041U) != 0 || U16(header, 8) != entry.method) contradict("kinds of content");
+  const std::uint32_t checksum = U32(header, 14);
+  std::uint64_t packed_size = U32(header, 18);
+  std::uint64_t size = U32(header, 22);
+  const std::size_t name = U16(header, 26);
+  const std::size_t extra = U16(header, 28);
+  const std::string_view rest = file.Read(entry.header + kHeaderSize, name + extra);
+  if (rest.substr(0, name) != entry.name) contradict("names");
+  Take64Bits(rest.substr(name), {&size, &packed_size});
+  const bool later = (flags & kSizesFollow) != 0 && packed_size == 0 && size == 0 && checksum == 0;
+  if (!later && (packed_size != entry.packed_size || size != entry.size)) contradict("sizes");
+  if (!later && checksum != entry.checksum) contradict("checksums");
+  entry.content = entry.header + kHeaderSize + name + extra;
+}
+
+}  // namespace orvelbox
