@@ -32,6 +32,7 @@ void Listing::Add(std::string_view path, unsigned char type, bool followed) {
     In(path);
   } else if (LooksLikeDll(path)) {
     Put(path, type, followed);
+    ++dlls_;
   }
 }
 

@@ -23,7 +23,9 @@ class Listing {
   // not named like DLLs are left out.
   void Add(std::string_view path, unsigned char type, bool followed = true);
 
-  // Calls `visit` with the path of everything that is named like a DLL and is no directory, seen by the walk or not.
+  // How much there is that is named like a DLL and is no directory.
+  std::size_t dlls() const { return dlls_; }
+  // Calls `visit` with the path of each of them, seen by the walk or not.
   void ForEachDll(const std::function<void(const std::string& path)>& visit) const;
 
  private:
@@ -37,6 +39,7 @@ class Listing {
   void Put(std::string_view path, unsigned char type, bool followed);
 
   std::unordered_map<std::string, std::vector<Entry>> directories_;  // by their paths below the root, which is ""
+  std::size_t dlls_ = 0;
 };
 
 // A listing as the walk sees it once the tree has its place at `root` on the device.

@@ -5,7 +5,6 @@
 #include <libxml/parser.h>
 
 #include <algorithm>
-#include <iterator>
 #include <set>
 
 #include "base/affix.h"
@@ -63,15 +62,16 @@ Catalogue LibraryOf(const PlacedPackage& package) {
 
 bool IsBefore(const CheckedDll& a, const CheckedDll& b) { return a.path < b.path; }
 
-// Adds the DLLs that the pass came not to, and puts all into order.
+// Adds the DLLs that the pass did not come to, and puts all into order.
 void AddUnseen(const Listing& listing, CheckedPackage& package) {
   std::sort(package.dlls.begin(), package.dlls.end(), IsBefore);
-  std::vector<CheckedDll> unseen;
+  if (listing.dlls() == package.dlls.size()) return;
+  const std::size_t seen = package.dlls.size();
   listing.ForEachDll([&](const std::string& path) {
-    const CheckedDll dll = Kept(path, package.dotnet ? ReasonNotSeen(path) : "");
-    if (!std::binary_search(package.dlls.begin(), package.dlls.end(), dll, IsBefore)) unseen.push_back(dll);
+    CheckedDll dll = Kept(path, package.dotnet ? ReasonNotSeen(path) : "");
+    const auto end = package.dlls.begin() + static_cast<std::ptrdiff_t>(seen);
+    if (!std::binary_search(package.dlls.begin(), end, dll, IsBefore)) package.dlls.push_back(std::move(dll));
   });
-  std::move(unseen.begin(), unseen.end(), std::back_inserter(package.dlls));
   std::sort(package.dlls.begin(), package.dlls.end(), IsBefore);
 }
 

@@ -24,6 +24,15 @@ bool IsCobaEntry(const host::MetadataEntry& entry) {
 
 bool IsBefore(const PlacedPackage& package, const std::string& id) { return package.id < id; }
 
+// Absolute, with one "/" between names of which none is "." or "..".
+bool IsPlain(const std::string& path) {
+  const bool doubtful = path.find("//") != std::string::npos || path.find("/.") != std::string::npos;
+  return path.front() == '/' && path.find('\0') == std::string::npos &&
+         (!doubtful || fs::path(path).lexically_normal() == path);
+}
+
+std::string Above(const std::string& path) { return path.substr(0, path.rfind('/')); }
+
 // The paths of a list. A directory that `find` names beside what it holds does not count.
 std::set<std::string> ReadList(const fs::path& list) {
   std::istringstream lines(host::ReadFile(list));
@@ -33,13 +42,12 @@ std::set<std::string> ReadList(const fs::path& list) {
   for (std::size_t number = 1; std::getline(lines, line); ++number) {
     if (!line.empty() && line.back() == '\r') line.pop_back();
     if (line.empty() || line.front() == '#') continue;
-    const fs::path path = line;
-    if (line.front() != '/' || path.lexically_normal() != path || line.find('\0') != std::string::npos) {
+    if (!IsPlain(line)) {
       throw host::DeviceError(list.string() + ": line " + std::to_string(number) + " (\"" + line +
                               "\") is no plain absolute path; write one path a line, as find prints them");
     }
     paths.insert(line);
-    for (fs::path above = path.parent_path(); directories.insert(above).second;) above = above.parent_path();
+    for (std::string above = Above(line); directories.insert(above).second;) above = Above(above);
   }
   for (const std::string& directory : directories) paths.erase(directory);
   return paths;

@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <iostream>
@@ -39,6 +40,7 @@ constexpr bool TurnsLineAround(char32_t code) {
 }  // namespace
 
 std::string Printable(std::string_view text) {
+  if (std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; })) return std::string(text);
   std::string printable;
   printable.reserve(text.size());
   while (!text.empty()) {

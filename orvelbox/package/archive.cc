@@ -22,7 +22,9 @@ namespace {
 // The directory is read in large pieces, the header before each content by itself.
 constexpr std::size_t kDirectoryWindow = 65536;
 constexpr std::size_t kHeaderWindow = 256;
-constexpr std::size_t kPiece = 8192;
+// Who only wants the beginning of a content gets little of it.
+constexpr std::size_t kFirstPiece = 1024;
+constexpr std::size_t kLargestPiece = 65536;
 
 UniqueFd OpenArchive(const fs::path& file, std::uint64_t& size) {
   UniqueFd descriptor(open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
@@ -140,7 +142,8 @@ void Archive::RequireApart(std::uint64_t size) const {
   }
 }
 
-ArchiveContent::ArchiveContent(const Archive& archive, const ArchiveEntry& entry) : archive_(archive), entry_(entry) {
+ArchiveContent::ArchiveContent(const Archive& archive, const ArchiveEntry& entry)
+    : archive_(archive), entry_(entry), piece_size_(kFirstPiece) {
   if (inflateInit2(&stream_, -MAX_WBITS) != Z_OK) throw std::bad_alloc();
 }
 
@@ -149,11 +152,12 @@ ArchiveContent::~ArchiveContent() { inflateEnd(&stream_); }
 std::string_view ArchiveContent::Next() {
   const std::string_view piece = entry_.deflated ? Unpack() : ReadPacked();
   Check(piece);
+  piece_size_ = std::min(2 * piece_size_, kLargestPiece);
   return piece;
 }
 
 std::string_view ArchiveContent::ReadPacked() {
-  packed_.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kPiece, entry_.packed_size - read_)));
+  packed_.resize(static_cast<std::size_t>(std::min<std::uint64_t>(piece_size_, entry_.packed_size - read_)));
   const off_t place = static_cast<off_t>(entry_.content + read_);
   const ssize_t count = TEMP_FAILURE_RETRY(pread(archive_.file(), packed_.data(), packed_.size(), place));
   if (count < 0) archive_.RefuseDamaged(entry_.path, host::ErrorText(errno));
@@ -163,11 +167,11 @@ std::string_view ArchiveContent::ReadPacked() {
 }
 
 std::string_view ArchiveContent::Unpack() {
-  piece_.resize(kPiece);
+  piece_.resize(piece_size_);
   stream_.next_out = reinterpret_cast<Bytef*>(piece_.data());
-  stream_.avail_out = kPiece;
+  stream_.avail_out = static_cast<uInt>(piece_size_);
   int result = Z_OK;
-  while (stream_.avail_out == kPiece && result == Z_OK) {
+  while (stream_.avail_out == piece_size_ && result == Z_OK) {
     if (stream_.avail_in == 0) {
       const std::string_view packed = ReadPacked();
       stream_.next_in = reinterpret_cast<Bytef*>(packed_.data());
@@ -178,7 +182,7 @@ std::string_view ArchiveContent::Unpack() {
   if (result != Z_OK && result != Z_STREAM_END) {
     archive_.RefuseDamaged(entry_.path, stream_.msg == nullptr ? "its content ends too early" : stream_.msg);
   }
-  piece_.resize(kPiece - stream_.avail_out);
+  piece_.resize(piece_size_ - stream_.avail_out);
   return piece_;
 }
 

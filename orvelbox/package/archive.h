@@ -86,6 +86,7 @@ class ArchiveContent {
   std::uint64_t read_ = 0;      // packed bytes
   std::uint64_t unpacked_ = 0;  // bytes that were handed on
   std::uint32_t checksum_ = 0;
+  std::size_t piece_size_;
   z_stream stream_{};
   std::string packed_;
   std::string piece_;
