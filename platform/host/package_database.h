@@ -1,0 +1,25 @@
+// The package database as a file: how it is opened, its tables and their version, and what SQLite's refusals become.
+// What is in the tables is package_store's.
+#ifndef ORVEL_PLATFORM_HOST_PACKAGE_DATABASE_H_
+#define ORVEL_PLATFORM_HOST_PACKAGE_DATABASE_H_
+
+#include <SQLiteCpp/SQLiteCpp.h>
+
+#include <filesystem>
+#include <memory>
+
+#include "platform/host/package_store.h"
+
+namespace host {
+
+// Opens `file`, with foreign keys on; waits for other processes. Throws DeviceError, also when the tables are not those
+// of this program's version.
+std::unique_ptr<SQLite::Database> OpenPackageDatabase(const std::filesystem::path& file, PackageStore::Mode mode);
+
+// Throws a DeviceError that names the file, SQLite's message and the way out. `database` may be null.
+[[noreturn]] void ThrowRefusal(const std::filesystem::path& file, const SQLite::Database* database,
+                               const SQLite::Exception& refusal);
+
+}  // namespace host
+
+#endif
