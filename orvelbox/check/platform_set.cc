@@ -45,7 +45,7 @@ std::set<std::string> ReadList(const fs::path& list) {
 
 // Makes an empty file with the directories above it.
 void Touch(const fs::path& file) {
-  MakeDirectory(file.parent_path());
+  host::MakeDirectory(file.parent_path());
   host::CreateFile(file, "");
 }
 

@@ -8,7 +8,7 @@
 #include <iostream>
 
 #include "orvelbox/desk/progress.h"
-#include "platform/host/utf8.h"
+#include "platform/host/escape.h"
 
 namespace orvelbox {
 namespace {

@@ -111,12 +111,6 @@ void Move(const fs::path& from, const fs::path& to) {
   if (error) host::ThrowFileError(from, "move", error.value());
 }
 
-void MakeDirectory(const fs::path& path) {
-  std::error_code error;
-  fs::create_directories(path, error);
-  if (error) host::ThrowFileError(path, "make the directory", error.value());
-}
-
 bool IsThere(const fs::path& path) {
   std::error_code ignored;
   return fs::symlink_status(path, ignored).type() != fs::file_type::not_found;

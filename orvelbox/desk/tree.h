@@ -19,9 +19,6 @@ void RemoveTree(const std::filesystem::path& path);
 // Moves `from` to `to` on one file system, in one step. Throws host::DeviceError when the system refuses.
 void Move(const std::filesystem::path& from, const std::filesystem::path& to);
 
-// Makes the directory `path` and those above it. Throws host::DeviceError when the system refuses.
-void MakeDirectory(const std::filesystem::path& path);
-
 // Whether something lies at `path`, be it a dangling link.
 bool IsThere(const std::filesystem::path& path);
 

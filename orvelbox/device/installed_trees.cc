@@ -6,6 +6,7 @@
 #include "orvelbox/desk/tree.h"
 #include "orvelbox/desk/with_rollback.h"
 #include "orvelbox/package/manifest.h"
+#include "platform/host/files.h"
 
 namespace fs = std::filesystem;
 
@@ -49,7 +50,7 @@ UnpackPlace InstalledTrees::PlaceToUnpack() const {
 }
 
 void InstalledTrees::Stage(const fs::path& source, const std::string& package_id) const {
-  MakeDirectory(StagingArea());
+  host::MakeDirectory(StagingArea());
   const auto stage = source == Staging(kUnpacked) ? Move : CopyTree;
   WithRollback([&] { stage(source, Staging(package_id)); }, [&] { RemoveStaged(package_id); });
 }
@@ -57,7 +58,7 @@ void InstalledTrees::Stage(const fs::path& source, const std::string& package_id
 // Takes the tree out of its place in one step; RemoveStaged then takes its time.
 void InstalledTrees::MoveAside(const host::Package& package) const {
   RemoveTree(Staging(package.id));
-  MakeDirectory(StagingArea());
+  host::MakeDirectory(StagingArea());
   if (IsThere(Place(package))) Move(Place(package), Staging(package.id));
 }
 
@@ -94,7 +95,7 @@ void InstalledTrees::Replace(const fs::path& source, const host::Package& packag
   journal_.Begin(Operation::kUpgrade, package.id);
   const auto put_in_place = [&] {
     Stage(source, package.id);
-    MakeDirectory(PreviousArea());
+    host::MakeDirectory(PreviousArea());
     Move(Place(package), Previous(package.id));
     Move(Staging(package.id), Place(package));
     Register(package);
@@ -116,7 +117,7 @@ void InstalledTrees::RestorePrevious(const host::Package& previous) const {
 }
 
 void InstalledTrees::DropPrevious(const std::string& package_id) const {
-  MakeDirectory(StagingArea());
+  host::MakeDirectory(StagingArea());
   if (IsThere(Previous(package_id))) Move(Previous(package_id), Staging(package_id));
   RemoveIfEmpty(PreviousArea());
   RemoveStaged(package_id);

@@ -46,7 +46,7 @@ Journal::Journal(host::Device device) : device_(std::move(device)) {}
 void Journal::Begin(Operation operation, const std::string& package_id) const {
   const auto write_record = [&] {
     RemoveTree(Temporary());
-    MakeDirectory(Temporary());
+    host::MakeDirectory(Temporary());
     host::CreateFile(Temporary() / kBegun, std::string(NameOf(operation)) + " " + package_id);
     for (const char* name : kCacheFiles) {
       if (const CacheText text = ReadCache(device_, name)) host::CreateFile(Temporary() / name, *text);

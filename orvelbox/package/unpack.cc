@@ -23,7 +23,7 @@ class TreeWriter : public ArchiveReceiver {
 
   void Begin(const ArchiveEntry& entry) override {
     current_ = to_ / entry.path;
-    MakeDirectory(entry.directory ? current_ : current_.parent_path());
+    host::MakeDirectory(entry.directory ? current_ : current_.parent_path());
     if (entry.directory) return;
     file_ = UniqueFd(open(current_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     // The owner can always read what was unpacked.
@@ -51,7 +51,7 @@ class TreeWriter : public ArchiveReceiver {
 
 void Unpack(const fs::path& file, const fs::path& to, const ArchiveLimits& limits, const Wanted& wanted) {
   const auto unpack = [&] {
-    MakeDirectory(to);
+    host::MakeDirectory(to);
     TreeWriter writer(to, wanted);
     ReadArchive(file, limits, writer);
   };

@@ -32,6 +32,9 @@ int WriteAll(int fd, std::string_view data);
 // completed is removed again.
 void CreateFile(const std::filesystem::path& file, std::string_view content);
 
+// Makes the directory `path` and those above it. Throws DeviceError.
+void MakeDirectory(const std::filesystem::path& path);
+
 // Puts `content` in the place of the file in one step: a reader sees the old file or the new one, also after a crash.
 // Throws DeviceError and then leaves the old file.
 void ReplaceFile(const std::filesystem::path& file, std::string_view content);

@@ -46,11 +46,6 @@ CREATE TABLE privileges (
 ) STRICT;
 )sql";
 
-int FlagsFor(PackageStore::Mode mode) {
-  if (mode == PackageStore::Mode::kReadOnly) return SQLite::OPEN_READONLY;
-  return SQLite::OPEN_READWRITE | (mode == PackageStore::Mode::kCreate ? SQLite::OPEN_CREATE : 0);
-}
-
 const char* WayOut(int code) {
   switch (code & 0xFF) {
     case SQLITE_FULL:
@@ -111,18 +106,18 @@ void CheckVersion(SQLite::Database& database, const std::string& file) {
 
 }  // namespace
 
-std::unique_ptr<SQLite::Database> OpenPackageDatabase(const std::filesystem::path& file, PackageStore::Mode mode) {
+std::unique_ptr<SQLite::Database> OpenPackageDatabase(const std::filesystem::path& file, int flags) {
   std::unique_ptr<SQLite::Database> database;
-  const auto open = [&](const std::string& name, int flags) {
-    database = std::make_unique<SQLite::Database>(name, flags, kPatienceMilliseconds);
+  const auto open = [&](const std::string& name, int how) {
+    database = std::make_unique<SQLite::Database>(name, how, kPatienceMilliseconds);
   };
   try {
-    open(file, FlagsFor(mode));
-    if (mode == PackageStore::Mode::kReadOnly && IsOnlyReadableAsImmutable(*database, file)) {
+    open(file, flags);
+    if ((flags & SQLite::OPEN_READONLY) != 0 && IsOnlyReadableAsImmutable(*database, file)) {
       open(ImmutableUri(file), SQLite::OPEN_READONLY | SQLite::OPEN_URI);
     }
     database->exec("PRAGMA foreign_keys = ON");
-    if (mode == PackageStore::Mode::kCreate) CreateTables(*database);
+    if ((flags & SQLite::OPEN_CREATE) != 0) CreateTables(*database);
     CheckVersion(*database, file);
   } catch (const SQLite::Exception& refusal) {
     ThrowRefusal(file, database.get(), refusal);

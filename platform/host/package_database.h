@@ -8,13 +8,11 @@
 #include <filesystem>
 #include <memory>
 
-#include "platform/host/package_store.h"
-
 namespace host {
 
-// Opens `file`, with foreign keys on; waits for other processes. Throws DeviceError, also when the tables are not those
-// of this program's version.
-std::unique_ptr<SQLite::Database> OpenPackageDatabase(const std::filesystem::path& file, PackageStore::Mode mode);
+// Opens `file` with SQLite's `flags` and foreign keys on; OPEN_CREATE also makes the tables. Waits for other processes.
+// Throws DeviceError, also when the tables are not those of this program's version.
+std::unique_ptr<SQLite::Database> OpenPackageDatabase(const std::filesystem::path& file, int flags);
 
 // Throws a DeviceError that names the file, SQLite's message and the way out. `database` may be null.
 [[noreturn]] void ThrowRefusal(const std::filesystem::path& file, const SQLite::Database* database,

@@ -13,6 +13,11 @@ using SQLite::Database;
 using SQLite::Statement;
 using SQLite::Transaction;
 
+int FlagsFor(PackageStore::Mode mode) {
+  if (mode == PackageStore::Mode::kReadOnly) return SQLite::OPEN_READONLY;
+  return SQLite::OPEN_READWRITE | (mode == PackageStore::Mode::kCreate ? SQLite::OPEN_CREATE : 0);
+}
+
 std::string Text(Statement& row, int column) { return row.getColumn(column).getString(); }
 
 void RefuseForeignApplications(const Database& database, const std::filesystem::path& file, const Package& package) {
@@ -107,7 +112,7 @@ std::optional<Package> First(std::vector<Package> packages) {
 }  // namespace
 
 PackageStore::PackageStore(const std::filesystem::path& file, Mode mode)
-    : file_(file), database_(OpenPackageDatabase(file, mode)) {}
+    : file_(file), database_(OpenPackageDatabase(file, FlagsFor(mode))) {}
 
 PackageStore::~PackageStore() = default;
 

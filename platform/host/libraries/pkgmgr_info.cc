@@ -4,7 +4,6 @@
 #include <algorithm>
 
 #include "platform/host/installed_packages.h"
-#include "platform/host/libraries/records.h"
 
 namespace {
 
