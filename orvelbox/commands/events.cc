@@ -1,5 +1,5 @@
 // events: calls single hooks.
-#include "orvelbox/commands/changing_command.h"
+#include "orvelbox/commands/shared.h"
 #include "orvelbox/desk/output.h"
 #include "orvelbox/operations/report.h"
 

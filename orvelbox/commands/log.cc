@@ -1,7 +1,7 @@
 // log: the device's log.
 #include <cstdlib>
 
-#include "orvelbox/commands/device_choice.h"
+#include "orvelbox/commands/shared.h"
 #include "orvelbox/desk/output.h"
 #include "orvelbox/history/log_view.h"
 

@@ -5,9 +5,9 @@
 #include <filesystem>
 #include <fstream>
 
-#include "orvelbox/cli/command.h"
+#include "orvelbox/cli/command_line.h"
 #include "orvelbox/desk/output.h"
-#include "orvelbox/trace/drawings.h"
+#include "orvelbox/trace/spans.h"
 #include "platform/host/device_error.h"
 #include "platform/host/files.h"
 

@@ -2,7 +2,7 @@
 #include "orvelbox/history/why.h"
 
 #include "orvelbox/check/package_checker.h"
-#include "orvelbox/commands/device_choice.h"
+#include "orvelbox/commands/shared.h"
 #include "orvelbox/desk/output.h"
 
 namespace orvelbox {

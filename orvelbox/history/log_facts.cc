@@ -31,18 +31,22 @@ std::string WithoutColours(std::string_view text) {
 class Collector {
  public:
   void AddError(const std::string& text, const std::string& time) {
+    std::vector<Duplicate>& all = facts_.duplicates;
     if (text == kFound) {
-      found_ = {};
-      found_.time = time;
+      found_ = {"", "", false, time};
     } else if (HasPrefix(text, kOrigin)) {
       found_.origin = text.substr(kOrigin.size());
     } else if (HasPrefix(text, kDuplicated)) {
       found_.duplicated = text.substr(kDuplicated.size());
       AddDuplicate();
     } else if (text == kReadWrite) {
-      MarkReadWrite();
+      if (!all.empty()) all.back().origin_read_write = true;
+    } else if (HasPrefix(text, kGuide)) {
+      facts_.guide = text;
+    } else if (text == kRestartFailed) {
+      facts_.restart_failed = true;
     } else {
-      AddOutcome(text);
+      facts_.errors.push_back(text);
     }
   }
 
@@ -59,20 +63,6 @@ class Collector {
     const auto same = [this](const Duplicate& other) { return other.duplicated == found_.duplicated; };
     all.erase(std::remove_if(all.begin(), all.end(), same), all.end());
     all.push_back(found_);
-  }
-
-  void MarkReadWrite() {
-    if (!facts_.duplicates.empty()) facts_.duplicates.back().origin_read_write = true;
-  }
-
-  void AddOutcome(const std::string& text) {
-    if (HasPrefix(text, kGuide)) {
-      facts_.guide = text;
-    } else if (text == kRestartFailed) {
-      facts_.restart_failed = true;
-    } else {
-      facts_.errors.push_back(text);
-    }
   }
 
   LogFacts facts_;

@@ -45,12 +45,6 @@ std::string RecordJson(const host::LogRecord& record) {
                           {"text", record.text}});
 }
 
-int Rank(char priority) {
-  constexpr std::string_view kOrder = "DIE";
-  const std::size_t rank = kOrder.find(priority);
-  return rank == std::string_view::npos ? static_cast<int>(kOrder.size()) : static_cast<int>(rank);
-}
-
 // Reads the log from its front, whole lines only, as they come.
 class LogReader {
  public:
@@ -120,7 +114,9 @@ void ShowRecords(LogReader& reader, const LogView& view) {
 }  // namespace
 
 bool Passes(const LogFilter& filter, const host::LogRecord& record) {
-  return (filter.tag.empty() || filter.tag == record.tag) && Rank(record.priority) >= Rank(filter.priority);
+  constexpr std::string_view kAscending = "DIE";  // what is not among them comes last
+  return (filter.tag.empty() || filter.tag == record.tag) &&
+         kAscending.find(record.priority) >= kAscending.find(filter.priority);
 }
 
 std::string ShowRecord(const host::LogRecord& record, bool colour) {

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <boost/algorithm/string/trim.hpp>
 #include <cerrno>
 #include <set>
 #include <string_view>
@@ -14,6 +15,7 @@
 #include "base/unique_fd.h"
 #include "orvelbox/desk/xml.h"
 #include "platform/host/device.h"
+#include "platform/host/escape.h"
 #include "platform/host/files.h"
 
 namespace orvelbox {
@@ -39,10 +41,7 @@ bool IsApplication(const xmlNode* node) {
 }
 
 std::string Trimmed(const std::string& text) {
-  constexpr const char* kBlanks = " \t\r\n";
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string::npos) return "";
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+  return boost::trim_copy_if(text, [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; });
 }
 
 host::Application DescribeApplication(const xmlNode* element) {
@@ -68,11 +67,10 @@ void AddPrivileges(const xmlNode* element, std::vector<std::string>& privileges)
 }
 
 bool HasControlCharacter(std::string_view text) {
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto byte = static_cast<unsigned char>(text[i]);
-    if (byte < 0x20 || byte == 0x7f) return true;
-    // U+0080 to U+009F in UTF-8.
-    if (byte == 0xc2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xa0) return true;
+  while (!text.empty()) {
+    const auto character = host::FirstCharacter(text);
+    if (!character || host::IsControl(character->code)) return true;
+    text.remove_prefix(character->size);
   }
   return false;
 }

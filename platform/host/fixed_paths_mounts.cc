@@ -1,6 +1,4 @@
 // Mounting a device's directories at the fixed paths.
-#include "platform/host/fixed_paths_mounts.h"
-
 #include <dirent.h>
 #include <fcntl.h>
 #include <linux/capability.h>
@@ -22,6 +20,7 @@
 #include "base/unique_fd.h"
 #include "platform/host/device.h"
 #include "platform/host/files.h"
+#include "platform/host/fixed_paths_methods.h"
 
 namespace host {
 namespace {
