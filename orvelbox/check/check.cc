@@ -116,7 +116,7 @@ class Workers {
   }
 
  private:
-  // Where no more threads are to be had, those that run do all the work.
+  // If no further thread can be started, those that run do all the work.
   bool StartThread() try {
     threads_.emplace_back([this] { TakeOneAfterTheOther(); });
     return true;

@@ -51,7 +51,7 @@ void Journal::Decide() const {
   if (IsThere(Directory())) Move(Directory() / kBegun, Directory() / kDecided);
 }
 
-// The copies themselves go there: that takes one step each, and no disk space. A copy that is gone has done its work.
+// The copies themselves are moved: that takes one step each, and no disk space. One that is gone was restored already.
 void Journal::RestoreCaches() const {
   for (const char* name : kCacheFiles) {
     const fs::path copy = Directory() / name;

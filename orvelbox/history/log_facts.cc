@@ -16,13 +16,18 @@ constexpr std::string_view kGuide = "Duplicated DLL found. Please refer guide : 
 constexpr std::string_view kNotInhouse = "### App type is not dotnet-inhouse ###";
 constexpr std::string_view kRestartFailed = "Can't restart dotnet-loader-inhouse";
 
+// The length of the colour sequence at the front of `text`; 0 when there is none.
+std::size_t ColourLength(std::string_view text) {
+  if (text.substr(0, 2) != "\x1b[") return 0;
+  const std::size_t end = text.find_first_not_of("0123456789;", 2);
+  return end != std::string_view::npos && text[end] == 'm' ? end + 1 : 0;
+}
+
 std::string WithoutColours(std::string_view text) {
   std::string plain;
-  while (!text.empty()) {
-    const std::size_t length = ColourLength(text);
-    if (length == 0) plain += text.front();
-    text.remove_prefix(std::max<std::size_t>(length, 1));
-  }
+  ForEachPiece(text, [&](std::string_view piece, bool colour) {
+    if (!colour) plain += piece;
+  });
   const std::size_t end = plain.find_last_not_of('\n');
   return plain.substr(0, end == std::string::npos ? 0 : end + 1);
 }
@@ -71,10 +76,13 @@ class Collector {
 
 }  // namespace
 
-std::size_t ColourLength(std::string_view text) {
-  if (text.substr(0, 2) != "\x1b[") return 0;
-  const std::size_t end = text.find_first_not_of("0123456789;", 2);
-  return end != std::string_view::npos && text[end] == 'm' ? end + 1 : 0;
+void ForEachPiece(std::string_view text, const std::function<void(std::string_view piece, bool colour)>& take) {
+  while (!text.empty()) {
+    const std::size_t colour = ColourLength(text);
+    const std::size_t length = colour != 0 ? colour : std::min(text.find('\x1b', 1), text.size());
+    take(text.substr(0, length), colour != 0);
+    text.remove_prefix(length);
+  }
 }
 
 std::optional<PluginMessage> ParsePluginMessage(std::string_view record_text) {

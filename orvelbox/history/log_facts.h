@@ -2,6 +2,7 @@
 #ifndef ORVEL_ORVELBOX_HISTORY_LOG_FACTS_H_
 #define ORVEL_ORVELBOX_HISTORY_LOG_FACTS_H_
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,8 +12,8 @@
 
 namespace orvelbox {
 
-// The length of the colour sequence ("\e[…m") at the front of `text`; 0 when there is none.
-std::size_t ColourLength(std::string_view text);
+// Calls `take` with each piece of `text` in turn: a colour sequence ("\e[…m"), or what holds none.
+void ForEachPiece(std::string_view text, const std::function<void(std::string_view piece, bool colour)>& take);
 
 // The text of a record as the plug-in wraps it: "unit: function(line) > COLOURtextRESET".
 struct PluginMessage {

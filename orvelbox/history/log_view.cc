@@ -22,19 +22,13 @@ namespace {
 
 std::string ShowText(std::string_view text, bool colour) {
   std::string shown;
-  std::size_t plain_begin = 0;
-  for (std::size_t i = 0; i < text.size();) {
-    const std::size_t length = ColourLength(text.substr(i));
-    if (length == 0) {
-      ++i;
-      continue;
-    }
-    shown += Printable(text.substr(plain_begin, i - plain_begin));
-    if (colour) shown += text.substr(i, length);
-    i += length;
-    plain_begin = i;
-  }
-  return shown + Printable(text.substr(plain_begin)) + (colour && plain_begin > 0 ? "\x1b[0m" : "");
+  bool coloured = false;
+  ForEachPiece(text, [&](std::string_view piece, bool is_colour) {
+    if (!is_colour) shown += Printable(piece);
+    if (is_colour && colour) shown += piece;
+    coloured = coloured || is_colour;
+  });
+  return shown + (colour && coloured ? "\x1b[0m" : "");
 }
 
 std::string RecordJson(const host::LogRecord& record) {

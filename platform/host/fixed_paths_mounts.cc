@@ -124,7 +124,7 @@ void MakeMountPoint(const fs::path& path, bool is_directory) {
   if (!is_directory && !MakeEmptyFile(path)) ThrowSystemError("make " + path.string(), errno);
 }
 
-// A fixed path and what of the device belongs there, taken hold of before any mount hides it.
+// A fixed path and what of the device belongs there, opened before any mount hides it.
 struct Overlay {
   fs::path target;
   UniqueFd source;  // none: the device has nothing there

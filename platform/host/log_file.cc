@@ -40,8 +40,8 @@ std::string RecordLine(char priority, std::string_view tag, std::string_view tex
   return line;
 }
 
-// Takes back the beginning of a record for whose rest there was no space, so that the next record gets a line of its
-// own. Nothing is done once another writer has gone on after it.
+// Truncates a record that was written in part, for want of space, so that the next record gets a line of its own. Does
+// nothing once another writer has appended to it.
 void TakeBack(int fd, off_t length) {
   struct stat status {};
   const off_t end = lseek(fd, 0, SEEK_CUR);
