@@ -29,15 +29,13 @@ bool LooksLikeDll(const fs::path& name) { return EqualsIgnoringCase(name.extensi
 // Every DLL of the package, looked at by the plug-in or not, by its path below the root.
 std::set<std::string> DllsIn(const fs::path& directory) {
   std::set<std::string> dlls;
-  try {
+  host::WithFileErrors(directory, "read", [&] {
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(directory)) {
       const bool subdirectory = entry.symlink_status().type() == fs::file_type::directory;
       if (subdirectory || !LooksLikeDll(entry.path().filename())) continue;
       dlls.insert(entry.path().lexically_relative(directory).string());
     }
-  } catch (const fs::filesystem_error& error) {
-    host::ThrowFileError(error.path1().empty() ? directory : error.path1(), "read", error.code().value());
-  }
+  });
   return dlls;
 }
 

@@ -46,13 +46,9 @@ void Draw(const fs::path& file, const fs::path& output) {
 Command MakeTrace() {
   Command command("trace", "Draw what --trace wrote: the functions of the plug-in, by time",
                   "trace trace.json --output trace.html");
-  const auto& output = command.Take<std::string>({"--output",
-                                                  "FILE",
-                                                  "Draw a picture (.svg) or a page for a browser (.html) into FILE",
-                                                  {},
-                                                  false,
-                                                  0,
-                                                  FaultOfPicture});
+  Option picture{"--output", "FILE", "Draw a picture (.svg) or a page for a browser (.html) into FILE"};
+  picture.fault = FaultOfPicture;
+  const auto& output = command.Take<std::string>(picture);
   const auto& file = command.Take<std::string>({"FILE", "", "A file that --trace wrote"});
   command.run = [&output, &file](const GlobalOptions& /*global*/) {
     Draw(file, output);

@@ -17,7 +17,7 @@ Command MakeWhy() {
   command.run = [&json, &target](const GlobalOptions& global) {
     const host::Device device = OpenChosenDevice(global);
     const WhyQuestion question = ReadQuestion(device, ReadStore(device), target);
-    const std::vector<Removal> removals = AskedFor(question, RemovalsOf(device, question.package));
+    const std::vector<Removal> removals = RemovalsFor(device, question);
     CheckedPackage today;
     if (!question.path.empty()) {
       today = PackageChecker(SetOfDevice(device), {}).Check(device.OnDesk(question.package.root));

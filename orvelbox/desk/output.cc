@@ -16,20 +16,13 @@ namespace {
 
 bool quiet = false;
 
-std::string Escaped(unsigned char byte) {
-  switch (byte) {
-    case '\n':
-      return "\\n";
-    case '\r':
-      return "\\r";
-    case '\t':
-      return "\\t";
-    default: {
-      std::array<char, 5> text{};
-      std::snprintf(text.data(), text.size(), "\\x%02x", static_cast<unsigned>(byte));
-      return text.data();
-    }
-  }
+std::string Escaped(char byte) {
+  constexpr std::string_view kMeanings = "\n\r\t";
+  const std::size_t letter = kMeanings.find(byte);
+  if (letter != std::string_view::npos) return {'\\', "nrt"[letter]};
+  std::array<char, 5> text{};
+  std::snprintf(text.data(), text.size(), "\\x%02x", static_cast<unsigned>(static_cast<unsigned char>(byte)));
+  return text.data();
 }
 
 // Does it turn the direction of a line around?
@@ -55,7 +48,7 @@ std::string Printable(std::string_view text) {
     if (character && !host::IsControl(character->code) && !TurnsLineAround(character->code)) {
       printable += bytes;
     } else {
-      for (const char byte : bytes) printable += Escaped(static_cast<unsigned char>(byte));
+      for (const char byte : bytes) printable += Escaped(byte);
     }
     text.remove_prefix(bytes.size());
   }

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <utility>
 
 #include "orvelbox/desk/tree.h"
 #include "orvelbox/device/cache_text.h"
@@ -31,8 +30,6 @@ Pending Parse(const fs::path& file, const std::string& text, bool decided) {
 }
 
 }  // namespace
-
-Journal::Journal(host::Device device) : device_(std::move(device)) {}
 
 void Journal::Begin(Operation operation, const std::string& package_id) const {
   const auto write_record = [&] {

@@ -1,9 +1,8 @@
 // Reads the facts of an operation out of the plug-in's messages.
-#include "orvelbox/history/log_facts.h"
-
 #include <algorithm>
 
 #include "base/affix.h"
+#include "orvelbox/history/log.h"
 
 namespace orvelbox {
 namespace {

@@ -1,5 +1,4 @@
 // The device's log on the screen.
-#include "orvelbox/history/log_view.h"
 
 #include <fcntl.h>
 #include <sys/inotify.h>
@@ -13,7 +12,7 @@
 
 #include "base/unique_fd.h"
 #include "orvelbox/desk/output.h"
-#include "orvelbox/history/log_facts.h"
+#include "orvelbox/history/log.h"
 #include "platform/host/files.h"
 #include "platform/host/json.h"
 

@@ -100,12 +100,13 @@ std::optional<std::string> OriginIn(std::string_view text, const std::string& dl
   return std::string(text.substr(begin.size(), text.size() - begin.size() - end.size()));
 }
 
-std::vector<Removal> RemovalsOf(const host::Device& device, const host::Package& package) {
+std::vector<Removal> RemovalsFor(const host::Device& device, const WhyQuestion& question) {
   std::map<std::string, Removal> removals;
-  AddInformationFiles(device, package, removals);
-  AddLog(device, package, removals);
+  AddInformationFiles(device, question.package, removals);
+  AddLog(device, question.package, removals);
   std::vector<Removal> all;
   for (auto& [dll, removal] : removals) {
+    if (!question.path.empty() && !host::IsAtOrBelow(dll, question.path)) continue;
     removal.origin_there = IsThere(device.OnDesk(removal.origin));
     all.push_back(std::move(removal));
   }
@@ -123,14 +124,6 @@ WhyQuestion ReadQuestion(const host::Device& device, const host::PackageStore& s
     if (host::IsAtOrBelow(path, package.root)) return {std::move(package), path};
   }
   throw host::DeviceError(text + ": belongs to no installed package; see what is with: orvelbox list");
-}
-
-std::vector<Removal> AskedFor(const WhyQuestion& question, std::vector<Removal> removals) {
-  const auto other = [&](const Removal& removal) {
-    return !question.path.empty() && !host::IsAtOrBelow(removal.dll, question.path);
-  };
-  removals.erase(std::remove_if(removals.begin(), removals.end(), other), removals.end());
-  return removals;
 }
 
 Lines DescribeWhy(const WhyQuestion& question, const std::vector<Removal>& removals, const CheckedPackage& today) {

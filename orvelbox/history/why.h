@@ -10,7 +10,7 @@
 
 #include "orvelbox/check/result.h"
 #include "orvelbox/desk/output.h"
-#include "orvelbox/history/log_facts.h"
+#include "orvelbox/history/log.h"
 #include "platform/host/device.h"
 #include "platform/host/package_store.h"
 
@@ -30,9 +30,6 @@ struct Removal {
 // text is no such information.
 std::optional<std::string> OriginIn(std::string_view text, const std::string& dll);
 
-// All that is known about the package, ordered by path. Throws host::DeviceError when the log cannot be read.
-std::vector<Removal> RemovalsOf(const host::Device& device, const host::Package& package);
-
 // What `why` was asked about.
 struct WhyQuestion {
   host::Package package;
@@ -43,8 +40,8 @@ struct WhyQuestion {
 // host::DeviceError when it concerns no installed package.
 WhyQuestion ReadQuestion(const host::Device& device, const host::PackageStore& store, const std::string& text);
 
-// Those of `removals` that are asked for.
-std::vector<Removal> AskedFor(const WhyQuestion& question, std::vector<Removal> removals);
+// All that is known of what is asked for, ordered by path. Throws host::DeviceError when the log cannot be read.
+std::vector<Removal> RemovalsFor(const host::Device& device, const WhyQuestion& question);
 
 // The answer in words. `today` is what a check of the installed package says now.
 Lines DescribeWhy(const WhyQuestion& question, const std::vector<Removal>& removals, const CheckedPackage& today);

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "orvelbox/device/cache_text.h"
-#include "orvelbox/history/log_facts.h"
+#include "orvelbox/history/log.h"
 #include "orvelbox/operations/hook_process.h"
 
 namespace orvelbox {

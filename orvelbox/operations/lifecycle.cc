@@ -2,7 +2,6 @@
 #include "orvelbox/operations/lifecycle.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <functional>
 #include <nlohmann/json.hpp>
 
@@ -18,18 +17,12 @@ namespace fs = std::filesystem;
 namespace orvelbox {
 namespace {
 
-// FNV-1a, which is no secret but tells accidents apart.
-std::uint64_t Fingerprint(const std::string& content) {
-  std::uint64_t hash = 0xcbf29ce484222325U;
-  for (const char c : content) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3U;
-  return hash;
-}
-
 std::string Describe(const fs::directory_entry& entry) {
   switch (entry.symlink_status().type()) {
     case fs::file_type::regular: {
       const std::string content = host::ReadFile(entry.path());
-      return "file of " + std::to_string(content.size()) + " bytes, " + std::to_string(Fingerprint(content));
+      return "file of " + std::to_string(content.size()) + " bytes, " +
+             std::to_string(std::hash<std::string>()(content));
     }
     case fs::file_type::symlink:
       return "link to " + fs::read_symlink(entry.path()).string();
@@ -130,13 +123,11 @@ DeviceState StateOf(const host::Device& device) {
   DeviceState state;
   const host::PackageStore store(device.Database(), host::PackageStore::Mode::kReadOnly);
   for (const host::Package& package : store.List()) state["package " + package.id] = PackageJson(package);
-  try {
+  host::WithFileErrors(device.Root(), "read", [&] {
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(device.Root())) {
       state["/" + entry.path().lexically_relative(device.Root()).string()] = Describe(entry);
     }
-  } catch (const fs::filesystem_error& error) {
-    host::ThrowFileError(error.path1(), "read", error.code().value());
-  }
+  });
   return state;
 }
 

@@ -104,11 +104,6 @@ std::string ProblemOfApplications(const host::Package& package) {
   return "";
 }
 
-std::string ProblemOf(const host::Package& package) {
-  const std::string problem = ProblemOfPackageId(package.id);
-  return problem.empty() ? ProblemOfApplications(package) : problem;
-}
-
 bool DeclaresEntities(const xmlDoc* document) {
   return document->intSubset != nullptr && document->intSubset->entities != nullptr;
 }
@@ -171,7 +166,8 @@ host::Package DescribePackage(const xmlDoc* document, const std::string& file) {
     if (IsNamed(child, "privileges")) AddPrivileges(child, package.privileges);
   }
   if (package.type.empty()) package.type = "opk";
-  const std::string problem = ProblemOf(package);
+  std::string problem = ProblemOfPackageId(package.id);
+  if (problem.empty()) problem = ProblemOfApplications(package);
   if (!problem.empty()) throw host::DeviceError(file + ": " + problem);
   if (package.main_app_id.empty() && !package.applications.empty()) {
     package.main_app_id = package.applications.front().id;

@@ -76,8 +76,6 @@ HeldSignals::HeldSignals() {
   pthread_sigmask(SIG_BLOCK, &held_, &mask_before_);
 }
 
-HeldSignals::~HeldSignals() { Restore(); }
-
 void HeldSignals::Restore() const {
   sigaction(SIGCHLD, &child_action_before_, nullptr);
   pthread_sigmask(SIG_SETMASK, &mask_before_, nullptr);

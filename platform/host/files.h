@@ -17,6 +17,17 @@ std::string_view UsualWayOut(int error);
 // Throws a DeviceError "FILE: cannot ACTION: TEXT OF ERROR", followed by the way out where there is a usual one.
 [[noreturn]] void ThrowFileError(const std::filesystem::path& file, std::string_view action, int error);
 
+// Does `work` and gives its result; an error of the standard library becomes one of ThrowFileError. `path` is named
+// where the library names none.
+template <typename Work>
+auto WithFileErrors(const std::filesystem::path& path, std::string_view action, const Work& work) {
+  try {
+    return work();
+  } catch (const std::filesystem::filesystem_error& error) {
+    ThrowFileError(error.path1().empty() ? path : error.path1(), action, error.code().value());
+  }
+}
+
 // Reads the whole file. Throws DeviceError.
 std::string ReadFile(const std::filesystem::path& file);
 

@@ -1,6 +1,7 @@
-// What the plug-in's log records say about one operation. Pure: records in, facts out.
-#ifndef ORVEL_ORVELBOX_HISTORY_LOG_FACTS_H_
-#define ORVEL_ORVELBOX_HISTORY_LOG_FACTS_H_
+// The device's log: what the plug-in's records say about one operation (pure: records in, facts out), and how records
+// are shown on a terminal and elsewhere.
+#ifndef ORVEL_ORVELBOX_HISTORY_LOG_H_
+#define ORVEL_ORVELBOX_HISTORY_LOG_H_
 
 #include <functional>
 #include <optional>
@@ -8,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/host/device.h"
 #include "platform/host/log_file.h"
 
 namespace orvelbox {
@@ -42,6 +44,27 @@ LogFacts InterpretLog(const std::vector<host::LogRecord>& records);
 
 // The records of a piece of the log file; lines that are no records are left out.
 std::vector<host::LogRecord> ParseLog(std::string_view text);
+
+struct LogFilter {
+  std::string tag;      // empty: every tag
+  char priority = 'D';  // this priority (D, I, E) and those above it
+};
+bool Passes(const LogFilter& filter, const host::LogRecord& record);
+
+// One line for a record, safe for a terminal. The colour sequences inside the text are kept with `colour` and dropped
+// without it; every other control character is escaped.
+std::string ShowRecord(const host::LogRecord& record, bool colour);
+
+struct LogView {
+  LogFilter filter;
+  bool follow = false;
+  bool colour = false;
+  bool json = false;  // one JSON object a record, its text as it was logged, colour sequences included
+};
+
+// Shows the log on standard output; with `follow` it goes on with every record that comes, until it is interrupted
+// or standard output is gone. Throws host::DeviceError when the log cannot be read.
+void ShowLog(const host::Device& device, const LogView& view);
 
 }  // namespace orvelbox
 
