@@ -50,7 +50,7 @@ void RequirePlatform(const std::filesystem::path& platform);
 // Copies the platform's directories that `platform` holds to the device. Throws host::DeviceError.
 void CopyPlatform(const std::filesystem::path& platform, const host::Device& device);
 
-// What the path-configuration library has for the root of read-write applications from now on.
+// Sets the read-write root that the plug-in's functions see while they judge; they log and trace nothing then.
 void SetReadWriteRoot(const std::string& root);
 
 }  // namespace orvelbox

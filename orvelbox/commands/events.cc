@@ -8,6 +8,7 @@ namespace {
 
 std::vector<RawEvent> Parsed(const std::vector<std::string>& texts) {
   std::vector<RawEvent> events;
+  events.reserve(texts.size());
   for (const std::string& text : texts) events.push_back(ParseRawEvent(text));
   return events;
 }

@@ -103,25 +103,20 @@ CacheChange Compare(const CacheText& before, const CacheText& after) {
 std::vector<CacheFinding> VerifyCache(const std::string& name, const CacheText& text,
                                       const std::vector<host::Package>& packages, const IsOnDevice& is_there) {
   std::vector<CacheFinding> findings = VerifyMarkers(name, text);
+  const auto add = [&](const char* kind, const std::string& entry, const std::string& what) {
+    findings.push_back({name, kind, entry, name + ": " + entry + " " + what});
+  };
   std::set<std::string> seen;
   std::set<std::string> told;
   for (const std::string& entry : EntriesOf(text)) {
-    if (!seen.insert(entry).second) {
-      if (!told.insert(entry).second) continue;
-      findings.push_back(
-          {name, "twice", entry, name + ": " + entry + " is there more than once; leave one of the entries"});
-      continue;
-    }
     const host::Package* owner = OwnerOf(entry, packages);
-    if (owner == nullptr) {
-      findings.push_back({name, "not-installed", entry,
-                          name + ": " + entry +
-                              " belongs to no installed package; take the entry out of the file, or " +
-                              "install the package again"});
+    if (!seen.insert(entry).second) {
+      if (told.insert(entry).second) add("twice", entry, "is there more than once; leave one of the entries");
+    } else if (owner == nullptr) {
+      add("not-installed", entry,
+          "belongs to no installed package; take the entry out of the file, or install the package again");
     } else if (!is_there(entry)) {
-      findings.push_back({name, "gone", entry,
-                          name + ": " + entry + " is gone; bring the entries of the package up to date with: " +
-                              "orvelbox clean " + owner->id});
+      add("gone", entry, "is gone; bring the entries of the package up to date with: orvelbox clean " + owner->id);
     }
   }
   return findings;
