@@ -33,12 +33,12 @@ inline std::string WithVersion(const std::string& id, const std::string& version
 // cannot be read back.
 std::string Printable(std::string_view text);
 
-// Whether nothing but complaints is printed from here on.
-void SetQuiet(bool quiet);
-
 // The rows as lines with aligned columns, without blanks at their ends. The first row holds the headings, all have as
 // many cells; a column in which every other cell is empty is left out.
 Lines TableOf(const std::vector<std::vector<std::string>>& rows);
+
+// Whether nothing but complaints is printed from here on.
+void SetQuiet(bool quiet);
 
 // Prints `line`, made printable, and a line feed on standard output.
 void Say(std::string_view line);
