@@ -1,15 +1,22 @@
-// From a request to the facts about every package.
+// From a request to the facts about every package, on threads that take one package after the other.
 #include "orvelbox/check/check.h"
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <future>
 #include <stdexcept>
+#include <string>
+#include <system_error>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "orvelbox/check/package_checker.h"
-#include "orvelbox/check/workers.h"
 #include "platform/host/child_process.h"
 #include "platform/host/device.h"
+#include "platform/host/device_error.h"
 #include "util/privilege_checker.h"
 
 namespace fs = std::filesystem;
@@ -24,7 +31,7 @@ void AddCobaPackage(const fs::path& package, PlatformSet& set) {
     throw host::DeviceError(package.string() + ": is no CoBA package, no application of it has the metadata " +
                             "that makes one; leave it out");
   }
-  AddCoba({described.id, RootOnDevice(set, described.id), opened.files}, set);
+  set.coba[described.id] = {described.id, RootOnDevice(set, described.id), opened.files};
 }
 
 PlatformSet CollectSet(const CheckRequest& request, const fs::path& device) {
@@ -47,6 +54,71 @@ CheckedPackage CheckOne(const PackageChecker& checker, const std::string& packag
   return result;
 }
 
+// How long a signal may wait to be noticed.
+constexpr std::chrono::milliseconds kLook{100};
+
+bool IsInterrupted() {
+  sigset_t pending;
+  sigpending(&pending);
+  return sigismember(&pending, SIGINT) == 1 || sigismember(&pending, SIGTERM) == 1 ||
+         sigismember(&pending, SIGHUP) == 1;
+}
+
+// Threads that take one package after the other.
+class Workers {
+ public:
+  Workers(std::size_t count, unsigned threads, const Work& work) : promises_(count), work_(work) {
+    for (auto& promise : promises_) results_.push_back(promise.get_future());
+    const std::size_t wanted = std::min<std::size_t>(threads, count);
+    while (threads_.size() < wanted && StartThread()) {
+    }
+  }
+  Workers(const Workers&) = delete;
+  Workers& operator=(const Workers&) = delete;
+  ~Workers() {
+    stopped_ = true;
+    for (std::thread& thread : threads_) thread.join();
+  }
+
+  // Hands on the results in order.
+  void Deliver(CheckReceiver& receiver) {
+    for (auto& result : results_) {
+      for (bool ready = false; !ready;) {
+        ready = result.wait_for(kLook) == std::future_status::ready;
+        if (IsInterrupted()) throw host::DeviceError("interrupted");
+        if (ready) receiver.Receive(result.get());
+        receiver.Finished(finished_);
+      }
+    }
+  }
+
+ private:
+  // If no further thread can be started, those that run do all the work.
+  bool StartThread() try {
+    threads_.emplace_back([this] { TakeOneAfterTheOther(); });
+    return true;
+  } catch (const std::system_error& error) {
+    if (threads_.empty()) throw host::DeviceError(std::string("no thread can be started: ") + error.what());
+    return false;
+  }
+
+  void TakeOneAfterTheOther() {
+    for (std::size_t number = next_++; number < promises_.size() && !stopped_; number = next_++) {
+      CheckedPackage result = work_(number);
+      ++finished_;
+      promises_[number].set_value(std::move(result));
+    }
+  }
+
+  std::vector<std::promise<CheckedPackage>> promises_;
+  std::vector<std::future<CheckedPackage>> results_;
+  const Work& work_;
+  std::atomic<std::size_t> next_{0};
+  std::atomic<std::size_t> finished_{0};
+  std::atomic<bool> stopped_{false};
+  std::vector<std::thread> threads_;
+};
+
 }  // namespace
 
 std::string PrivilegeUri(const std::string& text) {
@@ -61,10 +133,12 @@ void CheckPackages(const CheckRequest& request, const fs::path& device, CheckRec
   const host::HeldSignals signals;
   const PackageChecker checker(CollectSet(request, device), request.privileges);
   const unsigned jobs = request.jobs != 0 ? request.jobs : std::max(1U, std::thread::hardware_concurrency());
-  RunOnThreads(
-      request.packages.size(), jobs, [&](std::size_t i) { return CheckOne(checker, request.packages[i]); },
-      [&](std::size_t, CheckedPackage package) { receiver.Receive(std::move(package)); },
-      [&](std::size_t finished) { receiver.Finished(finished); });
+  const auto check = [&](std::size_t number) { return CheckOne(checker, request.packages[number]); };
+  RunOnThreads(request.packages.size(), jobs, check, receiver);
+}
+
+void RunOnThreads(std::size_t count, unsigned threads, const Work& work, CheckReceiver& receiver) {
+  Workers(count, threads, work).Deliver(receiver);
 }
 
 }  // namespace orvelbox

@@ -8,7 +8,6 @@
 #include <set>
 
 #include "base/affix.h"
-#include "orvelbox/check/silent_platform.h"
 #include "platform/host/paths.h"
 #include "plugin/assembly_cache.h"
 #include "plugin/catalogues.h"
@@ -89,19 +88,16 @@ PackageChecker::PackageChecker(PlatformSet set, std::vector<std::string> privile
   framework_ = found.framework;
   CatalogueTvAppApi(found.All(), root, platform);
   framework_with_api_ = std::move(found.framework);
-  for (const PlacedPackage& component : set_.coba) components_[component.id] = ComponentOf(component);
+  for (const auto& [id, component] : set_.coba) components_[id] = ComponentOf(component);
 }
 
 // What is shared once the package is there: an earlier version of it shares nothing any more.
 Catalogue PackageChecker::ComponentsBeside(const PlacedPackage& own, bool coba) const {
+  std::map<std::string, Catalogue> components = components_;
+  components.erase(own.id);
+  if (coba) components[own.id] = ComponentOf(own);
   Catalogue all;
-  for (const PlacedPackage& one : set_.coba) {
-    if (one.id < own.id) all.insert(components_.at(one.id).begin(), components_.at(one.id).end());
-  }
-  if (coba) all.merge(ComponentOf(own));
-  for (const PlacedPackage& one : set_.coba) {
-    if (own.id < one.id) all.insert(components_.at(one.id).begin(), components_.at(one.id).end());
-  }
+  for (auto& [id, component] : components) all.merge(component);
   return all;
 }
 
@@ -151,7 +147,7 @@ DllCopy PackageChecker::Provided(const std::string& origin, const PlacedPackage&
   if (host::IsBelow(origin, host::kPlatformAssemblies)) {
     place->second = facts_in(*set_.assemblies, host::kPlatformAssemblies);
   }
-  for (const PlacedPackage& component : set_.coba) {
+  for (const auto& [id, component] : set_.coba) {
     if (host::IsBelow(origin, component.root)) place->second = facts_in(*component.files, component.root);
   }
   return place->second;

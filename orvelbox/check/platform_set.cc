@@ -22,8 +22,6 @@ bool IsCobaEntry(const host::MetadataEntry& entry) {
   return entry.key == MetadataKey::coBA && entry.value == metadataValueTrue;
 }
 
-bool IsBefore(const PlacedPackage& package, const std::string& id) { return package.id < id; }
-
 // Absolute, with one "/" between names of which none is "." or "..".
 bool IsPlain(const std::string& path) {
   const bool doubtful = path.find("//") != std::string::npos || path.find("/.") != std::string::npos;
@@ -73,7 +71,8 @@ PlatformSet SetOfList(const fs::path& list) {
   PlatformSet set;
   set.assemblies = std::make_shared<PackageFiles>(std::move(platform));
   for (auto& [root, listing] : components) {
-    AddCoba({fs::path(root).filename().string(), root, std::make_shared<PackageFiles>(std::move(listing))}, set);
+    const std::string id = fs::path(root).filename();
+    set.coba[id] = {id, root, std::make_shared<PackageFiles>(std::move(listing))};
   }
   return set;
 }
@@ -88,7 +87,8 @@ PlatformSet SetOfDevice(const host::Device& device) {
   for (const host::Package& package : store.List()) {
     set.roots[package.id] = package.root;
     if (!IsCobaPackage(package)) continue;
-    AddCoba({package.id, package.root, FilesIn(device.OnDesk(package.root), kSharedResourceSuffix + 1)}, set);
+    const fs::path root = device.OnDesk(package.root);
+    set.coba[package.id] = {package.id, package.root, FilesIn(root, kSharedResourceSuffix + 1)};
   }
   return set;
 }
@@ -107,17 +107,6 @@ bool IsCobaPackage(const host::Package& package) {
                      [](const host::Application& application) {
                        return std::any_of(application.metadata.begin(), application.metadata.end(), IsCobaEntry);
                      });
-}
-
-void AddCoba(PlacedPackage package, PlatformSet& set) {
-  RemoveCoba(package.id, set);
-  const auto place = std::lower_bound(set.coba.begin(), set.coba.end(), package.id, IsBefore);
-  set.coba.insert(place, std::move(package));
-}
-
-void RemoveCoba(const std::string& id, PlatformSet& set) {
-  const auto place = std::lower_bound(set.coba.begin(), set.coba.end(), id, IsBefore);
-  if (place != set.coba.end() && place->id == id) set.coba.erase(place);
 }
 
 std::string RootOnDevice(const PlatformSet& set, const std::string& id) {

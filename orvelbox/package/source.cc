@@ -1,22 +1,23 @@
-// Packages from directories and archives.
+// Packages from directories and archives, and the unpacking of these.
 #include "orvelbox/package/source.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <boost/algorithm/string/replace.hpp>
+#include <cerrno>
 #include <string>
 
-#include "orvelbox/desk/with_rollback.h"
+#include "base/unique_fd.h"
+#include "orvelbox/desk/progress.h"
+#include "orvelbox/desk/tree.h"
 #include "platform/host/device.h"
+#include "platform/host/files.h"
 
 namespace fs = std::filesystem;
 
 namespace orvelbox {
 namespace {
-
-std::string Replaced(std::string text, const std::string& from, const std::string& to) {
-  for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
-    text.replace(at, from.size(), to);
-  }
-  return text;
-}
 
 void WithArchive(const fs::path& archive, const UnpackPlace& place, const std::function<void(const fs::path&)>& work) {
   const auto unpack_and_work = [&] {
@@ -27,8 +28,25 @@ void WithArchive(const fs::path& archive, const UnpackPlace& place, const std::f
     WithRollback(unpack_and_work, place.remove);
     place.remove();
   } catch (const host::DeviceError& error) {
-    throw host::DeviceError(Replaced(error.what(), place.directory.string(), archive.string()));
+    throw host::DeviceError(
+        boost::replace_all_copy(std::string(error.what()), place.directory.string(), archive.string()));
   }
+}
+
+// Below a directory that holds nothing but what this writes: paths are plain and no link ever stands there.
+void WriteEntry(const Archive& archive, const ArchiveEntry& entry, const fs::path& place) {
+  host::MakeDirectory(entry.directory ? place : place.parent_path());
+  if (entry.directory) return;
+  const UniqueFd file(open(place.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+  // The owner can always read what was unpacked.
+  const mode_t mode = static_cast<mode_t>(entry.permissions) | S_IRUSR | S_IWUSR;
+  if (!file || fchmod(file.get(), mode) != 0) host::ThrowFileError(place, "create", errno);
+  ArchiveContent content(archive, entry);
+  for (std::string_view piece = content.Next(); !piece.empty(); piece = content.Next()) {
+    const int error = host::WriteAll(file.get(), piece);
+    if (error != 0) host::ThrowFileError(place, "write", error);
+  }
+  Activity::CountFile();
 }
 
 }  // namespace
@@ -44,6 +62,15 @@ void WithPackage(const fs::path& package, const UnpackPlace& place, const std::f
   } else {
     work(package);
   }
+}
+
+void Unpack(const fs::path& file, const fs::path& to, const ArchiveLimits& limits) {
+  const auto unpack = [&] {
+    const Archive archive(file, limits);
+    host::MakeDirectory(to);
+    for (const ArchiveEntry& entry : archive.entries()) WriteEntry(archive, entry, to / entry.path);
+  };
+  WithRollback(unpack, [&] { RemoveTree(to); });
 }
 
 }  // namespace orvelbox

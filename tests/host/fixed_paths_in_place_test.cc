@@ -1,6 +1,4 @@
 // Working in place, on a machine where the kernel refuses namespaces.
-#include "platform/host/fixed_paths_in_place.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -12,6 +10,7 @@
 
 #include "platform/host/device.h"
 #include "platform/host/fixed_paths.h"
+#include "platform/host/fixed_paths_methods.h"
 #include "tests/host/machine.h"
 #include "tests/host/samples.h"
 #include "tests/support/child.h"
@@ -144,7 +143,7 @@ TEST_F(InPlace, is_refused_where_a_fixed_path_exists) {
 
 TEST_F(InPlace, what_appeared_since_the_check_is_not_touched) {
   OnMachine([this] {
-    const host::InPlaceTurn turn;
+    const UniqueFd turn = host::TakeTurnInPlace();
     WriteFile("/opt/usr", "mine");
     EXPECT_EQ("cannot work in place: /opt/usr exists already; move it away, or allow namespaces",
               ErrorOf([&] { host::InPlaceLinks(turn, root()); }));

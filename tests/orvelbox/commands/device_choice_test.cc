@@ -1,9 +1,9 @@
 // Which device a command works on.
-#include "orvelbox/commands/device_choice.h"
-
 #include <gtest/gtest.h>
 
 #include <map>
+
+#include "orvelbox/commands/shared.h"
 
 namespace orvelbox {
 namespace {

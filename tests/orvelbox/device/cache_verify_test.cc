@@ -1,11 +1,10 @@
 // Every fault of a cache file by itself, and none where there is none.
-#include "orvelbox/device/cache_verify.h"
-
 #include <gmock/gmock.h>
 
 #include <nlohmann/json.hpp>
 #include <set>
 
+#include "orvelbox/device/cache_text.h"
 #include "platform/host/json.h"
 
 namespace orvelbox {

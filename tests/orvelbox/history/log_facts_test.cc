@@ -1,7 +1,7 @@
 // The facts of an operation, read out of log records.
-#include "orvelbox/history/log_facts.h"
-
 #include <gmock/gmock.h>
+
+#include "orvelbox/history/log.h"
 
 namespace orvelbox {
 namespace {

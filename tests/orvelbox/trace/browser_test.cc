@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
-#include "orvelbox/trace/drawings.h"
+#include "orvelbox/trace/spans.h"
 #include "tests/orvelbox/trace/png.h"
 #include "tests/support/command.h"
 #include "tests/support/files.h"

@@ -1,10 +1,10 @@
 // Traces as lines, as pictures and as pages.
-#include "orvelbox/trace/drawings.h"
-
 #include <gmock/gmock.h>
 #include <libxml/parser.h>
 
 #include <memory>
+
+#include "orvelbox/trace/spans.h"
 
 namespace orvelbox {
 namespace {

@@ -1,8 +1,7 @@
 // States of a device and how they differ.
-#include "orvelbox/device/state.h"
-
 #include <gmock/gmock.h>
 
+#include "orvelbox/operations/lifecycle.h"
 #include "platform/host/package_store.h"
 #include "tests/support/files.h"
 
