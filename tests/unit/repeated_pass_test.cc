@@ -33,7 +33,6 @@ using support::WriteFiles;
 using Catalogue = std::map<std::string, std::string>;
 
 constexpr const char* kRoot = "/opt/usr/apps/pkg";
-constexpr const char* kSearch = "void getPackageByMetadataTag(pkgmgrinfo_app_list_cb, const std::string&)";
 
 std::string Core(const std::string& name) { return kCoreDirectory + name; }
 std::string InPackage(const std::string& name) { return std::string(kRoot) + "/" + name; }
