@@ -1,7 +1,5 @@
 // Allocations that can be made to fail: this program's operator new, which libstdc++ and the plug-in use too, and
 // libxml2's functions once they are set.
-#include "tests/faults/memory_calls.h"
-
 #include <libxml/xmlmemory.h>
 
 #include <cstdlib>

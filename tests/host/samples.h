@@ -32,9 +32,6 @@ class EnvironmentDevice {
 // one entry more) and "ID.service" (coba=false), and the privileges "z", "a", "z".
 host::Package SamplePackage(const std::string& id);
 
-// The text of the DeviceError that `action` throws; "no error" when it throws none.
-std::string ErrorOf(const std::function<void()>& action);
-
 }  // namespace samples
 
 #endif

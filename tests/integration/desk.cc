@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
 #include "platform/host/json.h"
 #include "tests/support/child.h"
@@ -42,8 +41,7 @@ std::string Desk::RegisterCoba(const std::string& id) const { return Register(id
 
 std::vector<host::LogRecord> Desk::Log() const {
   std::vector<host::LogRecord> records;
-  std::istringstream log(support::ReadFile(device_.Log()));
-  for (std::string line; std::getline(log, line);) {
+  for (const std::string& line : support::Lines(support::ReadFile(device_.Log()))) {
     if (auto record = host::ParseLogRecord(line)) records.push_back(*record);
   }
   return records;

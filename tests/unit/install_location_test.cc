@@ -1,27 +1,15 @@
 // Where a launcher tool runs, and where a package is installed.
 #include "morvath/install_location.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <functional>
 #include <optional>
-#include <string>
 #include <string_view>
 
-#include "tests/support/child.h"
-#include "tests/support/files.h"
 #include "tests/support/unit_case.h"
 
+namespace unit {
 namespace {
-
-using doubles::Call;
-using doubles::Platform;
-using doubles::Source;
-using doubles::Steps;
-using support::TempDir;
 
 constexpr const char* kInside = "This is the code running inside the VARK.\n";
 constexpr const char* kOutside = "This is the code running outside the VARK.\n";
@@ -71,7 +59,7 @@ TEST(ReleaseVersion, an_image_with_the_marker_is_a_release_and_nothing_is_logged
   const std::pair<const char*, bool> images[] = {{"etc/release", true}, {"etc/release2", false}};
   for (const auto& [file, is_release] : images) {
     const TempDir root;
-    support::WriteFile(root.path() / file);
+    WriteFile(root.path() / file);
     std::filesystem::permissions(root.path() / file, std::filesystem::perms::none);  // the marker only has to exist
     support::WithFixedPaths(root.path(), [expected = is_release] {
       ASSERT_TRUE(support::GiveUpPrivileges());
@@ -235,3 +223,4 @@ TEST(Skipping, the_shared_cache_depends_on_the_install_location_alone_and_the_en
 }
 
 }  // namespace
+}  // namespace unit

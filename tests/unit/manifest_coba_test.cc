@@ -1,29 +1,9 @@
 // The search of a manifest for CoBA entries.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "plugin/manifest.h"
-#include "tests/support/expected_lines.h"
-#include "tests/support/manifests.h"
 #include "tests/support/unit_case.h"
-#include "tests/support/uris.h"
 
+namespace unit {
 namespace {
-
-using doubles::Join;
-using doubles::Platform;
-using doubles::Source;
-using doubles::Steps;
-using expected::CobaWalk;
-using expected::LocalNames;
-using expected::Plugin;
-using support::DotnetManifest;
-using support::kCobaKey;
-using support::ManifestOf;
-using support::MetadataElement;
-using support::Parse;
 
 // isCobaKey comparing an entry with the first `count` CoBA keys.
 Steps Compared(const std::string& key, const std::string& value, std::size_t count = 4) {
@@ -104,3 +84,4 @@ FRESH_TEST(Manifest, a_null_manifest_is_not_coba_related) {
 }
 
 }  // namespace
+}  // namespace unit

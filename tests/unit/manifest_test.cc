@@ -1,35 +1,16 @@
 // The walk over a manifest: is it dotnet-inhouse? And what this walk shares with the search for CoBA entries.
 #include "plugin/manifest.h"
 
-#include <gtest/gtest.h>
 #include <libxml/xmlmemory.h>
 
 #include <cstdlib>
 #include <cstring>
-#include <string>
-#include <vector>
 
-#include "tests/support/expected_lines.h"
 #include "tests/support/interposed.h"
-#include "tests/support/manifests.h"
 #include "tests/support/unit_case.h"
-#include "tests/support/uris.h"
 
+namespace unit {
 namespace {
-
-using doubles::Join;
-using doubles::Platform;
-using doubles::Steps;
-using expected::CobaWalk;
-using expected::LocalNames;
-using expected::Names;
-using expected::Plugin;
-using support::ApplicationElement;
-using support::DotnetManifest;
-using support::kCobaKey;
-using support::ManifestOf;
-using support::MetadataElement;
-using support::Parse;
 
 // A document whose second element has no name, as no parsed text has.
 class NamelessManifest {
@@ -46,7 +27,7 @@ class NamelessManifest {
   xmlDocPtr get() const { return document_.get(); }
 
  private:
-  support::Document document_;
+  Document document_;
   xmlNode* node_;
   const xmlChar* name_;
 };
@@ -198,7 +179,7 @@ FRESH_TEST(Manifest, a_node_without_a_name_ends_the_walk_with_an_error_line) {
 }
 
 FRESH_TEST(Manifest, a_parse_error_ends_the_walk_as_the_end_of_the_document_does) {
-  const support::Document document =
+  const Document document =
       ManifestOf(ApplicationElement("ui-application", "dotnet-inhouse") + MetadataElement(kCobaKey, "true"));
   interposed::Now().nodes_to_read = 1;
   EXPECT_FALSE(isAppDotnetInhouse(document.get()));
@@ -218,14 +199,14 @@ FRESH_TEST(Manifest, no_memory_of_a_walk_is_kept) {
 }
 
 FRESH_TEST(Manifest, an_empty_document_declares_nothing) {
-  const support::Document document(xmlNewDoc(nullptr));
+  const Document document(xmlNewDoc(nullptr));
   EXPECT_FALSE(isAppDotnetInhouse(document.get()));
   EXPECT_FALSE(isAppCoBARelated(document.get()));
   EXPECT_TRUE(Holds(platform, {CobaWalk({})}));
 }
 
 FRESH_TEST(Manifest, the_document_is_left_as_it_was) {
-  const support::Document document =
+  const Document document =
       ManifestOf(ApplicationElement("ui-application", "dotnet-inhouse") + MetadataElement(kCobaKey, "true"));
   isAppDotnetInhouse(document.get());
   isAppCoBARelated(document.get());
@@ -247,3 +228,4 @@ FRESH_TEST(Manifest, a_node_without_a_name_ends_the_search_for_coba_entries) {
 }
 
 }  // namespace
+}  // namespace unit

@@ -1,18 +1,9 @@
 // The metadata vocabulary and its matchers.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "morvath/metadata_utils.h"
 #include "tests/support/unit_case.h"
 
+namespace unit {
 namespace {
-
-using doubles::Join;
-using doubles::Platform;
-using doubles::Source;
-using doubles::Steps;
 
 const Source kHasKey("metadata_utils", "isMetadataInfoHasKey");
 const Source kIsDpc("metadata_utils", "isDpcKey");
@@ -159,3 +150,4 @@ TEST(MetadataMatchers, the_dpc_requirement_matches_nothing_whatever_its_value) {
 }
 
 }  // namespace
+}  // namespace unit

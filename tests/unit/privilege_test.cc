@@ -1,22 +1,9 @@
 // The privilege look-up.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
-#include "tests/support/expected_lines.h"
 #include "tests/support/unit_case.h"
-#include "tests/support/uris.h"
 #include "util/privilege_checker.h"
 
+namespace unit {
 namespace {
-
-using doubles::Call;
-using doubles::Platform;
-using doubles::Source;
-using doubles::Steps;
-using doubles::Traced;
-using support::kDebuggingPrivilege;
 
 const Source kCallback("privilege_checker", "privilege_info_cb");
 const Source kHasPrivilege("privilege_checker", "HasPrivilege");
@@ -27,7 +14,7 @@ Steps LookUp(std::initializer_list<Steps> inside) {
 
 Platform& PlatformWith(const std::vector<std::string>& privileges) {
   Platform& platform = doubles::Reset();
-  doubles::Package package = doubles::MakePackage("pkg", "/pkg");
+  Package package = doubles::MakePackage("pkg", "/pkg");
   package.privileges = privileges;
   platform.packages.push_back(package);
   return platform;
@@ -116,11 +103,12 @@ TEST(Privilege, the_result_of_the_iteration_is_not_looked_at) {
 TEST(Privilege, debugging_is_the_app_debugging_privilege_of_the_platform_namespace) {
   Platform& platform = PlatformWith({kDebuggingPrivilege});
   EXPECT_TRUE(isInDebuggingState("pkg"));
-  EXPECT_TRUE(Holds(platform, {expected::HavePrivilege(kDebuggingPrivilege)}));
+  EXPECT_TRUE(Holds(platform, {HavePrivilege(kDebuggingPrivilege)}));
   EXPECT_FALSE(isInDebuggingState("unknown"));
 
-  PlatformWith({support::kPlatformPrivilege, "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/AppDebugging"});
+  PlatformWith({kPlatformPrivilege, "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/AppDebugging"});
   EXPECT_FALSE(isInDebuggingState("pkg"));
 }
 
 }  // namespace
+}  // namespace unit

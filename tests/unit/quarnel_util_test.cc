@@ -1,30 +1,13 @@
 // The launcher utility library.
 #include "quarnel_util/quarnel_util.h"
 
-#include <gtest/gtest.h>
-
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
-#include <string>
-#include <vector>
 
-#include "tests/support/child.h"
-#include "tests/support/files.h"
 #include "tests/support/unit_case.h"
 
+namespace unit {
 namespace {
-
-namespace fs = std::filesystem;
-
-using doubles::Platform;
-using doubles::Source;
-using doubles::Steps;
-using support::IsThere;
-using support::TempDir;
-using support::WriteFile;
-
-using Texts = std::vector<std::string>;
 
 TEST(RootPath, the_root_of_an_installed_package_has_no_trailing_slash) {
   for (const char* root : {"/opt/usr/apps/pkg", "/opt/usr/apps/pkg/", "/opt/usr/apps/pkg//"}) {
@@ -204,3 +187,4 @@ TEST(Assemblies, a_link_to_a_file_is_an_assembly_and_a_dangling_one_is_none) {
 }
 
 }  // namespace
+}  // namespace unit

@@ -1,26 +1,12 @@
 // The walker over the subdirectories of one directory.
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <filesystem>
-#include <functional>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "morvath/platform_utils.h"
-#include "tests/support/files.h"
 #include "tests/support/interposed.h"
 #include "tests/support/unit_case.h"
 
+namespace unit {
 namespace {
-
-namespace fs = std::filesystem;
-
-using doubles::Steps;
-using doubles::Traced;
-using support::TempDir;
-using support::WriteFile;
 
 using Seen = std::vector<std::pair<std::string, std::string>>;
 
@@ -72,3 +58,4 @@ FRESH_TEST(ScanDirs, an_empty_reader_raises_after_the_exit_line) {
 }
 
 }  // namespace
+}  // namespace unit

@@ -1,32 +1,18 @@
 // The two directory walkers.
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <climits>
-#include <filesystem>
-#include <functional>
 #include <stdexcept>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "morvath/platform_utils.h"
-#include "tests/support/child.h"
-#include "tests/support/files.h"
 #include "tests/support/interposed.h"
 #include "tests/support/unit_case.h"
 #include "tests/unit/interposed_files.h"
 
+namespace unit {
 namespace {
-
-namespace fs = std::filesystem;
-
-using doubles::Platform;
-using doubles::Steps;
-using support::TempDir;
-using support::WriteFile;
 
 using Seen = std::vector<std::pair<std::string, std::string>>;
 
@@ -195,18 +181,6 @@ FRESH_TEST(Scan, a_directory_that_cannot_be_opened_yields_nothing_and_no_message
   EXPECT_TRUE(Holds(platform, Steps{}));
 }
 
-TEST(Scan, a_subdirectory_that_may_not_be_read_is_passed_over) {
-  const TempDir root;
-  for (const char* file : {"closed/f", "open/f"}) WriteFile(root / file);
-  fs::permissions(root / "closed", fs::perms::none);
-  Fresh([&](Platform& platform) {
-    ASSERT_TRUE(support::GiveUpPrivileges());
-    EXPECT_EQ((Paths{"open/f"}), PathsBelow(root, ScanFiles(root.path().string())));
-    EXPECT_TRUE(Holds(platform, Steps{}));
-  });
-  fs::permissions(root / "closed", fs::perms::owner_all);
-}
-
 TEST(Scan, what_the_reader_throws_leaves_no_directory_open) {
   const TempDir root;
   WriteFile(root / "sub/f");
@@ -226,17 +200,17 @@ TEST(Scan, an_empty_reader_raises_on_the_first_entry_it_should_report) {
   EXPECT_THROW(scanFilesInDirExcludeSymlink(root.path().string(), FileReader(), 10), std::bad_function_call);
 }
 
-std::size_t OpenFiles() { return support::NamesIn("/proc/self/fd").size(); }
-
 TEST(Scan, one_directory_per_level_is_open_while_its_subdirectories_are_walked) {
   const TempDir root;
   for (const char* file : {"f", "d/f", "d/d/f"}) WriteFile(root / file);
-  const std::size_t before = OpenFiles();
+  const std::size_t before = support::OpenDescriptors();
   std::vector<std::size_t> open;
   scanFilesInDirExcludeSymlink(
-      root.path().string(), [&](const std::string&, const std::string&) { open.push_back(OpenFiles() - before); }, 10);
+      root.path().string(),
+      [&](const std::string&, const std::string&) { open.push_back(support::OpenDescriptors() - before); }, 10);
   EXPECT_EQ((std::vector<std::size_t>{1, 2, 3}), open);
-  EXPECT_EQ(before, OpenFiles());
+  EXPECT_EQ(before, support::OpenDescriptors());
 }
 
 }  // namespace
+}  // namespace unit

@@ -1,5 +1,4 @@
 // The parts of a check: its facts as JSON, its words, its project lines, its SARIF log, its threads.
-#include <gmock/gmock.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -14,17 +13,11 @@
 #include "orvelbox/desk/progress.h"
 #include "orvelbox/desk/text_table.h"
 #include "platform/host/child_process.h"
-#include "platform/host/device.h"
 #include "platform/host/json.h"
+#include "tests/orvelbox/frame.h"
 
 namespace orvelbox {
 namespace {
-
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
 
 constexpr const char* kFramework = "/usr/share/dotnet.orvel/framework/";
 
