@@ -7,12 +7,10 @@ namespace {
 
 // isCobaKey comparing an entry with the first `count` CoBA keys.
 Steps Compared(const std::string& key, const std::string& value, std::size_t count = 4) {
-  const std::string start = "http://" ORVEL_DEVELOPER_HOST "/orvel/metadata/support-";
-  const std::string ends[] = {"fs-external-component", "view-plugin", "view-plugin-page", "bpi"};
+  const Source matcher("metadata_utils", "isMetadataInfoHasKey");
   Steps steps;
   for (std::size_t i = 0; i < count; ++i) {
-    steps = Join({steps, Source("metadata_utils", "isMetadataInfoHasKey")
-                             .Debug("%s compare to %s, value : %s", key, value, start + ends[i])});
+    steps = Join({steps, matcher.Debug("%s compare to %s, value : %s", key, value, support::kCobaKeys[i])});
   }
   return steps;
 }
@@ -25,7 +23,7 @@ struct Row {
 };
 
 std::vector<Row> CobaRows() {
-  const std::string bpi = "http://" ORVEL_DEVELOPER_HOST "/orvel/metadata/support-bpi";
+  const std::string bpi = support::kCobaKeys[3];
   const std::string coba = kCobaKey;
   const Steps matched_line = Plugin("isAppCoBARelated").Info("App has CoBA metadata");
   const auto matched = [](const std::string& key) {

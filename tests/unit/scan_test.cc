@@ -38,8 +38,6 @@ std::vector<std::string> PathsBelow(const TempDir& root, const Seen& seen) {
   return paths;
 }
 
-using Paths = std::vector<std::string>;
-
 FRESH_TEST(Scan, files_are_reported_with_full_path_and_bare_name) {
   const TempDir root;
   WriteFile(root / "A.dll");
@@ -109,13 +107,13 @@ TEST(Scan, pipes_and_sockets_and_links_to_them_are_passed_over) {
   support::MakeSocket(root / "socket");
   fs::create_symlink("pipe", root / "link to pipe");
   WriteFile(root / "file");
-  EXPECT_EQ((Paths{"file"}), PathsBelow(root, ScanFiles(root.path().string())));
+  EXPECT_EQ((Texts{"file"}), PathsBelow(root, ScanFiles(root.path().string())));
 }
 
 TEST(Scan, directories_that_begin_with_a_dot_are_walked) {
   const TempDir root;
   for (const char* file : {".hidden/f", "..more/f", ".../f", ".file"}) WriteFile(root / file);
-  EXPECT_EQ((Paths{".../f", "..more/f", ".file", ".hidden/f"}), PathsBelow(root, ScanFiles(root.path().string())));
+  EXPECT_EQ((Texts{".../f", "..more/f", ".file", ".hidden/f"}), PathsBelow(root, ScanFiles(root.path().string())));
 }
 
 TEST(Scan, a_path_with_the_assembly_cache_link_text_is_not_entered) {
@@ -124,7 +122,7 @@ TEST(Scan, a_path_with_the_assembly_cache_link_text_is_not_entered) {
                            "sac_symlink/f", "f.sac_symlink.dll"}) {
     WriteFile(root / file);
   }
-  EXPECT_EQ((Paths{".SAC_SYMLINK/f", "a/f", "f.sac_symlink.dll", "sac_symlink/f"}),
+  EXPECT_EQ((Texts{".SAC_SYMLINK/f", "a/f", "f.sac_symlink.dll", "sac_symlink/f"}),
             PathsBelow(root, ScanFiles(root.path().string())));
   EXPECT_TRUE(ScanFiles(root / ".sac_symlink").empty());
   EXPECT_TRUE(ScanFiles(root / "a/.sac_symlink/y").empty());
@@ -144,11 +142,11 @@ FRESH_TEST(Scan, without_entry_types_every_entry_is_reported_and_none_descended_
 }
 
 // The paths below `root` that a walk over it examines, sorted.
-Paths ExaminedByWalk(const TempDir& root) {
+Texts ExaminedByWalk(const TempDir& root) {
   interposed::Files().examined.clear();
   ScanFiles(root.path().string());
   const std::string start = root.path().string() + "/";
-  Paths paths;
+  Texts paths;
   for (const std::string& path : interposed::Files().examined) {
     if (path.rfind(start, 0) == 0) paths.push_back(path.substr(start.size()));
   }
@@ -156,20 +154,15 @@ Paths ExaminedByWalk(const TempDir& root) {
   return paths;
 }
 
-FRESH_TEST(Scan, links_alone_are_examined_where_the_listing_tells_the_types) {
+FRESH_TEST(Scan, links_alone_are_examined_where_the_listing_tells_the_types_and_every_entry_where_it_does_not) {
   const TempDir root;
   for (const char* file : {"A.dll", "sub/B.dll"}) WriteFile(root / file);
   support::MakePipe(root / "pipe");
   fs::create_symlink("A.dll", root / "link");
   fs::create_symlink("gone", root / "sub/dangling");
-  EXPECT_EQ((Paths{"link", "sub/dangling"}), ExaminedByWalk(root));
-}
-
-FRESH_TEST(Scan, every_entry_is_examined_where_the_listing_tells_no_types) {
-  const TempDir root;
-  for (const char* file : {"A.dll", "sub/B.dll"}) WriteFile(root / file);
+  EXPECT_EQ((Texts{"link", "sub/dangling"}), ExaminedByWalk(root));
   interposed::Now().entry_types_unknown = true;
-  EXPECT_EQ((Paths{".", "..", "A.dll", "sub"}), ExaminedByWalk(root));
+  EXPECT_EQ((Texts{".", "..", "A.dll", "link", "pipe", "sub"}), ExaminedByWalk(root));
 }
 
 FRESH_TEST(Scan, a_directory_that_cannot_be_opened_yields_nothing_and_no_message) {
@@ -210,6 +203,46 @@ TEST(Scan, one_directory_per_level_is_open_while_its_subdirectories_are_walked) 
       [&](const std::string&, const std::string&) { open.push_back(support::OpenDescriptors() - before); }, 10);
   EXPECT_EQ((std::vector<std::size_t>{1, 2, 3}), open);
   EXPECT_EQ(before, support::OpenDescriptors());
+}
+
+// The walker over the subdirectories of one directory.
+
+Steps ScanDirsFrame() {
+  return Traced("platform_utils", "void scanDirsInDirectory(const std::string&, FileReader)", Steps{});
+}
+
+FRESH_TEST(ScanDirs, the_immediate_subdirectories_are_reported) {
+  const TempDir root;
+  for (const char* file : {"f", "sub/f", "sub/deep/f", ".hidden/f", ".sac_symlink/f"}) WriteFile(root / file);
+  fs::create_symlink("sub", root / "link");
+  Seen seen;
+  scanDirsInDirectory(root.path().string(), Into(seen));
+  EXPECT_EQ((Seen{{root / ".hidden", ".hidden"}, {root / ".sac_symlink", ".sac_symlink"}, {root / "sub", "sub"}}),
+            Sorted(seen));
+  EXPECT_TRUE(Holds(platform, {ScanDirsFrame()}));
+}
+
+FRESH_TEST(ScanDirs, a_directory_that_cannot_be_opened_has_none) {
+  Seen seen;
+  scanDirsInDirectory("/proc/nowhere/at/all", Into(seen));
+  EXPECT_TRUE(seen.empty());
+  EXPECT_TRUE(Holds(platform, {ScanDirsFrame()}));
+}
+
+FRESH_TEST(ScanDirs, without_entry_types_nothing_is_reported) {
+  const TempDir root;
+  fs::create_directories(root / "sub");
+  interposed::Now().entry_types_unknown = true;
+  Seen seen;
+  scanDirsInDirectory(root.path().string(), Into(seen));
+  EXPECT_TRUE(seen.empty());
+}
+
+FRESH_TEST(ScanDirs, an_empty_reader_raises_after_the_exit_line) {
+  const TempDir root;
+  fs::create_directories(root / "sub");
+  EXPECT_THROW(scanDirsInDirectory(root.path().string(), FileReader()), std::bad_function_call);
+  EXPECT_TRUE(Holds(platform, {ScanDirsFrame()}));
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 #include "platform/host/child_process.h"
 #include "platform/host/json.h"
 #include "tests/orvelbox/frame.h"
+#include "tests/support/uris.h"
 
 namespace orvelbox {
 namespace {
@@ -153,8 +154,8 @@ TEST(ProgressBar, fills_up) {
 }
 
 TEST(Privilege, short_names_are_those_at_the_ends_of_the_uris) {
-  EXPECT_EQ(PrivilegeUri("platform"), "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/default/platform");
-  EXPECT_EQ(PrivilegeUri("appdebugging"), "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/appdebugging");
+  EXPECT_EQ(PrivilegeUri("platform"), support::kPlatformPrivilege);
+  EXPECT_EQ(PrivilegeUri("appdebugging"), support::kDebuggingPrivilege);
   EXPECT_EQ(PrivilegeUri("http://x/y"), "http://x/y");
   EXPECT_THROW(PrivilegeUri("bogus"), std::invalid_argument);
 }
