@@ -2,7 +2,6 @@
 #include "tests/abi/symbols.h"
 
 #include <cctype>
-#include <vector>
 
 #include "tests/support/files.h"
 

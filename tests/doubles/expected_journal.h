@@ -8,7 +8,6 @@
 #ifndef TESTS_DOUBLES_EXPECTED_JOURNAL_H_
 #define TESTS_DOUBLES_EXPECTED_JOURNAL_H_
 
-#include <functional>
 #include <initializer_list>
 #include <string>
 #include <vector>

@@ -1,6 +1,4 @@
 // orvelbox check as a user runs it: sources of the platform, verdicts, formats, exit statuses, and nothing changed.
-#include <sys/stat.h>
-
 #include <nlohmann/json.hpp>
 
 #include "platform/host/json.h"

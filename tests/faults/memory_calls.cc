@@ -4,7 +4,6 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <new>
 
 #include "tests/faults/fault_points.h"
 #include "tests/support/own_new.h"

@@ -2,9 +2,6 @@
 #include <gtest/gtest.h>
 #include <malloc.h>
 
-#include <filesystem>
-#include <string>
-
 #include "tests/faults/fault_desk.h"
 #include "tests/faults/small_platform.h"
 #include "tests/support/child.h"

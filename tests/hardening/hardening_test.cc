@@ -8,7 +8,6 @@
 #include <set>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include "tests/support/command.h"
 #include "tests/support/files.h"

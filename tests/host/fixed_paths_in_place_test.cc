@@ -2,7 +2,6 @@
 #include "platform/host/fixed_paths_in_place.h"
 
 #include <signal.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 

@@ -2,7 +2,6 @@
 #ifndef TESTS_HOST_SAMPLES_H_
 #define TESTS_HOST_SAMPLES_H_
 
-#include <functional>
 #include <string>
 
 #include "platform/host/device.h"

@@ -1,6 +1,4 @@
 // Data never becomes a format: what strangers name things reaches the log as an argument, byte for byte.
-#include <algorithm>
-
 #include "morvath/assembly_files.h"
 #include "plugin/duplicates.h"
 #include "plugin/hooks.h"

@@ -1,6 +1,5 @@
 // Pipes, sockets, devices and directories where files are expected. Whoever waits for one of them is ended.
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include "base/unique_fd.h"

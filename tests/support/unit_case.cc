@@ -21,6 +21,12 @@ void Fresh(const Body& body) { support::InFreshProcess(OverFreshDoubles(body)); 
 
 void FreshOnDevice(const Body& body) { support::OnDevice(OverFreshDoubles(body)); }
 
+Platform& PlatformWith(const std::string& root) {
+  Platform& platform = doubles::Reset();
+  platform.packages.push_back(doubles::MakePackage("pkg", root));
+  return platform;
+}
+
 testing::AssertionResult Holds(const Platform& platform, const Steps& expected) {
   const std::string difference = doubles::Difference(platform.journal, expected);
   if (difference.empty()) return testing::AssertionSuccess();

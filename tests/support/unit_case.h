@@ -81,6 +81,9 @@ void FreshOnDevice(const Body& body);
 #define FRESH_TEST(suite, name) FRAMED_TEST(unit::Fresh, doubles::Platform& platform, suite, name)
 #define DEVICE_TEST(suite, name) FRAMED_TEST(unit::FreshOnDevice, doubles::Platform& platform, suite, name)
 
+// Fresh doubles whose platform knows the package "pkg" with this root.
+Platform& PlatformWith(const std::string& root);
+
 // Does the journal hold exactly these steps?
 testing::AssertionResult Holds(const Platform& platform, std::initializer_list<Steps> expected);
 testing::AssertionResult Holds(const Platform& platform, const Steps& expected);

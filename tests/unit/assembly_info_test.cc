@@ -1,6 +1,5 @@
 // Label and owner of an assembly file, copied to another.
 #include <malloc.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>

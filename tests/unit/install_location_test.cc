@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
-#include <string_view>
 
 #include "tests/support/unit_case.h"
 
@@ -31,12 +30,6 @@ std::string PrintedBy(const std::function<void()>& body) {
   testing::internal::CaptureStdout();
   body();
   return testing::internal::GetCapturedStdout();
-}
-
-Platform& PlatformWith(std::string_view package_root) {
-  Platform& platform = doubles::Reset();
-  platform.packages.push_back(doubles::MakePackage("pkg", std::string(package_root)));
-  return platform;
 }
 
 // Device roots, with the release marker and without.

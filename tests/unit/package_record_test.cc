@@ -10,8 +10,7 @@ namespace {
 const Source kGetPkgInfo("platform_utils", "pkgmgrGetPkgInfo");
 
 Platform& PlatformWithType(std::string_view type = "opk") {
-  Platform& platform = doubles::Reset();
-  platform.packages.push_back(doubles::MakePackage("pkg", "/pkg"));
+  Platform& platform = PlatformWith("/pkg");
   platform.packages.front().type = type;
   return platform;
 }

@@ -1,6 +1,5 @@
 // What the pass keeps from one package to the next.
 #include "plugin/catalogues.h"
-#include "tests/unit/interposed_files.h"
 #include "tests/unit/pass_case.h"
 
 namespace unit {

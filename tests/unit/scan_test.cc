@@ -1,5 +1,4 @@
 // The two directory walkers.
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
