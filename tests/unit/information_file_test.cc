@@ -62,11 +62,14 @@ FRESH_TEST(Duplicates, the_descriptor_of_a_closed_standard_input_is_as_good_as_a
   const std::string dll = package / "A.dll";
   WriteFile(dll, "MZ");
   close(STDIN_FILENO);
-  const std::size_t before = support::OpenDescriptors();
-  errno = ELOOP;  // as a failure long before leaves it
-  removeFileAndLeaveInformationFile(kOrigin, dll);
-  EXPECT_EQ(InformationText(kOrigin, dll), ReadFile(dll + "_deleted"));
-  EXPECT_EQ(before, support::OpenDescriptors());
+  for (const bool is_there : {false, true}) {
+    if (is_there) WriteFile(dll + "_deleted", "of an earlier removal");
+    const std::size_t before = support::OpenDescriptors();
+    errno = ELOOP;  // as a failure long before leaves it
+    removeFileAndLeaveInformationFile(kOrigin, dll);
+    EXPECT_EQ(InformationText(kOrigin, dll), ReadFile(dll + "_deleted")) << is_there;
+    EXPECT_EQ(before, support::OpenDescriptors()) << is_there;
+  }
 }
 
 TEST(Duplicates, the_information_file_is_left_although_the_removal_failed) {
