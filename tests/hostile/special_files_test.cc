@@ -57,13 +57,14 @@ IMPATIENT_TEST(SpecialFiles, an_information_file_in_the_place_of_which_something
   fs::create_directories(InPackage("A.dll_deleted"));
   support::MakeSocket(InPackage("B.dll_deleted"));
   for (const char* pipe : {"pipes/A.dll_deleted", "pipes/B.dll_deleted"}) support::MakePipe(InPackage(pipe));
+  fs::create_hard_link(InPackage("pipes/B.dll_deleted"), InPackage("pipes/C.dll_deleted"));
   const UniqueFd listener(open(InPackage("pipes/B.dll_deleted").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   ASSERT_LE(0, listener.get());
   device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
   EXPECT_EQ((Names{"A.dll_deleted", "B.dll_deleted", "pipes"}), NamesInRoot());
   EXPECT_TRUE(fs::is_empty(InPackage("A.dll_deleted")));
   EXPECT_TRUE(fs::is_socket(InPackage("B.dll_deleted")));
-  EXPECT_EQ((Names{"A.dll_deleted", "B.dll_deleted"}), support::NamesIn(InPackage("pipes")));
+  EXPECT_EQ((Names{"A.dll_deleted", "B.dll_deleted", "C.dll_deleted"}), support::NamesIn(InPackage("pipes")));
   for (const char* name : {"pipes/A.dll_deleted", "pipes/B.dll_deleted"}) EXPECT_TRUE(fs::is_fifo(InPackage(name)));
   char heard = 0;
   EXPECT_GE(0, read(listener.get(), &heard, 1));
