@@ -1,9 +1,7 @@
 // Which device a command works on.
 #include "orvelbox/commands/device_choice.h"
 
-#include <gtest/gtest.h>
-
-#include <map>
+#include "tests/orvelbox/frame.h"
 
 namespace orvelbox {
 namespace {

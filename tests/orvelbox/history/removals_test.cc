@@ -1,8 +1,7 @@
 // What information files say, and what is none.
 #include "orvelbox/history/removals.h"
 
-#include <gtest/gtest.h>
-
+#include "tests/orvelbox/frame.h"
 #include "tests/support/removal_texts.h"
 
 namespace orvelbox {
