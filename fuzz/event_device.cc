@@ -13,7 +13,7 @@
 #include "fuzz/memory_directory.h"
 #include "platform/host/device.h"
 #include "platform/host/fixed_paths.h"
-#include "platform/host/fixed_paths_mounts.h"
+#include "platform/host/fixed_paths_methods.h"
 #include "plugin/catalogues.h"
 #include "plugin/hooks.h"
 #include "tests/doubles/platform.h"

@@ -4,7 +4,7 @@
 #include "orvelbox/cli/command_line.h"
 #include "orvelbox/commands/all.h"
 #include "orvelbox/desk/output.h"
-#include "orvelbox/trace/trace_file.h"
+#include "orvelbox/trace/spans.h"
 
 namespace {
 

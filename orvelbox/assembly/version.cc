@@ -1,8 +1,11 @@
 // The way from a file's first bytes to the row of the Assembly table.
 #include "orvelbox/assembly/version.h"
 
+#include <algorithm>
+
 #include "orvelbox/assembly/byte_view.h"
-#include "orvelbox/assembly/metadata_tables.h"
+
+using namespace std::string_view_literals;  // texts with zero bytes
 
 namespace orvelbox {
 namespace {
@@ -47,7 +50,7 @@ ByteView AtAddress(const ByteView& file, const ByteView& pe, std::uint32_t addre
 std::optional<ByteView> FindMetadata(const ByteView& file) {
   if (!file.BeginsWith("MZ")) return std::nullopt;
   const ByteView pe = file.From(file.U32(kPeHeaderPlaceAt));
-  if (!pe.BeginsWith(std::string_view("PE\0\0", 4))) return std::nullopt;
+  if (!pe.BeginsWith("PE\0\0"sv)) return std::nullopt;
   const ByteView optional = pe.From(kOptionalHeaderAt);
   const std::uint16_t magic = optional.U16(0);
   if (magic != kPe32 && magic != kPe32Plus) return std::nullopt;
@@ -74,16 +77,116 @@ std::optional<ByteView> FindTableStream(const ByteView& metadata) {
   return std::nullopt;
 }
 
+// The stream of tables ("#~"): its head says how wide the heaps' indexes are, which tables there are, and how many rows
+// each has.
+constexpr std::uint64_t kHeapSizesAt = 6;
+constexpr std::uint64_t kPresentAt = 8;
+constexpr std::uint64_t kRowCountsAt = 24;
+constexpr std::uint8_t kExtraData = 0x40;
+constexpr unsigned kAssemblyTable = 0x20;
+
+using RowCounts = std::array<std::uint32_t, 64>;  // by the numbers of the tables
+
+// A column of a table: a number, an index into a heap, or an index into one of several tables, whose lowest bits say
+// which.
+struct Column {
+  std::uint64_t bytes = 0;       // of a number
+  std::uint8_t wide_heap = 0;    // of an index into a heap: the flag that makes it wide
+  std::string_view tables = {};  // the numbers of the tables
+  unsigned tag_bits = 0;
+};
+constexpr Column kTwo{2};
+constexpr Column kFour{4};
+constexpr Column kString{0, 0x01};
+constexpr Column kGuid{0, 0x02};
+constexpr Column kBlob{0, 0x04};
+constexpr Column Index(std::string_view tables, unsigned tag_bits = 0) { return {0, 0, tables, tag_bits}; }
+constexpr Column kTypeDefOrRef = Index("\x02\x01\x1b", 2);
+constexpr Column kHasConstant = Index("\x04\x08\x17", 2);
+constexpr Column kHasCustomAttribute =
+    Index("\x06\x04\x01\x02\x08\x09\x0a\x00\x0e\x17\x14\x11\x1a\x1b\x20\x23\x26\x27\x28\x2a\x2c\x2b"sv, 5);
+constexpr Column kHasFieldMarshal = Index("\x04\x08", 1);
+constexpr Column kHasDeclSecurity = Index("\x02\x06\x20", 2);
+constexpr Column kMemberRefParent = Index("\x02\x01\x1a\x06\x1b", 3);
+constexpr Column kHasSemantics = Index("\x14\x17", 1);
+constexpr Column kMethodDefOrRef = Index("\x06\x0a", 1);
+constexpr Column kMemberForwarded = Index("\x04\x06", 1);
+constexpr Column kCustomAttributeType = Index("\x06\x0a", 3);
+constexpr Column kResolutionScope = Index("\x00\x1a\x23\x01"sv, 2);
+
+// The columns of the tables that stand before the Assembly table, by number.
+constexpr Column kTables[kAssemblyTable][6] = {
+    {kTwo, kString, kGuid, kGuid, kGuid},                                    // 00 Module
+    {kResolutionScope, kString, kString},                                    // 01 TypeRef
+    {kFour, kString, kString, kTypeDefOrRef, Index("\x04"), Index("\x06")},  // 02 TypeDef
+    {Index("\x04")},                                                         // 03 FieldPtr
+    {kTwo, kString, kBlob},                                                  // 04 Field
+    {Index("\x06")},                                                         // 05 MethodPtr
+    {kFour, kTwo, kTwo, kString, kBlob, Index("\x08")},                      // 06 MethodDef
+    {Index("\x08")},                                                         // 07 ParamPtr
+    {kTwo, kTwo, kString},                                                   // 08 Param
+    {Index("\x02"), kTypeDefOrRef},                                          // 09 InterfaceImpl
+    {kMemberRefParent, kString, kBlob},                                      // 0a MemberRef
+    {kTwo, kHasConstant, kBlob},                                             // 0b Constant
+    {kHasCustomAttribute, kCustomAttributeType, kBlob},                      // 0c CustomAttribute
+    {kHasFieldMarshal, kBlob},                                               // 0d FieldMarshal
+    {kTwo, kHasDeclSecurity, kBlob},                                         // 0e DeclSecurity
+    {kTwo, kFour, Index("\x02")},                                            // 0f ClassLayout
+    {kFour, Index("\x04")},                                                  // 10 FieldLayout
+    {kBlob},                                                                 // 11 StandAloneSig
+    {Index("\x02"), Index("\x14")},                                          // 12 EventMap
+    {Index("\x14")},                                                         // 13 EventPtr
+    {kTwo, kString, kTypeDefOrRef},                                          // 14 Event
+    {Index("\x02"), Index("\x17")},                                          // 15 PropertyMap
+    {Index("\x17")},                                                         // 16 PropertyPtr
+    {kTwo, kString, kBlob},                                                  // 17 Property
+    {kTwo, Index("\x06"), kHasSemantics},                                    // 18 MethodSemantics
+    {Index("\x02"), kMethodDefOrRef, kMethodDefOrRef},                       // 19 MethodImpl
+    {kString},                                                               // 1a ModuleRef
+    {kBlob},                                                                 // 1b TypeSpec
+    {kTwo, kMemberForwarded, kString, Index("\x1a")},                        // 1c ImplMap
+    {kFour, Index("\x04")},                                                  // 1d FieldRVA
+    {kFour, kFour},                                                          // 1e EncLog
+    {kFour},                                                                 // 1f EncMap
+};
+
+std::uint64_t WidthOf(const Column& column, std::uint8_t heap_sizes, const RowCounts& rows) {
+  if (column.wide_heap != 0) return (heap_sizes & column.wide_heap) != 0 ? 4 : 2;
+  if (column.tables.empty()) return column.bytes;
+  const bool narrow = std::all_of(column.tables.begin(), column.tables.end(), [&](char table) {
+    return rows[static_cast<unsigned char>(table)] < 0x10000U >> column.tag_bits;
+  });
+  return narrow ? 2 : 4;
+}
+
+// The first row of the Assembly table and all that follows; nothing for a module of an assembly, which has none.
+std::optional<ByteView> FindAssemblyRow(const ByteView& stream) {
+  const std::uint8_t heap_sizes = stream.U8(kHeapSizesAt);
+  const std::uint64_t present = stream.U64(kPresentAt);
+  RowCounts rows{};
+  std::uint64_t at = kRowCountsAt;
+  for (unsigned table = 0; table < rows.size(); ++table) {
+    if ((present >> table & 1U) == 0) continue;
+    rows[table] = stream.U32(at);
+    at += 4;
+  }
+  if (rows[kAssemblyTable] == 0) return std::nullopt;
+  if ((heap_sizes & kExtraData) != 0) at += 4;
+  for (unsigned table = 0; table < kAssemblyTable; ++table) {
+    for (const Column& column : kTables[table]) at += rows[table] * WidthOf(column, heap_sizes, rows);
+  }
+  return stream.From(at);
+}
+
 std::optional<AssemblyVersion> FindVersion(const ByteView& file) {
   const std::optional<ByteView> metadata = FindMetadata(file);
   if (!metadata) return std::nullopt;
   const std::optional<ByteView> stream = FindTableStream(*metadata);
   if (!stream) return std::nullopt;
-  const MetadataTables tables(*stream);
-  if (tables.Rows(kAssemblyTable) == 0) return std::nullopt;  // a module of an assembly
-  const ByteView row = tables.AssemblyRows();
+  const std::optional<ByteView> row = FindAssemblyRow(*stream);
+  if (!row) return std::nullopt;
   AssemblyVersion version{};
-  for (std::size_t i = 0; i < version.size(); ++i) version[i] = row.U16(kVersionNumbersAt + 2 * i);
+  for (std::size_t i = 0; i < version.size(); ++i) version[i] = row->U16(kVersionNumbersAt + 2 * i);
   return version;
 }
 

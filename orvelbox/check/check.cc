@@ -1,19 +1,25 @@
-// From a request to the facts about every package.
+// From a request to the facts about every package, on threads that take one package after the other.
 #include "orvelbox/check/check.h"
 
 #include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <future>
 #include <stdexcept>
+#include <string>
+#include <system_error>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "base/affix.h"
 #include "orvelbox/check/package_checker.h"
-#include "orvelbox/check/workers.h"
 #include "orvelbox/desk/tree.h"
 #include "orvelbox/package/manifest.h"
 #include "orvelbox/package/source.h"
 #include "platform/host/child_process.h"
 #include "platform/host/device.h"
+#include "platform/host/device_error.h"
 #include "util/privilege_checker.h"
 
 namespace fs = std::filesystem;
@@ -38,7 +44,7 @@ void AddCobaPackage(const fs::path& package, const fs::path& scratch, PlatformSe
       throw host::DeviceError(package.string() + ": is no CoBA package, no application of it has the metadata " +
                               "that makes one; leave it out");
     }
-    AddCoba({described.id, fs::canonical(directory), RootOnDevice(set, described.id)}, set);
+    set.coba[described.id] = {described.id, fs::canonical(directory), RootOnDevice(set, described.id)};
   });
 }
 
@@ -71,6 +77,71 @@ CheckedPackage CheckOne(const PackageChecker& checker, const std::string& packag
   return result;
 }
 
+// How long a signal may wait to be noticed.
+constexpr std::chrono::milliseconds kLook{100};
+
+bool IsInterrupted() {
+  sigset_t pending;
+  sigpending(&pending);
+  return sigismember(&pending, SIGINT) == 1 || sigismember(&pending, SIGTERM) == 1 ||
+         sigismember(&pending, SIGHUP) == 1;
+}
+
+// Threads that take one package after the other.
+class Workers {
+ public:
+  Workers(std::size_t count, unsigned threads, const Work& work) : promises_(count), work_(work) {
+    for (auto& promise : promises_) results_.push_back(promise.get_future());
+    const std::size_t wanted = std::min<std::size_t>(threads, count);
+    while (threads_.size() < wanted && StartThread()) {
+    }
+  }
+  Workers(const Workers&) = delete;
+  Workers& operator=(const Workers&) = delete;
+  ~Workers() {
+    stopped_ = true;
+    for (std::thread& thread : threads_) thread.join();
+  }
+
+  // Hands on the results in order.
+  void Deliver(CheckReceiver& receiver) {
+    for (auto& result : results_) {
+      for (bool ready = false; !ready;) {
+        ready = result.wait_for(kLook) == std::future_status::ready;
+        if (IsInterrupted()) throw host::DeviceError("interrupted");
+        if (ready) receiver.Receive(result.get());
+        receiver.Finished(finished_);
+      }
+    }
+  }
+
+ private:
+  // If no further thread can be started, those that run do all the work.
+  bool StartThread() try {
+    threads_.emplace_back([this] { TakeOneAfterTheOther(); });
+    return true;
+  } catch (const std::system_error& error) {
+    if (threads_.empty()) throw host::DeviceError(std::string("no thread can be started: ") + error.what());
+    return false;
+  }
+
+  void TakeOneAfterTheOther() {
+    for (std::size_t number = next_++; number < promises_.size() && !stopped_; number = next_++) {
+      CheckedPackage result = work_(number, stopped_);
+      ++finished_;
+      promises_[number].set_value(std::move(result));
+    }
+  }
+
+  std::vector<std::promise<CheckedPackage>> promises_;
+  std::vector<std::future<CheckedPackage>> results_;
+  const Work& work_;
+  std::atomic<std::size_t> next_{0};
+  std::atomic<std::size_t> finished_{0};
+  std::atomic<bool> stopped_{false};
+  std::vector<std::thread> threads_;
+};
+
 }  // namespace
 
 std::string PrivilegeUri(const std::string& text) {
@@ -91,8 +162,11 @@ void CheckPackages(const CheckRequest& request, const fs::path& device, CheckRec
       [&](std::size_t i, const std::atomic<bool>& stopped) {
         return CheckOne(checker, request.packages[i], scratch.path() / std::to_string(i), stopped);
       },
-      [&](std::size_t, CheckedPackage package) { receiver.Receive(std::move(package)); },
-      [&](std::size_t finished) { receiver.Finished(finished); });
+      receiver);
+}
+
+void RunOnThreads(std::size_t count, unsigned threads, const Work& work, CheckReceiver& receiver) {
+  Workers(count, threads, work).Deliver(receiver);
 }
 
 }  // namespace orvelbox

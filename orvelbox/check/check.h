@@ -2,6 +2,7 @@
 #ifndef ORVEL_ORVELBOX_CHECK_CHECK_H_
 #define ORVEL_ORVELBOX_CHECK_CHECK_H_
 
+#include <atomic>
 #include <cstddef>
 #include <filesystem>
 #include <functional>
@@ -37,6 +38,12 @@ std::string PrivilegeUri(const std::string& text);
 // Checks the packages; `device` is the device's directory, not looked at when a platform is asked for. Changes nothing.
 // Throws host::DeviceError when what to check against cannot be read.
 void CheckPackages(const CheckRequest& request, const std::filesystem::path& device, CheckReceiver& receiver);
+
+// Checks the package of a number; must not throw, and gives up early once `stopped` is true.
+using Work = std::function<CheckedPackage(std::size_t number, const std::atomic<bool>& stopped)>;
+// Calls `work` for 0 … count-1 on at most `threads` (not 0) threads; `receiver` is called in this one. To be called
+// while host::HeldSignals lives: SIGINT, SIGTERM and SIGHUP then stop the work and make this throw host::DeviceError.
+void RunOnThreads(std::size_t count, unsigned threads, const Work& work, CheckReceiver& receiver);
 
 }  // namespace orvelbox
 

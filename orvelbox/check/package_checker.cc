@@ -9,7 +9,7 @@
 
 #include "base/affix.h"
 #include "morvath/platform_utils.h"
-#include "orvelbox/check/silent_platform.h"
+#include "orvelbox/check/platform_set.h"
 #include "platform/host/files.h"
 #include "plugin/assembly_cache.h"
 #include "plugin/catalogues.h"
@@ -29,15 +29,13 @@ bool LooksLikeDll(const fs::path& name) { return EqualsIgnoringCase(name.extensi
 // Every DLL of the package, looked at by the plug-in or not, by its path below the root.
 std::set<std::string> DllsIn(const fs::path& directory) {
   std::set<std::string> dlls;
-  try {
+  host::WithFileErrors(directory, "read", [&] {
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(directory)) {
       const bool subdirectory = entry.symlink_status().type() == fs::file_type::directory;
       if (subdirectory || !LooksLikeDll(entry.path().filename())) continue;
       dlls.insert(entry.path().lexically_relative(directory).string());
     }
-  } catch (const fs::filesystem_error& error) {
-    host::ThrowFileError(error.path1().empty() ? directory : error.path1(), "read", error.code().value());
-  }
+  });
   return dlls;
 }
 
@@ -83,6 +81,23 @@ struct OwnedCatalogues {
   Catalogue library;
 };
 
+// Turns paths of the desk into those of the device, which are what the policy is about.
+Catalogue MovedToDevice(const Catalogue& on_desk, const std::string& desk, const std::string& device,
+                        std::map<std::string, std::string>& places) {
+  Catalogue moved;
+  for (const auto& [name, path] : on_desk) {
+    const std::string& on_device = moved[name] = device + path.substr(desk.size());
+    places[on_device] = path;
+  }
+  return moved;
+}
+
+Catalogue ComponentOf(const PlacedPackage& package, std::map<std::string, std::string>& places) {
+  OwnedCatalogues found;
+  CatalogueSharedResources(found.All(), package.desk);
+  return MovedToDevice(found.components, package.desk.string(), package.root, places);
+}
+
 }  // namespace
 
 PackageChecker::PackageChecker(PlatformSet set, std::vector<std::string> privileges)
@@ -101,26 +116,9 @@ PackageChecker::PackageChecker(PlatformSet set, std::vector<std::string> privile
   CatalogueTvAppApi(api.All(), desk);
   framework_with_api_ = framework_;
   framework_with_api_.merge(MovedToDevice(api.framework, desk, device, places));
-  for (const PlacedPackage& component : set_.coba) {
-    components_[component.id] = ComponentOf(component, component.only_names ? unread : places_);
+  for (const auto& [id, component] : set_.coba) {
+    components_[id] = ComponentOf(component, component.only_names ? unread : places_);
   }
-}
-
-// Turns paths of the desk into those of the device, which are what the policy is about.
-Catalogue PackageChecker::MovedToDevice(const Catalogue& on_desk, const std::string& desk, const std::string& device,
-                                        Places& places) {
-  Catalogue moved;
-  for (const auto& [name, path] : on_desk) {
-    const std::string& on_device = moved[name] = device + path.substr(desk.size());
-    places[on_device] = path;
-  }
-  return moved;
-}
-
-Catalogue PackageChecker::ComponentOf(const PlacedPackage& package, Places& places) {
-  OwnedCatalogues found;
-  CatalogueSharedResources(found.All(), package.desk);
-  return MovedToDevice(found.components, package.desk.string(), package.root, places);
 }
 
 // What is shared once the package is there: an earlier version of it shares nothing any more.

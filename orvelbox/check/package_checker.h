@@ -27,9 +27,6 @@ class PackageChecker {
  private:
   using Places = std::map<std::string, std::string>;  // catalogued paths of the device -> the files on the desk
 
-  static Catalogue MovedToDevice(const Catalogue& on_desk, const std::string& desk, const std::string& device,
-                                 Places& places);
-  static Catalogue ComponentOf(const PlacedPackage& package, Places& places);
   Catalogue ComponentsBeside(const PlacedPackage& own, bool coba, Places& places) const;
   void JudgeDotnet(const std::filesystem::path& directory, const Manifest& manifest, bool platform,
                    CheckedPackage& package) const;

@@ -20,8 +20,6 @@ bool IsCobaEntry(const host::MetadataEntry& entry) {
   return entry.key == MetadataKey::coBA && entry.value == metadataValueTrue;
 }
 
-bool IsBefore(const PlacedPackage& package, const std::string& id) { return package.id < id; }
-
 // The paths of a list. A directory that `find` names beside what it holds does not count.
 std::set<std::string> ReadList(const fs::path& list) {
   std::istringstream lines(host::ReadFile(list));
@@ -45,7 +43,7 @@ std::set<std::string> ReadList(const fs::path& list) {
 
 // Makes an empty file with the directories above it.
 void Touch(const fs::path& file) {
-  MakeDirectory(file.parent_path());
+  host::MakeDirectory(file.parent_path());
   host::CreateFile(file, "");
 }
 
@@ -62,7 +60,8 @@ PlatformSet SetOfList(const fs::path& list, const fs::path& scratch) {
       const std::string root = path.substr(0, shared);
       const fs::path desk = scratch / "coba" / fs::path(root).relative_path();
       Touch(desk / path.substr(shared + 1));
-      AddCoba({fs::path(root).filename().string(), desk, root, true}, set);
+      const std::string id = fs::path(root).filename();
+      set.coba[id] = {id, desk, root, true};
     }
   }
   if (IsThere(set.assemblies)) return set;
@@ -79,7 +78,7 @@ PlatformSet SetOfDevice(const host::Device& device) {
   const host::PackageStore store(device.Database(), host::PackageStore::Mode::kReadOnly);
   for (const host::Package& package : store.List()) {
     set.roots[package.id] = package.root;
-    if (IsCobaPackage(package)) AddCoba({package.id, device.OnDesk(package.root), package.root, false}, set);
+    if (IsCobaPackage(package)) set.coba[package.id] = {package.id, device.OnDesk(package.root), package.root};
   }
   return set;
 }
@@ -98,17 +97,6 @@ bool IsCobaPackage(const host::Package& package) {
                      [](const host::Application& application) {
                        return std::any_of(application.metadata.begin(), application.metadata.end(), IsCobaEntry);
                      });
-}
-
-void AddCoba(PlacedPackage package, PlatformSet& set) {
-  RemoveCoba(package.id, set);
-  const auto place = std::lower_bound(set.coba.begin(), set.coba.end(), package.id, IsBefore);
-  set.coba.insert(place, std::move(package));
-}
-
-void RemoveCoba(const std::string& id, PlatformSet& set) {
-  const auto place = std::lower_bound(set.coba.begin(), set.coba.end(), id, IsBefore);
-  if (place != set.coba.end() && place->id == id) set.coba.erase(place);
 }
 
 std::string RootOnDevice(const PlatformSet& set, const std::string& id) {

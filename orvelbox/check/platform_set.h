@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <map>
 #include <string>
-#include <vector>
 
 #include "platform/host/device.h"
 #include "platform/host/package_store.h"
@@ -25,8 +24,8 @@ struct PlatformSet {
   std::filesystem::path assemblies;  // on the desk, what is kPlatformAssemblies on the device
   bool only_names = false;           // from a list: the files are there without their content
   std::string read_write_root = host::kDefaultReadWriteRoot;
-  std::vector<PlacedPackage> coba;           // ordered by id
-  std::map<std::string, std::string> roots;  // of installed packages, by id
+  std::map<std::string, PlacedPackage> coba;  // by id
+  std::map<std::string, std::string> roots;   // of installed packages, by id
 };
 
 // The set of a device. Throws host::DeviceError.
@@ -42,11 +41,6 @@ PlatformSet SetOfPlatform(const std::filesystem::path& platform, const std::file
 // Does an application of the package serve others as a CoBA component?
 bool IsCobaPackage(const host::Package& package);
 
-// Puts the package into the set, in the place of one with its id.
-void AddCoba(PlacedPackage package, PlatformSet& set);
-// Takes it out.
-void RemoveCoba(const std::string& id, PlatformSet& set);
-
 // Where a package with the id has, or would have, its place on the device.
 std::string RootOnDevice(const PlatformSet& set, const std::string& id);
 
@@ -55,6 +49,9 @@ void RequirePlatform(const std::filesystem::path& platform);
 
 // Copies the platform's directories that `platform` holds to the device. Throws host::DeviceError.
 void CopyPlatform(const std::filesystem::path& platform, const host::Device& device);
+
+// Sets the read-write root that the plug-in's functions see while they judge; they log and trace nothing then.
+void SetReadWriteRoot(const std::string& root);
 
 }  // namespace orvelbox
 

@@ -1,4 +1,4 @@
-// What `check` finds out about a package. Plain facts; found in package_checker, reported in formats.
+// What `check` finds out about a package, and its formats for people and for programs. Found in package_checker.
 #ifndef ORVEL_ORVELBOX_CHECK_RESULT_H_
 #define ORVEL_ORVELBOX_CHECK_RESULT_H_
 
@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "orvelbox/assembly/version.h"
+#include "orvelbox/desk/output.h"
 #include "plugin/duplicate_policy.h"
 
 namespace orvelbox {
@@ -45,9 +46,27 @@ struct CheckedPackage {
 // "kept", "reported" or "removed".
 const char* ToString(Verdict verdict);
 
+// Of a package that is no `dotnet` one.
+inline constexpr const char* kLeftAlone =
+    "the plug-in leaves the package alone: it has no application of a \"dotnet-\" type";
+
 // How many DLLs of the package have the verdict, and how many are duplicates.
 std::size_t CountOf(const CheckedPackage& package, Verdict verdict);
 std::size_t CountDuplicates(const CheckedPackage& package);
+
+// All about a package that could be checked, in words and a table; still to be made printable (output.h).
+Lines DescribeCheck(const CheckedPackage& package);
+
+// The lines for the duplicates of `package` that a copy outside of it makes duplicates, to be put inside of <Project>.
+// None when there are none.
+Lines ProjectLines(const CheckedPackage& package);
+
+// Everything as one line of JSON.
+std::string ToJson(const CheckedPackage& package);
+
+// A log in SARIF 2.1.0, which code review tools read, with one run: a result per duplicate, a notification per package
+// that could not be checked.
+std::string ToSarif(const std::vector<CheckedPackage>& packages);
 
 }  // namespace orvelbox
 

@@ -1,6 +1,12 @@
-// The table of a check.
-#include "orvelbox/check/formats.h"
-#include "orvelbox/desk/text_table.h"
+// The results of a check in words: counts, the table, the lines for a project file.
+#include <algorithm>
+#include <filesystem>
+#include <set>
+
+#include "orvelbox/check/result.h"
+#include "orvelbox/desk/xml.h"
+#include "platform/host/paths.h"
+#include "platform/host/percent_encoding.h"
 
 namespace orvelbox {
 namespace {
@@ -25,12 +31,12 @@ std::string BecauseOf(const CheckedDll& dll) {
 
 void AddTable(const CheckedPackage& package, Lines& lines) {
   if (package.dlls.empty()) return;
-  TextTable table({"VERDICT", "DLL", "SIZE", "VERSION", "ITS SIZE", "ITS VERSION", "BECAUSE OF"});
+  std::vector<Lines> table = {{"VERDICT", "DLL", "SIZE", "VERSION", "ITS SIZE", "ITS VERSION", "BECAUSE OF"}};
   for (const CheckedDll& dll : package.dlls) {
-    table.Add({ToString(dll.verdict), dll.path, SizeOf(dll.own), VersionOf(dll.own), SizeOf(dll.provided),
-               VersionOf(dll.provided), BecauseOf(dll)});
+    table.push_back({ToString(dll.verdict), dll.path, SizeOf(dll.own), VersionOf(dll.own), SizeOf(dll.provided),
+                     VersionOf(dll.provided), BecauseOf(dll)});
   }
-  for (const std::string& line : table.Render()) lines.push_back("    " + line);
+  for (const std::string& line : TableOf(table)) lines.push_back("    " + line);
 }
 
 void AddWarnings(const CheckedPackage& package, Lines& lines) {
@@ -49,13 +55,47 @@ void AddProjectLines(const CheckedPackage& package, Lines& lines) {
   for (const std::string& line : project) lines.push_back("      " + line);
 }
 
+// Within the quotes of a condition, these have a meaning of their own.
+std::string ConditionText(const std::string& text) {
+  constexpr std::string_view kMeaningful = "%'$@";
+  return XmlEscaped(host::PercentEncoded(text, [&](char c) { return kMeaningful.find(c) == std::string_view::npos; }));
+}
+
+// The names of the DLLs without ".dll".
+std::set<std::string> ProvidedElsewhere(const CheckedPackage& package) {
+  std::set<std::string> names;
+  for (const CheckedDll& dll : package.dlls) {
+    if (dll.IsDuplicate() && !host::IsBelow(dll.origin, package.root))
+      names.insert(std::filesystem::path(dll.path).stem().string());
+  }
+  return names;
+}
+
 }  // namespace
+
+const char* ToString(Verdict verdict) {
+  switch (verdict) {
+    case Verdict::kReportedOnly:
+      return "reported";
+    case Verdict::kRemoved:
+      return "removed";
+    default:
+      return "kept";
+  }
+}
+
+std::size_t CountOf(const CheckedPackage& package, Verdict verdict) {
+  return static_cast<std::size_t>(std::count_if(package.dlls.begin(), package.dlls.end(),
+                                                [&](const CheckedDll& dll) { return dll.verdict == verdict; }));
+}
+
+std::size_t CountDuplicates(const CheckedPackage& package) {
+  return package.dlls.size() - CountOf(package, Verdict::kKept);
+}
 
 Lines DescribeCheck(const CheckedPackage& package) {
   Lines lines = {Headline(package)};
-  if (!package.dotnet) {
-    lines.push_back("    the plug-in leaves the package alone: it has no application of a \"dotnet-\" type");
-  }
+  if (!package.dotnet) lines.push_back(std::string("    ") + kLeftAlone);
   AddTable(package, lines);
   AddWarnings(package, lines);
   if (package.debugging && CountDuplicates(package) > 0) {
@@ -64,6 +104,24 @@ Lines DescribeCheck(const CheckedPackage& package) {
         "a package may have no duplicates");
   }
   AddProjectLines(package, lines);
+  return lines;
+}
+
+Lines ProjectLines(const CheckedPackage& package) {
+  const std::set<std::string> names = ProvidedElsewhere(package);
+  if (names.empty()) return {};
+  Lines lines = {"<!-- DLLs that come with a package of their name -->", "<ItemGroup>"};
+  for (const std::string& name : names) {
+    lines.push_back("  <PackageReference Update=\"" + XmlEscaped(name) + "\" ExcludeAssets=\"runtime\" />");
+  }
+  lines.insert(lines.end(), {"</ItemGroup>", "<!-- DLLs that come in any other way -->",
+                             "<Target Name=\"LeaveProvidedAssembliesOut\" AfterTargets=\"ResolveAssemblyReferences\">",
+                             "  <ItemGroup>"});
+  for (const std::string& name : names) {
+    lines.push_back("    <ReferenceCopyLocalPaths Remove=\"@(ReferenceCopyLocalPaths)\"");
+    lines.push_back("        Condition=\"'%(Filename)%(Extension)' == '" + ConditionText(name) + ".dll'\" />");
+  }
+  lines.insert(lines.end(), {"  </ItemGroup>", "</Target>"});
   return lines;
 }
 

@@ -2,7 +2,7 @@
 #ifndef ORVEL_ORVELBOX_COMMANDS_ALL_H_
 #define ORVEL_ORVELBOX_COMMANDS_ALL_H_
 
-#include "orvelbox/cli/command.h"
+#include "orvelbox/cli/command_line.h"
 
 namespace orvelbox {
 

@@ -1,9 +1,9 @@
 // cache: the candidate loader's cache files, shown and verified.
 #include "base/fixed_names.h"
-#include "orvelbox/commands/device_choice.h"
+#include "orvelbox/commands/shared.h"
 #include "orvelbox/desk/output.h"
 #include "orvelbox/desk/tree.h"
-#include "orvelbox/device/cache_verify.h"
+#include "orvelbox/device/cache_text.h"
 #include "orvelbox/device/listings.h"
 
 namespace orvelbox {

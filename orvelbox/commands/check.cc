@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "orvelbox/check/formats.h"
-#include "orvelbox/commands/device_choice.h"
+#include "orvelbox/check/result.h"
+#include "orvelbox/commands/shared.h"
 #include "orvelbox/desk/output.h"
 #include "orvelbox/desk/progress.h"
 

@@ -1,5 +1,5 @@
 // clean: calls CLEAN.
-#include "orvelbox/commands/changing_command.h"
+#include "orvelbox/commands/shared.h"
 
 namespace orvelbox {
 

@@ -1,5 +1,5 @@
 // cleanup: calls CLEANUP.
-#include "orvelbox/commands/changing_command.h"
+#include "orvelbox/commands/shared.h"
 
 namespace orvelbox {
 

@@ -1,5 +1,5 @@
 // events: calls single hooks.
-#include "orvelbox/commands/changing_command.h"
+#include "orvelbox/commands/shared.h"
 #include "orvelbox/desk/output.h"
 #include "orvelbox/operations/report.h"
 
@@ -8,6 +8,7 @@ namespace {
 
 std::vector<RawEvent> Parsed(const std::vector<std::string>& texts) {
   std::vector<RawEvent> events;
+  events.reserve(texts.size());
   for (const std::string& text : texts) events.push_back(ParseRawEvent(text));
   return events;
 }

@@ -1,5 +1,5 @@
 // list: the installed packages.
-#include "orvelbox/commands/device_choice.h"
+#include "orvelbox/commands/shared.h"
 #include "orvelbox/desk/output.h"
 #include "orvelbox/device/listings.h"
 

@@ -1,9 +1,10 @@
 // log: the device's log.
+#include "orvelbox/history/log.h"
+
 #include <cstdlib>
 
-#include "orvelbox/commands/device_choice.h"
+#include "orvelbox/commands/shared.h"
 #include "orvelbox/desk/output.h"
-#include "orvelbox/history/log_view.h"
 
 namespace orvelbox {
 

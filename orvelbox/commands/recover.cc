@@ -1,5 +1,5 @@
 // recover: tells the plug-in that an uninstall failed.
-#include "orvelbox/commands/changing_command.h"
+#include "orvelbox/commands/shared.h"
 
 namespace orvelbox {
 

@@ -1,5 +1,5 @@
 // remove: tells the plug-in that an update was taken back.
-#include "orvelbox/commands/changing_command.h"
+#include "orvelbox/commands/shared.h"
 
 namespace orvelbox {
 

@@ -1,5 +1,5 @@
 // show: what is registered about a package.
-#include "orvelbox/commands/device_choice.h"
+#include "orvelbox/commands/shared.h"
 #include "orvelbox/desk/output.h"
 #include "orvelbox/device/installed_trees.h"
 #include "orvelbox/device/listings.h"

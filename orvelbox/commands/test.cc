@@ -1,6 +1,6 @@
 // test: the whole lifecycle of a package on a throw-away device.
 #include "orvelbox/check/platform_set.h"
-#include "orvelbox/commands/device_choice.h"
+#include "orvelbox/commands/shared.h"
 #include "orvelbox/desk/output.h"
 #include "orvelbox/desk/progress.h"
 #include "orvelbox/desk/tree.h"

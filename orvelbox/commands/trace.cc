@@ -5,9 +5,9 @@
 #include <filesystem>
 #include <fstream>
 
-#include "orvelbox/cli/command.h"
+#include "orvelbox/cli/command_line.h"
 #include "orvelbox/desk/output.h"
-#include "orvelbox/trace/drawings.h"
+#include "orvelbox/trace/spans.h"
 #include "platform/host/device_error.h"
 #include "platform/host/files.h"
 
@@ -46,13 +46,9 @@ void Draw(const fs::path& file, const fs::path& output) {
 Command MakeTrace() {
   Command command("trace", "Draw what --trace wrote: the functions of the plug-in, by time",
                   "trace trace.json --output trace.html");
-  const auto& output = command.Take<std::string>({"--output",
-                                                  "FILE",
-                                                  "Draw a picture (.svg) or a page for a browser (.html) into FILE",
-                                                  {},
-                                                  false,
-                                                  0,
-                                                  FaultOfPicture});
+  Option picture{"--output", "FILE", "Draw a picture (.svg) or a page for a browser (.html) into FILE"};
+  picture.fault = FaultOfPicture;
+  const auto& output = command.Take<std::string>(picture);
   const auto& file = command.Take<std::string>({"FILE", "", "A file that --trace wrote"});
   command.run = [&output, &file](const GlobalOptions& /*global*/) {
     Draw(file, output);

@@ -1,5 +1,5 @@
 // undo: calls UNDO.
-#include "orvelbox/commands/changing_command.h"
+#include "orvelbox/commands/shared.h"
 
 namespace orvelbox {
 

@@ -1,5 +1,5 @@
 // uninstall: takes a package off the device.
-#include "orvelbox/commands/changing_command.h"
+#include "orvelbox/commands/shared.h"
 
 namespace orvelbox {
 

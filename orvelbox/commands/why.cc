@@ -2,7 +2,7 @@
 #include "orvelbox/history/why.h"
 
 #include "orvelbox/check/package_checker.h"
-#include "orvelbox/commands/device_choice.h"
+#include "orvelbox/commands/shared.h"
 #include "orvelbox/desk/output.h"
 
 namespace orvelbox {
@@ -17,7 +17,7 @@ Command MakeWhy() {
   command.run = [&json, &target](const GlobalOptions& global) {
     const host::Device device = OpenChosenDevice(global);
     const WhyQuestion question = ReadQuestion(device, ReadStore(device), target);
-    const std::vector<Removal> removals = AskedFor(question, RemovalsOf(device, question.package));
+    const std::vector<Removal> removals = RemovalsFor(device, question);
     CheckedPackage today;
     if (!question.path.empty()) {
       today = PackageChecker(SetOfDevice(device), {}).Check(device.OnDesk(question.package.root));

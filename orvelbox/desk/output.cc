@@ -3,37 +3,38 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <iostream>
 
 #include "orvelbox/desk/progress.h"
-#include "platform/host/utf8.h"
+#include "platform/host/escape.h"
 
 namespace orvelbox {
 namespace {
 
 bool quiet = false;
 
-std::string Escaped(unsigned char byte) {
-  switch (byte) {
-    case '\n':
-      return "\\n";
-    case '\r':
-      return "\\r";
-    case '\t':
-      return "\\t";
-    default: {
-      std::array<char, 5> text{};
-      std::snprintf(text.data(), text.size(), "\\x%02x", static_cast<unsigned>(byte));
-      return text.data();
-    }
-  }
+std::string Escaped(char byte) {
+  constexpr std::string_view kMeanings = "\n\r\t";
+  const std::size_t letter = kMeanings.find(byte);
+  if (letter != std::string_view::npos) return {'\\', "nrt"[letter]};
+  std::array<char, 5> text{};
+  std::snprintf(text.data(), text.size(), "\\x%02x", static_cast<unsigned>(static_cast<unsigned char>(byte)));
+  return text.data();
 }
 
 // Does it turn the direction of a line around?
 constexpr bool TurnsLineAround(char32_t code) {
   return (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+}
+
+// Characters, not bytes: those that continue one of UTF-8 do not count.
+std::size_t WidthOf(const std::string& cell) {
+  const std::string shown = Printable(cell);
+  return static_cast<std::size_t>(
+      std::count_if(shown.begin(), shown.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xc0) != 0x80; }));
 }
 
 }  // namespace
@@ -47,11 +48,32 @@ std::string Printable(std::string_view text) {
     if (character && !host::IsControl(character->code) && !TurnsLineAround(character->code)) {
       printable += bytes;
     } else {
-      for (const char byte : bytes) printable += Escaped(static_cast<unsigned char>(byte));
+      for (const char byte : bytes) printable += Escaped(byte);
     }
     text.remove_prefix(bytes.size());
   }
   return printable;
+}
+
+Lines TableOf(const std::vector<std::vector<std::string>>& rows) {
+  std::vector<std::size_t> widths(rows.front().size(), 0);
+  for (std::size_t column = 0; column < widths.size(); ++column) {
+    for (std::size_t row = 1; row < rows.size(); ++row) {
+      widths[column] = std::max(widths[column], WidthOf(rows[row][column]));
+    }
+    if (widths[column] > 0) widths[column] = std::max(widths[column], WidthOf(rows.front()[column]));
+  }
+  Lines lines;
+  for (const auto& row : rows) {
+    std::string line;
+    for (std::size_t column = 0; column < widths.size(); ++column) {
+      if (widths[column] == 0) continue;
+      line += row[column] + std::string(widths[column] - WidthOf(row[column]) + 2, ' ');
+    }
+    line.erase(line.find_last_not_of(' ') + 1);
+    lines.push_back(std::move(line));
+  }
+  return lines;
 }
 
 void SetQuiet(bool wanted) { quiet = wanted; }

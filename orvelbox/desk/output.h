@@ -1,19 +1,41 @@
-// The one place that prints to people: standard output for results, standard error for complaints. What is said is
-// decided elsewhere.
+// Lines of text for people, and the one place that prints them: standard output for results, standard error for
+// complaints. What is said is decided elsewhere.
 #ifndef ORVEL_ORVELBOX_DESK_OUTPUT_H_
 #define ORVEL_ORVELBOX_DESK_OUTPUT_H_
 
+#include <cstddef>
 #include <string>
 #include <string_view>
-
-#include "orvelbox/desk/lines.h"
+#include <vector>
 
 namespace orvelbox {
+
+using Lines = std::vector<std::string>;
+
+// `text` filled with blanks to `width`.
+inline std::string Padded(std::string text, std::size_t width) {
+  if (text.size() < width) text.resize(width, ' ');
+  return text;
+}
+
+// "1 entry", "2 entries".
+inline std::string Counted(std::size_t number, const std::string& singular, const std::string& plural) {
+  return std::to_string(number) + " " + (number == 1 ? singular : plural);
+}
+
+// The id of a package with its version, if it has one.
+inline std::string WithVersion(const std::string& id, const std::string& version) {
+  return version.empty() ? id : id + " " + version;
+}
 
 // `text` with every control character, every mark that turns a line around and every byte that is no UTF-8 escaped as
 // in C ("\n", "\x1b"), so that no name can control a terminal or forge a line. A backslash stays as it is: the result
 // cannot be read back.
 std::string Printable(std::string_view text);
+
+// The rows as lines with aligned columns, without blanks at their ends. The first row holds the headings, all have as
+// many cells; a column in which every other cell is empty is left out.
+Lines TableOf(const std::vector<std::vector<std::string>>& rows);
 
 // Whether nothing but complaints is printed from here on.
 void SetQuiet(bool quiet);

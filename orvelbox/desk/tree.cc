@@ -72,11 +72,6 @@ void CopyEntry(const fs::path& from, const fs::path& to) {
   }
 }
 
-// Tells an error of the standard library as one of ours.
-[[noreturn]] void Rethrow(const fs::filesystem_error& error, const char* action) {
-  host::ThrowFileError(error.path1(), action, error.code().value());
-}
-
 bool IsInside(const fs::path& inner, const fs::path& outer) {
   const fs::path from = fs::canonical(outer);
   const fs::path to = fs::weakly_canonical(inner);
@@ -86,35 +81,23 @@ bool IsInside(const fs::path& inner, const fs::path& outer) {
 }  // namespace
 
 void CopyTree(const fs::path& from, const fs::path& to) {
-  try {
+  host::WithFileErrors(from, "copy", [&] {
     if (IsInside(to, from)) {
       throw host::DeviceError(from.string() + ": holds the device itself, which would be copied into itself; " +
                               "use a device outside of it with --device");
     }
     CopyDirectory(from, to);
-  } catch (const fs::filesystem_error& error) {
-    Rethrow(error, "copy");
-  }
+  });
 }
 
 void RemoveTree(const fs::path& path) {
-  try {
-    fs::remove_all(path);
-  } catch (const fs::filesystem_error& error) {
-    Rethrow(error, "remove");
-  }
+  host::WithFileErrors(path, "remove", [&] { fs::remove_all(path); });
 }
 
 void Move(const fs::path& from, const fs::path& to) {
   std::error_code error;
   fs::rename(from, to, error);
   if (error) host::ThrowFileError(from, "move", error.value());
-}
-
-void MakeDirectory(const fs::path& path) {
-  std::error_code error;
-  fs::create_directories(path, error);
-  if (error) host::ThrowFileError(path, "make the directory", error.value());
 }
 
 bool IsThere(const fs::path& path) {

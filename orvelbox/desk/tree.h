@@ -1,8 +1,12 @@
-// Copies, moves and removes whole directory trees.
+// Copies, moves and removes whole directory trees, and takes back what was half done when an error comes up.
 #ifndef ORVEL_ORVELBOX_DESK_TREE_H_
 #define ORVEL_ORVELBOX_DESK_TREE_H_
 
+#include <exception>
 #include <filesystem>
+#include <string>
+
+#include "platform/host/device.h"
 
 namespace orvelbox {
 
@@ -18,9 +22,6 @@ void RemoveTree(const std::filesystem::path& path);
 
 // Moves `from` to `to` on one file system, in one step. Throws host::DeviceError when the system refuses.
 void Move(const std::filesystem::path& from, const std::filesystem::path& to);
-
-// Makes the directory `path` and those above it. Throws host::DeviceError when the system refuses.
-void MakeDirectory(const std::filesystem::path& path);
 
 // Whether something lies at `path`, be it a dangling link.
 bool IsThere(const std::filesystem::path& path);
@@ -39,6 +40,23 @@ class ScratchDirectory {
  private:
   std::filesystem::path path_;
 };
+
+// Does `work` and gives its result. When it throws, does `undo` and lets the error go on; when `undo` fails too,
+// host::DeviceError tells of both.
+template <typename Work, typename Undo>
+auto WithRollback(const Work& work, const Undo& undo) {
+  try {
+    return work();
+  } catch (const std::exception& error) {
+    try {
+      undo();
+    } catch (const std::exception& second) {
+      throw host::DeviceError(std::string(error.what()) +
+                              " (cleaning up failed too, and the next command tries again: " + second.what() + ")");
+    }
+    throw;
+  }
+}
 
 }  // namespace orvelbox
 

@@ -4,15 +4,13 @@
 #include <unistd.h>
 
 #include "orvelbox/desk/tree.h"
-#include "orvelbox/desk/with_rollback.h"
 #include "orvelbox/package/manifest.h"
+#include "platform/host/files.h"
 
 namespace fs = std::filesystem;
 
 namespace orvelbox {
 namespace {
-
-using Mode = host::PackageStore::Mode;
 
 // In the staging area; no package id begins with ".".
 constexpr const char* kUnpacked = ".unpacked";
@@ -35,10 +33,6 @@ void RemoveIfEmpty(const fs::path& directory) { rmdir(directory.c_str()); }
 InstalledTrees::InstalledTrees(host::Device device, const host::DeviceConfig& config)
     : device_(std::move(device)), root_(config.read_write_root), journal_(device_) {}
 
-void InstalledTrees::Register(const host::Package& package) const { Store(Mode::kReadWrite).Put(package); }
-
-void InstalledTrees::Forget(const std::string& package_id) const { Store(Mode::kReadWrite).Remove(package_id); }
-
 void InstalledTrees::RemoveStaged(const std::string& package_id) const {
   RemoveTree(Staging(package_id));
   RemoveIfEmpty(StagingArea());
@@ -49,7 +43,7 @@ UnpackPlace InstalledTrees::PlaceToUnpack() const {
 }
 
 void InstalledTrees::Stage(const fs::path& source, const std::string& package_id) const {
-  MakeDirectory(StagingArea());
+  host::MakeDirectory(StagingArea());
   const auto stage = source == Staging(kUnpacked) ? Move : CopyTree;
   WithRollback([&] { stage(source, Staging(package_id)); }, [&] { RemoveStaged(package_id); });
 }
@@ -57,7 +51,7 @@ void InstalledTrees::Stage(const fs::path& source, const std::string& package_id
 // Takes the tree out of its place in one step; RemoveStaged then takes its time.
 void InstalledTrees::MoveAside(const host::Package& package) const {
   RemoveTree(Staging(package.id));
-  MakeDirectory(StagingArea());
+  host::MakeDirectory(StagingArea());
   if (IsThere(Place(package))) Move(Place(package), Staging(package.id));
 }
 
@@ -69,7 +63,7 @@ void InstalledTrees::Add(const fs::path& source, const host::Package& package) c
   journal_.Begin(Operation::kInstall, package.id);
   const auto put_in_place = [&] {
     Stage(source, package.id);
-    Register(package);
+    WritableStore().Put(package);
     Move(Staging(package.id), Place(package));
     RemoveStaged(package.id);
   };
@@ -86,7 +80,7 @@ void InstalledTrees::TakeBackAddition(const host::Package& package) const {
 void InstalledTrees::Discard(const host::Package& package) const {
   MoveAside(package);
   RemoveStaged(package.id);
-  Forget(package.id);
+  WritableStore().Remove(package.id);
 }
 
 void InstalledTrees::Replace(const fs::path& source, const host::Package& package,
@@ -94,10 +88,10 @@ void InstalledTrees::Replace(const fs::path& source, const host::Package& packag
   journal_.Begin(Operation::kUpgrade, package.id);
   const auto put_in_place = [&] {
     Stage(source, package.id);
-    MakeDirectory(PreviousArea());
+    host::MakeDirectory(PreviousArea());
     Move(Place(package), Previous(package.id));
     Move(Staging(package.id), Place(package));
-    Register(package);
+    WritableStore().Put(package);
     RemoveStaged(package.id);
   };
   WithRollback(put_in_place, [&] { RestorePrevious(installed); });
@@ -116,7 +110,7 @@ void InstalledTrees::RestorePrevious(const host::Package& previous) const {
 }
 
 void InstalledTrees::DropPrevious(const std::string& package_id) const {
-  MakeDirectory(StagingArea());
+  host::MakeDirectory(StagingArea());
   if (IsThere(Previous(package_id))) Move(Previous(package_id), Staging(package_id));
   RemoveIfEmpty(PreviousArea());
   RemoveStaged(package_id);
@@ -126,7 +120,7 @@ void InstalledTrees::PutPreviousBack(const host::Package& previous) const {
   if (IsThere(Previous(previous.id))) {
     MoveAside(previous);
     RemoveStaged(previous.id);
-    Register(previous);
+    WritableStore().Put(previous);
     Move(Previous(previous.id), Place(previous));
   }
   RemoveIfEmpty(PreviousArea());
@@ -152,22 +146,13 @@ void InstalledTrees::Remove(const host::Package& package) const {
   journal_.End();
 }
 
-// The packages whose record has no tree.
-std::vector<std::string> InstalledTrees::Unplaced() const {
-  std::vector<std::string> ids;
-  for (const host::Package& package : Store(Mode::kReadOnly).List()) {
-    if (!IsThere(Place(package))) ids.push_back(package.id);
-  }
-  return ids;
-}
-
 // Does what was left to do of an operation that was decided.
 std::string InstalledTrees::Complete(const Pending& pending) const {
   if (pending.operation == Operation::kUpgrade) {
     DropPrevious(pending.package_id);
     return "an upgrade was interrupted at its end; the new version stays";
   }
-  if (const auto package = Store(Mode::kReadOnly).Find(pending.package_id)) Discard(*package);
+  if (const auto package = Store().Find(pending.package_id)) Discard(*package);
   return "an uninstall was interrupted at its end; it is done now";
 }
 
@@ -206,9 +191,10 @@ std::vector<std::string> InstalledTrees::Mend() const {
     mended.push_back("mended " + id + ": the files that an interrupted command left behind were removed");
   }
   for (const fs::path& area : {PreviousArea(), StagingArea()}) RemoveIfEmpty(area);
-  for (const std::string& id : Unplaced()) {
-    Forget(id);
-    mended.push_back("mended " + id + ": its files are gone, so it is no longer installed");
+  for (const host::Package& package : Store().List()) {
+    if (IsThere(Place(package))) continue;
+    WritableStore().Remove(package.id);
+    mended.push_back("mended " + package.id + ": its files are gone, so it is no longer installed");
   }
   return mended;
 }

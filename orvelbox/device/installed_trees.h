@@ -66,7 +66,8 @@ class InstalledTrees {
   std::filesystem::path PreviousArea() const { return device_.OnDesk(root_) / ".previous"; }
   std::filesystem::path Staging(const std::string& package_id) const { return StagingArea() / package_id; }
   std::filesystem::path Previous(const std::string& package_id) const { return PreviousArea() / package_id; }
-  host::PackageStore Store(host::PackageStore::Mode mode) const { return {device_.Database(), mode}; }
+  host::PackageStore Store() const { return {device_.Database(), host::PackageStore::Mode::kReadOnly}; }
+  host::PackageStore WritableStore() const { return {device_.Database(), host::PackageStore::Mode::kReadWrite}; }
   void Stage(const std::filesystem::path& source, const std::string& package_id) const;
   void MoveAside(const host::Package& package) const;
   void Discard(const host::Package& package) const;
@@ -75,9 +76,6 @@ class InstalledTrees {
   std::string Complete(const Pending& pending) const;
   std::string TakeBack(const Pending& pending) const;
   void RemoveStaged(const std::string& package_id) const;
-  void Register(const host::Package& package) const;
-  void Forget(const std::string& package_id) const;
-  std::vector<std::string> Unplaced() const;
 
   host::Device device_;
   std::string root_;  // on the device

@@ -2,11 +2,9 @@
 #include "orvelbox/device/journal.h"
 
 #include <algorithm>
-#include <array>
-#include <utility>
+#include <iterator>
 
 #include "orvelbox/desk/tree.h"
-#include "orvelbox/desk/with_rollback.h"
 #include "orvelbox/device/cache_text.h"
 #include "platform/host/files.h"
 
@@ -18,36 +16,26 @@ namespace {
 constexpr const char* kBegun = "begun";
 constexpr const char* kDecided = "decided";
 
-constexpr std::array<std::pair<Operation, const char*>, 3> kOperations = {
-    {{Operation::kInstall, "install"}, {Operation::kUpgrade, "upgrade"}, {Operation::kUninstall, "uninstall"}}};
-
-const char* NameOf(Operation operation) {
-  return std::find_if(kOperations.begin(), kOperations.end(),
-                      [&](const auto& entry) { return entry.first == operation; })
-      ->second;
-}
+constexpr const char* kOperations[] = {"install", "upgrade", "uninstall"};  // in the order of Operation
 
 // Reads "OPERATION PACKAGE".
 Pending Parse(const fs::path& file, const std::string& text, bool decided) {
   const std::size_t blank = std::min(text.find(' '), text.size());
-  const auto found = std::find_if(kOperations.begin(), kOperations.end(),
-                                  [&](const auto& entry) { return text.substr(0, blank) == entry.second; });
-  if (found == kOperations.end() || blank + 1 >= text.size()) {
+  const auto* const found = std::find(std::begin(kOperations), std::end(kOperations), text.substr(0, blank));
+  if (found == std::end(kOperations) || blank + 1 >= text.size()) {
     throw host::DeviceError(file.string() + ": damaged; remove " + file.parent_path().string() +
                             ", and uninstall the package that was worked on last");
   }
-  return {found->first, text.substr(blank + 1), decided};
+  return {static_cast<Operation>(found - kOperations), text.substr(blank + 1), decided};
 }
 
 }  // namespace
 
-Journal::Journal(host::Device device) : device_(std::move(device)) {}
-
 void Journal::Begin(Operation operation, const std::string& package_id) const {
   const auto write_record = [&] {
     RemoveTree(Temporary());
-    MakeDirectory(Temporary());
-    host::CreateFile(Temporary() / kBegun, std::string(NameOf(operation)) + " " + package_id);
+    host::MakeDirectory(Temporary());
+    host::CreateFile(Temporary() / kBegun, std::string(kOperations[static_cast<int>(operation)]) + " " + package_id);
     for (const char* name : kCacheFiles) {
       if (const CacheText text = ReadCache(device_, name)) host::CreateFile(Temporary() / name, *text);
     }
@@ -60,7 +48,7 @@ void Journal::Decide() const {
   if (IsThere(Directory())) Move(Directory() / kBegun, Directory() / kDecided);
 }
 
-// The copies themselves go there: that takes one step each, and no disk space. A copy that is gone has done its work.
+// The copies themselves are moved: that takes one step each, and no disk space. One that is gone was restored already.
 void Journal::RestoreCaches() const {
   for (const char* name : kCacheFiles) {
     const fs::path copy = Directory() / name;

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "platform/host/device.h"
 
@@ -26,7 +27,7 @@ struct Pending {
 // Every function throws host::DeviceError.
 class Journal {
  public:
-  explicit Journal(host::Device device);
+  explicit Journal(host::Device device) : device_(std::move(device)) {}
 
   // Records that the operation begins. Leaves nothing when it fails.
   void Begin(Operation operation, const std::string& package_id) const;

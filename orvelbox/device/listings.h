@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "orvelbox/desk/lines.h"
+#include "orvelbox/desk/output.h"
 #include "orvelbox/device/cache_text.h"
 #include "platform/host/package_store.h"
 

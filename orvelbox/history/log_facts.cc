@@ -1,9 +1,8 @@
 // Reads the facts of an operation out of the plug-in's messages.
-#include "orvelbox/history/log_facts.h"
-
 #include <algorithm>
 
 #include "base/affix.h"
+#include "orvelbox/history/log.h"
 
 namespace orvelbox {
 namespace {
@@ -16,13 +15,18 @@ constexpr std::string_view kGuide = "Duplicated DLL found. Please refer guide : 
 constexpr std::string_view kNotInhouse = "### App type is not dotnet-inhouse ###";
 constexpr std::string_view kRestartFailed = "Can't restart dotnet-loader-inhouse";
 
+// The length of the colour sequence at the front of `text`; 0 when there is none.
+std::size_t ColourLength(std::string_view text) {
+  if (text.substr(0, 2) != "\x1b[") return 0;
+  const std::size_t end = text.find_first_not_of("0123456789;", 2);
+  return end != std::string_view::npos && text[end] == 'm' ? end + 1 : 0;
+}
+
 std::string WithoutColours(std::string_view text) {
   std::string plain;
-  while (!text.empty()) {
-    const std::size_t length = ColourLength(text);
-    if (length == 0) plain += text.front();
-    text.remove_prefix(std::max<std::size_t>(length, 1));
-  }
+  ForEachPiece(text, [&](std::string_view piece, bool colour) {
+    if (!colour) plain += piece;
+  });
   const std::size_t end = plain.find_last_not_of('\n');
   return plain.substr(0, end == std::string::npos ? 0 : end + 1);
 }
@@ -31,18 +35,22 @@ std::string WithoutColours(std::string_view text) {
 class Collector {
  public:
   void AddError(const std::string& text, const std::string& time) {
+    std::vector<Duplicate>& all = facts_.duplicates;
     if (text == kFound) {
-      found_ = {};
-      found_.time = time;
+      found_ = {"", "", false, time};
     } else if (HasPrefix(text, kOrigin)) {
       found_.origin = text.substr(kOrigin.size());
     } else if (HasPrefix(text, kDuplicated)) {
       found_.duplicated = text.substr(kDuplicated.size());
       AddDuplicate();
     } else if (text == kReadWrite) {
-      MarkReadWrite();
+      if (!all.empty()) all.back().origin_read_write = true;
+    } else if (HasPrefix(text, kGuide)) {
+      facts_.guide = text;
+    } else if (text == kRestartFailed) {
+      facts_.restart_failed = true;
     } else {
-      AddOutcome(text);
+      facts_.errors.push_back(text);
     }
   }
 
@@ -61,30 +69,19 @@ class Collector {
     all.push_back(found_);
   }
 
-  void MarkReadWrite() {
-    if (!facts_.duplicates.empty()) facts_.duplicates.back().origin_read_write = true;
-  }
-
-  void AddOutcome(const std::string& text) {
-    if (HasPrefix(text, kGuide)) {
-      facts_.guide = text;
-    } else if (text == kRestartFailed) {
-      facts_.restart_failed = true;
-    } else {
-      facts_.errors.push_back(text);
-    }
-  }
-
   LogFacts facts_;
   Duplicate found_;
 };
 
 }  // namespace
 
-std::size_t ColourLength(std::string_view text) {
-  if (text.substr(0, 2) != "\x1b[") return 0;
-  const std::size_t end = text.find_first_not_of("0123456789;", 2);
-  return end != std::string_view::npos && text[end] == 'm' ? end + 1 : 0;
+void ForEachPiece(std::string_view text, const std::function<void(std::string_view piece, bool colour)>& take) {
+  while (!text.empty()) {
+    const std::size_t colour = ColourLength(text);
+    const std::size_t length = colour != 0 ? colour : std::min(text.find('\x1b', 1), text.size());
+    take(text.substr(0, length), colour != 0);
+    text.remove_prefix(length);
+  }
 }
 
 std::optional<PluginMessage> ParsePluginMessage(std::string_view record_text) {

@@ -1,5 +1,4 @@
 // The device's log on the screen.
-#include "orvelbox/history/log_view.h"
 
 #include <fcntl.h>
 #include <sys/inotify.h>
@@ -13,7 +12,7 @@
 
 #include "base/unique_fd.h"
 #include "orvelbox/desk/output.h"
-#include "orvelbox/history/log_facts.h"
+#include "orvelbox/history/log.h"
 #include "platform/host/files.h"
 #include "platform/host/json.h"
 
@@ -22,19 +21,13 @@ namespace {
 
 std::string ShowText(std::string_view text, bool colour) {
   std::string shown;
-  std::size_t plain_begin = 0;
-  for (std::size_t i = 0; i < text.size();) {
-    const std::size_t length = ColourLength(text.substr(i));
-    if (length == 0) {
-      ++i;
-      continue;
-    }
-    shown += Printable(text.substr(plain_begin, i - plain_begin));
-    if (colour) shown += text.substr(i, length);
-    i += length;
-    plain_begin = i;
-  }
-  return shown + Printable(text.substr(plain_begin)) + (colour && plain_begin > 0 ? "\x1b[0m" : "");
+  bool coloured = false;
+  ForEachPiece(text, [&](std::string_view piece, bool is_colour) {
+    if (!is_colour) shown += Printable(piece);
+    if (is_colour && colour) shown += piece;
+    coloured = coloured || is_colour;
+  });
+  return shown + (colour && coloured ? "\x1b[0m" : "");
 }
 
 std::string RecordJson(const host::LogRecord& record) {
@@ -43,12 +36,6 @@ std::string RecordJson(const host::LogRecord& record) {
                           {"tag", record.tag},
                           {"pid", record.pid},
                           {"text", record.text}});
-}
-
-int Rank(char priority) {
-  constexpr std::string_view kOrder = "DIE";
-  const std::size_t rank = kOrder.find(priority);
-  return rank == std::string_view::npos ? static_cast<int>(kOrder.size()) : static_cast<int>(rank);
 }
 
 // Reads the log from its front, whole lines only, as they come.
@@ -120,7 +107,9 @@ void ShowRecords(LogReader& reader, const LogView& view) {
 }  // namespace
 
 bool Passes(const LogFilter& filter, const host::LogRecord& record) {
-  return (filter.tag.empty() || filter.tag == record.tag) && Rank(record.priority) >= Rank(filter.priority);
+  constexpr std::string_view kAscending = "DIE";  // what is not among them comes last
+  return (filter.tag.empty() || filter.tag == record.tag) &&
+         kAscending.find(record.priority) >= kAscending.find(filter.priority);
 }
 
 std::string ShowRecord(const host::LogRecord& record, bool colour) {

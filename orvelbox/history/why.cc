@@ -1,12 +1,15 @@
-// From a question about a DLL to its answer.
+// Information files first, then what the log adds; then the answer to a question about a DLL.
 #include "orvelbox/history/why.h"
 
 #include <algorithm>
+#include <map>
 #include <nlohmann/json.hpp>
 
+#include "base/affix.h"
 #include "base/fixed_names.h"
-#include "orvelbox/desk/text_table.h"
+#include "orvelbox/desk/tree.h"
 #include "orvelbox/device/installed_trees.h"
+#include "platform/host/files.h"
 #include "platform/host/json.h"
 #include "platform/host/paths.h"
 
@@ -14,6 +17,39 @@ namespace fs = std::filesystem;
 
 namespace orvelbox {
 namespace {
+
+constexpr std::uintmax_t kLongestInformation = 65536;
+
+// What the plug-in's walk left in the package's tree.
+void AddInformationFiles(const host::Device& device, const host::Package& package,
+                         std::map<std::string, Removal>& removals) {
+  const fs::path root = device.OnDesk(package.root);
+  std::error_code error;
+  const auto readable = fs::directory_options::skip_permission_denied;
+  for (fs::recursive_directory_iterator entry(root, readable, error), end; !error && entry != end;
+       entry.increment(error)) {
+    const std::string name = entry->path().lexically_relative(root).string();
+    if (!HasSuffix(name, kInformationFileSuffix) || !fs::is_regular_file(entry->symlink_status())) continue;
+    if (entry->file_size(error) > kLongestInformation || error) continue;
+    const std::string dll = package.root + "/" + name.substr(0, name.size() - kInformationFileSuffix.size());
+    if (const auto origin = OriginIn(host::ReadFile(entry->path()), dll)) {
+      removals[dll] = {dll, *origin, "", true, true, false};
+    }
+  }
+}
+
+// The log knows when, and what was only reported. A later report of another kind leaves the information file's word.
+void AddLog(const host::Device& device, const host::Package& package, std::map<std::string, Removal>& removals) {
+  for (const Duplicate& duplicate : InterpretLog(ParseLog(host::ReadFile(device.Log()))).duplicates) {
+    if (!host::IsBelow(duplicate.duplicated, package.root)) continue;
+    Removal& removal = removals[duplicate.duplicated];
+    if (removal.information_file && removal.origin != duplicate.origin) continue;
+    removal.dll = duplicate.duplicated;
+    removal.origin = duplicate.origin;
+    removal.time = duplicate.time;
+    removal.removed = !duplicate.origin_read_write;
+  }
+}
 
 // A path of the desk inside of the device, as the device's; any other absolute path as it is.
 std::string OnDevice(const host::Device& device, const std::string& text) {
@@ -48,13 +84,34 @@ std::vector<CheckedDll> Untold(const WhyQuestion& question, const std::vector<Re
 }
 
 std::string ReasonToday(const CheckedDll& dll, const CheckedPackage& today) {
-  if (!today.dotnet) return "the plug-in leaves the package alone: it has no application of a \"dotnet-\" type";
+  if (!today.dotnet) return kLeftAlone;
   if (dll.verdict == Verdict::kRemoved) return "an install now would remove it";
   if (dll.verdict == Verdict::kReportedOnly) return "an install now would report it, and keep it (read-write area)";
   return dll.reason.empty() ? "no catalogue holds its name" : dll.reason;
 }
 
 }  // namespace
+
+std::optional<std::string> OriginIn(std::string_view text, const std::string& dll) {
+  const std::string begin = dll + " was deleted because ";
+  const std::string end = " exists\nRemove " + dll + " from OPK\n";
+  if (text.size() <= begin.size() + end.size()) return std::nullopt;
+  if (!HasPrefix(text, begin) || !HasSuffix(text, end)) return std::nullopt;
+  return std::string(text.substr(begin.size(), text.size() - begin.size() - end.size()));
+}
+
+std::vector<Removal> RemovalsFor(const host::Device& device, const WhyQuestion& question) {
+  std::map<std::string, Removal> removals;
+  AddInformationFiles(device, question.package, removals);
+  AddLog(device, question.package, removals);
+  std::vector<Removal> all;
+  for (auto& [dll, removal] : removals) {
+    if (!question.path.empty() && !host::IsAtOrBelow(dll, question.path)) continue;
+    removal.origin_there = IsThere(device.OnDesk(removal.origin));
+    all.push_back(std::move(removal));
+  }
+  return all;
+}
 
 WhyQuestion ReadQuestion(const host::Device& device, const host::PackageStore& store, const std::string& text) {
   if (text.find('/') == std::string::npos) {
@@ -69,23 +126,15 @@ WhyQuestion ReadQuestion(const host::Device& device, const host::PackageStore& s
   throw host::DeviceError(text + ": belongs to no installed package; see what is with: orvelbox list");
 }
 
-std::vector<Removal> AskedFor(const WhyQuestion& question, std::vector<Removal> removals) {
-  const auto other = [&](const Removal& removal) {
-    return !question.path.empty() && !host::IsAtOrBelow(removal.dll, question.path);
-  };
-  removals.erase(std::remove_if(removals.begin(), removals.end(), other), removals.end());
-  return removals;
-}
-
 Lines DescribeWhy(const WhyQuestion& question, const std::vector<Removal>& removals, const CheckedPackage& today) {
   const std::string& root = question.package.root;
   const std::vector<CheckedDll> untold = Untold(question, removals, today);
   Lines lines = {WithVersion(question.package.id, question.package.version) + " (" + root + ")"};
-  TextTable table({"WHAT", "DLL", "WHEN", "BECAUSE OF", "NOTE"});
+  std::vector<Lines> table = {{"WHAT", "DLL", "WHEN", "BECAUSE OF", "NOTE"}};
   for (const Removal& removal : removals) {
-    table.Add({FateOf(removal), host::From(root, removal.dll), removal.time, removal.origin, NoteOn(removal)});
+    table.push_back({FateOf(removal), host::From(root, removal.dll), removal.time, removal.origin, NoteOn(removal)});
   }
-  for (const CheckedDll& dll : untold) table.Add({"there", dll.path, "", dll.origin, ReasonToday(dll, today)});
+  for (const CheckedDll& dll : untold) table.push_back({"there", dll.path, "", dll.origin, ReasonToday(dll, today)});
   if (removals.empty() && untold.empty()) {
     const std::string asked = question.path.empty() ? "the package" : host::From(root, question.path);
     lines.push_back("    nothing is known of " + asked +
@@ -93,7 +142,7 @@ Lines DescribeWhy(const WhyQuestion& question, const std::vector<Removal>& remov
     if (question.path.empty()) lines.back() = "    nothing was removed from the package, and nothing reported";
     return lines;
   }
-  for (const std::string& line : table.Render()) lines.push_back("    " + line);
+  for (const std::string& line : TableOf(table)) lines.push_back("    " + line);
   return lines;
 }
 

@@ -1,15 +1,34 @@
-// The command `why`: what happened to the DLLs of an installed package, and why.
+// What the plug-in did to the DLLs of an installed package, and why: put together from what it left, information files
+// and the log, and told as the command `why` does. Only reads.
 #ifndef ORVEL_ORVELBOX_HISTORY_WHY_H_
 #define ORVEL_ORVELBOX_HISTORY_WHY_H_
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "orvelbox/check/result.h"
-#include "orvelbox/desk/lines.h"
-#include "orvelbox/history/removals.h"
+#include "orvelbox/desk/output.h"
+#include "orvelbox/history/log.h"
+#include "platform/host/device.h"
+#include "platform/host/package_store.h"
 
 namespace orvelbox {
+
+// A DLL that was taken for a duplicate. Paths are those of the device.
+struct Removal {
+  std::string dll;
+  std::string origin;             // the copy that decided
+  std::string time;               // of the last report in the log; empty when the log has none
+  bool removed = false;           // otherwise it was reported only
+  bool information_file = false;  // "…_deleted" lies beside its place
+  bool origin_there = false;      // the copy that decided is still on the device
+};
+
+// The copy that decided, by the text of the information file whose path without "_deleted" is `dll`. Nothing when the
+// text is no such information.
+std::optional<std::string> OriginIn(std::string_view text, const std::string& dll);
 
 // What `why` was asked about.
 struct WhyQuestion {
@@ -21,8 +40,8 @@ struct WhyQuestion {
 // host::DeviceError when it concerns no installed package.
 WhyQuestion ReadQuestion(const host::Device& device, const host::PackageStore& store, const std::string& text);
 
-// Those of `removals` that are asked for.
-std::vector<Removal> AskedFor(const WhyQuestion& question, std::vector<Removal> removals);
+// All that is known of what is asked for, ordered by path. Throws host::DeviceError when the log cannot be read.
+std::vector<Removal> RemovalsFor(const host::Device& device, const WhyQuestion& question);
 
 // The answer in words. `today` is what a check of the installed package says now.
 Lines DescribeWhy(const WhyQuestion& question, const std::vector<Removal>& removals, const CheckedPackage& today);

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "orvelbox/cli/command.h"
+#include "orvelbox/cli/command_line.h"
 
 namespace orvelbox {
 

@@ -1,7 +1,8 @@
-// Reads a device before and after an operation.
+// Reads a device before and after hooks.
 #include "orvelbox/operations/effects.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <fstream>
 #include <nlohmann/json.hpp>
 
@@ -18,9 +19,22 @@ std::uintmax_t LogSize(const host::Device& device) {
   return error ? 0 : size;
 }
 
+// What the loader's record says; a damaged one says nothing.
+struct LoaderState {
+  long starts = 0;    // how often it was started
+  std::string error;  // why the last start failed; empty otherwise
+};
+
 LoaderState ReadLoaderState(const host::Device& device) {
-  if (!IsThere(device.LoaderRecord())) return {};
-  return ParseLoaderRecord(host::ReadFile(device.LoaderRecord()));
+  LoaderState state;
+  if (!IsThere(device.LoaderRecord())) return state;
+  const host::Json json = host::ParseJson(host::ReadFile(device.LoaderRecord()));
+  if (!json.is_object()) return state;
+  const auto starts = json.find("starts");
+  if (starts != json.end() && starts->is_number_integer()) state.starts = starts->get<long>();
+  const auto error = json.find("error");
+  if (error != json.end() && error->is_string()) state.error = error->get<std::string>();
+  return state;
 }
 
 std::string ReadLogFrom(const host::Device& device, std::uintmax_t offset) {
@@ -42,32 +56,22 @@ std::vector<DllFate> FatesOf(const host::Device& device, const std::vector<Dupli
 
 }  // namespace
 
-Snapshot TakeSnapshot(const host::Device& device) {
-  return {LogSize(device), ReadCache(device, kTpaFile), ReadCache(device, kCobaFile), ReadLoaderState(device)};
-}
-
-Effects EffectsSince(const host::Device& device, const Snapshot& before, HookRun hooks) {
+Effects EffectsOf(const HookSettings& settings, const std::function<void(const HookCaller&)>& calls) {
+  const host::Device& device = settings.device;
+  const std::uintmax_t log_size = LogSize(device);
+  const CacheText tpa = ReadCache(device, kTpaFile);
+  const CacheText coba = ReadCache(device, kCobaFile);
+  const long starts = ReadLoaderState(device).starts;
   Effects seen;
-  seen.hooks = std::move(hooks);
-  seen.log = InterpretLog(ParseLog(ReadLogFrom(device, before.log_size)));
+  seen.hooks = RunHooks(settings, calls);
+  seen.log = InterpretLog(ParseLog(ReadLogFrom(device, log_size)));
   seen.dlls = FatesOf(device, seen.log.duplicates);
-  seen.tpa = Compare(before.tpa, ReadCache(device, kTpaFile));
-  seen.coba = Compare(before.coba, ReadCache(device, kCobaFile));
+  seen.tpa = Compare(tpa, ReadCache(device, kTpaFile));
+  seen.coba = Compare(coba, ReadCache(device, kCobaFile));
   const LoaderState loader = ReadLoaderState(device);
-  seen.loader_restarted = loader.starts > before.loader.starts;
+  seen.loader_restarted = loader.starts > starts;
   seen.loader_error = loader.error;
   return seen;
-}
-
-LoaderState ParseLoaderRecord(const std::string& record) {
-  const host::Json json = host::ParseJson(record);
-  LoaderState state;
-  if (!json.is_object()) return state;
-  const auto starts = json.find("starts");
-  if (starts != json.end() && starts->is_number_integer()) state.starts = starts->get<long>();
-  const auto error = json.find("error");
-  if (error != json.end() && error->is_string()) state.error = error->get<std::string>();
-  return state;
 }
 
 }  // namespace orvelbox

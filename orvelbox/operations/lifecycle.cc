@@ -5,16 +5,33 @@
 #include <functional>
 #include <nlohmann/json.hpp>
 
-#include "orvelbox/device/state.h"
+#include "orvelbox/device/listings.h"
 #include "orvelbox/operations/operations.h"
 #include "orvelbox/operations/report.h"
 #include "orvelbox/package/manifest.h"
+#include "platform/host/files.h"
 #include "platform/host/json.h"
 
 namespace fs = std::filesystem;
 
 namespace orvelbox {
 namespace {
+
+std::string Describe(const fs::directory_entry& entry) {
+  switch (entry.symlink_status().type()) {
+    case fs::file_type::regular: {
+      const std::string content = host::ReadFile(entry.path());
+      return "file of " + std::to_string(content.size()) + " bytes, " +
+             std::to_string(std::hash<std::string>()(content));
+    }
+    case fs::file_type::symlink:
+      return "link to " + fs::read_symlink(entry.path()).string();
+    case fs::file_type::directory:
+      return "directory";
+    default:
+      return "special file";
+  }
+}
 
 class LifecycleRun {
  public:
@@ -101,6 +118,36 @@ std::string InWords(const LifecycleStep& step) {
 }
 
 }  // namespace
+
+DeviceState StateOf(const host::Device& device) {
+  DeviceState state;
+  const host::PackageStore store(device.Database(), host::PackageStore::Mode::kReadOnly);
+  for (const host::Package& package : store.List()) state["package " + package.id] = PackageJson(package);
+  host::WithFileErrors(device.Root(), "read", [&] {
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(device.Root())) {
+      state["/" + entry.path().lexically_relative(device.Root()).string()] = Describe(entry);
+    }
+  });
+  return state;
+}
+
+Lines Differences(const DeviceState& before, const DeviceState& after) {
+  DeviceState all = before;
+  all.insert(after.begin(), after.end());
+  Lines lines;
+  for (const auto& [name, ignored] : all) {
+    const auto then = before.find(name);
+    const auto now = after.find(name);
+    if (then == before.end()) {
+      lines.push_back("+ " + name);
+    } else if (now == after.end()) {
+      lines.push_back("- " + name);
+    } else if (then->second != now->second) {
+      lines.push_back("~ " + name);
+    }
+  }
+  return lines;
+}
 
 bool Lifecycle::Passed() const {
   return std::all_of(steps.begin(), steps.end(),

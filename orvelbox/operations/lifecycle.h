@@ -1,16 +1,28 @@
-// The whole lifecycle of a package on a device that has no other use: step by step, the device compared before and
-// after.
+// The whole lifecycle of a package on a device that has no other use: step by step, the state of the device compared
+// before and after.
 #ifndef ORVEL_ORVELBOX_OPERATIONS_LIFECYCLE_H_
 #define ORVEL_ORVELBOX_OPERATIONS_LIFECYCLE_H_
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
-#include "orvelbox/desk/lines.h"
+#include "orvelbox/desk/output.h"
 #include "orvelbox/operations/hook_process.h"
 
 namespace orvelbox {
+
+// The state of a device: every file, the package database, the cache files; not the log, the loader's record and the
+// lock, which every operation touches. Each by a name for people (a path of the device, or "package ID"), with a text
+// that is different whenever the thing is.
+using DeviceState = std::map<std::string, std::string>;
+
+// Throws host::DeviceError.
+DeviceState StateOf(const host::Device& device);
+
+// One line per difference: "+ NAME" for what came, "- NAME" for what went, "~ NAME" for what changed.
+Lines Differences(const DeviceState& before, const DeviceState& after);
 
 struct LifecycleStep {
   std::string name;

@@ -1,15 +1,56 @@
 // The operations on packages.
 #include "orvelbox/operations/operations.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
 #include <map>
 #include <stdexcept>
 
 #include "base/affix.h"
-#include "orvelbox/desk/with_rollback.h"
+#include "orvelbox/desk/tree.h"
 #include "orvelbox/package/manifest.h"
+#include "platform/host/files.h"
 
 namespace orvelbox {
 namespace {
+
+UniqueFd OpenLockFile(const host::Device& device) {
+  UniqueFd file(open(device.LockFile().c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644));
+  if (!file) host::ThrowFileError(device.LockFile(), "open", errno);
+  return file;
+}
+
+// What the lock file says about its holder, as " (process N)"; empty when it says nothing sensible.
+std::string Holder(int descriptor) {
+  std::array<char, 24> text{};
+  const ssize_t length = pread(descriptor, text.data(), text.size() - 1, 0);
+  const std::string digits(text.data(), length > 0 ? static_cast<std::size_t>(length) : 0);
+  if (digits.empty() || digits.find_first_not_of("0123456789") != std::string::npos) return "";
+  return " (process " + digits + ")";
+}
+
+// A full disk keeps the name of the holder away, but not the lock.
+void NameHolder(int descriptor) {
+  const std::string digits = std::to_string(getpid());
+  if (ftruncate(descriptor, 0) != 0) return;
+  [[maybe_unused]] const ssize_t written = pwrite(descriptor, digits.data(), digits.size(), 0);
+}
+
+// Locks the device until the descriptor is closed.
+UniqueFd Lock(const host::Device& device) {
+  UniqueFd file = OpenLockFile(device);
+  if (flock(file.get(), LOCK_EX | LOCK_NB) == 0) {
+    NameHolder(file.get());
+    return file;
+  }
+  if (errno != EWOULDBLOCK) host::ThrowFileError(device.LockFile(), "lock", errno);
+  throw host::DeviceError(device.directory.string() + ": in use by another orvelbox" + Holder(file.get()) +
+                          "; wait for it, or use another device with --device");
+}
 
 void RequireOwnApplications(const host::PackageStore& store, const host::Package& package, const std::string& file) {
   for (const host::Application& application : package.applications) {
@@ -20,28 +61,45 @@ void RequireOwnApplications(const host::PackageStore& store, const host::Package
   }
 }
 
-Effects EffectsOf(const Session& session, const std::function<void(const HookCaller&)>& calls) {
-  const Snapshot before = TakeSnapshot(session.device());
-  return EffectsSince(session.device(), before, RunHooks(session.settings(), calls));
-}
-
-// The hooks of an installation: after a refusal the plug-in is told that everything is taken back.
-Effects CallInstallHooks(const Session& session, const std::string& main_hook, const Manifest& manifest) {
-  return EffectsOf(session, [&](const HookCaller& call) {
+// The hooks of an installation, after which it is kept or taken back: after a refusal the plug-in is told so.
+void CallInstallHooks(const Session& session, const std::string& main_hook, const Manifest& manifest,
+                      const std::function<void()>& keep, const std::function<void()>& take_back, Change& change) {
+  const auto call_hooks = [&](const HookCaller& call) {
     const int result = call(main_hook, manifest.document.get(), manifest.package.id);
     call(result == -1 ? "UNDO" : "CLEAN", manifest.document.get(), manifest.package.id);
-  });
+  };
+  change.effects = WithRollback([&] { return EffectsOf(session.settings(), call_hooks); }, take_back);
+  change.taken_back = !change.Done();
+  if (change.taken_back) {
+    take_back();
+  } else {
+    keep();
+  }
 }
 
 // Calls `hooks` for an installed package, with the manifest that it was installed with.
 Effects CallHooksFor(const Session& session, const host::Package& package, HookNames hooks) {
   const Manifest manifest = ReadManifest(session.trees().Place(package));
-  return EffectsOf(session, [&](const HookCaller& call) {
+  return EffectsOf(session.settings(), [&](const HookCaller& call) {
     for (const char* hook : hooks) call(hook, manifest.document.get(), package.id);
   });
 }
 
 }  // namespace
+
+Session::Session(HookSettings settings)
+    : settings_(std::move(settings)),
+      lock_(Lock(settings_.device)),
+      trees_(settings_.device, host::ReadConfig(settings_.device)) {
+  OpenStore();
+  mended_ = trees_.Mend();
+}
+
+host::PackageStore Session::OpenStore() const {
+  return host::PackageStore(device().Database(), host::PackageStore::Mode::kReadWrite);
+}
+
+host::Package Session::Installed(const std::string& package_id) const { return FindInstalled(OpenStore(), package_id); }
 
 Change Install(const Session& session, const std::filesystem::path& directory) {
   const Manifest manifest = ReadManifest(directory);
@@ -53,14 +111,9 @@ Change Install(const Session& session, const std::filesystem::path& directory) {
   }
   RequireOwnApplications(session.OpenStore(), change.package, file);
   session.trees().Add(directory, change.package);
-  const auto take_back = [&] { session.trees().TakeBackAddition(change.package); };
-  change.effects = WithRollback([&] { return CallInstallHooks(session, "INSTALL", manifest); }, take_back);
-  change.taken_back = !change.Done();
-  if (change.taken_back) {
-    take_back();
-  } else {
-    session.trees().KeepAddition();
-  }
+  CallInstallHooks(
+      session, "INSTALL", manifest, [&] { session.trees().KeepAddition(); },
+      [&] { session.trees().TakeBackAddition(change.package); }, change);
   return change;
 }
 
@@ -74,14 +127,9 @@ Change Upgrade(const Session& session, const std::filesystem::path& directory) {
   Change change{PlacedAt(manifest.package, installed->root), installed, {}};
   RequireOwnApplications(session.OpenStore(), change.package, file);
   session.trees().Replace(directory, change.package, *installed);
-  const auto take_back = [&] { session.trees().RestorePrevious(*installed); };
-  change.effects = WithRollback([&] { return CallInstallHooks(session, "UPGRADE", manifest); }, take_back);
-  change.taken_back = !change.Done();
-  if (change.taken_back) {
-    take_back();
-  } else {
-    session.trees().KeepUpgrade(change.package.id);
-  }
+  CallInstallHooks(
+      session, "UPGRADE", manifest, [&] { session.trees().KeepUpgrade(change.package.id); },
+      [&] { session.trees().RestorePrevious(*installed); }, change);
   return change;
 }
 
@@ -123,7 +171,7 @@ Effects CallRawEvents(const Session& session, const std::vector<RawEvent>& event
     const host::Package package = session.Installed(event.package_id);
     manifests.insert_or_assign(package.id, ReadManifest(session.trees().Place(package)));
   }
-  return EffectsOf(session, [&](const HookCaller& call) {
+  return EffectsOf(session.settings(), [&](const HookCaller& call) {
     for (const RawEvent& event : events) call(event.hook, manifests[event.package_id].document.get(), event.package_id);
   });
 }

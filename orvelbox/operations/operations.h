@@ -10,10 +10,37 @@
 #include <string>
 #include <vector>
 
+#include "base/unique_fd.h"
+#include "orvelbox/desk/output.h"
+#include "orvelbox/device/installed_trees.h"
 #include "orvelbox/operations/effects.h"
-#include "orvelbox/operations/session.h"
+#include "orvelbox/operations/hook_process.h"
 
 namespace orvelbox {
+
+// What operations work with: the opened device, held against other changing commands and mended. Readers take no lock.
+class Session {
+ public:
+  // Takes the device's lock, refuses a package database that it cannot write, and mends what a killed run left. Throws
+  // host::DeviceError; when the lock is held already, at once and naming the other process.
+  explicit Session(HookSettings settings);
+
+  const host::Device& device() const { return settings_.device; }
+  const HookSettings& settings() const { return settings_; }
+  const InstalledTrees& trees() const { return trees_; }
+  // A line per package that was mended.
+  const Lines& mended() const { return mended_; }
+
+  host::PackageStore OpenStore() const;
+  // The record of an installed package. Throws host::DeviceError when it is not installed.
+  host::Package Installed(const std::string& package_id) const;
+
+ private:
+  HookSettings settings_;
+  UniqueFd lock_;  // the lock file, which stays and names the process that took it last
+  InstalledTrees trees_;
+  Lines mended_;
+};
 
 // What an operation did to a package.
 struct Change {

@@ -64,8 +64,6 @@ std::string DescribeHooks(const HookRun& hooks) {
   return text;
 }
 
-void AppendTo(Lines& lines, const Lines& more) { lines.insert(lines.end(), more.begin(), more.end()); }
-
 bool Failed(const HookResult& result) { return result.end != HookResult::End::kReturned || result.value != 0; }
 
 }  // namespace
@@ -121,9 +119,10 @@ std::string ReasonOfFailure(const Effects& seen) {
 Lines DescribeChange(const Change& change) {
   const HookRun& hooks = change.effects.hooks;
   Lines lines;
+  const auto append = [&](const Lines& more) { lines.insert(lines.end(), more.begin(), more.end()); };
   if (!hooks.results.empty()) lines.push_back("    " + DescribeHooks(hooks));
-  if (!change.taken_back) AppendTo(lines, DescribeEffects(change.effects, change.package.root));
-  if (!change.Done()) AppendTo(lines, ExplainDebuggingFailure(change.effects, change.package.root));
+  if (!change.taken_back) append(DescribeEffects(change.effects, change.package.root));
+  if (!change.Done()) append(ExplainDebuggingFailure(change.effects, change.package.root));
   return lines;
 }
 

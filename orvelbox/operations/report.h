@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "orvelbox/desk/lines.h"
+#include "orvelbox/desk/output.h"
 #include "orvelbox/operations/operations.h"
 
 namespace orvelbox {

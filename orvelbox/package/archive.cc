@@ -6,14 +6,15 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <clocale>
 #include <memory>
 #include <new>
+#include <unordered_map>
 
 #include "base/unique_fd.h"
-#include "orvelbox/package/archive_paths.h"
 #include "platform/host/device.h"
 #include "platform/host/files.h"
 
@@ -50,6 +51,68 @@ Reader MakeReader() {
   if (!reader) throw std::bad_alloc();
   if (archive_read_support_format_zip_seekable(reader.get()) != ARCHIVE_OK) throw std::bad_alloc();
   return reader;
+}
+
+constexpr std::size_t kLongestName = 255;
+
+std::string ProblemOfName(std::string_view name) {
+  if (name == "..") return "leads out of the package (\"..\"); pack it with plain paths";
+  if (name.size() > kLongestName) return "holds a name of more than 255 bytes; choose a shorter one";
+  return "";
+}
+
+// The paths inside one archive: which are allowed, and that no two entries share one.
+class ArchivePaths {
+ public:
+  explicit ArchivePaths(const ArchiveLimits& limits) : limits_(limits) {}
+
+  // Takes an entry's path as the archive writes it. Returns what is wrong with it, in words that follow the entry's
+  // name, or nothing; then `path` is the plain form, empty for the archive's own root.
+  std::string Add(std::string_view written, bool directory, std::string& path);
+
+ private:
+  std::string AddPlain(const std::string& path, bool directory);
+
+  ArchiveLimits limits_;
+  std::unordered_map<std::string, bool> directories_;  // of every path there is: is it a directory?
+};
+
+std::string ArchivePaths::Add(std::string_view written, bool directory, std::string& path) {
+  path.clear();
+  if (written.empty()) return "has no name; pack the archive anew";
+  if (written.front() == '/') return "has an absolute path; pack it with paths relative to the package";
+  if (written.find('\\') != std::string_view::npos) return "holds \"\\\"; pack it with \"/\" between the names";
+  if (written.size() > limits_.path_bytes) {
+    return "has a path of more than " + std::to_string(limits_.path_bytes) + " bytes; choose shorter names";
+  }
+  std::size_t depth = 0;
+  while (!written.empty()) {
+    const std::size_t end = std::min(written.find('/'), written.size());
+    const std::string_view name = written.substr(0, end);
+    written.remove_prefix(std::min(end + 1, written.size()));
+    if (name.empty() || name == ".") continue;
+    if (std::string problem = ProblemOfName(name); !problem.empty()) return problem;
+    if (++depth > limits_.depth) {
+      return "lies more than " + std::to_string(limits_.depth) + " directories deep; make the package flatter";
+    }
+    path.append(path.empty() ? "" : "/").append(name);
+  }
+  if (path.empty()) return directory ? "" : "has no name; pack the archive anew";
+  return AddPlain(path, directory);
+}
+
+std::string ArchivePaths::AddPlain(const std::string& path, bool directory) {
+  for (std::size_t slash = path.find('/'); slash != std::string::npos; slash = path.find('/', slash + 1)) {
+    const auto parent = directories_.emplace(path.substr(0, slash), true).first;
+    if (!parent->second) return "lies in \"" + parent->first + "\", which is a file; pack the archive anew";
+  }
+  const auto [known, added] = directories_.emplace(path, directory);
+  if (!added && !(directory && known->second)) return "is there twice; pack the archive anew";
+  if (directories_.size() > limits_.entries) {
+    return "is one too many: the archive holds more than " + std::to_string(limits_.entries) +
+           " files and directories; make the package smaller";
+  }
+  return "";
 }
 
 // Reads one opened archive.

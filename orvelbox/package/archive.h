@@ -4,17 +4,28 @@
 // An archive is refused when it is no zip file, cut off or damaged, and when one of its entries
 // - has an absolute path, a "..", a backslash or an empty or overlong name in its path, or lies too deep,
 // - is a link or a special file, is encrypted, or has the path of another entry that is no directory,
-// - goes beyond one of the limits (archive_limits.h).
+// - goes beyond one of the limits.
 #ifndef ORVEL_ORVELBOX_PACKAGE_ARCHIVE_H_
 #define ORVEL_ORVELBOX_PACKAGE_ARCHIVE_H_
 
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
 
-#include "orvelbox/package/archive_limits.h"
-
 namespace orvelbox {
+
+// What an archive may hold at most.
+struct ArchiveLimits {
+  std::uint64_t entries = 50'000;                // files and directories, those that a path implies included
+  std::uint64_t bytes = std::uint64_t{2} << 30;  // of all files, unpacked
+  // Unpacked, all files are at most this many times the archive's own size; up to `unsuspicious_bytes` it is not asked.
+  std::uint64_t ratio = 200;
+  std::uint64_t unsuspicious_bytes = std::uint64_t{16} << 20;
+  std::size_t path_bytes = 1024;
+  std::size_t depth = 64;  // names in one path
+};
 
 struct ArchiveEntry {
   std::string path;  // relative, its names separated by single "/"

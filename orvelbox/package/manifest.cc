@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <boost/algorithm/string/trim.hpp>
 #include <cerrno>
 #include <set>
 #include <string_view>
@@ -14,6 +15,7 @@
 #include "base/unique_fd.h"
 #include "orvelbox/desk/xml.h"
 #include "platform/host/device.h"
+#include "platform/host/escape.h"
 #include "platform/host/files.h"
 
 namespace orvelbox {
@@ -39,10 +41,7 @@ bool IsApplication(const xmlNode* node) {
 }
 
 std::string Trimmed(const std::string& text) {
-  constexpr const char* kBlanks = " \t\r\n";
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string::npos) return "";
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+  return boost::trim_copy_if(text, [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; });
 }
 
 host::Application DescribeApplication(const xmlNode* element) {
@@ -68,11 +67,10 @@ void AddPrivileges(const xmlNode* element, std::vector<std::string>& privileges)
 }
 
 bool HasControlCharacter(std::string_view text) {
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto byte = static_cast<unsigned char>(text[i]);
-    if (byte < 0x20 || byte == 0x7f) return true;
-    // U+0080 to U+009F in UTF-8.
-    if (byte == 0xc2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xa0) return true;
+  while (!text.empty()) {
+    const auto character = host::FirstCharacter(text);
+    if (!character || host::IsControl(character->code)) return true;
+    text.remove_prefix(character->size);
   }
   return false;
 }
@@ -104,11 +102,6 @@ std::string ProblemOfApplications(const host::Package& package) {
     return "mainapp=\"" + package.main_app_id + "\" is none of its applications; name one of them";
   }
   return "";
-}
-
-std::string ProblemOf(const host::Package& package) {
-  const std::string problem = ProblemOfPackageId(package.id);
-  return problem.empty() ? ProblemOfApplications(package) : problem;
 }
 
 bool DeclaresEntities(const xmlDoc* document) {
@@ -173,7 +166,8 @@ host::Package DescribePackage(const xmlDoc* document, const std::string& file) {
     if (IsNamed(child, "privileges")) AddPrivileges(child, package.privileges);
   }
   if (package.type.empty()) package.type = "opk";
-  const std::string problem = ProblemOf(package);
+  std::string problem = ProblemOfPackageId(package.id);
+  if (problem.empty()) problem = ProblemOfApplications(package);
   if (!problem.empty()) throw host::DeviceError(file + ": " + problem);
   if (package.main_app_id.empty() && !package.applications.empty()) {
     package.main_app_id = package.applications.front().id;

@@ -4,7 +4,7 @@
 
 #include "orvelbox/desk/output.h"
 #include "orvelbox/desk/xml.h"
-#include "orvelbox/trace/drawings.h"
+#include "orvelbox/trace/spans.h"
 
 namespace orvelbox {
 namespace {

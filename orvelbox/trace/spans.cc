@@ -1,7 +1,10 @@
-// From events to spans.
+// From events to spans, and what a file for a trace has to be.
 #include "orvelbox/trace/spans.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <fstream>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <utility>
@@ -9,21 +12,10 @@
 #include "platform/host/device_error.h"
 #include "platform/host/json.h"
 
+namespace fs = std::filesystem;
+
 namespace orvelbox {
 namespace {
-
-struct Event {
-  std::string name;
-  std::string phase;
-  std::int64_t process = 0;
-  std::int64_t thread = 0;
-  std::int64_t time = 0;
-};
-
-Event ReadEvent(const host::Json& event) {
-  return {event.at("name").get<std::string>(), event.at("ph").get<std::string>(), event.at("pid").get<std::int64_t>(),
-          event.at("tid").get<std::int64_t>(), event.at("ts").get<std::int64_t>()};
-}
 
 // The format does not demand the array's closing bracket, and who writes event by event never writes it.
 host::Json ReadArray(std::string_view text) {
@@ -35,17 +27,15 @@ host::Json ReadArray(std::string_view text) {
 // A lane that is being read.
 class OpenLane {
  public:
-  OpenLane(const Event& first, std::size_t place) : start_(first.time), place_(place) {
-    lane_.process = first.process;
-    lane_.thread = first.thread;
-  }
+  OpenLane(std::int64_t process, std::int64_t thread, std::int64_t start, std::size_t place)
+      : lane_{process, thread, {}}, start_(start), place_(place) {}
 
-  void Add(const Event& event) {
-    last_ = std::max(last_, event.time - start_);
-    if (event.phase == "B") {
-      lane_.spans.push_back({event.name, last_, last_, open_.size(), false});
+  void Add(const std::string& phase, const std::string& name, std::int64_t time) {
+    last_ = std::max(last_, time - start_);
+    if (phase == "B") {
+      lane_.spans.push_back({name, last_, last_, open_.size(), false});
       open_.push_back(lane_.spans.size() - 1);
-    } else if (event.phase == "E" && !open_.empty()) {
+    } else if (phase == "E" && !open_.empty()) {
       lane_.spans[open_.back()].end = last_;
       lane_.spans[open_.back()].closed = true;
       open_.pop_back();
@@ -69,16 +59,24 @@ class OpenLane {
 
 std::vector<Lane> ReadLanes(const host::Json& events) {
   std::map<std::pair<std::int64_t, std::int64_t>, OpenLane> open;
-  for (const host::Json& element : events) {
-    const Event event = ReadEvent(element);
-    const auto lane = open.try_emplace({event.process, event.thread}, event, open.size()).first;
-    lane->second.Add(event);
+  for (const host::Json& event : events) {
+    const std::int64_t process = event.at("pid");
+    const std::int64_t thread = event.at("tid");
+    const std::int64_t time = event.at("ts");
+    const auto lane = open.try_emplace({process, thread}, process, thread, time, open.size()).first;
+    lane->second.Add(event.at("ph"), event.at("name"), time);
   }
   std::vector<Lane> lanes(open.size());
   for (auto& [thread, lane] : open) lanes[lane.place()] = lane.Finish();
   lanes.erase(std::remove_if(lanes.begin(), lanes.end(), [](const Lane& lane) { return lane.spans.empty(); }),
               lanes.end());
   return lanes;
+}
+
+bool BeginsLikeATrace(const fs::path& file) {
+  std::ifstream stream(file);
+  const int first = stream.get();
+  return stream.eof() || first == '[';
 }
 
 }  // namespace
@@ -100,6 +98,17 @@ std::vector<Lane> ReadTrace(std::string_view text, const std::string& file) {
     return ReadLanes(ReadArray(text));
   } catch (const std::exception&) {
     throw host::DeviceError(file + ": no trace; write one with: orvelbox --trace FILE install PACKAGE");
+  }
+}
+
+void RequireTraceable(const fs::path& file) {
+  const fs::path absolute = fs::absolute(file);
+  const bool there = fs::exists(absolute);
+  if (access(there ? absolute.c_str() : absolute.parent_path().c_str(), W_OK) != 0 || fs::is_directory(absolute)) {
+    throw host::DeviceError(file.string() + ": no trace can be written there; name another file with --trace");
+  }
+  if (there && !BeginsLikeATrace(absolute)) {
+    throw host::DeviceError(file.string() + ": is there and no trace; name another file with --trace");
   }
 }
 

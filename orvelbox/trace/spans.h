@@ -1,10 +1,11 @@
-// The spans in a trace file: which function ran inside which, when, and for how long. How they are drawn is not known
-// here, nor how the file was written (platform/host/trace_file.h).
+// Trace files: the spans in them (which function ran inside which, when, and for how long) and how these are drawn. How
+// the files are written is not known here (platform/host/libraries/trace.cc).
 #ifndef ORVEL_ORVELBOX_TRACE_SPANS_H_
 #define ORVEL_ORVELBOX_TRACE_SPANS_H_
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,6 +33,25 @@ struct Lane {
 // The lanes in the text of trace file `file`, as they began; an end without a span is left out. Throws
 // host::DeviceError when the text is no trace.
 std::vector<Lane> ReadTrace(std::string_view text, const std::string& file);
+
+// Microseconds as milliseconds with three decimals.
+std::string Milliseconds(std::int64_t microseconds);
+// "process 7, thread 8", the thread only where it is not the process's first.
+std::string Title(const Lane& lane);
+
+// The lines of a timeline, every lane on a scale of its own. Lines are at most `width` columns wide; 0: as wide as they
+// need.
+std::vector<std::string> DrawTimeline(const std::vector<Lane>& lanes, std::size_t width);
+
+// An SVG document: for every lane, on a scale of its own, a box for every span, in the row of its depth.
+std::string TraceSvg(const std::vector<Lane>& lanes);
+
+// An HTML document with that picture and a table of the spans. Everything is in it; nothing is fetched, no script runs.
+std::string TraceHtml(const std::vector<Lane>& lanes, const std::string& title);
+
+// Refuses, before anything is done, a file that no trace can be written to, and one that holds something else. Throws
+// host::DeviceError.
+void RequireTraceable(const std::filesystem::path& file);
 
 }  // namespace orvelbox
 

@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "orvelbox/desk/output.h"
-#include "orvelbox/trace/drawings.h"
+#include "orvelbox/trace/spans.h"
 
 namespace orvelbox {
 namespace {

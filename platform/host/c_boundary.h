@@ -4,6 +4,10 @@
 
 #include <cerrno>
 #include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <stdexcept>
 #include <string>
 
 namespace host {
@@ -31,7 +35,13 @@ class KeepErrno {
 };
 
 // The text that printf would write, of any length. Throws std::runtime_error when it cannot be formatted.
-std::string FormatText(const char* format, va_list arguments) __attribute__((format(printf, 1, 0)));
+__attribute__((format(printf, 1, 0))) inline std::string FormatText(const char* format, va_list arguments) {
+  char* text = nullptr;
+  const int length = vasprintf(&text, format, arguments);
+  if (length < 0) throw std::runtime_error("the message cannot be formatted");
+  const std::unique_ptr<char, decltype(&std::free)> owner(text, std::free);
+  return {text, static_cast<std::size_t>(length)};
+}
 
 }  // namespace host
 

@@ -58,7 +58,7 @@ int WaitPassingSignalsOn(pid_t child, const sigset_t& held) {
     const pid_t ended = waitpid(child, &status, WNOHANG);
     if (ended == child) return status;
     if (ended < 0 && errno != EINTR) throw DeviceError("cannot wait for the child process: " + ErrorText(errno));
-    // Another thread may take the news of the child's end; so look again now and then.
+    // Another thread may receive SIGCHLD, so waitpid is asked now and then all the same.
     const timespec patience{0, 100'000'000};
     const int signal = sigtimedwait(&held, nullptr, &patience);
     if (signal > 0 && signal != SIGCHLD) kill(child, signal);
@@ -75,8 +75,6 @@ HeldSignals::HeldSignals() {
   sigaction(SIGCHLD, &wait_for_children, &child_action_before_);
   pthread_sigmask(SIG_BLOCK, &held_, &mask_before_);
 }
-
-HeldSignals::~HeldSignals() { Restore(); }
 
 void HeldSignals::Restore() const {
   sigaction(SIGCHLD, &child_action_before_, nullptr);

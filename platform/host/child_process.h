@@ -14,7 +14,7 @@ class HeldSignals {
   HeldSignals();
   HeldSignals(const HeldSignals&) = delete;
   HeldSignals& operator=(const HeldSignals&) = delete;
-  ~HeldSignals();
+  ~HeldSignals() { Restore(); }
 
   // Gives the calling process the signal state from before.
   void Restore() const;

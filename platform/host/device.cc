@@ -1,16 +1,22 @@
-// Reading a device: its directory and its configuration. Making one is device_creation.cc's.
+// Devices: their directory and their configuration. One is made whole or not at all.
 #include "platform/host/device.h"
 
 #include <cstdlib>
 #include <nlohmann/json.hpp>
+#include <vector>
 
-#include "platform/host/device_config.h"
 #include "platform/host/files.h"
 #include "platform/host/json.h"
+#include "platform/host/package_store.h"
 #include "platform/host/paths.h"
 
 namespace host {
 namespace {
+
+namespace fs = std::filesystem;
+
+// The "format" of device.json that this program writes and reads.
+constexpr unsigned long kDeviceFormat = 1;
 
 [[noreturn]] void ThrowDamaged(const Device& device, const std::string& what) {
   throw DeviceError(device.ConfigFile().string() + ": damaged (" + what +
@@ -29,26 +35,90 @@ void CheckFormat(const Device& device, const Json& config) {
   if (number < kDeviceFormat) ThrowDamaged(device, "there is no format " + std::to_string(number));
 }
 
-}  // namespace
-
-std::filesystem::path AbsoluteDirectory(const std::filesystem::path& directory) {
+// `directory` made absolute, without a "/" at its end.
+fs::path AbsoluteDirectory(const fs::path& directory) {
   std::error_code error;
-  auto absolute = std::filesystem::absolute(directory, error).lexically_normal();
+  auto absolute = fs::absolute(directory, error).lexically_normal();
   if (error || directory.empty()) throw DeviceError("\"" + directory.string() + "\": no usable directory name");
   return absolute.has_filename() || absolute == absolute.root_path() ? absolute : absolute.parent_path();
 }
 
+// What is wrong with a read-write application root, or nothing.
 std::optional<std::string> FaultOfReadWriteRoot(const std::string& root) {
-  const std::filesystem::path path = root;
+  const fs::path path = root;
   const bool plain = path.lexically_normal().native() == root && path.has_filename();
   if (plain && IsBelow(root, kUserArea)) return std::nullopt;
   return "read_write_root \"" + root + "\" must be a plain absolute path below " + kUserArea + "/";
 }
 
-Device OpenDevice(const std::filesystem::path& directory) {
+void RequireNothingIn(const fs::path& directory) {
+  std::error_code error;
+  const auto status = fs::status(directory, error);
+  if (status.type() == fs::file_type::not_found) return;
+  if (error) ThrowFileError(directory, "use the directory", error.value());
+  if (status.type() != fs::file_type::directory) {
+    throw DeviceError(directory.string() + ": is no directory; name a new or empty one for the device");
+  }
+  const bool empty = fs::is_empty(directory, error);
+  if (error) ThrowFileError(directory, "list the directory", error.value());
+  if (empty) return;
+  const bool device = fs::exists(Device{directory}.ConfigFile(), error);
+  throw DeviceError(directory.string() + (device ? ": is a device already" : ": is not empty") +
+                    "; name a new or empty directory");
+}
+
+// The directories at and above `directory` that are not there, the innermost first.
+std::vector<fs::path> MissingDirectories(const fs::path& directory) {
+  std::error_code ignored;
+  std::vector<fs::path> missing;
+  for (fs::path path = directory; !fs::exists(path, ignored); path = path.parent_path()) missing.push_back(path);
+  return missing;
+}
+
+void RemoveAllIn(const fs::path& directory) {
+  std::error_code ignored;
+  for (const auto& entry : fs::directory_iterator(directory, ignored)) fs::remove_all(entry.path(), ignored);
+}
+
+void FillDevice(const Device& device, const DeviceConfig& config) {
+  for (const char* name : kPlatformAssemblyDirectories) MakeDirectory(device.OnDesk(kPlatformAssemblies) / name);
+  const fs::path cache = device.OnDesk(kCacheDirectory);
+  MakeDirectory(cache);
+  for (const char* name : kCacheFiles) CreateFile(cache / name, kEmptyCache);
+  MakeDirectory(device.OnDesk(config.read_write_root));
+  CreateFile(device.Log(), "");
+  { const PackageStore database(device.Database(), PackageStore::Mode::kCreate); }
+  // Last: a directory without it is no device.
+  CreateFile(device.ConfigFile(),
+             JsonText({{"format", kDeviceFormat}, {"read_write_root", config.read_write_root}}, 2) + "\n");
+}
+
+}  // namespace
+
+Device CreateDevice(const fs::path& directory, const DeviceConfig& config) {
+  Device device{AbsoluteDirectory(directory)};
+  if (const auto fault = FaultOfReadWriteRoot(config.read_write_root)) throw DeviceError(*fault);
+  RequireNothingIn(device.directory);
+  const std::vector<fs::path> made = MissingDirectories(device.directory);
+  bool owned = false;  // everything in the directory is ours
+  try {
+    MakeDirectory(device.directory);
+    CreateFile(device.LockFile(), "");  // fails when another process makes a device here at the same time
+    owned = true;
+    FillDevice(device, config);
+  } catch (...) {
+    if (owned) RemoveAllIn(device.directory);
+    std::error_code ignored;
+    for (const fs::path& path : made) fs::remove(path, ignored);  // only when empty
+    throw;
+  }
+  return device;
+}
+
+Device OpenDevice(const fs::path& directory) {
   Device device{AbsoluteDirectory(directory)};
   std::error_code ignored;
-  if (!std::filesystem::exists(device.ConfigFile(), ignored) && !ignored) {
+  if (!fs::exists(device.ConfigFile(), ignored) && !ignored) {
     throw DeviceError(device.directory.string() +
                       ": no device there; make one with: orvelbox init, or name another with --device");
   }

@@ -1,9 +1,8 @@
-// Escaping of log texts.
+// Reading UTF-8 and escaping log texts.
 #include "platform/host/escape.h"
 
 #include <algorithm>
-
-#include "platform/host/utf8.h"
+#include <boost/locale/utf.hpp>
 
 namespace host {
 namespace {
@@ -62,6 +61,14 @@ std::optional<char> ReadEscape(std::string_view& text) {
 }
 
 }  // namespace
+
+std::optional<Character> FirstCharacter(std::string_view text) {
+  using Utf8 = boost::locale::utf::utf_traits<char>;
+  const char* end = text.data();
+  const auto code = Utf8::decode(end, text.data() + text.size());
+  if (code == boost::locale::utf::illegal || code == boost::locale::utf::incomplete) return std::nullopt;
+  return Character{static_cast<std::size_t>(end - text.data()), code};
+}
 
 std::string EscapeText(std::string_view text) { return EscapeAll(text, "\\"); }
 

@@ -86,6 +86,12 @@ int WriteAll(int fd, std::string_view data) {
 
 void CreateFile(const std::filesystem::path& file, std::string_view content) { CreateWith(file, content, false); }
 
+void MakeDirectory(const std::filesystem::path& path) {
+  std::error_code error;
+  std::filesystem::create_directories(path, error);
+  if (error) ThrowFileError(path, "make the directory", error.value());
+}
+
 void ReplaceFile(const std::filesystem::path& file, std::string_view content) {
   std::filesystem::path fresh = file;
   fresh += ".new-" + std::to_string(getpid());

@@ -17,6 +17,17 @@ std::string_view UsualWayOut(int error);
 // Throws a DeviceError "FILE: cannot ACTION: TEXT OF ERROR", followed by the way out where there is a usual one.
 [[noreturn]] void ThrowFileError(const std::filesystem::path& file, std::string_view action, int error);
 
+// Does `work` and gives its result; an error of the standard library becomes one of ThrowFileError. `path` is named
+// where the library names none.
+template <typename Work>
+auto WithFileErrors(const std::filesystem::path& path, std::string_view action, const Work& work) {
+  try {
+    return work();
+  } catch (const std::filesystem::filesystem_error& error) {
+    ThrowFileError(error.path1().empty() ? path : error.path1(), action, error.code().value());
+  }
+}
+
 // Reads the whole file. Throws DeviceError.
 std::string ReadFile(const std::filesystem::path& file);
 
@@ -31,6 +42,9 @@ int WriteAll(int fd, std::string_view data);
 // Makes a new file holding `content`. Throws DeviceError, also when the file exists already; a file that could not be
 // completed is removed again.
 void CreateFile(const std::filesystem::path& file, std::string_view content);
+
+// Makes the directory `path` and those above it. Throws DeviceError.
+void MakeDirectory(const std::filesystem::path& path);
 
 // Puts `content` in the place of the file in one step: a reader sees the old file or the new one, also after a crash.
 // Throws DeviceError and then leaves the old file.

@@ -8,8 +8,7 @@
 
 #include "platform/host/child_process.h"
 #include "platform/host/device.h"
-#include "platform/host/fixed_paths_in_place.h"
-#include "platform/host/fixed_paths_mounts.h"
+#include "platform/host/fixed_paths_methods.h"
 #include "platform/host/paths.h"
 
 namespace host {
@@ -74,7 +73,7 @@ ChildOutcome RunInNamespace(FixedPathsMethod method, const fs::path& root, const
 }
 
 ChildOutcome RunInPlace(const fs::path& root, const std::function<int()>& body) {
-  const InPlaceTurn turn;  // waits, and may be interrupted while it does
+  const UniqueFd turn = TakeTurnInPlace();  // waits, and may be interrupted while it does
   const HeldSignals signals;
   const InPlaceLinks links(turn, root);
   return RunChild(

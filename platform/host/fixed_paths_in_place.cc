@@ -1,6 +1,4 @@
 // Working in place. The lock file holds what is made at the fixed paths, as JSON; it is empty between runs.
-#include "platform/host/fixed_paths_in_place.h"
-
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -13,6 +11,7 @@
 
 #include "platform/host/device.h"
 #include "platform/host/files.h"
+#include "platform/host/fixed_paths_methods.h"
 #include "platform/host/json.h"
 
 namespace host {
@@ -126,14 +125,16 @@ std::optional<std::string> ObstacleInPlace() try {
   return error.what();
 }
 
-InPlaceTurn::InPlaceTurn() : lock_(OpenLockFile()) {
-  while (flock(lock_.get(), LOCK_EX) != 0) {
+UniqueFd TakeTurnInPlace() {
+  UniqueFd lock = OpenLockFile();
+  while (flock(lock.get(), LOCK_EX) != 0) {
     if (errno != EINTR) ThrowFileError(LockFilePath(), "lock", errno);
   }
-  RemoveRecorded(lock_.get());
+  RemoveRecorded(lock.get());
+  return lock;
 }
 
-InPlaceLinks::InPlaceLinks(const InPlaceTurn& turn, const fs::path& root) : lock_file_(turn.lock_file()) {
+InPlaceLinks::InPlaceLinks(const UniqueFd& turn, const fs::path& root) : lock_file_(turn.get()) {
   if (const auto obstacle = ObstacleAtFixedPaths()) {
     throw DeviceError("cannot work in place: " + *obstacle + "; move it away, or allow namespaces");
   }

@@ -1,6 +1,4 @@
 // Mounting a device's directories at the fixed paths.
-#include "platform/host/fixed_paths_mounts.h"
-
 #include <dirent.h>
 #include <fcntl.h>
 #include <linux/capability.h>
@@ -22,6 +20,7 @@
 #include "base/unique_fd.h"
 #include "platform/host/device.h"
 #include "platform/host/files.h"
+#include "platform/host/fixed_paths_methods.h"
 
 namespace host {
 namespace {
@@ -125,7 +124,7 @@ void MakeMountPoint(const fs::path& path, bool is_directory) {
   if (!is_directory && !MakeEmptyFile(path)) ThrowSystemError("make " + path.string(), errno);
 }
 
-// A fixed path and what of the device belongs there, taken hold of before any mount hides it.
+// A fixed path and what of the device belongs there, opened before any mount hides it.
 struct Overlay {
   fs::path target;
   UniqueFd source;  // none: the device has nothing there

@@ -1,11 +1,14 @@
-// The packages of the device that the environment names, as the platform's libraries ask for them.
+// The packages of the device that the environment names, as the platform's libraries ask for them, and the records that
+// these hand out by an untyped handle.
 #ifndef ORVEL_PLATFORM_HOST_INSTALLED_PACKAGES_H_
 #define ORVEL_PLATFORM_HOST_INSTALLED_PACKAGES_H_
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "platform/host/c_boundary.h"
 #include "platform/host/package_store.h"
 
 namespace host {
@@ -26,6 +29,25 @@ std::optional<InstalledApplication> FindInstalledApplication(const std::string& 
 // Every application that has all of the metadata entries, in the order of PackageStore. Throws DeviceError also when
 // there is no device.
 std::vector<InstalledApplication> FindInstalledApplications(const std::vector<MetadataEntry>& entries);
+
+// Makes a record of what `find` gives for `id`, and a handle to it. Returns 0, or -1.
+template <typename Find>
+int MakeRecord(const char* id, void** handle, const Find& find) {
+  if (id == nullptr || handle == nullptr) return -1;
+  return AnswerOr(-1, [&] {
+    auto found = find(std::string(id));
+    if (!found) return -1;
+    *handle = new auto(std::move(*found));
+    return 0;
+  });
+}
+
+template <typename Record>
+int DestroyRecord(void* handle) {
+  if (handle == nullptr) return -1;
+  delete static_cast<Record*>(handle);
+  return 0;
+}
 
 }  // namespace host
 

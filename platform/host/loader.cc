@@ -1,6 +1,7 @@
 // The candidate loader's start.
 #include "platform/host/loader.h"
 
+#include <boost/algorithm/string/split.hpp>
 #include <nlohmann/json.hpp>
 
 #include "base/affix.h"
@@ -12,16 +13,6 @@ namespace host {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::vector<std::string> Split(std::string_view list) {
-  std::vector<std::string> entries;
-  for (size_t begin = 0; begin <= list.size();) {
-    const size_t end = std::min(list.find(':', begin), list.size());
-    entries.emplace_back(list.substr(begin, end - begin));
-    begin = end + 1;
-  }
-  return entries;
-}
 
 void CheckEntry(const fs::path& file, const std::string& entry) {
   if (entry.empty() || entry[0] != '/') throw DeviceError(file.string() + ": \"" + entry + "\" is no absolute path");
@@ -51,7 +42,8 @@ std::vector<std::string> ParseCache(const fs::path& file, const std::string& tex
   if (!HasSuffix(text, kEndMarker)) throw DeviceError(file.string() + ": damaged, it does not end with [END]");
   const std::string_view all = text;
   const auto list = all.substr(kStartMarker.size(), all.size() - kStartMarker.size() - kEndMarker.size());
-  auto entries = Split(list);
+  std::vector<std::string> entries;
+  boost::split(entries, list, [](char c) { return c == kEntrySeparator; });
   if (entries.front().empty()) entries.erase(entries.begin());
   return entries;
 }

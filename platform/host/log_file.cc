@@ -40,8 +40,8 @@ std::string RecordLine(char priority, std::string_view tag, std::string_view tex
   return line;
 }
 
-// Takes back the beginning of a record for whose rest there was no space, so that the next record gets a line of its
-// own. Nothing is done once another writer has gone on after it.
+// Truncates a record that was written in part, for want of space, so that the next record gets a line of its own. Does
+// nothing once another writer has appended to it.
 void TakeBack(int fd, off_t length) {
   struct stat status {};
   const off_t end = lseek(fd, 0, SEEK_CUR);
@@ -80,16 +80,8 @@ bool IsPriority(std::string_view field) {
 }  // namespace
 
 char PriorityLetter(int priority) {
-  switch (priority) {
-    case 3:
-      return 'D';
-    case 4:
-      return 'I';
-    case 6:
-      return 'E';
-    default:
-      return '?';
-  }
+  constexpr std::string_view kLetters = "???DI?E";
+  return priority >= 0 && priority < static_cast<int>(kLetters.size()) ? kLetters[static_cast<size_t>(priority)] : '?';
 }
 
 bool AppendLogRecord(const std::filesystem::path& file, char priority, std::string_view tag,
@@ -122,7 +114,5 @@ std::optional<LogRecord> ParseLogRecord(std::string_view line) {
   record.text = std::move(*plain_text);
   return record;
 }
-
-std::string EscapeLogText(std::string_view text) { return EscapeText(text); }
 
 }  // namespace host

@@ -31,9 +31,6 @@ bool AppendLogRecord(const std::filesystem::path& file, char priority, std::stri
 // Reads one line of the file (without its line feed). Nothing when it is no record.
 std::optional<LogRecord> ParseLogRecord(std::string_view line);
 
-// The escaped form of a text, as the file holds it.
-std::string EscapeLogText(std::string_view text);
-
 }  // namespace host
 
 #endif

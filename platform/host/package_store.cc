@@ -1,114 +1,99 @@
-// The package database: its changes and its questions. The tables are package_store_schema.cc's.
+// The package database: its changes and its questions.
 #include "platform/host/package_store.h"
 
+#include <SQLiteCpp/VariadicBind.h>
+
 #include "platform/host/device_error.h"
-#include "platform/host/package_store_schema.h"
+#include "platform/host/package_database.h"
 
 namespace host {
 namespace {
 
-using Transaction = SqliteTransaction;
+using SQLite::Database;
+using SQLite::Statement;
+using SQLite::Transaction;
 
-void RefuseForeignApplications(const SqliteDatabase& database, const Package& package) {
-  SqliteStatement owner(database, "SELECT package_id FROM applications WHERE id = ?1");
+int FlagsFor(PackageStore::Mode mode) {
+  if (mode == PackageStore::Mode::kReadOnly) return SQLite::OPEN_READONLY;
+  return SQLite::OPEN_READWRITE | (mode == PackageStore::Mode::kCreate ? SQLite::OPEN_CREATE : 0);
+}
+
+std::string Text(Statement& row, int column) { return row.getColumn(column).getString(); }
+
+void RefuseForeignApplications(const Database& database, const std::filesystem::path& file, const Package& package) {
+  Statement owner(database, "SELECT package_id FROM applications WHERE id = ?1");
   for (const auto& application : package.applications) {
-    owner.Reset();
-    if (owner.Bind(1, application.id).Step()) {
-      throw DeviceError(database.file().string() + ": application " + application.id + " belongs to package " +
-                        owner.Text(0) + " already; uninstall that one, or give the application another id");
+    owner.reset();
+    owner.bind(1, application.id);
+    if (owner.executeStep()) {
+      throw DeviceError(file.string() + ": application " + application.id + " belongs to package " + Text(owner, 0) +
+                        " already; uninstall that one, or give the application another id");
     }
   }
 }
 
-bool Delete(const SqliteDatabase& database, const std::string& package_id) {
-  SqliteStatement statement(database, "DELETE FROM packages WHERE id = ?1 RETURNING id");
-  return statement.Bind(1, package_id).Step();
+// Runs a statement that changes the database. Returns how many rows it changed.
+template <typename... Values>
+int Change(const Database& database, const char* sql, const Values&... values) {
+  Statement statement(database, sql);
+  SQLite::bind(statement, values...);
+  return statement.exec();
 }
 
-void InsertMetadata(const SqliteDatabase& database, const Application& application) {
-  SqliteStatement statement(database, "INSERT INTO metadata (app_id, position, key, value) VALUES (?1, ?2, ?3, ?4)");
-  int64_t position = 0;
+bool Delete(const Database& database, const std::string& package_id) {
+  return Change(database, "DELETE FROM packages WHERE id = ?1", package_id) > 0;
+}
+
+void InsertApplication(const Database& database, const std::string& package_id, int position,
+                       const Application& application) {
+  Change(database,
+         "INSERT INTO applications (id, package_id, position, kind, type, exec) VALUES (?1, ?2, ?3, ?4, ?5, ?6)",
+         application.id, package_id, position, application.kind, application.type, application.exec);
+  int entry_position = 0;
   for (const auto& entry : application.metadata) {
-    statement.Reset();
-    statement.Bind(1, application.id).Bind(2, position++).Bind(3, entry.key).Bind(4, entry.value).Step();
+    Change(database, "INSERT INTO metadata (app_id, position, key, value) VALUES (?1, ?2, ?3, ?4)", application.id,
+           entry_position++, entry.key, entry.value);
   }
 }
 
-void InsertApplications(const SqliteDatabase& database, const Package& package) {
-  SqliteStatement statement(database,
-                            "INSERT INTO applications (id, package_id, position, kind, type, exec)"
-                            " VALUES (?1, ?2, ?3, ?4, ?5, ?6)");
-  int64_t position = 0;
+void InsertPackage(const Database& database, const Package& package) {
+  Change(database, "INSERT INTO packages (id, version, type, root, main_app_id) VALUES (?1, ?2, ?3, ?4, ?5)",
+         package.id, package.version, package.type, package.root, package.main_app_id);
+  int position = 0;
   for (const auto& application : package.applications) {
-    statement.Reset();
-    statement.Bind(1, application.id).Bind(2, package.id).Bind(3, position++);
-    statement.Bind(4, application.kind).Bind(5, application.type).Bind(6, application.exec).Step();
-    InsertMetadata(database, application);
+    InsertApplication(database, package.id, position++, application);
   }
-}
-
-void InsertPrivileges(const SqliteDatabase& database, const Package& package) {
-  SqliteStatement statement(database, "INSERT INTO privileges (package_id, position, name) VALUES (?1, ?2, ?3)");
-  int64_t position = 0;
+  position = 0;
   for (const auto& privilege : package.privileges) {
-    statement.Reset();
-    statement.Bind(1, package.id).Bind(2, position++).Bind(3, privilege).Step();
+    Change(database, "INSERT INTO privileges (package_id, position, name) VALUES (?1, ?2, ?3)", package.id, position++,
+           privilege);
   }
 }
 
-void InsertPackage(const SqliteDatabase& database, const Package& package) {
-  SqliteStatement statement(database,
-                            "INSERT INTO packages (id, version, type, root, main_app_id) VALUES (?1, ?2, ?3, ?4, ?5)");
-  statement.Bind(1, package.id).Bind(2, package.version).Bind(3, package.type);
-  statement.Bind(4, package.root).Bind(5, package.main_app_id).Step();
-  InsertApplications(database, package);
-  InsertPrivileges(database, package);
-}
-
-std::vector<MetadataEntry> ReadMetadata(const SqliteDatabase& database, const std::string& app_id) {
-  SqliteStatement row(database, "SELECT key, value FROM metadata WHERE app_id = ?1 ORDER BY position");
-  row.Bind(1, app_id);
-  std::vector<MetadataEntry> metadata;
-  while (row.Step()) metadata.push_back({row.Text(0), row.Text(1)});
-  return metadata;
-}
-
-std::vector<Application> ReadApplications(const SqliteDatabase& database, const std::string& package_id) {
-  SqliteStatement row(database,
-                      "SELECT id, kind, type, exec FROM applications WHERE package_id = ?1 ORDER BY position");
-  row.Bind(1, package_id);
-  std::vector<Application> applications;
-  while (row.Step()) {
-    const std::string id = row.Text(0);
-    applications.push_back({id, row.Text(1), row.Text(2), row.Text(3), ReadMetadata(database, id)});
-  }
-  return applications;
-}
-
-std::vector<std::string> ReadPrivileges(const SqliteDatabase& database, const std::string& package_id) {
-  SqliteStatement row(database, "SELECT name FROM privileges WHERE package_id = ?1 ORDER BY position");
-  row.Bind(1, package_id);
-  std::vector<std::string> privileges;
-  while (row.Step()) privileges.push_back(row.Text(0));
-  return privileges;
+// Calls `take` with every row that `sql` gives for `id`.
+template <typename Take>
+void ForEachRow(const Database& database, const char* sql, const std::string& id, const Take& take) {
+  Statement row(database, sql);
+  row.bind(1, id);
+  while (row.executeStep()) take(row);
 }
 
 // The package of a row (id, version, type, root, main_app_id).
-Package ReadPackage(const SqliteDatabase& database, const SqliteStatement& row) {
-  Package package{row.Text(0), row.Text(1), row.Text(2), row.Text(3), row.Text(4), {}, {}};
-  package.applications = ReadApplications(database, package.id);
-  package.privileges = ReadPrivileges(database, package.id);
+Package ReadPackage(const Database& database, Statement& own) {
+  Package package{Text(own, 0), Text(own, 1), Text(own, 2), Text(own, 3), Text(own, 4), {}, {}};
+  ForEachRow(database, "SELECT id, kind, type, exec FROM applications WHERE package_id = ?1 ORDER BY position",
+             package.id, [&](Statement& row) {
+               package.applications.push_back({Text(row, 0), Text(row, 1), Text(row, 2), Text(row, 3), {}});
+             });
+  for (auto& application : package.applications) {
+    ForEachRow(database, "SELECT key, value FROM metadata WHERE app_id = ?1 ORDER BY position", application.id,
+               [&](Statement& row) {
+                 application.metadata.push_back({Text(row, 0), Text(row, 1)});
+               });
+  }
+  ForEachRow(database, "SELECT name FROM privileges WHERE package_id = ?1 ORDER BY position", package.id,
+             [&](Statement& row) { package.privileges.push_back(Text(row, 0)); });
   return package;
-}
-
-constexpr std::string_view kPackageRow = "SELECT id, version, type, root, main_app_id FROM packages";
-
-std::optional<Package> ReadOnePackage(const SqliteDatabase& database, std::string_view condition,
-                                      const std::string& id) {
-  const Transaction one_state(database, Transaction::Kind::kRead);
-  SqliteStatement row(database, std::string(kPackageRow).append(condition));
-  if (!row.Bind(1, id).Step()) return std::nullopt;
-  return ReadPackage(database, row);
 }
 
 std::string FilterQuery(size_t entries) {
@@ -119,55 +104,69 @@ std::string FilterQuery(size_t entries) {
   return sql + " ORDER BY package_id, position";
 }
 
+std::optional<Package> First(std::vector<Package> packages) {
+  if (packages.empty()) return std::nullopt;
+  return std::move(packages.front());
+}
+
 }  // namespace
 
-PackageStore::PackageStore(const std::filesystem::path& file, Mode mode) : database_(file, mode) {
-  if (mode == Mode::kCreate) CreateSchema(database_);
-  CheckSchema(database_);
+PackageStore::PackageStore(const std::filesystem::path& file, Mode mode)
+    : file_(file), database_(OpenPackageDatabase(file, FlagsFor(mode))) {}
+
+PackageStore::~PackageStore() = default;
+
+void PackageStore::Put(const Package& package) try {
+  Transaction change(*database_, SQLite::TransactionBehavior::IMMEDIATE);
+  Delete(*database_, package.id);
+  RefuseForeignApplications(*database_, file_, package);
+  InsertPackage(*database_, package);
+  change.commit();
+} catch (const SQLite::Exception& refusal) {
+  ThrowRefusal(file_, database_.get(), refusal);
 }
 
-void PackageStore::Put(const Package& package) {
-  Transaction change(database_, Transaction::Kind::kWrite);
-  Delete(database_, package.id);
-  RefuseForeignApplications(database_, package);
-  InsertPackage(database_, package);
-  change.Commit();
+bool PackageStore::Remove(const std::string& package_id) try {
+  return Delete(*database_, package_id);
+} catch (const SQLite::Exception& refusal) {
+  ThrowRefusal(file_, database_.get(), refusal);
 }
 
-bool PackageStore::Remove(const std::string& package_id) {
-  Transaction change(database_, Transaction::Kind::kWrite);
-  const bool found = Delete(database_, package_id);
-  change.Commit();
-  return found;
+std::vector<Package> PackageStore::Select(const std::string& condition, const std::string& id) const try {
+  const Transaction one_state(*database_);
+  Statement row(*database_, "SELECT id, version, type, root, main_app_id FROM packages WHERE " + condition);
+  row.bind(1, id);
+  std::vector<Package> packages;
+  while (row.executeStep()) packages.push_back(ReadPackage(*database_, row));
+  return packages;
+} catch (const SQLite::Exception& refusal) {
+  ThrowRefusal(file_, database_.get(), refusal);
 }
 
 std::optional<Package> PackageStore::Find(const std::string& package_id) const {
-  return ReadOnePackage(database_, " WHERE id = ?1", package_id);
+  return First(Select("id = ?1", package_id));
 }
 
 std::optional<Package> PackageStore::FindByApplication(const std::string& app_id) const {
-  return ReadOnePackage(database_, " WHERE id = (SELECT package_id FROM applications WHERE id = ?1)", app_id);
+  return First(Select("id = (SELECT package_id FROM applications WHERE id = ?1)", app_id));
 }
 
-std::vector<Package> PackageStore::List() const {
-  const Transaction one_state(database_, Transaction::Kind::kRead);
-  SqliteStatement row(database_, std::string(kPackageRow).append(" ORDER BY id"));
-  std::vector<Package> packages;
-  while (row.Step()) packages.push_back(ReadPackage(database_, row));
-  return packages;
-}
+// No id is smaller than the empty one.
+std::vector<Package> PackageStore::List() const { return Select("id >= ?1 ORDER BY id", ""); }
 
 std::vector<std::pair<std::string, std::string>> PackageStore::ApplicationsWithMetadata(
-    const std::vector<MetadataEntry>& entries) const {
-  SqliteStatement row(database_, FilterQuery(entries.size()));
+    const std::vector<MetadataEntry>& entries) const try {
+  Statement row(*database_, FilterQuery(entries.size()));
   int parameter = 0;
   for (const auto& entry : entries) {
-    row.Bind(++parameter, entry.key);
-    row.Bind(++parameter, entry.value);
+    row.bind(++parameter, entry.key);
+    row.bind(++parameter, entry.value);
   }
   std::vector<std::pair<std::string, std::string>> applications;
-  while (row.Step()) applications.emplace_back(row.Text(0), row.Text(1));
+  while (row.executeStep()) applications.emplace_back(Text(row, 0), Text(row, 1));
   return applications;
+} catch (const SQLite::Exception& refusal) {
+  ThrowRefusal(file_, database_.get(), refusal);
 }
 
 }  // namespace host

@@ -4,12 +4,15 @@
 #define ORVEL_PLATFORM_HOST_PACKAGE_STORE_H_
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "platform/host/sqlite_database.h"
+namespace SQLite {
+class Database;
+}
 
 namespace host {
 
@@ -40,10 +43,12 @@ struct Package {
 // when SQLite refuses; a failed change leaves the database as it was.
 class PackageStore {
  public:
-  using Mode = SqliteDatabase::Access;
+  enum class Mode { kReadOnly, kReadWrite, kCreate };
 
-  // Opens `file`. Throws when its schema is newer than this program's.
+  // Opens `file`, which kReadOnly also reads where nothing may be written. Throws when its schema is newer than this
+  // program's.
   PackageStore(const std::filesystem::path& file, Mode mode);
+  ~PackageStore();
 
   // Adds the package, or replaces it whole, in one transaction. Throws also when another package has one of its
   // applications.
@@ -62,7 +67,10 @@ class PackageStore {
       const std::vector<MetadataEntry>& entries) const;
 
  private:
-  SqliteDatabase database_;
+  std::vector<Package> Select(const std::string& condition, const std::string& id) const;
+
+  std::filesystem::path file_;
+  std::unique_ptr<SQLite::Database> database_;
 };
 
 }  // namespace host

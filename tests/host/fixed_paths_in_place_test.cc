@@ -1,11 +1,11 @@
 // Working in place, on a machine where the kernel refuses namespaces.
-#include "platform/host/fixed_paths_in_place.h"
 
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "platform/host/fixed_paths.h"
+#include "platform/host/fixed_paths_methods.h"
 #include "tests/host/frame.h"
 
 namespace host_tests {
@@ -118,7 +118,7 @@ TEST_F(InPlace, is_refused_where_a_fixed_path_exists) {
 
 TEST_F(InPlace, what_appeared_since_the_check_is_not_touched) {
   OnMachine([this] {
-    const host::InPlaceTurn turn;
+    const UniqueFd turn = host::TakeTurnInPlace();
     WriteFile("/opt/usr", "mine");
     EXPECT_EQ("cannot work in place: /opt/usr exists already; move it away, or allow namespaces",
               ErrorOf([&] { host::InPlaceLinks(turn, root()); }));

@@ -7,13 +7,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <ctime>
 #include <map>
 #include <nlohmann/json.hpp>
 
 #include "platform/host/json.h"
-#include "platform/host/trace_file.h"
 #include "tests/host/frame.h"
 
 namespace host_tests {
@@ -141,9 +141,16 @@ TEST_F(Trace, several_processes_share_one_file) {
   for (const auto& [pid, count] : events) EXPECT_EQ(200, count) << pid;
 }
 
-TEST(TraceFile, a_file_that_cannot_be_written_is_told) {
-  EXPECT_FALSE(host::AppendTraceEvent("/dev/full", 'B', "x"));
-  EXPECT_FALSE(host::AppendTraceEvent("/proc/none/x", 'B', "x"));
+TEST_F(Trace, a_file_that_cannot_be_written_loses_its_events_and_nothing_else) {
+  for (const char* refusing : {"/dev/full", "/proc/none/x"}) {
+    setenv(host::kTraceVariable, refusing, 1);
+    errno = EDOM;
+    trace_begin("span of %s", refusing);
+    EXPECT_EQ(EDOM, errno);
+    setenv(host::kTraceVariable, file().c_str(), 1);
+    trace_end();
+  }
+  EXPECT_THAT(Texts(), ElementsAre("E span of /dev/full", "E span of /proc/none/x"));
 }
 
 }  // namespace

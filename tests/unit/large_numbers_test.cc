@@ -16,7 +16,7 @@
 #include "morvath/platform_utils.h"
 #include "platform/host/child_process.h"
 #include "platform/host/device.h"
-#include "platform/host/fixed_paths_mounts.h"
+#include "platform/host/fixed_paths_methods.h"
 #include "plugin/catalogues.h"
 #include "plugin/duplicates.h"
 #include "quarnel_util/quarnel_util.h"

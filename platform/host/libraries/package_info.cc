@@ -2,7 +2,6 @@
 #include "orvel/package_info.h"
 
 #include "platform/host/installed_packages.h"
-#include "platform/host/libraries/records.h"
 
 int package_info_create(const char* packageId, package_info_h* handle) {
   return host::MakeRecord(packageId, handle, host::FindInstalledPackage);

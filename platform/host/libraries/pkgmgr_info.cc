@@ -1,24 +1,21 @@
 // liborvel_pkgmgr_info: records are copies of what the device's package database holds.
 #include "orvel/pkgmgr_info.h"
 
-#include <algorithm>
-
 #include "platform/host/installed_packages.h"
-#include "platform/host/libraries/records.h"
 
 namespace {
 
+using host::InstalledApplication;
 using Filter = std::vector<host::MetadataEntry>;
 
-// Hands out a text that `record` keeps; getters promise callers a char*.
-int HandOut(std::string& text, char** out) {
-  *out = text.data();
+// Hands out the text that `find` finds in the record, which keeps it; getters promise callers a char*.
+template <typename Record, typename Find>
+int HandOut(void* record, char** out, const Find& find) {
+  if (record == nullptr || out == nullptr) return -1;
+  std::string* text = find(*static_cast<Record*>(record));
+  if (text == nullptr) return -1;
+  *out = text->data();
   return 0;
-}
-
-int GetAppText(pkgmgrinfo_appinfo_h handle, char** out, std::string host::InstalledApplication::*text) {
-  if (handle == nullptr || out == nullptr) return -1;
-  return HandOut(static_cast<host::InstalledApplication*>(handle)->*text, out);
 }
 
 }  // namespace
@@ -60,28 +57,29 @@ int pkgmgrinfo_appinfo_get_appinfo(const char* appId, pkgmgrinfo_appinfo_h* hand
 }
 
 int pkgmgrinfo_appinfo_get_root_path(pkgmgrinfo_appinfo_h handle, char** rootPath) {
-  return GetAppText(handle, rootPath, &host::InstalledApplication::package_root);
+  return HandOut<InstalledApplication>(handle, rootPath, [](auto& record) { return &record.package_root; });
 }
 
 int pkgmgrinfo_appinfo_get_pkgid(pkgmgrinfo_appinfo_h handle, char** pkgId) {
-  return GetAppText(handle, pkgId, &host::InstalledApplication::package_id);
+  return HandOut<InstalledApplication>(handle, pkgId, [](auto& record) { return &record.package_id; });
 }
 
 int pkgmgrinfo_appinfo_get_exec(pkgmgrinfo_appinfo_h handle, char** exec) {
-  if (handle == nullptr || exec == nullptr) return -1;
-  return HandOut(static_cast<host::InstalledApplication*>(handle)->application.exec, exec);
+  return HandOut<InstalledApplication>(handle, exec, [](auto& record) { return &record.application.exec; });
 }
 
 int pkgmgrinfo_appinfo_get_metadata_value(pkgmgrinfo_appinfo_h handle, const char* key, char** value) {
-  if (handle == nullptr || key == nullptr || value == nullptr) return -1;
-  auto& metadata = static_cast<host::InstalledApplication*>(handle)->application.metadata;
-  const auto entry =
-      std::find_if(metadata.begin(), metadata.end(), [&](const host::MetadataEntry& e) { return e.key == key; });
-  return entry == metadata.end() ? -1 : HandOut(entry->value, value);
+  if (key == nullptr) return -1;
+  return HandOut<InstalledApplication>(handle, value, [key](auto& record) -> std::string* {
+    for (host::MetadataEntry& entry : record.application.metadata) {
+      if (entry.key == key) return &entry.value;
+    }
+    return nullptr;
+  });
 }
 
 int pkgmgrinfo_appinfo_destroy_appinfo(pkgmgrinfo_appinfo_h handle) {
-  return host::DestroyRecord<host::InstalledApplication>(handle);
+  return host::DestroyRecord<InstalledApplication>(handle);
 }
 
 int pkgmgrinfo_pkginfo_get_pkginfo(const char* pkgId, pkgmgrinfo_pkginfo_h* handle) {
@@ -94,14 +92,12 @@ int pkgmgrinfo_pkginfo_get_usr_pkginfo(const char* pkgId, uid_t /*uid*/, pkgmgri
 }
 
 int pkgmgrinfo_pkginfo_get_mainappid(pkgmgrinfo_pkginfo_h handle, char** mainAppId) {
-  if (handle == nullptr || mainAppId == nullptr) return -1;
-  auto& id = static_cast<host::Package*>(handle)->main_app_id;
-  return id.empty() ? -1 : HandOut(id, mainAppId);
+  return HandOut<host::Package>(
+      handle, mainAppId, [](auto& record) { return record.main_app_id.empty() ? nullptr : &record.main_app_id; });
 }
 
 int pkgmgrinfo_pkginfo_get_type(pkgmgrinfo_pkginfo_h handle, char** type) {
-  if (handle == nullptr || type == nullptr) return -1;
-  return HandOut(static_cast<host::Package*>(handle)->type, type);
+  return HandOut<host::Package>(handle, type, [](auto& record) { return &record.type; });
 }
 
 int pkgmgrinfo_pkginfo_destroy_pkginfo(pkgmgrinfo_pkginfo_h handle) {

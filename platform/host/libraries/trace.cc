@@ -1,23 +1,51 @@
-// liborvel_trace: spans as Chrome trace events, appended to the file that the environment asks for.
+// liborvel_trace: spans as Chrome trace events, appended to the file that the environment asks for: a JSON array whose
+// closing bracket, which the format does not demand, is never written. Several processes may write one file.
 #include "orvel/trace.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
+#include <nlohmann/json.hpp>
 #include <vector>
 
+#include "base/unique_fd.h"
 #include "platform/host/c_boundary.h"
 #include "platform/host/device.h"
-#include "platform/host/trace_file.h"
+#include "platform/host/files.h"
+#include "platform/host/json.h"
 
 namespace {
 
 // The names of this thread's open spans, the innermost last.
 thread_local std::vector<std::string> open_spans;
 
+std::string EventText(char phase, const std::string& name) {
+  using std::chrono::microseconds;
+  // The steady clock is CLOCK_MONOTONIC, common to all processes.
+  const auto now = std::chrono::duration_cast<microseconds>(std::chrono::steady_clock::now().time_since_epoch());
+  return host::JsonText({{"name", name},
+                         {"ph", std::string(1, phase)},
+                         {"pid", getpid()},
+                         {"tid", syscall(SYS_gettid)},
+                         {"ts", now.count()}});
+}
+
+// Appends one event of this thread: phase 'B' opens a span, 'E' closes it. Where it cannot be written, none is.
 void WriteEvent(char phase, const std::string& name) {
   const char* file = std::getenv(host::kTraceVariable);
-  if (file != nullptr && *file != '\0') host::AppendTraceEvent(file, phase, name);
+  if (file == nullptr || *file == '\0') return;
+  const std::string event = EventText(phase, name);
+  const UniqueFd fd(open(file, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666));
+  struct stat status {};
+  // The lock, released with the descriptor, lets only one process find the file empty.
+  if (!fd || flock(fd.get(), LOCK_EX) != 0 || fstat(fd.get(), &status) != 0) return;
+  if (host::WriteAll(fd.get(), (status.st_size == 0 ? "[\n" : ",\n") + event) == 0) return;
+  [[maybe_unused]] const int result = ftruncate(fd.get(), status.st_size);  // no half event stays
 }
 
 }  // namespace

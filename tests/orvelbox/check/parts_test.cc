@@ -8,10 +8,9 @@
 #include <thread>
 
 #include "orvelbox/check/check.h"
-#include "orvelbox/check/formats.h"
-#include "orvelbox/check/workers.h"
+#include "orvelbox/check/result.h"
+#include "orvelbox/desk/output.h"
 #include "orvelbox/desk/progress.h"
-#include "orvelbox/desk/text_table.h"
 #include "platform/host/child_process.h"
 #include "platform/host/json.h"
 #include "tests/orvelbox/frame.h"
@@ -98,10 +97,8 @@ TEST(CheckTable, tells_when_an_install_would_fail) {
 }
 
 TEST(TextTable, columns_are_as_wide_as_their_characters_and_empty_ones_left_out) {
-  TextTable table({"A", "EMPTY", "B"});
-  table.Add({"größer", "", "1"});
-  table.Add({"x", "", "2"});
-  EXPECT_THAT(table.Render(), ElementsAre("A       B", "größer  1", "x       2"));
+  EXPECT_THAT(TableOf({{"A", "EMPTY", "B"}, {"größer", "", "1"}, {"x", "", "2"}}),
+              ElementsAre("A       B", "größer  1", "x       2"));
 }
 
 TEST(ProjectLines, name_each_provided_dll_once_and_escape_it) {
@@ -166,24 +163,26 @@ CheckedPackage Named(const std::string& name) {
   return package;
 }
 
+struct Results : CheckReceiver {
+  void Receive(CheckedPackage package) override { names.push_back(package.name); }
+  void Finished(std::size_t packages) override {
+    EXPECT_GE(packages, through);
+    through = packages;
+  }
+
+  std::vector<std::string> names;
+  std::size_t through = 0;
+};
+
 std::vector<std::string> ResultsOf(std::size_t count, unsigned threads,
                                    const std::function<std::string(std::size_t, const std::atomic<bool>&)>& work) {
-  std::vector<std::string> results;
-  std::size_t through = 0;
+  Results results;
   const host::HeldSignals signals;
   RunOnThreads(
       count, threads,
-      [&](std::size_t number, const std::atomic<bool>& stopped) { return Named(work(number, stopped)); },
-      [&](std::size_t number, CheckedPackage package) {
-        EXPECT_EQ(number, results.size());
-        results.push_back(package.name);
-      },
-      [&](std::size_t finished) {
-        EXPECT_GE(finished, through);
-        through = finished;
-      });
-  EXPECT_EQ(through, count);
-  return results;
+      [&](std::size_t number, const std::atomic<bool>& stopped) { return Named(work(number, stopped)); }, results);
+  EXPECT_EQ(results.through, count);
+  return results.names;
 }
 
 TEST(Workers, results_come_in_order_whoever_is_through_first) {

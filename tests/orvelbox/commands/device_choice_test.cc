@@ -1,6 +1,8 @@
 // Which device a command works on.
-#include "orvelbox/commands/device_choice.h"
 
+#include <map>
+
+#include "orvelbox/commands/shared.h"
 #include "tests/orvelbox/frame.h"
 
 namespace orvelbox {

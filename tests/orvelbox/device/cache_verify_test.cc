@@ -1,9 +1,9 @@
 // Every fault of a cache file by itself, and none where there is none.
-#include "orvelbox/device/cache_verify.h"
 
 #include <nlohmann/json.hpp>
 #include <set>
 
+#include "orvelbox/device/cache_text.h"
 #include "platform/host/json.h"
 #include "tests/orvelbox/frame.h"
 

@@ -1,6 +1,6 @@
 // The facts of an operation, read out of log records.
-#include "orvelbox/history/log_facts.h"
 
+#include "orvelbox/history/log.h"
 #include "tests/orvelbox/frame.h"
 
 namespace orvelbox {

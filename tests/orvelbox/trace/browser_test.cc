@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <stdexcept>
 
-#include "orvelbox/trace/drawings.h"
+#include "orvelbox/trace/spans.h"
 #include "tests/orvelbox/frame.h"
 #include "tests/support/command.h"
 

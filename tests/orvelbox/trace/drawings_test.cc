@@ -1,10 +1,10 @@
 // Traces as lines, as pictures and as pages.
-#include "orvelbox/trace/drawings.h"
 
 #include <libxml/parser.h>
 
 #include <memory>
 
+#include "orvelbox/trace/spans.h"
 #include "tests/orvelbox/frame.h"
 
 namespace orvelbox {

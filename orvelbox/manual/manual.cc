@@ -1,14 +1,51 @@
-// The completions of bash, zsh and fish. All offer the commands, the options of the program and of the command that
-// stands on the line, the values where there is a choice, and files otherwise.
+// The manual page, and the completions of bash, zsh and fish. These offer the commands, the options of the program and
+// of the command that stands on the line, the values where there is a choice, and files otherwise.
 #include "orvelbox/manual/manual.h"
+
+#include <boost/algorithm/string/join.hpp>
+#include <boost/algorithm/string/replace.hpp>
+#include <sstream>
 
 namespace orvelbox {
 namespace {
 
-std::string Joined(const std::vector<std::string>& words, const std::string& separator) {
-  std::string joined;
-  for (const std::string& word : words) joined += (joined.empty() ? "" : separator) + word;
-  return joined;
+// A hyphen that is to be typed, a backslash and a dot at the beginning mean something else to roff.
+std::string Roff(std::string text) {
+  boost::replace_all(text, "\\", "\\e");
+  boost::replace_all(text, "-", "\\-");
+  return text.empty() || (text.front() != '.' && text.front() != '\'') ? text : "\\&" + text;
+}
+
+// Each line by itself, as the text is laid out.
+std::string Lines(const std::string& text) {
+  std::string lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines += Roff(line) + "\n.br\n";
+  return lines;
+}
+
+std::string Entry(const Option& option) {
+  const std::string value = option.value.empty() ? "" : " \\fI" + Roff(option.value) + "\\fR";
+  const std::string face = option.name.front() == '-' ? "\\fB" : "\\fI";
+  return ".TP\n" + face + Roff(option.name) + "\\fR" + value + "\n" + Roff(option.description) + "\n";
+}
+
+std::string Entries(const CommandFacts& command) {
+  std::string text;
+  for (const Option& argument : command.arguments) text += Entry(argument);
+  for (const Option& option : command.options) text += Entry(option);
+  return text;
+}
+
+// The command and those below it; `prefix` are the names above it.
+std::string Section(const CommandFacts& command, const std::string& prefix) {
+  const std::string name = prefix + command.name;
+  std::string synopsis = "\\fB" + Roff(name) + "\\fR";
+  for (const Option& argument : command.arguments) synopsis += " \\fI" + Roff(argument.name) + "\\fR";
+  std::string text = ".SS \"" + synopsis + "\"\n" + Roff(command.description) + "\n" + Entries(command) + ".PP\n" +
+                     Lines(command.footer);
+  for (const CommandFacts& below : command.commands) text += Section(below, name + " ");
+  return text;
 }
 
 // The names of options or commands.
@@ -21,17 +58,12 @@ std::vector<std::string> Names(const std::vector<Facts>& all) {
 }
 
 // Within single quotes of a shell.
-std::string Quoted(const std::string& text) {
-  std::string quoted = "'";
-  for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return quoted + "'";
-}
+std::string Quoted(const std::string& text) { return "'" + boost::replace_all_copy(text, "'", "'\\''") + "'"; }
 
 // As Quoted, for fish, in which a backslash escapes within single quotes.
-std::string QuotedForFish(const std::string& text) {
-  std::string quoted = "'";
-  for (const char c : text) quoted += (c == '\'' || c == '\\' ? "\\" : "") + std::string(1, c);
-  return quoted + "'";
+std::string QuotedForFish(std::string text) {
+  boost::replace_all(text, "\\", "\\\\");
+  return "'" + boost::replace_all_copy(text, "'", "\\'") + "'";
 }
 
 // Every option of the program and its commands, each name once.
@@ -65,12 +97,12 @@ std::string BashValues(const CommandFacts& program) {
   for (const Option& option : AllOptions(program)) {
     if (!option.choices.empty()) {
       text.append("    ").append(option.name).append(")").append(answer);
-      text.append("-W ").append(Quoted(Joined(option.choices, " "))).append(end);
+      text.append("-W ").append(Quoted(boost::join(option.choices, " "))).append(end);
     } else if (!option.value.empty()) {
       files.push_back(option.name);
     }
   }
-  return text + "    " + Joined(files, "|") + ")" + answer + "-f" + end;
+  return text + "    " + boost::join(files, "|") + ")" + answer + "-f" + end;
 }
 
 // "case" branches of bash that set the words which a command takes.
@@ -79,7 +111,7 @@ std::string BashWords(const CommandFacts& program) {
   for (const CommandFacts& command : program.commands) {
     std::vector<std::string> words = Names(command.options);
     for (const std::string& name : Names(command.commands)) words.push_back(name);
-    text += "    " + command.name + ") words=" + Quoted(Joined(words, " ")) + " ;;\n";
+    text += "    " + command.name + ") words=" + Quoted(boost::join(words, " ")) + " ;;\n";
   }
   return text;
 }
@@ -90,7 +122,8 @@ std::string ZshArgument(const Option& option) {
   for (const char c : option.description) text += (c == ':' || c == '[' || c == ']' ? "\\" : "") + std::string(1, c);
   text += "]";
   if (!option.value.empty()) {
-    text += ":" + option.value + ":" + (option.choices.empty() ? "_files" : "(" + Joined(option.choices, " ") + ")");
+    text +=
+        ":" + option.value + ":" + (option.choices.empty() ? "_files" : "(" + boost::join(option.choices, " ") + ")");
   }
   return Quoted(text);
 }
@@ -103,7 +136,7 @@ std::string ZshOptions(const std::vector<Option>& options) {
 
 std::string ZshCommand(const CommandFacts& command) {
   std::string words = "_files";
-  if (!command.commands.empty()) words = "(" + Joined(Names(command.commands), " ") + ")";
+  if (!command.commands.empty()) words = "(" + boost::join(Names(command.commands), " ") + ")";
   return "    " + command.name + ")\n      _arguments" + ZshOptions(command.options) + " \\\n        " +
          Quoted("*:argument:" + words) + " ;;\n";
 }
@@ -111,7 +144,7 @@ std::string ZshCommand(const CommandFacts& command) {
 std::string FishOption(const Option& option, const std::string& condition) {
   std::string text = "complete -c orvelbox" + condition + " -l " + option.name.substr(2);
   if (!option.value.empty()) text += " -r";
-  if (!option.choices.empty()) text += " -f -a " + QuotedForFish(Joined(option.choices, " "));
+  if (!option.choices.empty()) text += " -f -a " + QuotedForFish(boost::join(option.choices, " "));
   return text + " -d " + QuotedForFish(option.description) + "\n";
 }
 
@@ -129,6 +162,17 @@ std::string FishCommand(const CommandFacts& command) {
 
 }  // namespace
 
+std::string ManPage(const CommandFacts& program, const std::string& version) {
+  const std::size_t colon = program.description.find(": ");
+  const std::size_t stop = program.description.find('.');
+  std::string text = ".TH ORVELBOX 1 \"\" \"" + program.name + " " + version + "\"\n.SH NAME\n" + program.name +
+                     " \\- " + Roff(program.description.substr(colon + 2, stop - colon - 2)) + "\n.SH SYNOPSIS\n\\fB" +
+                     program.name + "\\fR [\\fIOPTIONS\\fR] \\fICOMMAND\\fR [\\fIARGUMENTS\\fR]\n.SH DESCRIPTION\n" +
+                     Roff(program.description) + "\n.SH OPTIONS\n" + Entries(program) + ".SH COMMANDS\n";
+  for (const CommandFacts& command : program.commands) text += Section(command, "");
+  return text + ".SH NOTES\n" + Lines(program.footer);
+}
+
 std::string BashCompletion(const CommandFacts& program) {
   return "# Completion of orvelbox for bash.\n_orvelbox() {\n"
          "  local word=${COMP_WORDS[COMP_CWORD]} command='' words i\n"
@@ -138,7 +182,7 @@ std::string BashCompletion(const CommandFacts& program) {
          "  for ((i = 1; i < COMP_CWORD; i++)); do\n"
          "    case ${COMP_WORDS[i]} in\n"
          "      " +
-         Joined(WithValue(program), "|") +
+         boost::join(WithValue(program), "|") +
          ") ((i++)) ;;\n"
          "      -*) ;;\n"
          "      *) command=${COMP_WORDS[i]}; break ;;\n"
@@ -146,10 +190,10 @@ std::string BashCompletion(const CommandFacts& program) {
          "  done\n"
          "  case $command in\n"
          "    '') words=" +
-         Quoted(Joined(Names(program.commands), " ")) + " ;;\n" + BashWords(program) +
+         Quoted(boost::join(Names(program.commands), " ")) + " ;;\n" + BashWords(program) +
          "  esac\n"
          "  mapfile -t COMPREPLY < <(compgen -W \"$words " +
-         Joined(Names(program.options), " ") +
+         boost::join(Names(program.options), " ") +
          "\" -- \"$word\")\n"
          "  if [[ -n $command && $word != -* ]]; then\n"
          "    mapfile -t -O \"${#COMPREPLY[@]}\" COMPREPLY < <(compgen -f -- \"$word\")\n"

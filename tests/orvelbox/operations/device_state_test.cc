@@ -1,6 +1,6 @@
 // States of a device and how they differ.
-#include "orvelbox/device/state.h"
 
+#include "orvelbox/operations/lifecycle.h"
 #include "platform/host/package_store.h"
 #include "tests/orvelbox/frame.h"
 

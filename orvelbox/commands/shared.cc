@@ -1,8 +1,13 @@
-// From options and environment to a device.
-#include "orvelbox/commands/device_choice.h"
+// From options and environment to a device, the change on it, and the report of the outcome.
+#include "orvelbox/commands/shared.h"
 
 #include <cstdlib>
 #include <stdexcept>
+
+#include "orvelbox/desk/output.h"
+#include "orvelbox/desk/progress.h"
+#include "orvelbox/operations/report.h"
+#include "orvelbox/package/source.h"
 
 namespace fs = std::filesystem;
 
@@ -55,6 +60,45 @@ HookSettings HookSettingsFor(const GlobalOptions& global, const host::Device& de
 void RequireOneOf(const std::string& platform, const GlobalOptions& global) {
   if (platform.empty() || global.device.empty()) return;
   throw std::invalid_argument("--platform and --device exclude each other; name what to check against once");
+}
+
+void RunOnSession(Command& command, const std::function<int(const Session&)>& change) {
+  command.run = [change, name = command.facts().name](const GlobalOptions& global) {
+    const Session session(HookSettingsFor(global, OpenChosenDevice(global)));
+    SayAll(session.mended());
+    const Activity activity(name, !global.quiet);
+    return change(session);
+  };
+}
+
+void RunOnPackage(Command& command, const std::function<int(const Session&, const fs::path&)>& change) {
+  const auto& package = command.Take<std::string>(PackageArgument());
+  RunOnSession(command, [&package, change](const Session& session) {
+    int status = kFailed;
+    WithPackage(package, session.trees().PlaceToUnpack(),
+                [&](const fs::path& directory) { status = change(session, directory); });
+    return status;
+  });
+}
+
+int Tell(const std::string& command, const Change& change, const std::string& done, const std::string& failed) {
+  Say(change.Done() ? done : failed);
+  SayAll(DescribeChange(change));
+  if (change.Done()) return kDone;
+  Complain(ComplaintAbout(command, change));
+  return kFailed;
+}
+
+Command MakePackageEvent(const std::string& name, const std::string& description, const std::string& done,
+                         const std::string& after, HookNames hooks) {
+  Command command(name, description, name + " org.example.shop");
+  const auto& id = command.Take<std::string>(IdArgument());
+  RunOnSession(command, [=, &id](const Session& session) {
+    const Change change = CallHooks(session, hooks, id);
+    const std::string package = WithVersion(change.package.id, change.package.version);
+    return Tell(name, change, done + " " + package + after, "not done: " + name + " " + package);
+  });
+  return command;
 }
 
 }  // namespace orvelbox

@@ -1,0 +1,52 @@
+// What the commands share: the device that they work on, the plug-in that is called on it, and how a change is made and
+// told.
+#ifndef ORVEL_ORVELBOX_COMMANDS_SHARED_H_
+#define ORVEL_ORVELBOX_COMMANDS_SHARED_H_
+
+#include <filesystem>
+#include <functional>
+#include <string>
+
+#include "orvelbox/cli/command_line.h"
+#include "orvelbox/operations/hook_process.h"
+#include "orvelbox/operations/operations.h"
+#include "platform/host/device.h"
+#include "platform/host/package_store.h"
+
+namespace orvelbox {
+
+// The value of an environment variable, or null.
+using Environment = std::function<const char*(const char* name)>;
+
+// The directory of the device: `option`, else ORVELBOX_DEVICE, else "orvelbox/device" in the XDG state directory.
+// Throws host::DeviceError when none of them is there.
+std::filesystem::path ChooseDevice(const std::string& option, const Environment& environment);
+
+// With this process's environment.
+std::filesystem::path ChooseDevice(const GlobalOptions& global);
+host::Device OpenChosenDevice(const GlobalOptions& global);
+
+host::PackageStore ReadStore(const host::Device& device);
+
+HookSettings HookSettingsFor(const GlobalOptions& global, const host::Device& device);
+
+// Throws std::invalid_argument when both are named.
+void RequireOneOf(const std::string& platform, const GlobalOptions& global);
+
+// Makes `command` run `change` on the opened device.
+void RunOnSession(Command& command, const std::function<int(const Session& session)>& change);
+
+// Gives `command` a package as its argument and makes it run `change` with the package's directory.
+void RunOnPackage(Command& command,
+                  const std::function<int(const Session& session, const std::filesystem::path& directory)>& change);
+
+// Says what `command` did, below the headline `done` or `failed`, and complains of a failure. Returns the exit status.
+int Tell(const std::string& command, const Change& change, const std::string& done, const std::string& failed);
+
+// A command that only calls hooks for an installed package; it was "`done` PACKAGE`after`".
+Command MakePackageEvent(const std::string& name, const std::string& description, const std::string& done,
+                         const std::string& after, HookNames hooks);
+
+}  // namespace orvelbox
+
+#endif
