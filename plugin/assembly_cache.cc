@@ -18,7 +18,6 @@
 
 namespace {
 
-constexpr const char* kPlatformRoot = "/usr/share/dotnet.orvel/";
 constexpr const char* kLibrarySuffix = "/lib/";
 
 // How many levels of directories are walked, the first one included.
@@ -88,10 +87,11 @@ int gac(const std::string& pkgId) {
 
   // The order counts: a name keeps the path under which it is catalogued first.
   const Catalogues catalogues = OwnCatalogues();
-  CataloguePlatform(catalogues, kPlatformRoot);
+  const std::string platformRoot = std::string(kPlatformAssemblies) + "/";
+  CataloguePlatform(catalogues, platformRoot);
   if (HasPlatformPrivilege(pkgId)) {
     LOG_DEBUG("This package has platform privilege. So add tvappapi path");
-    CatalogueTvAppApi(catalogues, kPlatformRoot);
+    CatalogueTvAppApi(catalogues, platformRoot);
   } else {
     LOG_DEBUG("This package does not have platform privilege. So skip tvappapi path");
   }
