@@ -19,6 +19,9 @@ inline constexpr char kEntrySeparator = ':';
 // The information file that stands for a removed DLL has the DLL's name with this at its end.
 inline constexpr std::string_view kInformationFileSuffix = "_deleted";
 
+// Where the platform's assemblies lie.
+inline constexpr const char* kPlatformAssemblies = "/usr/share/dotnet.orvel";
+
 // A package's shared resource directory is its root directory followed by this.
 inline constexpr const char* kSharedResourceSuffix = "/shared/res/";
 

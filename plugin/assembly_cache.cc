@@ -18,7 +18,6 @@
 
 namespace {
 
-constexpr const char* kPlatformRoot = "/usr/share/dotnet.orvel/";
 constexpr const char* kLibrarySuffix = "/lib/";
 
 // How many levels of directories are walked, the first one included.
@@ -28,39 +27,37 @@ constexpr unsigned int kWholePackage = 10;
 
 // Does insertItem for each file, but gives its strings away, and looks for the place beside that of the file before:
 // file systems of read-only images, and those in memory, list names in order.
-void CatalogueFiles(const std::string& directory, Catalogue& catalogue, unsigned int depth,
-                    const DirectoryLister& lister) {
+void CatalogueFiles(const std::string& directory, Catalogue& catalogue, unsigned int depth, const Walk& walk) {
   const auto record = [&catalogue, place = catalogue.end()](const ListedFile& file) mutable {
     std::string name(file.name);
     std::string path = concatPath(file.directory, name);
     place = catalogue.emplace_hint(place, std::move(name), std::move(path));
   };
-  WalkFiles(directory, record, depth, lister);
+  walk(directory, record, depth);
 }
 
 }  // namespace
 
-void CataloguePlatform(const Catalogues& catalogues, const std::string& platformRoot, const DirectoryLister& lister) {
-  CatalogueFiles(platformRoot + "netcoreapp/", catalogues.core, kDirectoryOnly, lister);
-  CatalogueFiles(platformRoot + "framework/", catalogues.framework, kDirectoryOnly, lister);
-  CatalogueFiles(platformRoot + "d.pc/", catalogues.framework, kWithSubdirectories, lister);
+void CataloguePlatform(const Catalogues& catalogues, const std::string& platformRoot, const Walk& walk) {
+  CatalogueFiles(platformRoot + "netcoreapp/", catalogues.core, kDirectoryOnly, walk);
+  CatalogueFiles(platformRoot + "framework/", catalogues.framework, kDirectoryOnly, walk);
+  CatalogueFiles(platformRoot + "d.pc/", catalogues.framework, kWithSubdirectories, walk);
 }
 
-void CatalogueTvAppApi(const Catalogues& catalogues, const std::string& platformRoot, const DirectoryLister& lister) {
-  CatalogueFiles(platformRoot + "tvappapi/", catalogues.framework, kDirectoryOnly, lister);
+void CatalogueTvAppApi(const Catalogues& catalogues, const std::string& platformRoot, const Walk& walk) {
+  CatalogueFiles(platformRoot + "tvappapi/", catalogues.framework, kDirectoryOnly, walk);
 }
 
-void CatalogueSharedResources(const Catalogues& catalogues, const std::string& packageRoot,
-                              const DirectoryLister& lister) {
-  CatalogueFiles(packageRoot + kSharedResourceSuffix, catalogues.components, kDirectoryOnly, lister);
+void CatalogueSharedResources(const Catalogues& catalogues, const std::string& packageRoot, const Walk& walk) {
+  CatalogueFiles(packageRoot + kSharedResourceSuffix, catalogues.components, kDirectoryOnly, walk);
 }
 
-void CatalogueLibrary(const Catalogues& catalogues, const std::string& packageRoot, const DirectoryLister& lister) {
-  CatalogueFiles(packageRoot + kLibrarySuffix, catalogues.library, kDirectoryOnly, lister);
+void CatalogueLibrary(const Catalogues& catalogues, const std::string& packageRoot, const Walk& walk) {
+  CatalogueFiles(packageRoot + kLibrarySuffix, catalogues.library, kDirectoryOnly, walk);
 }
 
-void VisitPackage(const std::string& packageRoot, const FileVisitor& visit, const DirectoryLister& lister) {
-  WalkFiles(packageRoot, visit, kWholePackage, lister);
+void VisitPackage(const std::string& packageRoot, const FileVisitor& visit, const Walk& walk) {
+  walk(packageRoot, visit, kWholePackage);
 }
 
 int RemoveDuplicates(const std::string& packageRoot) {
@@ -90,10 +87,11 @@ int gac(const std::string& pkgId) {
 
   // The order counts: a name keeps the path under which it is catalogued first.
   const Catalogues catalogues = OwnCatalogues();
-  CataloguePlatform(catalogues, kPlatformRoot);
+  const std::string platformRoot = std::string(kPlatformAssemblies) + "/";
+  CataloguePlatform(catalogues, platformRoot);
   if (HasPlatformPrivilege(pkgId)) {
     LOG_DEBUG("This package has platform privilege. So add tvappapi path");
-    CatalogueTvAppApi(catalogues, kPlatformRoot);
+    CatalogueTvAppApi(catalogues, platformRoot);
   } else {
     LOG_DEBUG("This package does not have platform privilege. So skip tvappapi path");
   }

@@ -29,19 +29,15 @@ ORVEL_EXPORT int cobaCallback(pkgmgrinfo_appinfo_h handle, void* userData);
 // The steps of the pass that fill the catalogues, for whoever judges a package without installing it.
 // `platformRoot`: the directory of the platform's assemblies, with a "/" at its end. CataloguePlatform takes up all of
 // them but the TV application API.
-void CataloguePlatform(const Catalogues& catalogues, const std::string& platformRoot,
-                       const DirectoryLister& lister = FileSystemLister());
-void CatalogueTvAppApi(const Catalogues& catalogues, const std::string& platformRoot,
-                       const DirectoryLister& lister = FileSystemLister());
+void CataloguePlatform(const Catalogues& catalogues, const std::string& platformRoot, const Walk& walk = WalkFiles);
+void CatalogueTvAppApi(const Catalogues& catalogues, const std::string& platformRoot, const Walk& walk = WalkFiles);
 // `packageRoot`: the root directory of a package, without a "/" at its end.
 void CatalogueSharedResources(const Catalogues& catalogues, const std::string& packageRoot,
-                              const DirectoryLister& lister = FileSystemLister());
-void CatalogueLibrary(const Catalogues& catalogues, const std::string& packageRoot,
-                      const DirectoryLister& lister = FileSystemLister());
+                              const Walk& walk = WalkFiles);
+void CatalogueLibrary(const Catalogues& catalogues, const std::string& packageRoot, const Walk& walk = WalkFiles);
 
 // Calls `visit` for each file of a package that the pass judges, in its order.
-void VisitPackage(const std::string& packageRoot, const FileVisitor& visit,
-                  const DirectoryLister& lister = FileSystemLister());
+void VisitPackage(const std::string& packageRoot, const FileVisitor& visit, const Walk& walk = WalkFiles);
 
 // The last step of the pass: offers those files to isUniqueDll. Returns -1 when any was a duplicate, else 0.
 int RemoveDuplicates(const std::string& packageRoot);

@@ -90,9 +90,9 @@ bool isDuplicatedDll(const std::string& origin, const std::string& duplicated) {
     LOG_DEBUG("Is DPC DLL %s\n", (exemption == Exemption::kOnDpcPath ? duplicated : origin).c_str());
     return false;
   }
-  LOG_ERROR("### Duplicated DLL found ###");
-  LOG_ERROR("Origin : %s", origin.c_str());
-  LOG_ERROR("Duplicated : %s", duplicated.c_str());
+  LOG_ERROR(LOG_TEXT_DUPLICATE_FOUND);
+  LOG_ERROR(LOG_TEXT_ORIGIN "%s", origin.c_str());
+  LOG_ERROR(LOG_TEXT_DUPLICATED "%s", duplicated.c_str());
   std::fprintf(stderr, "### Duplicated DLL found!!! Please remove duplicated dll ### Origin : %s, Duplicated : %s\n",
                origin.c_str(), duplicated.c_str());
   return true;
@@ -109,7 +109,7 @@ void removeFileAndLeaveInformationFile(const std::string& origin, const std::str
   FunctionEntryExitTracker tracker("void removeFileAndLeaveInformationFile(const std::string&, const std::string&)",
                                    kLogSource.unit, __LINE__);
   if (VerdictOnDuplicateOf(origin) == Verdict::kReportedOnly) {
-    LOG_ERROR("Origin file is in RW area. so doesn't remove duplicate file");
+    LOG_ERROR(LOG_TEXT_READ_WRITE);
     std::fputs("### INSTALL : morvath, org file is in rw \n", stderr);
     return;
   }

@@ -30,20 +30,20 @@ void RemoveFromCacheAndRestart(const char* pkgId) {
 
 void restartDotnetCandidateProcess() {
   FunctionEntryExitTracker tracker("void restartDotnetCandidateProcess()", kLogSource.unit, __LINE__);
-  if (aul_restart_loader(kCandidateLoader) != 0) LOG_ERROR("Can't restart dotnet-loader-inhouse");
+  if (aul_restart_loader(kCandidateLoader) != 0) LOG_ERROR(LOG_TEXT_RESTART_FAILED);
 }
 
 int PKGMGR_PARSER_PLUGIN_INSTALL(xmlDocPtr doc, const char* pkgId) {
   FunctionEntryExitTracker tracker("int PKGMGR_PARSER_PLUGIN_INSTALL(xmlDocPtr, const char*)", kLogSource.unit,
                                    __LINE__);
   if (!isAppDotnetInhouse(doc)) {
-    LOG_INFO("### App type is not dotnet-inhouse ###");
+    LOG_INFO(LOG_TEXT_NOT_INHOUSE);
     std::fprintf(stderr, "### INSTALL : morvath, skip gac. it's not dotnet-inhouse app : %s\n", Printable(pkgId));
     return 0;
   }
   std::fprintf(stderr, "### INSTALL : morvath : %s\n", Printable(pkgId));
   if (gac(pkgId) >= 0 || !isInDebuggingState(pkgId)) return 0;
-  LOG_ERROR("Duplicated DLL found. Please refer guide : %s", ORVEL_GUIDE_URL);
+  LOG_ERROR(LOG_TEXT_GUIDE "%s", ORVEL_GUIDE_URL);
   return -1;
 }
 
@@ -64,7 +64,7 @@ int PKGMGR_PARSER_PLUGIN_UNINSTALL(xmlDocPtr doc, const char* pkgId) {
   FunctionEntryExitTracker tracker("int PKGMGR_PARSER_PLUGIN_UNINSTALL(xmlDocPtr, const char*)", kLogSource.unit,
                                    __LINE__);
   if (!isAppDotnetInhouse(doc)) {
-    LOG_INFO("### App type is not dotnet-inhouse ###");
+    LOG_INFO(LOG_TEXT_NOT_INHOUSE);
     return 0;
   }
   cacheStateUninstall[pkgId] = true;
@@ -82,7 +82,7 @@ int PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL(xmlDocPtr, const char* pkgId) {
 int PKGMGR_PARSER_PLUGIN_CLEAN(xmlDocPtr doc, const char* pkgId) {
   FunctionEntryExitTracker tracker("int PKGMGR_PARSER_PLUGIN_CLEAN(xmlDocPtr, const char*)", kLogSource.unit, __LINE__);
   if (!isAppDotnetInhouse(doc)) {
-    LOG_INFO("### App type is not dotnet-inhouse ###");
+    LOG_INFO(LOG_TEXT_NOT_INHOUSE);
     return 0;
   }
   if (cacheStateUninstall[pkgId]) return 0;
@@ -105,6 +105,6 @@ int PKGMGR_PARSER_PLUGIN_CLEANUP(xmlDocPtr doc, const char* pkgId) {
 
 int PKGMGR_PARSER_PLUGIN_UNDO(xmlDocPtr doc, const char*) {
   FunctionEntryExitTracker tracker("int PKGMGR_PARSER_PLUGIN_UNDO(xmlDocPtr, const char*)", kLogSource.unit, __LINE__);
-  if (!isAppDotnetInhouse(doc)) LOG_INFO("### App type is not dotnet-inhouse ###");
+  if (!isAppDotnetInhouse(doc)) LOG_INFO(LOG_TEXT_NOT_INHOUSE);
   return 0;
 }

@@ -1,7 +1,8 @@
-// The one name under which every file of the plug-in logs.
+// The one name under which every file of the plug-in logs, and the texts that others know as well.
 #ifndef PLUGIN_LOG_SOURCE_H_
 #define PLUGIN_LOG_SOURCE_H_
 
+#include "base/log_texts.h"
 #include "util/log.h"
 
 inline constexpr LogSource kLogSource{kPluginTag, "morvath"};

@@ -41,7 +41,8 @@ void CheckPackages(const CheckRequest& request, const std::filesystem::path& dev
 // Checks the package of a number; must not throw.
 using Work = std::function<CheckedPackage(std::size_t number)>;
 // Calls `work` for 0 … count-1 on at most `threads` (not 0) threads; `receiver` is called in this one. To be called
-// while host::HeldSignals lives: SIGINT, SIGTERM and SIGHUP then let no more work begin and make this throw host::DeviceError.
+// while host::HeldSignals lives: SIGINT, SIGTERM and SIGHUP then let no more work begin and make this throw
+// host::DeviceError.
 void RunOnThreads(std::size_t count, unsigned threads, const Work& work, CheckReceiver& receiver);
 
 }  // namespace orvelbox

@@ -54,10 +54,11 @@ const std::vector<Listing::Entry>* PlacedListing::Find(std::string_view path) co
   return found == listing_.directories_.end() ? nullptr : &found->second;
 }
 
-void PlacedListing::List(const std::string& path, const std::function<void(const Entry&)>& visit) const {
-  const std::vector<Listing::Entry>* const entries = Find(path);
-  if (entries == nullptr) return;
-  for (const Listing::Entry& entry : *entries) visit({entry.name, entry.type, true});
+bool PlacedListing::Directory::Next(ListedEntry& entry) {
+  if (entries_ == nullptr || next_ == entries_->size()) return false;
+  const Listing::Entry& listed = (*entries_)[next_++];
+  entry = {listed.name, listed.type, true};
+  return true;
 }
 
 bool PlacedListing::LeadsToFileOrDirectory(const std::string& path) const {
@@ -67,6 +68,12 @@ bool PlacedListing::LeadsToFileOrDirectory(const std::string& path) const {
   return std::any_of(entries->begin(), entries->end(), [&](const Listing::Entry& entry) {
     return entry.followed && std::string_view(path).substr(slash + 1) == entry.name;
   });
+}
+
+Walk WalkOver(const Listing& listing, const std::string& root) {
+  return [placed = PlacedListing(listing, root)](const std::string& path, FileVisitor visit, unsigned int depth) {
+    WalkListed(placed, path, std::move(visit), depth);
+  };
 }
 
 }  // namespace orvelbox

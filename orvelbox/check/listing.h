@@ -43,13 +43,23 @@ class Listing {
 };
 
 // A listing as the walk sees it once the tree has its place at `root` on the device.
-class PlacedListing : public DirectoryLister {
+class PlacedListing {
  public:
+  class Directory {
+   public:
+    explicit Directory(const std::vector<Listing::Entry>* entries) : entries_(entries) {}
+    bool Next(ListedEntry& entry);
+
+   private:
+    const std::vector<Listing::Entry>* entries_;  // null when there is no such directory
+    std::size_t next_ = 0;
+  };
+
   // Borrows the listing.
   PlacedListing(const Listing& listing, std::string root) : listing_(listing), root_(std::move(root)) {}
 
-  void List(const std::string& path, const std::function<void(const Entry&)>& visit) const override;
-  bool LeadsToFileOrDirectory(const std::string& path) const override;
+  Directory Open(const std::string& path) const { return Directory(Find(path)); }
+  bool LeadsToFileOrDirectory(const std::string& path) const;
 
  private:
   const std::vector<Listing::Entry>* Find(std::string_view path) const;
@@ -57,6 +67,9 @@ class PlacedListing : public DirectoryLister {
   const Listing& listing_;
   std::string root_;  // without a "/" at its end
 };
+
+// The plug-in's walk over it. Borrows the listing.
+Walk WalkOver(const Listing& listing, const std::string& root);
 
 }  // namespace orvelbox
 

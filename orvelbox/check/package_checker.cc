@@ -49,13 +49,13 @@ struct OwnedCatalogues {
 
 Catalogue ComponentOf(const PlacedPackage& package) {
   OwnedCatalogues found;
-  CatalogueSharedResources(found.All(), package.root, PlacedListing(package.files->listing(), package.root));
+  CatalogueSharedResources(found.All(), package.root, WalkOver(package.files->listing(), package.root));
   return found.components;
 }
 
 Catalogue LibraryOf(const PlacedPackage& package) {
   OwnedCatalogues found;
-  CatalogueLibrary(found.All(), package.root, PlacedListing(package.files->listing(), package.root));
+  CatalogueLibrary(found.All(), package.root, WalkOver(package.files->listing(), package.root));
   return found.library;
 }
 
@@ -80,7 +80,7 @@ PackageChecker::PackageChecker(PlatformSet set, std::vector<std::string> privile
     : set_(std::move(set)), privileges_(std::move(privileges)) {
   xmlInitParser();  // in this thread, before others read manifests
   SetReadWriteRoot(set_.read_write_root);
-  const PlacedListing platform(set_.assemblies->listing(), host::kPlatformAssemblies);
+  const Walk platform = WalkOver(set_.assemblies->listing(), host::kPlatformAssemblies);
   const std::string root = std::string(host::kPlatformAssemblies) + "/";
   OwnedCatalogues found;
   CataloguePlatform(found.All(), root, platform);
@@ -126,13 +126,12 @@ void PackageChecker::JudgeAll(const PlacedPackage& own, const CatalogueList& cat
     }
     package.dlls.push_back(std::move(dll));
   };
-  const PlacedListing listing(own.files->listing(), own.root);
   VisitPackage(
       own.root,
       [&](const ListedFile& file) {
         if (IsAssemblyName(file.name)) judge(file);
       },
-      listing);
+      WalkOver(own.files->listing(), own.root));
 }
 
 // Of the copies that the platform and the CoBA packages provide, each is looked at once.

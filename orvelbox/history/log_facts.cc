@@ -2,18 +2,11 @@
 #include <algorithm>
 
 #include "base/affix.h"
+#include "base/log_texts.h"
 #include "orvelbox/history/log.h"
 
 namespace orvelbox {
 namespace {
-
-constexpr std::string_view kFound = "### Duplicated DLL found ###";
-constexpr std::string_view kOrigin = "Origin : ";
-constexpr std::string_view kDuplicated = "Duplicated : ";
-constexpr std::string_view kReadWrite = "Origin file is in RW area. so doesn't remove duplicate file";
-constexpr std::string_view kGuide = "Duplicated DLL found. Please refer guide : ";
-constexpr std::string_view kNotInhouse = "### App type is not dotnet-inhouse ###";
-constexpr std::string_view kRestartFailed = "Can't restart dotnet-loader-inhouse";
 
 // The length of the colour sequence at the front of `text`; 0 when there is none.
 std::size_t ColourLength(std::string_view text) {
@@ -36,18 +29,18 @@ class Collector {
  public:
   void AddError(const std::string& text, const std::string& time) {
     std::vector<Duplicate>& all = facts_.duplicates;
-    if (text == kFound) {
+    if (text == LOG_TEXT_DUPLICATE_FOUND) {
       found_ = {"", "", false, time};
-    } else if (HasPrefix(text, kOrigin)) {
-      found_.origin = text.substr(kOrigin.size());
-    } else if (HasPrefix(text, kDuplicated)) {
-      found_.duplicated = text.substr(kDuplicated.size());
+    } else if (HasPrefix(text, LOG_TEXT_ORIGIN)) {
+      found_.origin = text.substr(std::string_view(LOG_TEXT_ORIGIN).size());
+    } else if (HasPrefix(text, LOG_TEXT_DUPLICATED)) {
+      found_.duplicated = text.substr(std::string_view(LOG_TEXT_DUPLICATED).size());
       AddDuplicate();
-    } else if (text == kReadWrite) {
+    } else if (text == LOG_TEXT_READ_WRITE) {
       if (!all.empty()) all.back().origin_read_write = true;
-    } else if (HasPrefix(text, kGuide)) {
+    } else if (HasPrefix(text, LOG_TEXT_GUIDE)) {
       facts_.guide = text;
-    } else if (text == kRestartFailed) {
+    } else if (text == LOG_TEXT_RESTART_FAILED) {
       facts_.restart_failed = true;
     } else {
       facts_.errors.push_back(text);
@@ -55,7 +48,7 @@ class Collector {
   }
 
   void AddInformation(const std::string& text) {
-    if (text == kNotInhouse) facts_.not_inhouse = true;
+    if (text == LOG_TEXT_NOT_INHOUSE) facts_.not_inhouse = true;
   }
 
   LogFacts Take() { return std::move(facts_); }

@@ -145,9 +145,11 @@ void FindContent(ByteSource& file, ZipEntry& entry) {
   const std::string_view rest = file.Read(entry.header + kHeaderSize, name + extra);
   if (rest.substr(0, name) != entry.name) contradict("names");
   Take64Bits(rest.substr(name), {&size, &packed_size});
-  const bool later = (flags & kSizesFollow) != 0 && packed_size == 0 && size == 0 && checksum == 0;
-  if (!later && (packed_size != entry.packed_size || size != entry.size)) contradict("sizes");
-  if (!later && checksum != entry.checksum) contradict("checksums");
+  // What is told behind the content may be missing here.
+  const bool later = (flags & kSizesFollow) != 0;
+  const auto agree = [&](std::uint64_t here, std::uint64_t there) { return here == there || (later && here == 0); };
+  if (!agree(packed_size, entry.packed_size) || !agree(size, entry.size)) contradict("sizes");
+  if (!agree(checksum, entry.checksum)) contradict("checksums");
   entry.content = entry.header + kHeaderSize + name + extra;
 }
 

@@ -33,7 +33,7 @@ struct Device {
 };
 
 // Paths of the device, as the plug-in sees them.
-inline constexpr const char* kPlatformAssemblies = "/usr/share/dotnet.orvel";
+using ::kPlatformAssemblies;
 inline constexpr const char* kPlatformAssemblyDirectories[] = {"netcoreapp", "framework", "d.pc", "tvappapi"};
 inline constexpr const char* kUserArea = "/opt/usr";
 inline constexpr const char* kReleaseMarker = "/etc/release";

@@ -8,16 +8,11 @@
 #include <cstdlib>
 #include <iterator>
 #include <memory>
-#include <sstream>
+
+#include "tests/support/files.h"
 
 namespace abi_guard {
 namespace {
-
-std::string Tell(const Names& names, const std::string& before, const std::string& after) {
-  std::string text;
-  for (const std::string& name : names) text += before + InWords(name) + " [" + name + "]" + after + "\n";
-  return text;
-}
 
 std::string Replaced(std::string text, const std::string& what, const std::string& by) {
   for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + by.size())) {
@@ -45,8 +40,7 @@ std::string InWords(const std::string& name) {
 }
 
 Versions ReadVersions(const std::string& list) {
-  std::istringstream lines(list);
-  for (std::string line; std::getline(lines, line);) {
+  for (const std::string& line : support::Lines(list)) {
     unsigned major = 0;
     unsigned minor = 0;
     if (std::sscanf(line.c_str(), "# interface %u.%u", &major, &minor) != 2) continue;
@@ -56,33 +50,29 @@ Versions ReadVersions(const std::string& list) {
   return {};
 }
 
-std::string TellLost(const Names& names, const std::string& library, const Versions& versions) {
-  return Tell(names, library + " lost ",
-              ", which is part of the interface: tools that use it would no longer load. Bring it back; to give it up, "
-              "take it off the library's list and out of tests/abi, and raise the first number of \"# interface\" in "
-              "plugin/exported_symbols.txt (" +
-                  versions.now + " -> " + versions.after_break + ").");
-}
+const Difference kLost = {" lost ",
+                          ", which is part of the interface: tools that use it would no longer load. Bring it back; to "
+                          "give it up, take it off the library's list and out of tests/abi",
+                          true};
+const Difference kAdded = {" shows ", ", which is not on its list. Hide it; to make it part of the interface, list it",
+                           false};
+const Difference kForgotten = {" hides ",
+                               ", which its source exports: it is not on the library's list. Take ORVEL_EXPORT away "
+                               "from it; or list it",
+                               false};
+const Difference kUnguarded = {" has a new name on its list, ",
+                               ", whose prototype is not kept. Mention it in tests/abi", false};
 
-std::string TellAdded(const Names& names, const std::string& library, const Versions& versions) {
-  return Tell(names, library + " shows ",
-              ", which is not on its list. Hide it; to make it part of the interface, list it and raise the second "
-              "number of \"# interface\" in plugin/exported_symbols.txt (" +
-                  versions.now + " -> " + versions.after_addition + ").");
-}
-
-std::string TellForgotten(const Names& names, const std::string& library, const Versions& versions) {
-  return Tell(names, library + " hides ",
-              ", which its source exports: it is not on the library's list. List it and raise the second number of "
-              "\"# interface\" in plugin/exported_symbols.txt (" +
-                  versions.now + " -> " + versions.after_addition + "); or take ORVEL_EXPORT away from it.");
-}
-
-std::string TellUnguarded(const Names& names, const std::string& library, const Versions& versions) {
-  return Tell(names, library + " has a new name on its list, ",
-              ", whose prototype is not kept. Mention it in tests/abi, and raise the second number of \"# interface\" "
-              "in plugin/exported_symbols.txt (" +
-                  versions.now + " -> " + versions.after_addition + ").");
+std::string Tell(const Names& names, const std::string& library, const Difference& difference,
+                 const Versions& versions) {
+  const std::string raise = std::string(", and raise the ") + (difference.breaks ? "first" : "second") +
+                            " number of \"# interface\" in plugin/exported_symbols.txt (" + versions.now + " -> " +
+                            (difference.breaks ? versions.after_break : versions.after_addition) + ").\n";
+  std::string text;
+  for (const std::string& name : names) {
+    text += library + difference.verb + InWords(name) + " [" + name + "]" + difference.way_out + raise;
+  }
+  return text;
 }
 
 Names PathManagerMembers(const std::string& path_manager) {

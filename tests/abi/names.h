@@ -2,12 +2,13 @@
 #ifndef TESTS_ABI_NAMES_H_
 #define TESTS_ABI_NAMES_H_
 
-#include <set>
 #include <string>
+
+#include "tests/support/symbols.h"
 
 namespace abi_guard {
 
-using Names = std::set<std::string>;
+using support::Names;
 
 // The names in `all` that are not in `others`.
 Names Without(const Names& all, const Names& others);
@@ -23,11 +24,20 @@ struct Versions {
 };
 Versions ReadVersions(const std::string& list);
 
-// What came between a library and its list, each with the way out; one paragraph per name.
-std::string TellLost(const Names& names, const std::string& library, const Versions& versions);
-std::string TellAdded(const Names& names, const std::string& library, const Versions& versions);
-std::string TellForgotten(const Names& names, const std::string& library, const Versions& versions);
-std::string TellUnguarded(const Names& names, const std::string& library, const Versions& versions);
+// A way in which a library and its list differ: what the library did, the way out, and whether tools break.
+struct Difference {
+  const char* verb;
+  const char* way_out;
+  bool breaks;
+};
+extern const Difference kLost;
+extern const Difference kAdded;
+extern const Difference kForgotten;
+extern const Difference kUnguarded;
+
+// What differs, each name with the way out; one paragraph per name.
+std::string Tell(const Names& names, const std::string& library, const Difference& difference,
+                 const Versions& versions);
 
 // The members of `path_manager` (a subclass of AotPathManager, or it itself) that tools use, tables included.
 Names PathManagerMembers(const std::string& path_manager);

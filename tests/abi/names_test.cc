@@ -30,35 +30,14 @@ TEST(Names, a_list_without_a_version_has_none) {
   EXPECT_EQ(ReadVersions("# an interface 1.9\n# interface one\n").now, "");
 }
 
-TEST(Names, what_was_lost_raises_the_first_number) {
-  EXPECT_EQ(TellLost({"_Z1fv"}, "lib.so", kVersions),
-            "lib.so lost f() [_Z1fv], which is part of the interface: tools that use it would no longer load. Bring it "
-            "back; to give it up, take it off the library's list and out of tests/abi, and raise the first number of "
-            "\"# interface\" in plugin/exported_symbols.txt (1.4 -> 2.0).\n");
-}
-
-TEST(Names, what_was_added_raises_the_second_number) {
-  EXPECT_EQ(
-      TellAdded({"_Z1fv"}, "lib.so", kVersions),
-      "lib.so shows f() [_Z1fv], which is not on its list. Hide it; to make it part of the interface, list it and "
-      "raise the second number of \"# interface\" in plugin/exported_symbols.txt (1.4 -> 1.5).\n");
-}
-
-TEST(Names, what_was_forgotten_is_listed_or_no_longer_marked) {
-  EXPECT_EQ(
-      TellForgotten({"_Z1fv", "g"}, "lib.so", kVersions),
-      "lib.so hides f() [_Z1fv], which its source exports: it is not on the library's list. List it and raise the "
-      "second number of \"# interface\" in plugin/exported_symbols.txt (1.4 -> 1.5); or take ORVEL_EXPORT away "
-      "from it.\n"
-      "lib.so hides g [g], which its source exports: it is not on the library's list. List it and raise the "
-      "second number of \"# interface\" in plugin/exported_symbols.txt (1.4 -> 1.5); or take ORVEL_EXPORT away "
-      "from it.\n");
-}
-
-TEST(Names, what_is_new_on_a_list_gets_its_prototype_kept) {
-  EXPECT_EQ(TellUnguarded({"_Z1fv"}, "lib.so", kVersions),
-            "lib.so has a new name on its list, f() [_Z1fv], whose prototype is not kept. Mention it in tests/abi, and "
-            "raise the second number of \"# interface\" in plugin/exported_symbols.txt (1.4 -> 1.5).\n");
+TEST(Names, each_that_differs_is_told_with_the_way_out_and_the_version_after_it) {
+  EXPECT_EQ(Tell({"_Z1fv"}, "lib.so", {" did ", ", which is bad. Mend it", true}, kVersions),
+            "lib.so did f() [_Z1fv], which is bad. Mend it, and raise the first number of \"# interface\" in "
+            "plugin/exported_symbols.txt (1.4 -> 2.0).\n");
+  EXPECT_EQ(Tell({"g", "h"}, "lib.so", {" did ", "", false}, kVersions),
+            "lib.so did g [g], and raise the second number of \"# interface\" in plugin/exported_symbols.txt (1.4 -> "
+            "1.5).\nlib.so did h [h], and raise the second number of \"# interface\" in plugin/exported_symbols.txt "
+            "(1.4 -> 1.5).\n");
 }
 
 }  // namespace

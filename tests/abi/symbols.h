@@ -19,9 +19,6 @@ struct Library {
 // The names of the list.
 Names Listed(const Library& library);
 
-// What a program that loads the library can see of it.
-Names Shown(const Library& library);
-
 // What the sources of the library mean to show: the definitions of default visibility in its object files.
 struct Definitions {
   Names strong;

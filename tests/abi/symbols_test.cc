@@ -1,6 +1,7 @@
 // The built libraries against their lists, and the lists against the released prototypes.
 #include "tests/abi/symbols.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "tests/support/files.h"
@@ -34,6 +35,9 @@ class Interface : public testing::TestWithParam<Library> {
  protected:
   const Library& library() const { return GetParam(); }
   const Versions& versions() const { return versions_; }
+  std::string Told(const Names& names, const Difference& difference) const {
+    return Tell(names, library().name, difference, versions_);
+  }
 
   // Everything that was released in the library.
   Names Released() const {
@@ -55,34 +59,34 @@ TEST_P(Interface, has_a_version) {
 }
 
 TEST_P(Interface, the_library_shows_all_that_is_listed) {
-  const Names lost = Lost(Listed(library()), Shown(library()));
-  EXPECT_TRUE(lost.empty()) << TellLost(lost, library().name, versions());
+  const Names lost = Lost(Listed(library()), support::Exports(library().file));
+  EXPECT_TRUE(lost.empty()) << Told(lost, kLost);
 }
 
 TEST_P(Interface, the_library_shows_nothing_that_is_not_listed) {
-  const Names added = Without(Shown(library()), Listed(library()));
-  EXPECT_TRUE(added.empty()) << TellAdded(added, library().name, versions());
+  const Names added = Without(support::Exports(library().file), Listed(library()));
+  EXPECT_TRUE(added.empty()) << Told(added, kAdded);
 }
 
 TEST_P(Interface, nothing_that_the_sources_export_was_forgotten_in_the_list) {
   const Names forgotten = Without(Defined(library()).strong, Listed(library()));
-  EXPECT_TRUE(forgotten.empty()) << TellForgotten(forgotten, library().name, versions());
+  EXPECT_TRUE(forgotten.empty()) << Told(forgotten, kForgotten);
 }
 
 TEST_P(Interface, the_sources_export_all_that_is_listed) {
   const Definitions defined = Defined(library());
   const Names lost = Lost(Without(Listed(library()), defined.strong), defined.weak);
-  EXPECT_TRUE(lost.empty()) << TellLost(lost, library().name, versions());
+  EXPECT_TRUE(lost.empty()) << Told(lost, kLost);
 }
 
 TEST_P(Interface, every_released_prototype_is_there_under_its_name) {
-  const Names lost = Lost(Released(), Shown(library()));
-  EXPECT_TRUE(lost.empty()) << TellLost(lost, library().name, versions());
+  const Names lost = Lost(Released(), support::Exports(library().file));
+  EXPECT_TRUE(lost.empty()) << Told(lost, kLost);
 }
 
 TEST_P(Interface, everything_listed_has_its_prototype_kept) {
   const Names unguarded = Without(Listed(library()), Released());
-  EXPECT_TRUE(unguarded.empty()) << TellUnguarded(unguarded, library().name, versions());
+  EXPECT_TRUE(unguarded.empty()) << Told(unguarded, kUnguarded);
 }
 
 // One list serves 32 and 64 bits: the compiler gives std::size_t, std::uint64_t and their like different letters there.
@@ -96,6 +100,25 @@ TEST_P(Interface, no_name_differs_by_processor) {
 INSTANTIATE_TEST_SUITE_P(Libraries, Interface, testing::Values(kMorvath, kQuarnelUtil), [](const auto& test) {
   return test.param.name == kMorvath.name ? "morvath" : "quarnel_util";
 });
+
+// The platform's functions and the launcher utility library's are for others to define.
+TEST(Symbols, the_platform_and_the_utility_library_are_left_to_others) {
+  const Names imports = support::Imports(MORVATH_LIBRARY);
+  EXPECT_THAT(imports, testing::IsSupersetOf(
+                           {"__dlog_print", "trace_begin", "trace_end", "aul_restart_loader", "package_info_create",
+                            "package_info_foreach_privilege_info", "package_info_destroy",
+                            "pkgmgrinfo_appinfo_metadata_filter_create", "pkgmgrinfo_appinfo_metadata_filter_add",
+                            "pkgmgrinfo_appinfo_metadata_filter_foreach", "pkgmgrinfo_appinfo_metadata_filter_destroy",
+                            "pkgmgrinfo_appinfo_get_root_path", "ovplatform_getenv"}));
+  EXPECT_EQ(Without(Listed(kQuarnelUtil), imports), Names{}) << "the plug-in calls all of the utility library";
+  EXPECT_EQ(Without(Listed(kQuarnelUtil), support::Exports(MORVATH_LIBRARY)), Listed(kQuarnelUtil));
+}
+
+TEST(Symbols, the_utility_library_leaves_the_platform_to_others) {
+  EXPECT_THAT(support::Imports(QUARNEL_UTIL_LIBRARY),
+              testing::IsSupersetOf({"__dlog_print", "pkgmgrinfo_pkginfo_get_pkginfo",
+                                     "pkgmgrinfo_pkginfo_destroy_pkginfo", "pkgmgrinfo_appinfo_get_root_path"}));
+}
 
 }  // namespace
 }  // namespace abi_guard

@@ -1,114 +1,125 @@
 // docs/behaviours.md against the tests that there are, and how the table is read.
-#include "tests/docs/behaviours.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <sstream>
-#include <stdexcept>
+#include <regex>
+#include <set>
+#include <string>
+#include <vector>
 
 #include "tests/support/command.h"
 #include "tests/support/files.h"
 
-namespace docs {
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// All that every test program lists.
-TestsOfPrograms AskPrograms() {
-  TestsOfPrograms tests;
-  std::istringstream paths(support::ReadFile(PROGRAM_LIST));
-  for (std::string path; std::getline(paths, path);) {
-    const std::string command = "'" + path + "' --gtest_list_tests --gtest_filter='*'";
-    tests[std::filesystem::path(path).filename().string()] = ReadTestList(support::OutputOf(command));
+using Tests = std::set<std::string>;  // "program: Suite.case"
+
+constexpr const char* kHeader = "| behaviour | test |";
+constexpr const char* kDelimiter = "|---|---|";
+
+// Reads the table line by line and notes what is wrong with it. Each subject has a header, a delimiter and rows.
+class Reader {
+ public:
+  explicit Reader(const Tests& there) : there_(there) {}
+
+  std::vector<std::string> ProblemsOf(const std::string& markdown) {
+    for (const std::string& line : support::Lines(markdown)) {
+      ++number_;
+      if (line.rfind("## ", 0) == 0) EndSubject();
+      if (line.find('|') != std::string::npos) ReadTableLine(line);
+      previous_ = line;
+    }
+    EndSubject();
+    return problems_;
+  }
+
+ private:
+  void Note(const std::string& problem) { problems_.push_back("line " + std::to_string(number_) + ": " + problem); }
+
+  void EndSubject() {
+    if (!rows_) Note("the subject above has no rows");
+    rows_ = number_ == 0;
+  }
+
+  void ReadTableLine(const std::string& line) {
+    if (line == kHeader) return;
+    const bool goes_on = line == kDelimiter ? previous_ == kHeader : previous_ != kHeader && previous_[0] == '|';
+    static const std::regex row("\\| ([^|]+) \\| (`[^`]+`(?:, `[^`]+`)*) \\|");
+    std::smatch cells;
+    if (!goes_on) {
+      Note("a table begins with its header and delimiter");
+    } else if (line != kDelimiter && !std::regex_match(line, cells, row)) {
+      Note("a row has a behaviour and tests in backticks, each between \"|\"");
+    } else if (line != kDelimiter) {
+      ReadRow(cells[1], cells[2]);
+    }
+  }
+
+  void ReadRow(const std::string& behaviour, const std::string& tests) {
+    rows_ = true;
+    if (!behaviours_.insert(behaviour).second) Note("a row before tells the same");
+    static const std::regex name("`([^`]+)`");
+    for (std::sregex_iterator match(tests.begin(), tests.end(), name), end; match != end; ++match) {
+      std::string test = (*match)[1];
+      if (test.find(": ") == std::string::npos) test = "unit_tests: " + test;
+      if (there_.count(test) == 0) Note("there is no test " + test);
+    }
+  }
+
+  const Tests& there_;
+  std::vector<std::string> problems_;
+  std::set<std::string> behaviours_;
+  std::string previous_ = " ";
+  std::size_t number_ = 0;
+  bool rows_ = true;  // what comes before the first subject needs none
+};
+
+// The tests that a program lists, disabled ones left out.
+Tests TestsOf(const std::string& program) {
+  const std::string name = std::filesystem::path(program).filename().string();
+  Tests tests;
+  std::string suite;
+  for (const std::string& line : support::Lines(support::OutputOf("'" + program + "' --gtest_list_tests"))) {
+    const std::string text = line.substr(0, line.find("  #"));
+    if (text.rfind("  ", 0) != 0) {
+      suite = text;
+    } else if ((suite + text).find("DISABLED_") == std::string::npos) {
+      tests.insert(name + ": " + suite + text.substr(2));
+    }
   }
   return tests;
 }
 
 TEST(Behaviours, every_row_has_a_text_of_its_own_and_tests_that_are_there) {
-  EXPECT_THAT(Problems(ReadRows(support::ReadFile(BEHAVIOURS)), AskPrograms()), IsEmpty()) << "in docs/behaviours.md";
-}
-
-TEST(Behaviours, every_test_program_lists_its_tests) {
-  const TestsOfPrograms tests = AskPrograms();
-  EXPECT_GE(tests.size(), 3u);
-  for (const auto& [program, names] : tests) EXPECT_THAT(names, testing::Not(IsEmpty())) << program;
-}
-
-constexpr const char* kStart = "# Title\n\nA lead.\n\n## First\n\n| behaviour | test |\n|---|---|\n";
-
-TEST(BehaviourRows, all_tables_are_read_with_their_lines) {
-  const std::vector<Row> rows =
-      ReadRows(std::string(kStart) +
-               "| It is `so`. | `A.b` |\n| It is not. | `A.c`, `abi_tests: X/B.d/0` |\n\n## Second\n\nA word.\n\n"
-               "| behaviour | test |\n|---|---|\n| Nothing. |  |\n");
-  ASSERT_EQ(3u, rows.size());
-  EXPECT_EQ(9u, rows[0].line);
-  EXPECT_EQ("It is `so`.", rows[0].behaviour);
-  ASSERT_EQ(1u, rows[0].tests.size());
-  EXPECT_EQ("unit_tests", rows[0].tests[0].program);
-  EXPECT_EQ("A.b", rows[0].tests[0].name);
-  ASSERT_EQ(2u, rows[1].tests.size());
-  EXPECT_EQ("abi_tests", rows[1].tests[1].program);
-  EXPECT_EQ("X/B.d/0", rows[1].tests[1].name);
-  EXPECT_EQ(18u, rows[2].line);
-  EXPECT_TRUE(rows[2].tests.empty());
-}
-
-std::string RefusalOf(const std::string& markdown) {
-  try {
-    ReadRows(markdown);
-  } catch (const std::runtime_error& error) {
-    return error.what();
+  Tests there;
+  for (const std::string& program : support::Lines(support::ReadFile(PROGRAM_LIST))) {
+    Tests tests = TestsOf(program);
+    EXPECT_THAT(tests, testing::Not(IsEmpty())) << program;
+    there.merge(tests);
   }
-  return "read";
+  EXPECT_THAT(Reader(there).ProblemsOf(support::ReadFile(BEHAVIOURS)), IsEmpty()) << "in docs/behaviours.md";
 }
 
-TEST(BehaviourRows, what_is_no_table_is_refused_with_its_line) {
-  const std::string start = kStart;
-  const std::pair<std::string, const char*> texts[] = {
-      {"", "there is no table"},
-      {"# Title\n\nA lead.\n", "there is no table"},
-      {start, "line 8: \"First\" has no rows"},
-      {"## First\n\n## Second\n", "line 3: \"First\" has no rows"},
-      {"## First\n| It is. | `A.b` |\n", "line 2: \"| behaviour | test |\" is expected here"},
-      {"## First\n| behaviour | test |\n| It is. | `A.b` |\n", "line 3: \"|---|---|\" is expected here"},
-      {start + "\n| It is. | `A.b` |\n", "line 10: \"| behaviour | test |\" is expected here"},
-      {start + " It is. | `A.b`\n", "line 9: a row has two cells, each between \"|\""},
-      {start + "| It is. | `A.b` | c |\n", "line 9: a row has two cells, each between \"|\""},
-      {start + "| It is. |\n", "line 9: a row has two cells, each between \"|\""},
-      {start + "|  | `A.b` |\n", "line 9: the behaviour is not told"},
-      {start + "| It is. | A.b |\n", "line 9: \"A.b\" is no name in backticks"},
-      {start + "| It is. | `A.b` `A.c`, |\n", "line 9: \"\" is no name in backticks"},
-  };
-  for (const auto& [text, refusal] : texts) EXPECT_EQ(refusal, RefusalOf(text)) << text;
-}
-
-TEST(TestList, suites_and_cases_are_joined) {
-  EXPECT_THAT(
-      ReadTestList("Running main() from x.cc\nA.\n  b\n  c\nX/B.  # TypeParam = int\n  d/0  # GetParam() = 1\n"),
-      ElementsAre("A.b", "A.c", "X/B.d/0"));
-}
-
-TEST(TestList, disabled_tests_and_other_output_are_left_out) {
-  EXPECT_THAT(ReadTestList("A.\n  DISABLED_b\n  c\nDISABLED_B.\n  d\nan error:\n  e\n\n"), ElementsAre("A.c"));
-}
-
-TEST(BehaviourProblems, sound_rows_have_none) {
-  EXPECT_THAT(Problems({{1, "One", {{"p", "A.b"}, {"q", "A.c"}}}, {2, "Two", {{"p", "A.b"}}}},
-                       {{"p", {"A.b"}}, {"q", {"A.c"}}}),
+TEST(BehaviourRows, what_is_wrong_is_told_with_its_line) {
+  const Tests there = {"unit_tests: A.b", "abi_tests: X/B.d/0"};
+  const std::string start = "# Title\n\n## First\n\n| behaviour | test |\n|---|---|\n";
+  const std::string cells = "line 7: a row has a behaviour and tests in backticks, each between \"|\"";
+  EXPECT_THAT(Reader(there).ProblemsOf(start + "| It is `so`. | `A.b`, `abi_tests: X/B.d/0` |\n| No. | `A.b` |\n"),
               IsEmpty());
-}
-
-TEST(BehaviourProblems, each_is_told_with_its_row) {
-  EXPECT_THAT(Problems({{1, "One", {{"p", "A.b"}}}, {2, "Two", {}}, {3, "One", {{"q", "A.b"}, {"p", "A.c"}}}},
-                       {{"p", {"A.b"}}}),
-              ElementsAre("line 2, \"Two\": no test is named", "line 3, \"One\": a row before tells the same",
-                          "line 3, \"One\": q has no test A.b", "line 3, \"One\": p has no test A.c"));
+  EXPECT_THAT(Reader(there).ProblemsOf(start), ElementsAre("line 6: the subject above has no rows"));
+  EXPECT_THAT(Reader(there).ProblemsOf(start + "| It is. | `A.b` |\n\n| No. | `A.b` |\n"),
+              ElementsAre("line 9: a table begins with its header and delimiter"));
+  for (const char* row : {"| It is. | `A.b` | c |", "| It is. |", "|  | `A.b` |", "| It is. | A.b |", "| It is. |  |",
+                          "| It is. | `A.b` `A.b`, |", " It is. | `A.b`"}) {
+    EXPECT_THAT(Reader(there).ProblemsOf(start + row), testing::Contains(cells)) << row;
+  }
+  EXPECT_THAT(Reader(there).ProblemsOf(start + "| It is. | `A.c` |\n| It is. | `abi_tests: A.b` |\n"),
+              ElementsAre("line 7: there is no test unit_tests: A.c", "line 8: a row before tells the same",
+                          "line 8: there is no test abi_tests: A.b"));
 }
 
 }  // namespace
-}  // namespace docs

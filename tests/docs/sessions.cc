@@ -2,9 +2,10 @@
 #include "tests/docs/sessions.h"
 
 #include <regex>
-#include <sstream>
 #include <stdexcept>
 #include <utility>
+
+#include "tests/support/files.h"
 
 namespace docs {
 namespace {
@@ -100,10 +101,9 @@ std::string Literal(const std::string& text) {
 
 std::vector<Command> ReadSessions(const std::string& markdown) {
   Reader reader;
-  std::istringstream lines(markdown);
   std::size_t number = 0;
   try {
-    for (std::string line; std::getline(lines, line);) reader.Read(++number, line);
+    for (const std::string& line : support::Lines(markdown)) reader.Read(++number, line);
     return std::move(reader).commands();
   } catch (const std::runtime_error& error) {
     throw std::runtime_error("line " + std::to_string(number) + ": " + error.what());
@@ -112,8 +112,7 @@ std::vector<Command> ReadSessions(const std::string& markdown) {
 
 bool Matches(const std::string& output, const std::string& shown) {
   std::string pattern;
-  std::istringstream lines(shown);
-  for (std::string line; std::getline(lines, line);) {
+  for (const std::string& line : support::Lines(shown)) {
     if (line == kAnything) {
       pattern += "(?:[^\\n]*\\n)*?";
     } else {

@@ -114,7 +114,7 @@ TEST(DocumentCommands, every_make_target_that_is_named_is_there) {
 // What all sources of the plug-in and its utilities hold.
 std::string Sources() {
   std::string text;
-  for (const char* folder : {"plugin", "util", "quarnel_util"}) {
+  for (const char* folder : {"base", "plugin", "util", "quarnel_util"}) {
     for (const auto& entry : fs::recursive_directory_iterator(fs::path(SOURCE_DIRECTORY) / folder)) {
       if (entry.is_regular_file()) text += support::ReadFile(entry.path());
     }

@@ -8,7 +8,6 @@
 #ifndef TESTS_DOUBLES_EXPECTED_JOURNAL_H_
 #define TESTS_DOUBLES_EXPECTED_JOURNAL_H_
 
-#include <functional>
 #include <initializer_list>
 #include <string>
 #include <vector>
@@ -20,12 +19,8 @@ namespace doubles {
 // Stands for any line number above zero.
 inline constexpr int kAnyLine = 0;
 
-// One event that is expected.
-struct Step {
-  std::string description;
-  std::function<bool(const Event&)> meets;
-};
-using Steps = std::vector<Step>;
+// The events that are expected, as texts in which any line number may be left open.
+using Steps = std::vector<std::string>;
 
 // The text that printf would make.
 std::string Formatted(const char* format, ...);
@@ -54,6 +49,10 @@ class Source {
   template <typename... Arguments>
   Steps Error(const char* format, const Arguments&... arguments) const {
     return Message(kError, format, Formatted(format, Plain(arguments)...));
+  }
+  template <typename... Arguments>
+  Steps Trace(const char* format, const Arguments&... arguments) const {
+    return Message(kTrace, format, Formatted(format, Plain(arguments)...));
   }
 
  private:

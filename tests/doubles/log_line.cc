@@ -1,6 +1,9 @@
 // The parts of a log line.
 #include "tests/doubles/log_line.h"
 
+#include <cstdio>
+#include <vector>
+
 namespace doubles {
 
 namespace {
@@ -25,6 +28,19 @@ std::string MessageOf(const LogLine& line) {
     if (TakeOff(message, kind.colour)) break;
   }
   return message.substr(0, message.rfind(kReset));
+}
+
+std::string TextOf(const char* format, va_list arguments) {
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+  va_list measured;
+  va_copy(measured, arguments);
+  const int length = std::vsnprintf(nullptr, 0, format, measured);
+  va_end(measured);
+  std::vector<char> text(static_cast<std::size_t>(length) + 1);
+  std::vsnprintf(text.data(), text.size(), format, arguments);
+#pragma GCC diagnostic pop
+  return text.data();
 }
 
 }  // namespace doubles

@@ -2,6 +2,7 @@
 #ifndef TESTS_DOUBLES_LOG_LINE_H_
 #define TESTS_DOUBLES_LOG_LINE_H_
 
+#include <cstdarg>
 #include <string>
 
 namespace doubles {
@@ -39,6 +40,9 @@ std::string PositionOf(const LogLine& line);
 
 // The message of a log line: its text without position, colour and the closing reset.
 std::string MessageOf(const LogLine& line);
+
+// The text that vprintf would make.
+std::string TextOf(const char* format, va_list arguments);
 
 }  // namespace doubles
 

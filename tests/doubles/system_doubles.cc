@@ -1,9 +1,7 @@
 // Doubles of the log, the trace spans, the loader restart, the path configuration and the installer library.
 #include <cstdarg>
-#include <cstdio>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "orvel/aul.h"
 #include "orvel/dlog.h"
@@ -44,17 +42,11 @@ int __dlog_print(int log_id, int priority, const char* tag, const char* format, 
   va_copy(position, arguments);
   ReadPosition(line, position);
   va_end(position);
-  va_list measured;
-  va_copy(measured, arguments);
-  const int length = std::vsnprintf(nullptr, 0, format, measured);
-  va_end(measured);
-  std::vector<char> text(static_cast<std::size_t>(length) + 1);
-  std::vsnprintf(text.data(), text.size(), format, arguments);
+  line.text = doubles::TextOf(format, arguments);
   va_end(arguments);
 
-  line.text = text.data();
   Current().RecordEvent({Event::Kind::kLog, "", line});
-  return Current().TakeFailure("__dlog_print").value_or(length);
+  return Current().TakeFailure("__dlog_print").value_or(static_cast<int>(line.text.size()));
 }
 
 // The name is kept as it was passed, not as a format.

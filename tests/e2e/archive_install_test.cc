@@ -1,5 +1,4 @@
 // Archives where packages are asked for: installed, upgraded, and refused without a trace.
-#include <gmock/gmock.h>
 #include <sys/stat.h>
 
 #include "tests/support/orvelbox_desk.h"
@@ -7,10 +6,6 @@
 
 namespace e2e {
 namespace {
-
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::StartsWith;
 
 class ArchiveE2e : public HookDesk {
  protected:
@@ -39,12 +34,7 @@ class BadArchiveE2e : public ArchiveE2e {
   void SetUp() override {}
 
   void ExpectRefusal(const std::string& command, const std::string& archive, const std::string& text) const {
-    const auto before = DeviceState();
-    const Result result = RunExpecting(1, {command, archive});
-    EXPECT_EQ(result.out, "");
-    EXPECT_THAT(result.err, AllOf(StartsWith("orvelbox: " + archive), HasSubstr(text)));
-    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
-    EXPECT_EQ(DeviceState(), before);
+    Desk::ExpectRefusal({command, archive}, {"orvelbox: " + archive, text});
   }
 };
 

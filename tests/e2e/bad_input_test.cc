@@ -1,11 +1,8 @@
 // What cannot be done: one clear line on standard error, the right exit status, and a device left as it was.
 #include <fcntl.h>
-#include <gmock/gmock.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <algorithm>
 
 #include "base/unique_fd.h"
 #include "platform/host/package_store.h"
@@ -14,24 +11,9 @@
 namespace e2e {
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::StartsWith;
-
 // No case here gets as far as calling a hook, so none needs the fixed paths.
 class BadInputE2e : public Desk {
  protected:
-  // Runs orvelbox, which must refuse with one line that holds `texts`, and leave the device alone.
-  void ExpectRefusal(const std::vector<std::string>& arguments, const std::vector<std::string>& texts) const {
-    const auto before = DeviceState();
-    const Result result = RunExpecting(1, arguments);
-    EXPECT_EQ(result.out, "");
-    EXPECT_THAT(result.err, StartsWith("orvelbox: "));
-    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
-    for (const std::string& text : texts) EXPECT_THAT(result.err, HasSubstr(text));
-    EXPECT_EQ(DeviceState(), before);
-  }
-
   void Register(const std::string& id, const std::string& app_id) const {
     host::Package package;
     package.id = id;

@@ -1,6 +1,4 @@
 // What orvelbox check says is what an install or upgrade then does.
-#include <gmock/gmock.h>
-
 #include <nlohmann/json.hpp>
 #include <random>
 
@@ -11,9 +9,6 @@
 
 namespace e2e {
 namespace {
-
-using testing::HasSubstr;
-using testing::Not;
 
 // A package, and what the device has.
 struct Case {

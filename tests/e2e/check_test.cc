@@ -1,7 +1,4 @@
 // orvelbox check as a user runs it: sources of the platform, verdicts, formats, exit statuses, and nothing changed.
-#include <gmock/gmock.h>
-#include <sys/stat.h>
-
 #include <nlohmann/json.hpp>
 
 #include "platform/host/json.h"
@@ -11,12 +8,6 @@
 
 namespace e2e {
 namespace {
-
-using testing::AllOf;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::StartsWith;
 
 constexpr const char* kPlatform = "/usr/share/dotnet.orvel/";
 
@@ -132,12 +123,11 @@ TEST_F(CheckE2e, many_packages_give_one_line_each_in_their_order) {
     const std::string name = "p" + std::to_string(i);
     arguments.push_back(MakePackage(name, ManifestText(name, "1"), {{i % 2 == 0 ? "Json.dll" : "Own.dll", ""}}));
   }
-  std::istringstream lines(RunExpecting(1, arguments).out);
   int count = 0;
-  for (std::string line; std::getline(lines, line); ++count) {
+  for (const std::string& line : support::Lines(RunExpecting(1, arguments).out)) {
     const auto json = host::ParseJson(line);
     EXPECT_EQ(json["id"], "p" + std::to_string(count));
-    EXPECT_EQ(json["duplicates"], count % 2 == 0 ? 1 : 0);
+    EXPECT_EQ(json["duplicates"], count++ % 2 == 0 ? 1 : 0);
   }
   EXPECT_EQ(count, 12);
 }

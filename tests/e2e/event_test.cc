@@ -1,13 +1,8 @@
 // The commands that only tell the plug-in of an event, uninstalling, and raw events.
-#include <gmock/gmock.h>
-
 #include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
 namespace {
-
-using testing::HasSubstr;
-using testing::Not;
 
 constexpr const char* kNoEntries = "[START][END]";
 constexpr const char* kTpaOfC = "[START]:/opt/usr/globalapps/c/shared/res/C.dll[END]";

@@ -1,54 +1,27 @@
-// A device on a disk that is full. The disk is a tiny tmpfs in a private mount namespace.
-#include <gmock/gmock.h>
-#include <sched.h>
+// A device on a disk that is full. The disk is a tiny tmpfs on a machine of its own.
 #include <sys/mount.h>
-#include <unistd.h>
 
-#include <cerrno>
-#include <cstring>
 #include <fstream>
 
-#include "tests/support/child.h"
+#include "tests/host/machine.h"
 #include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
 namespace {
 
-using testing::HasSubstr;
-
-void WriteLine(const char* file, const std::string& line) { std::ofstream(file) << line; }
-
-// Gives this process a mount namespace of its own. False, with `errno` set, where the machine refuses.
-bool EnterOwnNamespace() {
-  const std::string uid = std::to_string(geteuid());
-  const std::string gid = std::to_string(getegid());
-  if (unshare(CLONE_NEWNS | (uid == "0" ? 0 : CLONE_NEWUSER)) != 0) return false;
-  if (uid != "0") {
-    WriteLine("/proc/self/setgroups", "deny");
-    WriteLine("/proc/self/uid_map", uid + " " + uid + " 1");
-    WriteLine("/proc/self/gid_map", gid + " " + gid + " 1");
-  }
-  return mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-}
-
-class FullDiskE2e : public HookDesk {
+class FullDiskE2e : public MachineDesk {
  protected:
   // Runs `body` in a process in which the desk's device, new, lies on a disk of `size`. To be the last statement.
   void OnSmallDisk(const std::string& size, const std::function<void()>& body) {
     const std::string directory = device_.directory.string();
     std::filesystem::remove_all(directory);
     std::filesystem::create_directory(directory);
-    bool refused = false;
     support::InFreshProcess([&] {
-      if (!EnterOwnNamespace() || mount("disk", directory.c_str(), "tmpfs", 0, ("size=" + size).c_str()) != 0) {
-        std::ofstream(dir_ / "refused") << std::strerror(errno);
-        return;
-      }
+      machine::EnterEmptied();
+      ASSERT_EQ(0, mount("disk", directory.c_str(), "tmpfs", 0, ("size=" + size).c_str()));
       RunExpecting(0, {"init"});
       body();
     });
-    refused = support::IsThere(dir_ / "refused");
-    if (refused) GTEST_SKIP() << "no tmpfs can be mounted here: " << support::ReadFile(dir_ / "refused");
   }
 };
 

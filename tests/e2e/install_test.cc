@@ -1,13 +1,8 @@
 // Installing and upgrading through the real plug-in: DLLs, cache files, rollback, and what is told about them.
-#include <gmock/gmock.h>
-
 #include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
 namespace {
-
-using testing::HasSubstr;
-using testing::Not;
 
 class InstallE2e : public HookDesk {
  protected:

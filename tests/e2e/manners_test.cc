@@ -1,21 +1,14 @@
 // What every command does alike: help with an example, JSON from every listing, silence on request.
-#include <gmock/gmock.h>
-
 #include <nlohmann/json.hpp>
-#include <sstream>
 
 #include "platform/host/json.h"
 #include "platform/host/log_file.h"
 #include "platform/host/package_store.h"
 #include "tests/host/machine.h"
-#include "tests/support/child.h"
 #include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
 namespace {
-
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 class MannersE2e : public Desk {
  protected:
@@ -38,10 +31,9 @@ class MannersE2e : public Desk {
 
   // The commands that the help lists.
   std::vector<std::string> Commands() const {
-    std::istringstream help(RunExpecting(0, {"--help"}).out);
     std::vector<std::string> commands;
     bool listed = false;
-    for (std::string line; std::getline(help, line);) {
+    for (const std::string& line : support::Lines(RunExpecting(0, {"--help"}).out)) {
       if (listed && line.empty()) break;
       if (listed && line.substr(0, 2) == "  " && line[2] != ' ')
         commands.push_back(line.substr(2, line.find(' ', 2) - 2));
@@ -111,12 +103,8 @@ TEST_F(QuietHooksE2e, quiet_drops_what_the_plug_in_prints) {
 }
 
 // A machine where the kernel refuses namespaces, so that root works in place.
-class InPlaceE2e : public Desk {
+class InPlaceE2e : public MachineDesk {
  protected:
-  void SetUp() override {
-    const std::string obstacle = machine::ObstacleToEmptied(ORVELBOX_PROGRAM);
-    if (!obstacle.empty()) GTEST_SKIP() << "no namespace for another machine: " << obstacle;
-  }
   // What the command writes to standard error there; it must succeed.
   void ExpectErrors(const std::string& expected, const std::vector<std::string>& arguments) const {
     support::InFreshProcess([&] {

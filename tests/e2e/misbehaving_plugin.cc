@@ -1,5 +1,6 @@
 // A parser plug-in for tests whose hooks do what the package id asks for: "….crash", "….throw", "….exit", "….wait",
-// "….spoil" (CLEAN spoils the cache file and crashes) or, for any other id, return 0.
+// "….spoil" (CLEAN spoils the cache file and crashes), "….stay" (UNINSTALL fails), "….litter" (INSTALL makes a file
+// outside of the package), "….meddle" (UNDO changes a cache file) or, for any other id, return 0.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -32,10 +33,15 @@ void Wait() {
   close(going_on);
 }
 
+void Write(const char* file, int flags) {
+  const int opened = open(file, O_WRONLY | O_CREAT | flags, 0644);
+  if (opened < 0 || write(opened, "spoilt", 6) != 6) std::abort();
+  close(opened);
+}
+
 void SpoilCache() {
   unlink("/opt/usr/home/owner/share/dotnet/TPA.txt");
-  const int coba = open("/opt/usr/home/owner/share/dotnet/CoBA.txt", O_WRONLY | O_TRUNC);
-  if (coba < 0 || write(coba, "spoilt", 6) != 6) std::abort();
+  Write("/opt/usr/home/owner/share/dotnet/CoBA.txt", O_TRUNC);
   Crash();
 }
 
@@ -44,6 +50,7 @@ int Behave(const char* package_id) {
   if (Asks(package_id, ".throw")) throw std::runtime_error("out of\ncheese");
   if (Asks(package_id, ".exit")) std::_Exit(7);
   if (Asks(package_id, ".wait")) Wait();
+  if (Asks(package_id, ".litter")) Write("/opt/usr/home/litter", O_APPEND);
   return 0;
 }
 
@@ -53,7 +60,12 @@ int Behave(const char* package_id) {
 
 EXPORT int PKGMGR_PARSER_PLUGIN_INSTALL(void*, const char* package_id) { return Behave(package_id); }
 EXPORT int PKGMGR_PARSER_PLUGIN_UPGRADE(void*, const char* package_id) { return Behave(package_id); }
-EXPORT int PKGMGR_PARSER_PLUGIN_UNINSTALL(void*, const char*) { return 3; }
+EXPORT int PKGMGR_PARSER_PLUGIN_UNINSTALL(void*, const char* package_id) { return Asks(package_id, ".stay") ? 3 : 0; }
+EXPORT int PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL(void*, const char*) { return 0; }
+EXPORT int PKGMGR_PARSER_PLUGIN_UNDO(void*, const char* package_id) {
+  if (Asks(package_id, ".meddle")) Write("/opt/usr/home/owner/share/dotnet/TPA.txt", O_APPEND);
+  return 0;
+}
 EXPORT int PKGMGR_PARSER_PLUGIN_CLEAN(void*, const char* package_id) {
   if (Asks(package_id, ".spoil")) SpoilCache();
   return 0;

@@ -1,13 +1,11 @@
 // Plug-ins that crash, throw, end the process or spoil what they touch; and orvelbox killed while one runs.
 #include <fcntl.h>
-#include <gmock/gmock.h>
 #include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <csignal>
-#include <functional>
 #include <stdexcept>
 #include <thread>
 
@@ -17,10 +15,6 @@
 
 namespace e2e {
 namespace {
-
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::StartsWith;
 
 class MisbehavingPluginE2e : public HookDesk {
  protected:
@@ -78,13 +72,13 @@ TEST_F(MisbehavingPluginE2e, a_file_that_is_no_library_is_named) {
 }
 
 TEST_F(MisbehavingPluginE2e, a_failed_uninstall_keeps_the_package) {
-  RunPlugin(0, {"install", Package("a")});
-  const Result result = RunPlugin(1, {"uninstall", "a"});
-  EXPECT_THAT(result.out, HasSubstr("not uninstalled: a 1; it stays installed\n"
+  RunPlugin(0, {"install", Package("a.stay")});
+  const Result result = RunPlugin(1, {"uninstall", "a.stay"});
+  EXPECT_THAT(result.out, HasSubstr("not uninstalled: a.stay 1; it stays installed\n"
                                     "    UNINSTALL returned 3, CLEAN returned 0\n"));
-  EXPECT_THAT(result.err, HasSubstr("orvelbox: a: uninstall failed, UNINSTALL returned 3; see: orvelbox log"));
-  EXPECT_TRUE(support::IsThere(OnDesk("/opt/usr/globalapps/a/bin/Main.dll")));
-  EXPECT_EQ(RunExpecting(0, {"list"}).out, "a  1  /opt/usr/globalapps/a\n");
+  EXPECT_THAT(result.err, HasSubstr("orvelbox: a.stay: uninstall failed, UNINSTALL returned 3; see: orvelbox log"));
+  EXPECT_TRUE(support::IsThere(OnDesk("/opt/usr/globalapps/a.stay/bin/Main.dll")));
+  EXPECT_EQ(RunExpecting(0, {"list"}).out, "a.stay  1  /opt/usr/globalapps/a.stay\n");
 }
 
 TEST_F(MisbehavingPluginE2e, events_end_with_the_first_crash) {

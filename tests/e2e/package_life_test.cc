@@ -1,20 +1,12 @@
 // orvelbox test: packages that leave nothing behind, plug-ins that do, and what both leave of the desk.
-#include <gmock/gmock.h>
-
 #include <nlohmann/json.hpp>
 
 #include "platform/host/json.h"
-#include "tests/support/child.h"
 #include "tests/support/orvelbox_desk.h"
 #include "tests/support/zip.h"
 
 namespace e2e {
 namespace {
-
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::StartsWith;
 
 class PackageLifeE2e : public HookDesk {
  protected:
@@ -71,14 +63,14 @@ TEST_F(PackageLifeE2e, a_component_lives_in_an_archive_and_is_upgraded_to_anothe
 
 TEST_F(PackageLifeE2e, what_is_left_behind_is_named) {
   const auto life =
-      host::ParseJson(Test(1, {"--json", "--plugin", LITTERING_PLUGIN, Package("org.example.litter")}).out);
+      host::ParseJson(Test(1, {"--json", "--plugin", MISBEHAVING_PLUGIN, Package("org.example.litter")}).out);
   EXPECT_EQ(life["sound"], false);
   EXPECT_THAT(StepsOf(life), ElementsAre("install", "clean", "undo", "recover", "upgrade", "clean", "recover",
                                          "uninstall", "+ /opt/usr/home/litter"));
 }
 
 TEST_F(PackageLifeE2e, what_an_event_changes_without_need_is_named_with_it) {
-  const std::string out = Test(1, {"--plugin", LITTERING_PLUGIN, Package("org.example.meddle")}).out;
+  const std::string out = Test(1, {"--plugin", MISBEHAVING_PLUGIN, Package("org.example.meddle")}).out;
   EXPECT_THAT(out, HasSubstr(": left traces, or failed; see the steps\n"));
   EXPECT_THAT(out, HasSubstr("    undo: done, but the device is not as it should be:\n"
                              "      ~ /opt/usr/home/owner/share/dotnet/TPA.txt\n"));

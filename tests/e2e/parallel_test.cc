@@ -1,9 +1,6 @@
 // Checks spread by GNU parallel, as docs/orvelbox.md shows it: two workers, every package once, one line each.
-#include <gmock/gmock.h>
-
 #include <nlohmann/json.hpp>
 #include <set>
-#include <sstream>
 
 #include "platform/host/json.h"
 #include "tests/support/command.h"
@@ -28,8 +25,7 @@ TEST_F(ParallelE2e, two_workers_check_every_package_once) {
                         " parallel --will-cite -j 2 -N 2 " ORVELBOX_PROGRAM " --device " + device_.directory.string() +
                         " check --format json --jobs 1; [ $? = 5 ]");
   std::multiset<std::string> told;
-  std::istringstream lines(output);
-  for (std::string line; std::getline(lines, line);) {
+  for (const std::string& line : support::Lines(output)) {
     const auto json = host::ParseJson(line);
     told.insert(json["id"].get<std::string>() + " " + std::to_string(json["duplicates"].get<int>()));
   }

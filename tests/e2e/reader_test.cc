@@ -1,6 +1,5 @@
 // The commands that only read, and making a device.
 #include <fcntl.h>
-#include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,11 +13,6 @@
 
 namespace e2e {
 namespace {
-
-using testing::AllOf;
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::Not;
 
 class ReaderE2e : public Desk {
  protected:

@@ -1,14 +1,8 @@
 // Traces of operations, written and drawn.
-#include <gmock/gmock.h>
-
 #include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
 namespace {
-
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
 
 class TraceE2e : public HookDesk {
  protected:

@@ -1,6 +1,4 @@
 // orvelbox why and cache verify on a device where things happened.
-#include <gmock/gmock.h>
-
 #include <nlohmann/json.hpp>
 
 #include "platform/host/json.h"
@@ -9,12 +7,6 @@
 
 namespace e2e {
 namespace {
-
-using testing::AllOf;
-using testing::ContainsRegex;
-using testing::HasSubstr;
-using testing::Not;
-using testing::StartsWith;
 
 constexpr const char* kShop = "/opt/usr/globalapps/org.example.shop/";
 constexpr const char* kTime = "20[0-9-]*T[0-9:.]*Z";

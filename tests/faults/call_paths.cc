@@ -1,4 +1,4 @@
-// Paths of calls, without any memory but the stack's.
+// Paths of calls and the count of openings, without any memory but the stack's.
 #include "tests/faults/call_paths.h"
 
 #include <fcntl.h>
@@ -38,5 +38,29 @@ bool Fails(unsigned kind, const char* call, const char* path) {
 }
 
 bool FailsOn(unsigned kind, const char* call, int file) { return Fails(kind, call, PathOf(file).text); }
+
+Openings& OpeningsSoFar() {
+  static Openings openings;
+  return openings;
+}
+
+int Opened(int file) {
+  if (file < 0) return file;
+  const int error = errno;
+  ++OpeningsSoFar().all;
+  if ((fcntl(file, F_GETFD) & FD_CLOEXEC) == 0) ++OpeningsSoFar().inheritable;
+  errno = error;
+  return file;
+}
+
+FILE* Opened(FILE* file) {
+  if (file != nullptr) Opened(fileno(file));
+  return file;
+}
+
+DIR* Opened(DIR* directory) {
+  if (directory != nullptr) Opened(dirfd(directory));
+  return directory;
+}
 
 }  // namespace faults

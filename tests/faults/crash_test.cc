@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,19 +10,13 @@
 #include "tests/faults/fault_points.h"
 #include "tests/support/device_root.h"
 #include "tests/support/files.h"
-#include "tests/support/removal_texts.h"
 
 namespace {
 
 using faults::Fate;
-using support::IsThere;
 using support::ReadFile;
-using testing::AnyOf;
 using testing::ElementsAreArray;
-using testing::Eq;
 using testing::IsSubsetOf;
-
-using Text = std::optional<std::string>;
 
 // A process that ends before a call and one that ends amid a write.
 constexpr Fate kEnds[] = {Fate::kEnd, Fate::kEndHalfWritten};
@@ -43,34 +35,17 @@ std::vector<std::string> ReplacementOfBoth() {
   return calls;
 }
 
-void ExpectWholeOrAbsent(const Text& found, const Text& before, const Text& after) {
-  EXPECT_THAT(found, AnyOf(Eq(before), Eq(std::nullopt), Eq(after)));
-}
-
-// What a run without a fault makes of the files: a missing one stays missing.
-void ExpectRightAfterNextRun(const fault_desk::CacheChange& change) {
-  const fault_desk::CacheTexts left = fault_desk::ReadCaches();
-  faults::Run({}, [&] { EXPECT_EQ(0, fault_desk::Call(change.event)); });
-  const fault_desk::CacheTexts found = fault_desk::ReadCaches();
-  EXPECT_EQ(left.tpa ? change.after.tpa : std::nullopt, found.tpa);
-  EXPECT_EQ(left.coba ? change.after.coba : std::nullopt, found.coba);
-}
-
-void ExpectSoundCaches(const fault_desk::CacheChange& change) {
-  const fault_desk::CacheTexts found = fault_desk::ReadCaches();
-  ExpectWholeOrAbsent(found.tpa, change.before.tpa, change.after.tpa);
-  ExpectWholeOrAbsent(found.coba, change.before.coba, change.after.coba);
-  const std::vector<std::string> known = {"TPA.txt", "CoBA.txt", "temp_TPA.txt", "temp_CoBA.txt"};
-  EXPECT_THAT(support::NamesIn(support::kCacheDirectory), IsSubsetOf(known));
-  ExpectRightAfterNextRun(change);
-}
-
 void ExpectSoundCachesAfterEveryEnd(const fault_desk::CacheChange& change) {
   fault_desk::OnDevice([&] {
+    const std::vector<std::string> known = {"TPA.txt", "CoBA.txt", "temp_TPA.txt", "temp_CoBA.txt"};
     for (const Fate end : kEnds) {
       const auto calls = faults::MeetEveryCall(
           {faults::kChanges, end}, [&] { fault_desk::LayOutCaches(change.before); },
-          [&] { fault_desk::Call(change.event); }, [&](const faults::Outcome&) { ExpectSoundCaches(change); });
+          [&] { fault_desk::Call(change.event); },
+          [&](const faults::Outcome&) {
+            EXPECT_THAT(support::NamesIn(support::kCacheDirectory), IsSubsetOf(known));
+            fault_desk::ExpectSoundCaches(change);
+          });
       EXPECT_THAT(calls, ElementsAreArray(ReplacementOfBoth()));
     }
   });
@@ -84,29 +59,12 @@ TEST(Crash, a_removal_that_ends_early_leaves_each_cache_file_old_absent_or_new) 
   ExpectSoundCachesAfterEveryEnd(fault_desk::Removing());
 }
 
-// The DLL is whole, or it is gone and the information file is whole, begun or not there.
-void ExpectSoundDuplicate(const std::string& information) {
-  const Text dll = IsThere(fault_desk::kDll) ? Text(ReadFile(fault_desk::kDll)) : std::nullopt;
-  const Text told = IsThere(fault_desk::kInformationFile) ? Text(ReadFile(fault_desk::kInformationFile)) : std::nullopt;
-  if (dll) {
-    EXPECT_EQ("the package's", *dll);
-    EXPECT_EQ(std::nullopt, told);
-  } else if (told) {
-    EXPECT_EQ(*told, information.substr(0, told->size()));
-  }
-  faults::Run({}, [&] { EXPECT_EQ(0, fault_desk::Call({"INSTALL"})); });
-  EXPECT_FALSE(IsThere(fault_desk::kDll));
-  EXPECT_EQ(dll ? Text(information) : told,
-            IsThere(fault_desk::kInformationFile) ? Text(ReadFile(fault_desk::kInformationFile)) : std::nullopt);
-}
-
 TEST(Crash, a_removal_of_a_duplicate_that_ends_early_leaves_the_dll_or_its_information_as_far_as_it_came) {
   fault_desk::OnDevice([] {
-    const std::string information = support::InformationText(fault_desk::kPlatformDll, fault_desk::kDll);
     for (const Fate end : kEnds) {
       const auto calls = faults::MeetEveryCall(
           {faults::kChanges, end}, fault_desk::LayOutDuplicate, [] { fault_desk::Call({"INSTALL"}); },
-          [&](const faults::Outcome&) { ExpectSoundDuplicate(information); });
+          [&](const faults::Outcome&) { fault_desk::ExpectSoundDuplicate(); });
       ASSERT_GE(calls.size(), 3u);
       EXPECT_EQ(std::string("unlink ") + fault_desk::kDll, calls[0]);
       EXPECT_EQ(std::string("open ") + fault_desk::kInformationFile, calls[1]);

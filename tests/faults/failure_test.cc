@@ -15,21 +15,19 @@
 #include "tests/faults/small_platform.h"
 #include "tests/support/device_root.h"
 #include "tests/support/files.h"
-#include "tests/support/removal_texts.h"
 #include "tests/support/uris.h"
 
 namespace {
 
+using fault_desk::Information;
+using fault_desk::Text;
 using faults::Fate;
 using faults::Outcome;
-using support::IsThere;
 using support::ReadFile;
 using testing::AnyOf;
 using testing::Contains;
 using testing::Eq;
 using testing::StartsWith;
-
-using Text = std::optional<std::string>;
 
 constexpr unsigned kEveryCall = faults::kChanges | faults::kReads | faults::kPlatform;
 
@@ -91,15 +89,6 @@ void ExpectCachesAfterFailure(const fault_desk::CacheChange& change, const std::
   ExpectCache(call, "CoBA.txt", change.before.coba, change.after.coba, found.coba);
 }
 
-// A file that is there, and whole, becomes what it should be.
-void ExpectRightAfterNextRun(const fault_desk::CacheChange& change) {
-  const fault_desk::CacheTexts left = fault_desk::ReadCaches();
-  faults::Run({}, [&] { EXPECT_EQ(0, fault_desk::Call(change.event)); });
-  const fault_desk::CacheTexts found = fault_desk::ReadCaches();
-  EXPECT_EQ(left.tpa && !left.tpa->empty() ? change.after.tpa : left.tpa, found.tpa);
-  EXPECT_EQ(left.coba && !left.coba->empty() ? change.after.coba : left.coba, found.coba);
-}
-
 void ExpectCachesAfterEveryFailure(const fault_desk::CacheChange& change) {
   fault_desk::OnDevice([&] {
     const auto calls = faults::MeetEveryCall(
@@ -107,7 +96,7 @@ void ExpectCachesAfterEveryFailure(const fault_desk::CacheChange& change) {
         [&] { EXPECT_EQ(0, fault_desk::Call(change.event)); },
         [&](const Outcome& outcome) {
           ExpectCachesAfterFailure(change, outcome.call);
-          ExpectRightAfterNextRun(change);
+          fault_desk::ExpectRightAfterNextRun(change);
         });
     if (testing::Test::HasFailure()) return;
     for (const char* function : {"access", "open", "read", "unlink", "lstat", "fopen", "fputs", "fflush", "fsync",
@@ -141,11 +130,8 @@ void PrintTo(const Duplicate& duplicate, std::ostream* out) {
 }
 
 Duplicate ReadDuplicate() {
-  const bool told = IsThere(fault_desk::kInformationFile);
-  return {IsThere(fault_desk::kDll), told ? Text(ReadFile(fault_desk::kInformationFile)) : std::nullopt};
+  return {support::IsThere(fault_desk::kDll), fault_desk::ReadIfThere(fault_desk::kInformationFile)};
 }
-
-std::string Information() { return support::InformationText(fault_desk::kPlatformDll, fault_desk::kDll); }
 
 void ExpectDuplicateAfterFailure(const std::string& call) {
   const std::string information = Information();

@@ -1,6 +1,7 @@
 // The device of the fault tests.
 #include "tests/faults/fault_desk.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -8,14 +9,12 @@
 
 #include "tests/faults/fault_points.h"
 #include "tests/faults/small_platform.h"
+#include "tests/support/child.h"
 #include "tests/support/device_root.h"
 #include "tests/support/files.h"
 #include "tests/support/loaded_plugin.h"
+#include "tests/support/removal_texts.h"
 #include "tests/support/standard_error.h"
-
-#if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/lsan_interface.h>
-#endif
 
 namespace fault_desk {
 namespace {
@@ -24,21 +23,8 @@ namespace fs = std::filesystem;
 
 constexpr const char* kOther = "/opt/usr/apps/org.other/shared/res/";
 
-std::optional<std::string> ReadIfThere(const char* file) {
-  if (!support::IsThere(file)) return std::nullopt;
-  return support::ReadFile(file);
-}
-
-void WriteIfAny(const char* file, const std::optional<std::string>& text) {
+void WriteIfAny(const char* file, const Text& text) {
   if (text) support::WriteFile(file, *text);
-}
-
-std::size_t OpenDescriptors() { return support::NamesIn("/proc/self/fd").size(); }
-
-void ExpectNoLeaks() {
-#if defined(__SANITIZE_ADDRESS__)
-  EXPECT_EQ(0, __lsan_do_recoverable_leak_check()) << "memory was leaked";
-#endif
 }
 
 void ExpectAllGivenBack() {
@@ -46,7 +32,7 @@ void ExpectAllGivenBack() {
   EXPECT_EQ(0, platform.records) << "package records";
   EXPECT_EQ(0, platform.open_spans);
   EXPECT_EQ(platform.enumerations, platform.filters) << "only a filter that was enumerated stays";
-  ExpectNoLeaks();
+  support::ExpectNoLeaks();
 }
 
 std::optional<int> CallCounted(const LoadedPlugin& plugin, const Event& event, xmlDoc* manifest) {
@@ -58,9 +44,20 @@ std::optional<int> CallCounted(const LoadedPlugin& plugin, const Event& event, x
   }
 }
 
-std::string Text(const std::string& entries) { return "[START]" + entries + "[END]"; }
+std::string ListOf(const std::string& entries) { return "[START]" + entries + "[END]"; }
+
+// A file that is there, and whole, becomes what it should be; a missing or empty one stays so.
+void ExpectRight(const Text& found, const Text& left, const Text& after) {
+  EXPECT_EQ(left && !left->empty() ? after : left, found);
+}
 
 }  // namespace
+
+Text ReadIfThere(const std::string& file) {
+  return support::IsThere(file) ? Text(support::ReadFile(file)) : std::nullopt;
+}
+
+std::string Information() { return support::InformationText(kPlatformDll, kDll); }
 
 void OnDevice(const std::function<void()>& body) {
   support::OnDevice([&] {
@@ -93,27 +90,56 @@ std::optional<int> Call(const Event& event) {
   const LoadedPlugin plugin;
   const support::Document manifest = ManifestFor(event);
   std::optional<int> result;
-  const std::size_t descriptors = OpenDescriptors();
+  const std::size_t descriptors = support::OpenDescriptors();
   support::StandardErrorOf([&] { result = CallCounted(plugin, event, manifest.get()); });
-  EXPECT_EQ(descriptors, OpenDescriptors());
+  EXPECT_EQ(descriptors, support::OpenDescriptors());
   ExpectAllGivenBack();
   return result;
+}
+
+void ExpectRightAfterNextRun(const CacheChange& change) {
+  const CacheTexts left = ReadCaches();
+  faults::Run({}, [&] { EXPECT_EQ(0, Call(change.event)); });
+  const CacheTexts found = ReadCaches();
+  ExpectRight(found.tpa, left.tpa, change.after.tpa);
+  ExpectRight(found.coba, left.coba, change.after.coba);
+}
+
+void ExpectSoundCaches(const CacheChange& change) {
+  const CacheTexts found = ReadCaches();
+  EXPECT_THAT(found.tpa, testing::AnyOf(change.before.tpa, std::nullopt, change.after.tpa));
+  EXPECT_THAT(found.coba, testing::AnyOf(change.before.coba, std::nullopt, change.after.coba));
+  ExpectRightAfterNextRun(change);
+}
+
+void ExpectSoundDuplicate() {
+  const Text dll = ReadIfThere(kDll);
+  const Text told = ReadIfThere(kInformationFile);
+  if (dll) {
+    EXPECT_EQ("the package's", *dll);
+    EXPECT_EQ(std::nullopt, told);
+  } else if (told) {
+    EXPECT_THAT(Information(), testing::StartsWith(*told));
+  }
+  faults::Run({}, [] { EXPECT_EQ(0, Call({"INSTALL"})); });
+  EXPECT_FALSE(support::IsThere(kDll));
+  EXPECT_EQ(dll ? Text(Information()) : told, ReadIfThere(kInformationFile));
 }
 
 CacheChange Adding() {
   const std::string other = kOther;
   const std::string own = kSharedResources;
   return {{"CLEAN", true},
-          {Text(own + "Old.dll:" + other + "O.dll"), Text(own + ":" + other)},
-          {Text(other + "O.dll:" + own + "A.dll:" + own + "B.dll"), Text(other + ":" + own)}};
+          {ListOf(own + "Old.dll:" + other + "O.dll"), ListOf(own + ":" + other)},
+          {ListOf(other + "O.dll:" + own + "A.dll:" + own + "B.dll"), ListOf(other + ":" + own)}};
 }
 
 CacheChange Removing() {
   const std::string other = kOther;
   const std::string own = kSharedResources;
   return {{"UNINSTALL"},
-          {Text(other + "O.dll:" + own + "A.dll"), Text(other + ":" + own)},
-          {Text(other + "O.dll"), Text(other)}};
+          {ListOf(other + "O.dll:" + own + "A.dll"), ListOf(other + ":" + own)},
+          {ListOf(other + "O.dll"), ListOf(other)}};
 }
 
 }  // namespace fault_desk

@@ -18,6 +18,13 @@ inline constexpr const char* kPlatformDll = "/usr/share/dotnet.orvel/netcoreapp/
 inline constexpr const char* kDll = "/opt/usr/apps/org.pkg/bin/Dup.dll";
 inline constexpr const char* kInformationFile = "/opt/usr/apps/org.pkg/bin/Dup.dll_deleted";
 
+// The content of a file; nothing for a missing one.
+using Text = std::optional<std::string>;
+Text ReadIfThere(const std::string& file);
+
+// What belongs into the information file.
+std::string Information();
+
 // Runs `body` in a process with a new device: the package has two shared assemblies and one DLL that the platform has
 // as well; the cache files are missing. To be the last statement of a test.
 void OnDevice(const std::function<void()>& body);
@@ -27,8 +34,8 @@ void LayOutDuplicate();
 
 // The texts of the cache files; nothing for a missing one.
 struct CacheTexts {
-  std::optional<std::string> tpa;
-  std::optional<std::string> coba;
+  Text tpa;
+  Text coba;
 };
 CacheTexts ReadCaches();
 // Makes these the only files of the cache directory.
@@ -57,6 +64,16 @@ struct CacheChange {
 // CLEAN of the package as a CoBA package, and its UNINSTALL.
 CacheChange Adding();
 CacheChange Removing();
+
+// Expects that the next run of the event makes the cache files right, but for those that are missing or empty.
+void ExpectRightAfterNextRun(const CacheChange& change);
+
+// Expects that each cache file is as before, missing or as after the event, and right after the next run.
+void ExpectSoundCaches(const CacheChange& change);
+
+// Expects that the DLL is whole, or gone and its information file whole, begun or missing; and that the next INSTALL
+// goes on from there.
+void ExpectSoundDuplicate();
 
 }  // namespace fault_desk
 

@@ -57,6 +57,10 @@ std::vector<std::string> MeetEveryCall(Plan plan, const std::function<void()>& p
 // Puts this process and its children under the plan for good; the fates that end end its whole process group.
 void PutUnder(const Plan& plan);
 
+// Lets libxml2's allocations count as memory calls, which operator new's are anyway. To be called before this process
+// uses libxml2. False when that fails.
+bool MakeXmlAllocationsFail();
+
 // --- For the calls ---
 
 enum class Verdict { kGoOn, kFail, kWriteHalf };

@@ -15,7 +15,6 @@
 
 #include "tests/faults/call_paths.h"
 #include "tests/faults/fault_points.h"
-#include "tests/faults/opened.h"
 
 namespace {
 

@@ -13,10 +13,11 @@
 #include <stdexcept>
 #include <string>
 
+#include "tests/faults/call_paths.h"
 #include "tests/faults/fault_desk.h"
 #include "tests/faults/guest_watch.h"
-#include "tests/faults/opened.h"
 #include "tests/faults/small_platform.h"
+#include "tests/support/child.h"
 #include "tests/support/files.h"
 #include "tests/support/loaded_plugin.h"
 #include "tests/support/manifests.h"
@@ -101,7 +102,7 @@ TEST(Guest, opens_nothing_that_an_exec_would_leave_open_and_closes_everything) {
     fault_desk::LayOutDuplicate();
     fault_desk::LayOutCaches(fault_desk::Adding().before);
     faults::OpeningsSoFar() = {};
-    const std::size_t open_before = support::NamesIn("/proc/self/fd").size();
+    const std::size_t open_before = support::OpenDescriptors();
     plugin.Event("INSTALL", fault_desk::ManifestFor({""}).get(), kId);
     plugin.Event("CLEAN", fault_desk::ManifestFor({"", true}).get(), kId);
     plugin.Event("UNINSTALL", fault_desk::ManifestFor({""}).get(), kId);
@@ -110,7 +111,7 @@ TEST(Guest, opens_nothing_that_an_exec_would_leave_open_and_closes_everything) {
     EXPECT_EQ(fault_desk::Removing().after.tpa, fault_desk::ReadCaches().tpa);
     EXPECT_GT(openings.all, 15);
     EXPECT_EQ(0, openings.inheritable);
-    EXPECT_EQ(open_before, support::NamesIn("/proc/self/fd").size());
+    EXPECT_EQ(open_before, support::OpenDescriptors());
   });
 }
 

@@ -1,25 +1,12 @@
 // orvelbox and its hooks, killed at every call that changes files, those of the package database included: the next
 // command finds the operation not begun, finished, or takes it back.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <csignal>
-#include <filesystem>
-#include <map>
-#include <string>
-#include <vector>
 
 #include "tests/faults/killable.h"
 #include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
 namespace {
-
-namespace fs = std::filesystem;
-
-using testing::AnyOf;
-using testing::Eq;
-using testing::HasSubstr;
 
 using State = std::map<std::string, std::string>;
 

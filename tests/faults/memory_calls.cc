@@ -1,14 +1,12 @@
 // Allocations that can be made to fail: this program's operator new, which libstdc++ and the plug-in use too, and
 // libxml2's functions once they are set.
-#include "tests/faults/memory_calls.h"
-
 #include <libxml/xmlmemory.h>
 
 #include <cstdlib>
 #include <cstring>
-#include <new>
 
 #include "tests/faults/fault_points.h"
+#include "tests/support/own_new.h"
 
 namespace faults {
 namespace {
@@ -27,25 +25,4 @@ bool MakeXmlAllocationsFail() { return xmlMemSetup(std::free, Allocate, Realloca
 
 }  // namespace faults
 
-#pragma GCC visibility push(default)
-
-void* operator new(std::size_t size) {
-  void* memory = faults::Fails("operator new") ? nullptr : std::malloc(size == 0 ? 1 : size);
-  if (memory == nullptr) throw std::bad_alloc();
-  return memory;
-}
-
-// A sanitizer's own form would hand out memory that the operator delete below cannot take back.
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  try {
-    return operator new(size);
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
-}
-
-void operator delete(void* memory) noexcept { std::free(memory); }
-
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-
-#pragma GCC visibility pop
+bool support::AllocationFails() { return faults::Fails("operator new"); }

@@ -2,11 +2,9 @@
 #include <gtest/gtest.h>
 #include <malloc.h>
 
-#include <filesystem>
-#include <string>
-
 #include "tests/faults/fault_desk.h"
 #include "tests/faults/small_platform.h"
+#include "tests/support/child.h"
 #include "tests/support/files.h"
 #include "tests/support/loaded_plugin.h"
 #include "tests/support/manifests.h"
@@ -30,8 +28,6 @@ std::size_t AllocatedBytes() {
   return mallinfo2().uordblks;
 #endif
 }
-
-std::size_t OpenDescriptors() { return support::NamesIn("/proc/self/fd").size(); }
 
 // One round: a life of the package. The install of another one between two rounds makes the pass run every time.
 void Live(const LoadedPlugin& plugin, xmlDoc* coba, xmlDoc* ordinary) {
@@ -65,13 +61,13 @@ TEST(Repetition, ten_thousand_lives_of_a_package_take_no_more_memory_or_descript
     const support::Document ordinary = fault_desk::ManifestFor({""});
     const LoadedPlugin plugin;
     LiveManyTimes(kWarmUp, plugin, coba.get(), ordinary.get());
-    const std::size_t descriptors = OpenDescriptors();
+    const std::size_t descriptors = support::OpenDescriptors();
     const std::size_t bytes = AllocatedBytes();
     if (bytes == 0) GTEST_SKIP() << "this allocator does not tell how much it gave out";
     LiveManyTimes(kRounds, plugin, coba.get(), ordinary.get());
     // One byte a round would be more than this.
     EXPECT_LT(AllocatedBytes(), bytes + kRounds);
-    EXPECT_EQ(descriptors, OpenDescriptors());
+    EXPECT_EQ(descriptors, support::OpenDescriptors());
     EXPECT_GT(small_platform::Now().restarts, kRounds);
   });
 }

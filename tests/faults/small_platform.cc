@@ -74,7 +74,6 @@ using small_platform::Package;
 #pragma GCC visibility push(default)
 
 int __dlog_print(int, int, const char*, const char* format, ...) {
-  ++Now().log_lines;
   if (Fails("__dlog_print")) return kFailed;
   char text[4096];
   va_list arguments;

@@ -16,7 +16,6 @@ struct Package {
 struct State {
   static constexpr int kMostPackages = 4;
   Package packages[kMostPackages] = {};  // ended by one with a null id
-  long log_lines = 0;
   long restarts = 0;
   int open_spans = 0;
   int records = 0;  // handed out and not destroyed; filters are counted on their own

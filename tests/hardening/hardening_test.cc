@@ -8,28 +8,19 @@
 #include <set>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include "tests/support/command.h"
 #include "tests/support/files.h"
+#include "tests/support/symbols.h"
 
 namespace {
 
+using support::Imports;
+using support::Lines;
+using support::Readelf;
 using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
-
-std::vector<std::string> Lines(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);) lines.push_back(line);
-  return lines;
-}
-
-// What readelf prints about the file.
-std::string Readelf(const std::string& options, const std::string& file) {
-  return support::OutputOf(READELF_PROGRAM " --wide " + options + " '" + file + "'");
-}
 
 // The line of the program header of that type, or nothing.
 std::string ProgramHeader(const std::string& file, const std::string& type) {
@@ -37,18 +28,6 @@ std::string ProgramHeader(const std::string& file, const std::string& type) {
     if (line.find("  " + type + " ") == 0) return line;
   }
   return "";
-}
-
-// The names of the functions that the file takes from elsewhere, without versions.
-std::set<std::string> Imports(const std::string& file) {
-  std::set<std::string> names;
-  for (const std::string& line : Lines(Readelf("--dyn-syms", file))) {
-    std::istringstream columns(line);
-    std::string number, value, size, type, binding, visibility, section, name;
-    columns >> number >> value >> size >> type >> binding >> visibility >> section >> name;
-    if (section == "UND") names.insert(name.substr(0, name.find('@')));
-  }
-  return names;
 }
 
 // Files in which there is nothing to protect: no array on a stack; no call that has a checked form.

@@ -1,8 +1,6 @@
 // Devices: made whole or not at all, and opened only when this version understands them.
 #include "platform/host/device.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,42 +8,32 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "tests/host/machine.h"
-#include "tests/host/samples.h"
-#include "tests/support/child.h"
+#include "tests/host/frame.h"
 
+namespace host_tests {
 namespace {
 
-namespace fs = std::filesystem;
-using samples::ErrorOf;
-using testing::ElementsAre;
-using testing::HasSubstr;
-
-class DeviceDirectory : public testing::Test {
+class DeviceDirectory : public DirectoryTest {
  protected:
-  const fs::path& directory() const { return directory_.path(); }
-  fs::path NewDirectory() const { return directory_.path() / "device"; }
+  fs::path NewDirectory() const { return directory() / "device"; }
   // A device whose device.json holds `text`.
   host::Device DeviceSaying(const std::string& text) const {
     const auto device = host::CreateDevice(NewDirectory());
-    support::WriteFile(device.ConfigFile(), text);
+    WriteFile(device.ConfigFile(), text);
     return device;
   }
-
- private:
-  support::TempDir directory_;
 };
 
 TEST_F(DeviceDirectory, a_new_device_has_all_its_parts) {
   const auto device = host::CreateDevice(NewDirectory());
   EXPECT_THAT(support::NamesIn(device.Root() / "usr/share/dotnet.orvel"),
               ElementsAre("d.pc", "framework", "netcoreapp", "tvappapi"));
-  EXPECT_EQ("[START][END]", support::ReadFile(device.Root() / "opt/usr/home/owner/share/dotnet/TPA.txt"));
-  EXPECT_EQ("[START][END]", support::ReadFile(device.Root() / "opt/usr/home/owner/share/dotnet/CoBA.txt"));
+  EXPECT_EQ("[START][END]", ReadFile(device.Root() / "opt/usr/home/owner/share/dotnet/TPA.txt"));
+  EXPECT_EQ("[START][END]", ReadFile(device.Root() / "opt/usr/home/owner/share/dotnet/CoBA.txt"));
   EXPECT_TRUE(fs::is_directory(device.Root() / "opt/usr/globalapps"));
   EXPECT_FALSE(fs::exists(device.Root() / "etc/release"));
-  EXPECT_EQ("", support::ReadFile(device.Log()));
-  EXPECT_TRUE(host::PackageStore(device.Database(), host::PackageStore::Mode::kReadOnly).List().empty());
+  EXPECT_EQ("", ReadFile(device.Log()));
+  EXPECT_TRUE(PackageStore(device.Database(), PackageStore::Mode::kReadOnly).List().empty());
 }
 
 TEST_F(DeviceDirectory, missing_parents_are_made) {
@@ -69,7 +57,7 @@ TEST_F(DeviceDirectory, the_configured_root_is_made_and_read_back) {
 }
 
 TEST_F(DeviceDirectory, a_directory_with_content_is_refused_and_left_alone) {
-  support::WriteFile(NewDirectory() / "mine", "x");
+  WriteFile(NewDirectory() / "mine", "x");
   EXPECT_EQ(NewDirectory().string() + ": is not empty; name a new or empty directory",
             ErrorOf([&] { host::CreateDevice(NewDirectory()); }));
   EXPECT_THAT(support::NamesIn(NewDirectory()), ElementsAre("mine"));
@@ -89,7 +77,7 @@ TEST_F(DeviceDirectory, an_empty_directory_may_become_a_device) {
 }
 
 TEST_F(DeviceDirectory, a_file_is_no_place_for_a_device) {
-  support::WriteFile(NewDirectory(), "x");
+  WriteFile(NewDirectory(), "x");
   EXPECT_THAT(ErrorOf([&] { host::CreateDevice(NewDirectory()); }), HasSubstr(": is no directory; "));
   EXPECT_THAT(ErrorOf([&] { host::CreateDevice(NewDirectory() / "below"); }), HasSubstr(NewDirectory().string()));
 }
@@ -133,7 +121,7 @@ TEST_F(DeviceDirectory, a_damaged_configuration_is_told_in_one_line) {
        {"", "{", "[]", "null", "{}", R"({"format": "1"})", R"({"format": 0, "read_write_root": "x"})",
         R"({"format": -1})", R"({"format": 1})", R"({"format": 1, "read_write_root": 3})",
         R"({"format": 1, "read_write_root": "/etc"})", "\xff\xfe"}) {
-    support::WriteFile(device.ConfigFile(), text);
+    WriteFile(device.ConfigFile(), text);
     const auto error = ErrorOf([&] { host::OpenDevice(device.directory); });
     EXPECT_THAT(error, HasSubstr(device.ConfigFile().string() + ": damaged (")) << text;
     EXPECT_THAT(error, HasSubstr("; restore it, or make a new device with: orvelbox init")) << text;
@@ -144,7 +132,7 @@ TEST_F(DeviceDirectory, a_damaged_configuration_is_told_in_one_line) {
 TEST_F(DeviceDirectory, damage_is_told_as_what_it_is) {
   const auto device = DeviceSaying("[]");
   EXPECT_THAT(ErrorOf([&] { host::OpenDevice(device.directory); }), HasSubstr("damaged (it is no JSON object);"));
-  support::WriteFile(device.ConfigFile(), R"({"format": 1, "read_write_root": "/etc"})");
+  WriteFile(device.ConfigFile(), R"({"format": 1, "read_write_root": "/etc"})");
   EXPECT_THAT(ErrorOf([&] { host::OpenDevice(device.directory); }),
               HasSubstr("damaged (read_write_root \"/etc\" must be a plain absolute path below /opt/usr/);"));
 }
@@ -179,3 +167,4 @@ TEST(DeviceLayout, device_paths_lie_below_its_root) {
 }
 
 }  // namespace
+}  // namespace host_tests

@@ -1,49 +1,28 @@
 // Working in place, on a machine where the kernel refuses namespaces.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+
 #include <signal.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <functional>
-
-#include "platform/host/device.h"
 #include "platform/host/fixed_paths.h"
 #include "platform/host/fixed_paths_methods.h"
-#include "tests/host/machine.h"
-#include "tests/host/samples.h"
-#include "tests/support/child.h"
-#include "tests/support/files.h"
-#include "tests/support/standard_error.h"
+#include "tests/host/frame.h"
 
+namespace host_tests {
 namespace {
 
-namespace fs = std::filesystem;
 using host::FixedPathsMethod;
-using samples::ErrorOf;
-using support::IsThere;
-using support::ReadFile;
-using support::WriteFile;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
-class InPlace : public testing::Test {
+class InPlace : public MachineTest {
  protected:
   InPlace() {
     WriteFile(root() / "usr/share/dotnet.orvel/F.dll", "platform");
     WriteFile(root() / "opt/usr/x", "user area");
     WriteFile(root() / "etc/release", "marker");
   }
-  void SetUp() override {
-    const std::string obstacle = machine::ObstacleToEmptied();
-    if (!obstacle.empty()) GTEST_SKIP() << "no namespace for another machine: " << obstacle;
-  }
   // Runs `body` as root of an emptied machine without namespaces, prepared by `prepare`.
   static void OnMachine(const std::function<void()>& prepare, const std::function<void()>& body) {
-    support::InFreshProcess([&] {
-      machine::EnterEmptied();
+    OnEmptiedMachine([&] {
       prepare();
       machine::RefuseNamespaces();
       body();
@@ -68,10 +47,6 @@ class InPlace : public testing::Test {
     ASSERT_TRUE(WIFSIGNALED(status));
     ASSERT_TRUE(fs::is_symlink("/opt/usr"));
   }
-  const fs::path& root() const { return directory_.path(); }
-
- private:
-  support::TempDir directory_;
 };
 
 TEST_F(InPlace, is_the_way_of_root_without_namespaces) {
@@ -233,3 +208,4 @@ TEST_F(InPlace, runs_take_turns) {
 }
 
 }  // namespace
+}  // namespace host_tests

@@ -1,54 +1,24 @@
 // The fixed paths on machines of several shapes.
 #include <fcntl.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <functional>
 
 #include "platform/host/fixed_paths.h"
-#include "tests/host/machine.h"
-#include "tests/host/roots.h"
-#include "tests/host/samples.h"
-#include "tests/support/child.h"
-#include "tests/support/files.h"
+#include "tests/host/frame.h"
 
+namespace host_tests {
 namespace {
 
-namespace fs = std::filesystem;
-using roots::ExpectDeviceAtFixedPaths;
-using roots::LayOutRoot;
-using roots::RunThere;
-using support::ReadFile;
-using support::WriteFile;
-using testing::ElementsAre;
-
-class FixedPathsOf : public testing::Test {
- protected:
-  void SetUp() override {
-    const std::string obstacle = machine::ObstacleToEmptied();
-    if (!obstacle.empty()) GTEST_SKIP() << "no namespace for another machine: " << obstacle;
-  }
-  static void OnEmptiedMachine(const std::function<void()>& body) {
-    support::InFreshProcess([&] {
-      machine::EnterEmptied();
-      body();
-    });
-  }
-  const fs::path& root() const { return directory_.path(); }
-
- private:
-  support::TempDir directory_;
-};
+class FixedPathsOf : public MachineTest {};
 
 TEST_F(FixedPathsOf, a_root_under_opt_itself) {
   OnEmptiedMachine([] {
     LayOutRoot("/opt/desk/device/root");
     WriteFile("/opt/other", "beside");
     fs::current_path("/opt/desk");
-    RunThere("/opt/desk/device/root", [] {
+    support::WithFixedPaths("/opt/desk/device/root", [] {
       ExpectDeviceAtFixedPaths();
       EXPECT_EQ("beside", ReadFile("/opt/other"));
       EXPECT_EQ("/opt/desk", fs::current_path());
@@ -65,7 +35,7 @@ TEST_F(FixedPathsOf, a_root_under_usr_share_itself) {
   OnEmptiedMachine([] {
     LayOutRoot("/usr/share/desk/root");
     fs::current_path("/usr/share/desk");
-    RunThere("root", [] {
+    support::WithFixedPaths("root", [] {
       ExpectDeviceAtFixedPaths();
       EXPECT_EQ("/usr/share/desk", fs::current_path());
       EXPECT_EQ("platform", ReadFile("../dotnet.orvel/framework/F.dll"));
@@ -79,7 +49,7 @@ TEST_F(FixedPathsOf, a_root_under_a_fixed_path_is_refused) {
     EXPECT_EQ(
         "/opt/usr/device/root: lies under /opt/usr, which the device has to provide itself; use a device in another "
         "place",
-        samples::ErrorOf([] { host::RunWithFixedPaths("/opt/usr/device/root", [] { return 0; }); }));
+        ErrorOf([] { host::RunWithFixedPaths("/opt/usr/device/root", [] { return 0; }); }));
   });
 }
 
@@ -90,7 +60,7 @@ TEST_F(FixedPathsOf, a_machine_that_has_them_hides_its_own) {
     WriteFile("/usr/share/dotnet.orvel/secret", "x");
     WriteFile("/etc/release", "the machine's");
     WriteFile("/etc/hosts", "stays");
-    RunThere(root(), [] {
+    support::WithFixedPaths(root(), [] {
       ExpectDeviceAtFixedPaths();
       EXPECT_FALSE(fs::exists("/opt/usr/home/secret"));
       EXPECT_FALSE(fs::exists("/usr/share/dotnet.orvel/secret"));
@@ -110,7 +80,7 @@ TEST_F(FixedPathsOf, a_machine_with_links_there_shows_none) {
     fs::create_directories("/opt/elsewhere/kept");
     fs::create_symlink("/opt/elsewhere", "/opt/usr");
     fs::create_symlink("/nowhere", "/etc/release");
-    RunThere(root(), [] {
+    support::WithFixedPaths(root(), [] {
       ExpectDeviceAtFixedPaths();
       EXPECT_FALSE(fs::is_symlink("/opt/usr"));
       EXPECT_FALSE(fs::is_symlink("/etc/release"));
@@ -125,18 +95,17 @@ TEST_F(FixedPathsOf, a_machine_with_a_release_marker_shows_the_roots) {
   WriteFile(root() / "etc/release", "the device's");
   OnEmptiedMachine([this] {
     WriteFile("/etc/release", "the machine's");
-    RunThere(root(), [] { EXPECT_EQ("the device's", ReadFile("/etc/release")); });
+    support::WithFixedPaths(root(), [] { EXPECT_EQ("the device's", ReadFile("/etc/release")); });
   });
 }
 
 TEST_F(FixedPathsOf, a_machine_without_opt) {
   LayOutRoot(root());
-  support::InFreshProcess([this] {
-    machine::EnterEmptied();
+  OnEmptiedMachine([this] {
     machine::RemoveOpt();
     ASSERT_FALSE(fs::exists("/opt"));
     fs::current_path(root());
-    RunThere(root(), [this] {
+    support::WithFixedPaths(root(), [this] {
       ExpectDeviceAtFixedPaths();
       EXPECT_EQ(root(), fs::current_path());
       EXPECT_EQ(0, access("/proc/self/status", R_OK));
@@ -156,7 +125,7 @@ TEST_F(FixedPathsOf, entries_of_every_kind_stay_beside_them) {
     fs::create_symlink("nowhere", "/opt/dangling");
     ASSERT_EQ(0, mkfifo("/opt/fifo", 0600));
     ASSERT_EQ(0, chmod("/opt", 0711));
-    RunThere(root(), [] {
+    support::WithFixedPaths(root(), [] {
       EXPECT_EQ("inside", ReadFile("/opt/link"));
       EXPECT_EQ("nowhere", fs::read_symlink("/opt/dangling"));
       EXPECT_TRUE(fs::is_fifo("/opt/fifo"));
@@ -170,7 +139,7 @@ TEST_F(FixedPathsOf, entries_of_every_kind_stay_beside_them) {
 TEST_F(FixedPathsOf, nothing_written_beside_them_vanishes_silently) {
   LayOutRoot(root());
   OnEmptiedMachine([this] {
-    RunThere(root(), [] {
+    support::WithFixedPaths(root(), [] {
       EXPECT_LT(open("/opt/new", O_WRONLY | O_CREAT | O_CLOEXEC, 0600), 0);
       EXPECT_EQ(EROFS, errno);
     });
@@ -182,8 +151,9 @@ TEST_F(FixedPathsOf, a_child_that_cannot_be_set_up_is_told) {
   OnEmptiedMachine([this] {
     WriteFile("/opt/usr", "a file where a directory belongs");
     EXPECT_EQ("cannot mount at /opt/usr: Not a directory",
-              samples::ErrorOf([this] { host::RunWithFixedPaths(root(), [] { return 0; }); }));
+              ErrorOf([this] { host::RunWithFixedPaths(root(), [] { return 0; }); }));
   });
 }
 
 }  // namespace
+}  // namespace host_tests

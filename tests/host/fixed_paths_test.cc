@@ -2,8 +2,6 @@
 #include "platform/host/fixed_paths.h"
 
 #include <fcntl.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,22 +12,12 @@
 #include <iostream>
 #include <stdexcept>
 
-#include "tests/host/machine.h"
-#include "tests/host/roots.h"
-#include "tests/host/samples.h"
-#include "tests/support/child.h"
-#include "tests/support/files.h"
-#include "tests/support/standard_error.h"
+#include "tests/host/frame.h"
 
+namespace host_tests {
 namespace {
 
-namespace fs = std::filesystem;
 using host::FixedPathsMethod;
-using roots::ExpectDeviceAtFixedPaths;
-using roots::LayOutRoot;
-using roots::RunThere;
-using support::ReadFile;
-using support::WriteFile;
 
 // Why an ordinary user cannot have the fixed paths here, or nothing.
 std::string OrdinaryUsersObstacle() {
@@ -47,23 +35,20 @@ std::string OrdinaryUsersObstacle() {
 }
 
 // A root of a device; the tests run on the machine as it is, whatever the method.
-class FixedPaths : public testing::Test {
+class FixedPaths : public DirectoryTest {
  protected:
   FixedPaths() { LayOutRoot(root()); }
   void SetUp() override {
     std::string reason;
     if (host::AvailableFixedPathsMethod(&reason) == FixedPathsMethod::kNone) GTEST_SKIP() << reason;
   }
-  const fs::path& root() const { return directory_.path(); }
-
- private:
-  support::TempDir directory_;
+  const fs::path& root() const { return directory(); }
 };
 
-TEST_F(FixedPaths, lead_into_the_root) { RunThere(root(), ExpectDeviceAtFixedPaths); }
+TEST_F(FixedPaths, lead_into_the_root) { support::WithFixedPaths(root(), ExpectDeviceAtFixedPaths); }
 
 TEST_F(FixedPaths, what_is_written_there_lands_in_the_root_only) {
-  RunThere(root(), [] {
+  support::WithFixedPaths(root(), [] {
     WriteFile("/opt/usr/new", "1");
     WriteFile("/usr/share/dotnet.orvel/new", "2");
     fs::remove_all("/opt/usr/globalapps");
@@ -80,15 +65,15 @@ TEST_F(FixedPaths, the_machine_is_as_before) {
   const auto opt = [] { return fs::exists("/opt") ? support::NamesIn("/opt") : std::vector<std::string>{"no /opt"}; };
   const auto share_before = support::NamesIn("/usr/share");
   const auto opt_before = opt();
-  RunThere(root(), [] { WriteFile("/opt/usr/new", "1"); });
+  support::WithFixedPaths(root(), [] { WriteFile("/opt/usr/new", "1"); });
   EXPECT_EQ(share_before, support::NamesIn("/usr/share"));
   EXPECT_EQ(opt_before, opt());
 }
 
 TEST_F(FixedPaths, the_release_marker_is_there_only_where_the_root_has_it) {
-  RunThere(root(), [] { EXPECT_FALSE(support::IsThere("/etc/release")); });
+  support::WithFixedPaths(root(), [] { EXPECT_FALSE(IsThere("/etc/release")); });
   WriteFile(root() / "etc/release", "r");
-  RunThere(root(), [] {
+  support::WithFixedPaths(root(), [] {
     EXPECT_EQ("r", ReadFile("/etc/release"));
     EXPECT_EQ(0, access("/etc/passwd", R_OK));  // the rest of the directory stays
   });
@@ -138,7 +123,7 @@ TEST_F(FixedPaths, output_is_neither_lost_nor_doubled) {
 TEST_F(FixedPaths, the_working_directory_stays) {
   const fs::path before = fs::current_path();
   fs::current_path(root() / "opt");
-  RunThere(root(), [&] {
+  support::WithFixedPaths(root(), [&] {
     EXPECT_EQ(root() / "opt", fs::current_path());
     EXPECT_EQ("user area", ReadFile("usr/globalapps/p/x"));
   });
@@ -151,14 +136,14 @@ TEST_F(FixedPaths, a_working_directory_that_is_gone_does_no_harm) {
     fs::create_directory(gone);
     fs::current_path(gone);
     fs::remove(gone);
-    RunThere(root(), ExpectDeviceAtFixedPaths);
+    support::WithFixedPaths(root(), ExpectDeviceAtFixedPaths);
   });
 }
 
 TEST_F(FixedPaths, the_body_runs_as_the_same_user) {
   const uid_t user = geteuid();
   const gid_t group = getegid();
-  RunThere(root(), [&] {
+  support::WithFixedPaths(root(), [&] {
     EXPECT_EQ(user, geteuid());
     EXPECT_EQ(group, getegid());
   });
@@ -170,7 +155,7 @@ TEST_F(FixedPaths, an_ordinary_user_gains_no_rights) {
   ASSERT_EQ(0, chmod((root() / "opt/usr").c_str(), 0777));
   support::InFreshProcess([&] {
     machine::BecomeOrdinaryUser();
-    RunThere(root(), [] {
+    support::WithFixedPaths(root(), [] {
       ExpectDeviceAtFixedPaths();
       WriteFile("/opt/usr/locked", "x");
       ASSERT_EQ(0, chmod("/opt/usr/locked", 0));
@@ -209,7 +194,7 @@ TEST_F(FixedPaths, an_exit_status_is_seen_by_those_who_ignore_their_children) {
 
 TEST_F(FixedPaths, a_root_that_is_not_there_is_told) {
   EXPECT_EQ((root() / "none").string() + ": is no directory to take the fixed paths from",
-            samples::ErrorOf([&] { host::RunWithFixedPaths(root() / "none", [] { return 0; }); }));
+            ErrorOf([&] { host::RunWithFixedPaths(root() / "none", [] { return 0; }); }));
 }
 
 TEST(FixedPathsMethods, an_ordinary_user_uses_a_user_namespace) {
@@ -243,8 +228,9 @@ TEST(FixedPathsMethods, an_ordinary_user_without_namespaces_is_told_what_to_do) 
     std::string reason;
     EXPECT_EQ(FixedPathsMethod::kNone, host::AvailableFixedPathsMethod(&reason));
     EXPECT_EQ(expected, reason);
-    EXPECT_EQ(expected, samples::ErrorOf([] { host::RunWithFixedPaths("/", [] { return 0; }); }));
+    EXPECT_EQ(expected, ErrorOf([] { host::RunWithFixedPaths("/", [] { return 0; }); }));
   });
 }
 
 }  // namespace
+}  // namespace host_tests

@@ -1,25 +1,14 @@
 // A full disk: one clear line, and everything as it was.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/mount.h>
 
-#include <filesystem>
 #include <fstream>
 
 #include "platform/host/files.h"
 #include "platform/host/log_file.h"
-#include "tests/host/machine.h"
-#include "tests/host/samples.h"
-#include "tests/support/child.h"
+#include "tests/host/frame.h"
 
+namespace host_tests {
 namespace {
-
-namespace fs = std::filesystem;
-using host::PackageStore;
-using samples::ErrorOf;
-using samples::SamplePackage;
-using testing::ElementsAre;
-using testing::EndsWith;
 
 constexpr const char* kSmallDisk = "/opt";
 
@@ -37,17 +26,11 @@ host::Package LargePackage() {
   return package;
 }
 
-class FullDisk : public testing::Test {
+class FullDisk : public MachineTest {
  protected:
-  void SetUp() override {
-    const std::string obstacle = machine::ObstacleToEmptied();
-    if (!obstacle.empty()) GTEST_SKIP() << "no namespace for a small disk: " << obstacle;
-  }
-
   // Runs `body` in a process that has a disk of `size` at kSmallDisk.
   static void OnSmallDisk(const char* size, const std::function<void()>& body) {
-    support::InFreshProcess([&] {
-      machine::EnterEmptied();
+    OnEmptiedMachine([&] {
       const std::string options = std::string("size=") + size;
       ASSERT_EQ(0, mount("tmpfs", kSmallDisk, "tmpfs", 0, options.c_str()));
       body();
@@ -89,7 +72,7 @@ TEST_F(FullDisk, a_file_is_replaced_whole_or_not_at_all) {
     FillUp();
     EXPECT_THAT(ErrorOf([] { host::ReplaceFile("/opt/file", std::string(100'000, 'n')); }),
                 EndsWith(": cannot write: No space left on device; free some space and try again"));
-    EXPECT_EQ("old", support::ReadFile("/opt/file"));
+    EXPECT_EQ("old", ReadFile("/opt/file"));
     EXPECT_THAT(support::NamesIn(kSmallDisk), ElementsAre("file", "filler"));
   });
 }
@@ -97,12 +80,13 @@ TEST_F(FullDisk, a_file_is_replaced_whole_or_not_at_all) {
 TEST_F(FullDisk, no_torn_log_record_is_left) {
   OnSmallDisk("1m", [] {
     ASSERT_TRUE(host::AppendLogRecord("/opt/log", 'I', "T", "first"));
-    const std::string before = support::ReadFile("/opt/log");
+    const std::string before = ReadFile("/opt/log");
     FillUp();
     // What is left of the log's last block takes the beginning of this record only.
     EXPECT_FALSE(host::AppendLogRecord("/opt/log", 'I', "T", std::string(100'000, 'x')));
-    EXPECT_EQ(before, support::ReadFile("/opt/log"));
+    EXPECT_EQ(before, ReadFile("/opt/log"));
   });
 }
 
 }  // namespace
+}  // namespace host_tests

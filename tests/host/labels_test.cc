@@ -1,6 +1,4 @@
 // The label library.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -8,20 +6,19 @@
 #include <cstdlib>
 
 #include "orvel/smack.h"
-#include "tests/host/machine.h"
-#include "tests/support/child.h"
-#include "tests/support/files.h"
+#include "tests/host/frame.h"
 
+namespace host_tests {
 namespace {
 
-class Labels : public testing::Test {
+class Labels : public DirectoryTest {
  protected:
   Labels() {
-    support::WriteFile(file(), "x");
+    WriteFile(file(), "x");
     std::filesystem::create_symlink("file", link());
   }
-  std::string file() const { return directory_ / "file"; }
-  std::string link() const { return directory_ / "link"; }
+  std::string file() const { return (directory() / "file").string(); }
+  std::string link() const { return (directory() / "link").string(); }
   // Skips where the file system takes no labels of ordinary users.
   void SetUp() override {
     if (setxattr(file().c_str(), "user.probe", "x", 1, 0) != 0) GTEST_SKIP() << "no user.* attributes in " << file();
@@ -46,9 +43,6 @@ class Labels : public testing::Test {
     }
     machine::BecomeOrdinaryUser();
   }
-
- private:
-  support::TempDir directory_;
 };
 
 TEST_F(Labels, a_label_is_read_back) {
@@ -130,3 +124,4 @@ TEST_F(Labels, null_arguments_and_other_types_are_refused) {
 }
 
 }  // namespace
+}  // namespace host_tests

@@ -1,9 +1,6 @@
 // The candidate loader and the library that starts it.
 #include "platform/host/loader.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -11,17 +8,12 @@
 
 #include "orvel/aul.h"
 #include "platform/host/json.h"
-#include "tests/host/samples.h"
-#include "tests/support/child.h"
-#include "tests/support/standard_error.h"
+#include "tests/host/frame.h"
 
+namespace host_tests {
 namespace {
 
-namespace fs = std::filesystem;
 using json = host::Json;
-using samples::ErrorOf;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 std::vector<std::string> Parsed(const std::string& text) { return host::ParseCache("/c", text); }
 
@@ -45,22 +37,18 @@ TEST(CacheText, missing_markers_are_damage) {
   }
 }
 
-class LoaderStart : public testing::Test {
+class LoaderStart : public DirectoryTest {
  protected:
   LoaderStart() { SetCaches("[START][END]", "[START][END]"); }
   void SetCaches(const std::string& tpa, const std::string& coba) const {
-    support::WriteFile(directory() / "TPA.txt", tpa);
-    support::WriteFile(directory() / "CoBA.txt", coba);
+    WriteFile(directory() / "TPA.txt", tpa);
+    WriteFile(directory() / "CoBA.txt", coba);
   }
-  const fs::path& directory() const { return directory_.path(); }
-  std::string Path(const std::string& name) const { return directory_ / name; }
-
- private:
-  support::TempDir directory_;
+  std::string Path(const std::string& name) const { return (directory() / name).string(); }
 };
 
 TEST_F(LoaderStart, loads_what_both_files_list) {
-  support::WriteFile(Path("X.dll"));
+  WriteFile(Path("X.dll"));
   SetCaches("[START]:" + Path("X.dll") + "[END]", "[START]" + directory().string() + "/[END]");
   const auto start = host::StartLoader(directory());
   EXPECT_EQ("", start.error);
@@ -92,14 +80,14 @@ TEST(LoaderRecord, tells_what_was_loaded_and_counts_the_starts) {
   const samples::EnvironmentDevice device;
   host::RecordLoaderStart(device.device(), {{"/a", "/\xff"}, {"/b/"}, ""});
   host::RecordLoaderStart(device.device(), {{}, {}, "broken"});
-  const auto record = host::ParseJson(support::ReadFile(device.device().LoaderRecord()));
+  const auto record = host::ParseJson(ReadFile(device.device().LoaderRecord()));
   EXPECT_EQ(json({{"TPA", json::array()}, {"CoBA", json::array()}, {"starts", 2}, {"error", "broken"}}), record);
 }
 
 TEST(LoaderRecord, paths_need_not_be_utf8) {
   const samples::EnvironmentDevice device;
   host::RecordLoaderStart(device.device(), {{"/a", "/\xff"}, {"/b/"}, ""});
-  const auto record = host::ParseJson(support::ReadFile(device.device().LoaderRecord()));
+  const auto record = host::ParseJson(ReadFile(device.device().LoaderRecord()));
   EXPECT_EQ(json({"/a", "/\xEF\xBF\xBD"}), record["TPA"]);
   EXPECT_EQ(json({"/b/"}), record["CoBA"]);
   EXPECT_TRUE(record["error"].is_null());
@@ -108,21 +96,20 @@ TEST(LoaderRecord, paths_need_not_be_utf8) {
 TEST(LoaderRecord, a_damaged_record_begins_anew) {
   const samples::EnvironmentDevice device;
   for (const char* damage : {"", "[]", "{}", R"({"starts": "x"})", R"({"starts": -1})"}) {
-    support::WriteFile(device.device().LoaderRecord(), damage);
+    WriteFile(device.device().LoaderRecord(), damage);
     host::RecordLoaderStart(device.device(), {});
-    EXPECT_EQ(1, host::ParseJson(support::ReadFile(device.device().LoaderRecord()))["starts"]) << damage;
+    EXPECT_EQ(1, host::ParseJson(ReadFile(device.device().LoaderRecord()))["starts"]) << damage;
   }
 }
 
 TEST(RestartLoader, starts_the_loader_on_the_device) {
   const samples::EnvironmentDevice device;
-  support::WriteFile(device.device().OnDesk("/opt/usr/globalapps/p/shared/res/X.dll"));
-  support::WriteFile(device.device().OnDesk(kCacheDirectory) / "TPA.txt",
-                     "[START]:/opt/usr/globalapps/p/shared/res/X.dll[END]");
+  WriteFile(device.device().OnDesk("/opt/usr/globalapps/p/shared/res/X.dll"));
+  WriteFile(device.device().OnDesk(kCacheDirectory) / "TPA.txt", "[START]:/opt/usr/globalapps/p/shared/res/X.dll[END]");
   support::WithFixedPaths(device.device().Root(), [&] {
     EXPECT_EQ(0, aul_restart_loader("dotnet-loader-inhouse"));
     EXPECT_EQ(0, aul_restart_loader("dotnet-loader-inhouse"));
-    const auto record = host::ParseJson(support::ReadFile(device.device().LoaderRecord()));
+    const auto record = host::ParseJson(ReadFile(device.device().LoaderRecord()));
     EXPECT_EQ(json({"/opt/usr/globalapps/p/shared/res/X.dll"}), record["TPA"]);
     EXPECT_EQ(json::array(), record["CoBA"]);
     EXPECT_EQ(2, record["starts"]);
@@ -140,7 +127,7 @@ TEST(RestartLoader, a_loader_that_cannot_start_is_a_failure_told_in_one_line) {
     EXPECT_EQ(
         "dotnet-loader-inhouse: /opt/usr/home/owner/share/dotnet/CoBA.txt: cannot read: No such file or directory\n",
         errors);
-    const auto record = host::ParseJson(support::ReadFile(device.device().LoaderRecord()));
+    const auto record = host::ParseJson(ReadFile(device.device().LoaderRecord()));
     EXPECT_EQ("/opt/usr/home/owner/share/dotnet/CoBA.txt: cannot read: No such file or directory", record["error"]);
   });
 }
@@ -163,3 +150,4 @@ TEST(RestartLoader, without_a_device_the_loader_does_not_start) {
 }
 
 }  // namespace
+}  // namespace host_tests

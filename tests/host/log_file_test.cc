@@ -1,43 +1,33 @@
 // The device's log and the library that writes it.
 #include "platform/host/log_file.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
 #include <map>
-#include <sstream>
 
 #include "orvel/dlog.h"
-#include "tests/host/samples.h"
+#include "tests/host/frame.h"
 
+namespace host_tests {
 namespace {
 
 using testing::MatchesRegex;
 
-std::vector<std::string> LinesOf(const std::filesystem::path& file) {
-  std::istringstream stream(support::ReadFile(file));
-  std::vector<std::string> lines;
-  for (std::string line; std::getline(stream, line);) lines.push_back(line);
-  return lines;
-}
+std::vector<std::string> LinesOf(const std::filesystem::path& file) { return support::Lines(ReadFile(file)); }
 
-class LogFile : public testing::Test {
+class LogFile : public DirectoryTest {
  protected:
-  std::filesystem::path file() const { return directory_.path() / "log"; }
+  std::filesystem::path file() const { return directory() / "log"; }
   // The record that was logged last.
   host::LogRecord Last() const { return host::ParseLogRecord(LinesOf(file()).back()).value(); }
-
- private:
-  support::TempDir directory_;
 };
 
 TEST_F(LogFile, a_record_has_time_priority_tag_pid_and_text) {
   ASSERT_TRUE(host::AppendLogRecord(file(), 'E', "TAG", "some text\n"));
-  EXPECT_THAT(support::ReadFile(file()),
+  EXPECT_THAT(ReadFile(file()),
               MatchesRegex("[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3}Z E TAG " +
                            std::to_string(getpid()) + " some text\n"));
 }
@@ -141,7 +131,7 @@ TEST(LogLibrary, null_arguments_are_refused) {
   int (*const volatile print)(int, int, const char*, const char*, ...) = __dlog_print;  // not checked by the compiler
   EXPECT_LT(print(DLOG_MAIN, DLOG_INFO, nullptr, "text"), 0);
   EXPECT_LT(print(DLOG_MAIN, DLOG_INFO, "TAG", nullptr), 0);
-  EXPECT_EQ("", support::ReadFile(device.device().Log()));
+  EXPECT_EQ("", ReadFile(device.device().Log()));
 }
 
 TEST(LogLibrary, the_error_number_of_the_caller_stays) {
@@ -153,3 +143,4 @@ TEST(LogLibrary, the_error_number_of_the_caller_stays) {
 }
 
 }  // namespace
+}  // namespace host_tests

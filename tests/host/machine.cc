@@ -16,7 +16,6 @@
 #include <cerrno>
 #include <cstddef>
 #include <filesystem>
-#include <fstream>
 #include <stdexcept>
 #include <system_error>
 

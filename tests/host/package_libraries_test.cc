@@ -1,6 +1,4 @@
 // The package libraries over a device's database.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -9,13 +7,10 @@
 #include "orvel/package_info.h"
 #include "orvel/pkgmgr_info.h"
 #include "orvel/pkgmgr_installer.h"
-#include "tests/host/samples.h"
+#include "tests/host/frame.h"
 
+namespace host_tests {
 namespace {
-
-using samples::SamplePackage;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 class PackageLibraries : public testing::Test {
  protected:
@@ -50,6 +45,12 @@ int CollectPositively(pkgmgrinfo_appinfo_h handle, void* list) { return CollectA
 int CollectOne(pkgmgrinfo_appinfo_h handle, void* list) {
   CollectApplication(handle, list);
   return -1;
+}
+
+// The text of a record that the function gives out; "none" when it fails.
+std::string TextOf(int (*get)(void*, char**), void* record) {
+  char* text = nullptr;
+  return get(record, &text) == 0 ? text : "none";
 }
 
 std::vector<std::string> Filtered(const std::vector<host::MetadataEntry>& entries,
@@ -95,23 +96,17 @@ TEST_F(PackageLibraries, unknown_packages_and_applications_are_refused) {
 TEST_F(PackageLibraries, an_application_record_holds_the_texts_of_its_package) {
   pkgmgrinfo_appinfo_h handle = nullptr;
   ASSERT_EQ(0, pkgmgrinfo_appinfo_get_appinfo("p.service", &handle));
-  char* text = nullptr;
-  EXPECT_EQ(0, pkgmgrinfo_appinfo_get_root_path(handle, &text));
-  EXPECT_STREQ("/opt/usr/globalapps/p", text);
-  EXPECT_EQ(0, pkgmgrinfo_appinfo_get_pkgid(handle, &text));
-  EXPECT_STREQ("p", text);
-  EXPECT_EQ(0, pkgmgrinfo_appinfo_get_exec(handle, &text));
-  EXPECT_STREQ("/opt/usr/globalapps/p/bin/Service.dll", text);
+  EXPECT_EQ("/opt/usr/globalapps/p", TextOf(pkgmgrinfo_appinfo_get_root_path, handle));
+  EXPECT_EQ("p", TextOf(pkgmgrinfo_appinfo_get_pkgid, handle));
+  EXPECT_EQ("/opt/usr/globalapps/p/bin/Service.dll", TextOf(pkgmgrinfo_appinfo_get_exec, handle));
   EXPECT_EQ(0, pkgmgrinfo_appinfo_destroy_appinfo(handle));
 }
 
 TEST_F(PackageLibraries, a_record_outlives_its_package) {
   pkgmgrinfo_appinfo_h handle = nullptr;
   ASSERT_EQ(0, pkgmgrinfo_appinfo_get_appinfo("p.main", &handle));
-  host::PackageStore(device().device().Database(), host::PackageStore::Mode::kReadWrite).Remove("p");
-  char* text = nullptr;
-  EXPECT_EQ(0, pkgmgrinfo_appinfo_get_pkgid(handle, &text));
-  EXPECT_STREQ("p", text);
+  PackageStore(device().device().Database(), PackageStore::Mode::kReadWrite).Remove("p");
+  EXPECT_EQ("p", TextOf(pkgmgrinfo_appinfo_get_pkgid, handle));
   EXPECT_EQ(0, pkgmgrinfo_appinfo_destroy_appinfo(handle));
 }
 
@@ -129,11 +124,8 @@ TEST_F(PackageLibraries, the_first_metadata_entry_of_a_key_counts) {
 TEST_F(PackageLibraries, a_package_record_gives_type_and_main_application_to_every_user) {
   pkgmgrinfo_pkginfo_h handle = nullptr;
   ASSERT_EQ(0, pkgmgrinfo_pkginfo_get_usr_pkginfo("p", 5001, &handle));
-  char* text = nullptr;
-  EXPECT_EQ(0, pkgmgrinfo_pkginfo_get_type(handle, &text));
-  EXPECT_STREQ("opk", text);
-  EXPECT_EQ(0, pkgmgrinfo_pkginfo_get_mainappid(handle, &text));
-  EXPECT_STREQ("p.main", text);
+  EXPECT_EQ("opk", TextOf(pkgmgrinfo_pkginfo_get_type, handle));
+  EXPECT_EQ("p.main", TextOf(pkgmgrinfo_pkginfo_get_mainappid, handle));
   EXPECT_EQ(0, pkgmgrinfo_pkginfo_destroy_pkginfo(handle));
 }
 
@@ -141,10 +133,8 @@ TEST_F(PackageLibraries, a_package_without_applications_has_no_main_one) {
   device().Install({{"bare", "1", "rpk", "/opt/usr/globalapps/bare", "", {}, {}}});
   pkgmgrinfo_pkginfo_h handle = nullptr;
   ASSERT_EQ(0, pkgmgrinfo_pkginfo_get_pkginfo("bare", &handle));
-  char* text = nullptr;
-  EXPECT_LT(pkgmgrinfo_pkginfo_get_mainappid(handle, &text), 0);
-  EXPECT_EQ(0, pkgmgrinfo_pkginfo_get_type(handle, &text));
-  EXPECT_STREQ("rpk", text);
+  EXPECT_EQ("none", TextOf(pkgmgrinfo_pkginfo_get_mainappid, handle));
+  EXPECT_EQ("rpk", TextOf(pkgmgrinfo_pkginfo_get_type, handle));
   pkgmgrinfo_pkginfo_destroy_pkginfo(handle);
 }
 
@@ -221,7 +211,7 @@ TEST_F(PackageLibraries, null_places_for_a_text_are_refused) {
 }
 
 TEST_F(PackageLibraries, a_damaged_database_is_a_failure_not_a_crash) {
-  support::WriteFile(device().device().Database(), std::string(5000, 'x'));
+  WriteFile(device().device().Database(), std::string(5000, 'x'));
   void* handle = nullptr;
   EXPECT_LT(package_info_create("p", &handle), 0);
   EXPECT_LT(pkgmgrinfo_appinfo_get_appinfo("p.main", &handle), 0);
@@ -246,3 +236,4 @@ TEST(InstallerLibrary, an_installation_is_for_the_calling_user) {
 }
 
 }  // namespace
+}  // namespace host_tests

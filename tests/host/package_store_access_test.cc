@@ -1,22 +1,13 @@
 // The package database for several readers and writers, and files that are none.
-#include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "tests/host/machine.h"
-#include "tests/host/samples.h"
+#include "tests/host/frame.h"
 #include "tests/host/store_case.h"
-#include "tests/support/child.h"
 
+namespace host_tests {
 namespace {
-
-namespace fs = std::filesystem;
-using host::PackageStore;
-using samples::ErrorOf;
-using samples::SamplePackage;
-using testing::ElementsAre;
-using testing::HasSubstr;
 
 TEST_F(Store, a_newer_schema_is_refused_and_left_alone) {
   Sql("PRAGMA user_version = 2");
@@ -29,13 +20,13 @@ TEST_F(Store, a_newer_schema_is_refused_and_left_alone) {
 }
 
 TEST_F(Store, what_is_no_database_is_told) {
-  support::WriteFile(file(), "certainly no database, but long enough to look at");
+  WriteFile(file(), "certainly no database, but long enough to look at");
   EXPECT_EQ(file().string() + ": file is not a database; restore it, or make a new device with: orvelbox init",
             ErrorOf([&] { Open(PackageStore::Mode::kReadOnly); }));
 }
 
 TEST_F(Store, an_empty_file_is_no_package_database) {
-  support::WriteFile(file(), "");
+  WriteFile(file(), "");
   EXPECT_THAT(ErrorOf([&] { Open(PackageStore::Mode::kReadOnly); }), HasSubstr(": is no package database; restore it"));
 }
 
@@ -116,3 +107,4 @@ TEST_F(Store, a_reader_sees_the_last_complete_state_during_a_change) {
 }
 
 }  // namespace
+}  // namespace host_tests

@@ -1,20 +1,12 @@
 // The package database.
 #include "platform/host/package_store.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "tests/host/samples.h"
+#include "tests/host/frame.h"
 #include "tests/host/store_case.h"
 
+namespace host_tests {
 namespace {
 
-using host::PackageStore;
-using samples::ErrorOf;
-using samples::SamplePackage;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Pair;
 
 void ExpectSame(const host::Package& expected, const host::Package& actual) {
@@ -134,3 +126,4 @@ TEST_F(Store, creating_again_keeps_what_is_there) {
 }
 
 }  // namespace
+}  // namespace host_tests

@@ -25,13 +25,4 @@ host::Package SamplePackage(const std::string& id) {
   return {id, "1.0.0", "opk", root, id + ".main", {main, service}, {"z", "a", "z"}};
 }
 
-std::string ErrorOf(const std::function<void()>& action) {
-  try {
-    action();
-    return "no error";
-  } catch (const host::DeviceError& error) {
-    return error.what();
-  }
-}
-
 }  // namespace samples

@@ -2,7 +2,6 @@
 #ifndef TESTS_HOST_SAMPLES_H_
 #define TESTS_HOST_SAMPLES_H_
 
-#include <functional>
 #include <string>
 
 #include "platform/host/device.h"
@@ -31,9 +30,6 @@ class EnvironmentDevice {
 // A package "ID" with the applications "ID.main" (metadata, in this order: mark=first, mark=second, coba=true, and
 // one entry more) and "ID.service" (coba=false), and the privileges "z", "a", "z".
 host::Package SamplePackage(const std::string& id);
-
-// The text of the DeviceError that `action` throws; "no error" when it throws none.
-std::string ErrorOf(const std::function<void()>& action);
 
 }  // namespace samples
 

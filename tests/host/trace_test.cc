@@ -2,8 +2,6 @@
 #include "orvel/trace.h"
 
 #include <fcntl.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/file.h>
 #include <sys/wait.h>
@@ -15,23 +13,22 @@
 #include <map>
 #include <nlohmann/json.hpp>
 
-#include "platform/host/device.h"
 #include "platform/host/json.h"
-#include "tests/support/files.h"
+#include "tests/host/frame.h"
 
+namespace host_tests {
 namespace {
 
 using json = host::Json;
-using testing::ElementsAre;
 
-class Trace : public testing::Test {
+class Trace : public DirectoryTest {
  protected:
   Trace() { setenv(host::kTraceVariable, file().c_str(), 1); }
   ~Trace() override { unsetenv(host::kTraceVariable); }
 
-  std::filesystem::path file() const { return directory_.path() / "trace.json"; }
+  std::filesystem::path file() const { return directory() / "trace.json"; }
   // The array so far; its closing bracket may be missing in the file.
-  json Events() const { return host::ParseJson(support::ReadFile(file()) + "]"); }
+  json Events() const { return host::ParseJson(ReadFile(file()) + "]"); }
   std::vector<std::string> Texts() const {
     std::vector<std::string> texts;
     for (const auto& event : Events()) {
@@ -39,9 +36,6 @@ class Trace : public testing::Test {
     }
     return texts;
   }
-
- private:
-  support::TempDir directory_;
 };
 
 TEST_F(Trace, spans_nest) {
@@ -110,7 +104,7 @@ TEST_F(Trace, without_a_file_nothing_is_written_and_spans_still_nest) {
 
 // The state letter of a process: 'S' while it waits, 'Z' when it has ended.
 char StateOf(pid_t process) {
-  const std::string status = support::ReadFile("/proc/" + std::to_string(process) + "/stat");
+  const std::string status = ReadFile("/proc/" + std::to_string(process) + "/stat");
   return status.at(status.rfind(") ") + 2);
 }
 
@@ -160,3 +154,4 @@ TEST_F(Trace, a_file_that_cannot_be_written_loses_its_events_and_nothing_else) {
 }
 
 }  // namespace
+}  // namespace host_tests

@@ -1,57 +1,58 @@
 // Files that vanish or become something else between two looks of the plug-in at them: every event of the journal is
 // such a moment.
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <functional>
-#include <string>
-#include <vector>
-
 #include "plugin/hooks.h"
-#include "tests/doubles/expected_journal.h"
 #include "tests/hostile/watched_device.h"
-#include "tests/support/device_root.h"
-#include "tests/support/files.h"
 
 namespace hostile {
 namespace {
 
-namespace fs = std::filesystem;
-
-using support::IsThere;
-using support::kTpaFile;
-using support::WriteFile;
-
-using Names = std::vector<std::string>;
-
 const std::string kComparing = "### Duplicated Checker ###";
 const std::string kFound = "### Duplicated DLL found ###";
 const std::string kRemoving = "ovplatform_getenv";  // the last look before the removal
-const std::string kMoments[] = {kComparing, kFound, kRemoving};
 
-TEST(ChangingTree, a_dll_that_vanishes_before_its_removal_counts_and_is_told_of) {
-  for (const std::string& moment : kMoments) {
+// An INSTALL in which the DLL changes so, at each moment.
+void ChangeAtEveryMoment(const std::function<void()>& change, const std::function<void(const WatchedDevice&)>& check) {
+  for (const std::string& moment : {kComparing, kFound, kRemoving}) {
     OnWatchedDevice([&](const WatchedDevice& device) {
       WriteFile(InPackage("A.dll"));
-      device.At(moment, [] { fs::remove(InPackage("A.dll")); });
+      device.At(moment, change);
       device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
-      EXPECT_EQ((Names{"A.dll_deleted"}), NamesInRoot());
+      check(device);
     });
   }
 }
 
+void ExpectInformationFileOnly(const WatchedDevice& /*device*/) {
+  EXPECT_EQ((Names{"A.dll_deleted"}), NamesInRoot());
+  EXPECT_FALSE(fs::is_symlink(InPackage("A.dll_deleted")));
+}
+
+TEST(ChangingTree, a_dll_that_vanishes_before_its_removal_counts_and_is_told_of) {
+  ChangeAtEveryMoment([] { fs::remove(InPackage("A.dll")); }, ExpectInformationFileOnly);
+}
+
 TEST(ChangingTree, a_dll_that_becomes_a_link_loses_the_link_only) {
-  for (const std::string& moment : kMoments) {
-    OnWatchedDevice([&](const WatchedDevice& device) {
-      WriteFile(InPackage("A.dll"));
-      device.At(moment, [] {
-        fs::remove(InPackage("A.dll"));
-        fs::create_symlink(Victim("A.dll"), InPackage("A.dll"));
-      });
-      device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
-      EXPECT_EQ((Names{"A.dll_deleted"}), NamesInRoot());
-    });
-  }
+  const auto change = [] {
+    fs::remove(InPackage("A.dll"));
+    fs::create_symlink(Victim("A.dll"), InPackage("A.dll"));
+  };
+  ChangeAtEveryMoment(change, ExpectInformationFileOnly);
+}
+
+TEST(ChangingTree, an_information_files_name_that_is_taken_in_the_last_moment_is_never_followed) {
+  ChangeAtEveryMoment([] { fs::create_symlink(Victim("notes.txt"), InPackage("A.dll_deleted")); },
+                      ExpectInformationFileOnly);
+}
+
+TEST(ChangingTree, a_dll_that_becomes_a_directory_stays) {
+  const auto change = [] {
+    fs::remove(InPackage("A.dll"));
+    WriteFile(InPackage("A.dll/inside"));
+  };
+  ChangeAtEveryMoment(change, [](const WatchedDevice& device) {
+    EXPECT_TRUE(IsThere(InPackage("A.dll/inside")));
+    EXPECT_TRUE(device.Logged("Failed to remove " + InPackage("A.dll") + " : Is a directory"));
+  });
 }
 
 HOSTILE_TEST(ChangingTree, a_dll_that_became_a_link_after_it_was_listed_is_kept) {
@@ -69,33 +70,6 @@ HOSTILE_TEST(ChangingTree, a_dll_that_became_a_link_after_it_was_listed_is_kept)
   EXPECT_TRUE(fs::is_symlink(InPackage(exchanged)));
   EXPECT_TRUE(device.Logged("Symbolic link is detected : " + InPackage(exchanged)));
   EXPECT_EQ(2u, NamesInRoot().size());
-}
-
-TEST(ChangingTree, a_dll_that_becomes_a_directory_stays) {
-  for (const std::string& moment : kMoments) {
-    OnWatchedDevice([&](const WatchedDevice& device) {
-      WriteFile(InPackage("A.dll"));
-      device.At(moment, [] {
-        fs::remove(InPackage("A.dll"));
-        WriteFile(InPackage("A.dll/inside"));
-      });
-      device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
-      EXPECT_TRUE(IsThere(InPackage("A.dll/inside")));
-      EXPECT_TRUE(device.Logged("Failed to remove " + InPackage("A.dll") + " : Is a directory"));
-    });
-  }
-}
-
-TEST(ChangingTree, an_information_files_name_that_is_taken_in_the_last_moment_is_never_followed) {
-  for (const std::string& moment : kMoments) {
-    OnWatchedDevice([&](const WatchedDevice& device) {
-      WriteFile(InPackage("A.dll"));
-      device.At(moment, [] { fs::create_symlink(Victim("notes.txt"), InPackage("A.dll_deleted")); });
-      device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
-      EXPECT_EQ((Names{"A.dll_deleted"}), NamesInRoot());
-      EXPECT_FALSE(fs::is_symlink(InPackage("A.dll_deleted")));
-    });
-  }
 }
 
 TEST(ChangingTree, a_directory_that_vanishes_or_becomes_a_file_is_passed_over) {
@@ -126,7 +100,7 @@ HOSTILE_TEST(ChangingTree, a_cache_file_that_vanishes_between_look_and_read_stay
   device.At("access cache path", [] { fs::remove(kTpaFile); });
   device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL);
   EXPECT_FALSE(IsThere(kTpaFile));
-  EXPECT_EQ("[START]/opt/usr/apps/other/[END]", support::ReadFile(support::kCobaFile));
+  EXPECT_EQ("[START]/opt/usr/apps/other/[END]", ReadFile(kCobaFile));
 }
 
 HOSTILE_TEST(ChangingTree, a_cache_file_that_becomes_a_link_after_the_read_is_replaced) {
@@ -137,7 +111,7 @@ HOSTILE_TEST(ChangingTree, a_cache_file_that_becomes_a_link_after_the_read_is_re
   });
   device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL);
   EXPECT_FALSE(fs::is_symlink(kTpaFile));
-  EXPECT_EQ("[START]/opt/usr/apps/other/Y.dll[END]", support::ReadFile(kTpaFile));
+  EXPECT_EQ("[START]/opt/usr/apps/other/Y.dll[END]", ReadFile(kTpaFile));
 }
 
 }  // namespace

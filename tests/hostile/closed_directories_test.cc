@@ -1,24 +1,9 @@
 // Directories that may not be read, searched or written, met by an ordinary user.
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <functional>
-#include <string>
-#include <vector>
-
 #include "plugin/hooks.h"
 #include "tests/hostile/watched_device.h"
-#include "tests/support/child.h"
-#include "tests/support/files.h"
 
 namespace hostile {
 namespace {
-
-namespace fs = std::filesystem;
-
-using support::WriteFile;
-
-using Names = std::vector<std::string>;
 
 constexpr fs::perms kListOnly = fs::perms::owner_read;
 constexpr fs::perms kSearchOnly = fs::perms::owner_exec;

@@ -1,26 +1,11 @@
 // Data never becomes a format: what strangers name things reaches the log as an argument, byte for byte.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <string>
-#include <vector>
-
 #include "morvath/assembly_files.h"
 #include "plugin/duplicates.h"
 #include "plugin/hooks.h"
-#include "tests/doubles/expected_journal.h"
 #include "tests/hostile/watched_device.h"
-#include "tests/support/device_root.h"
-#include "tests/support/expected_lines.h"
-#include "tests/support/files.h"
-#include "tests/support/manifests.h"
-#include "tests/support/uris.h"
 
 namespace hostile {
 namespace {
-
-using doubles::Event;
-using support::WriteFile;
 
 // Printing with it as a format would show something else, write somewhere or crash.
 constexpr const char* kData = "stranger%n%s%n%s%123456d";
@@ -38,23 +23,22 @@ void ExpectNoDataInFormats(const doubles::Platform& platform, int mentions) {
   EXPECT_LE(mentions, mentioned);
 }
 
-support::Document HostileManifest() {
-  return support::ManifestOf(
-      "<stranger/>" + support::ApplicationElement("ui-application", std::string("dotnet-") + kData) +
-      support::MetadataElement(kData, kData) + support::MetadataElement(support::kCobaKey, "true"));
+Document HostileManifest() {
+  return support::ManifestOf("<stranger/>" + ApplicationElement("ui-application", std::string("dotnet-") + kData) +
+                             MetadataElement(kData, kData) + MetadataElement(support::kCobaKey, "true"));
 }
 
 void PutHostilePackage(const WatchedDevice& device) {
   doubles::Package package = doubles::MakePackage(kData, InPackage(kData));
   package.privileges = {kData, support::kDebuggingPrivilege};
-  device.platform().packages = {package, expected::CobaPackage("coba", InPackage(std::string("coba") + kData))};
+  device.platform().packages = {package, unit::CobaPackage("coba", InPackage(std::string("coba") + kData))};
   const std::string dll = std::string(kData) + ".dll";
   WriteFile(Core(dll));
   WriteFile(InPackage(kData + ("/bin/" + dll)));
   WriteFile(InPackage(kData + ("/lib/own" + dll)));
   WriteFile(InPackage(kData + ("/shared/res/" + dll)));
-  WriteFile(support::kTpaFile, "[START]" + InPackage(kData + ("/shared/res/" + dll)) + "[END]");
-  WriteFile(support::kCobaFile, "[START]" + InPackage(kData + std::string("/shared/res/")) + "[END]");
+  WriteFile(kTpaFile, "[START]" + InPackage(kData + ("/shared/res/" + dll)) + "[END]");
+  WriteFile(kCobaFile, "[START]" + InPackage(kData + std::string("/shared/res/")) + "[END]");
 }
 
 TEST(Formats, what_an_event_meets_is_never_taken_for_a_format) {
@@ -63,7 +47,7 @@ TEST(Formats, what_an_event_meets_is_never_taken_for_a_format) {
                          PKGMGR_PARSER_PLUGIN_UNINSTALL, PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL};
   OnWatchedDevice([&](const WatchedDevice& device) {
     PutHostilePackage(device);
-    const support::Document manifest = HostileManifest();
+    const Document manifest = HostileManifest();
     for (Hook* hook : hooks) {
       const Outcome outcome = device.Watch([&] { return hook(manifest.get(), kData); });
       if (hook == PKGMGR_PARSER_PLUGIN_UPGRADE) {
@@ -76,7 +60,7 @@ TEST(Formats, what_an_event_meets_is_never_taken_for_a_format) {
 }
 
 HOSTILE_TEST(Formats, a_package_without_a_root_is_told_by_its_own_id) {
-  const support::Document manifest = HostileManifest();
+  const Document manifest = HostileManifest();
   for (Hook* hook : {PKGMGR_PARSER_PLUGIN_INSTALL, PKGMGR_PARSER_PLUGIN_CLEAN, PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL}) {
     device.Watch([&] { return hook(manifest.get(), kData); });
   }

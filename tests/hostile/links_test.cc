@@ -1,31 +1,11 @@
 // Symbolic and hard links wherever a package, or somebody in the cache directory, can put one.
-#include <gtest/gtest.h>
 #include <unistd.h>
-
-#include <filesystem>
-#include <string>
-#include <vector>
 
 #include "plugin/hooks.h"
 #include "tests/hostile/watched_device.h"
-#include "tests/support/device_root.h"
-#include "tests/support/files.h"
-#include "tests/support/removal_texts.h"
-#include "tests/support/uris.h"
 
 namespace hostile {
 namespace {
-
-namespace fs = std::filesystem;
-
-using support::InformationText;
-using support::IsThere;
-using support::kCobaFile;
-using support::kTpaFile;
-using support::ReadFile;
-using support::WriteFile;
-
-using Names = std::vector<std::string>;
 
 HOSTILE_TEST(Links, a_lib_that_leads_to_others_loses_them_nothing) {
   fs::create_directory_symlink(kVictims, InPackage("lib"));
@@ -68,15 +48,6 @@ HOSTILE_TEST(Links, a_dll_that_is_a_hard_link_loses_its_name_only) {
   fs::create_hard_link(Victim("A.dll"), InPackage("A.dll"));
   device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
   EXPECT_EQ((Names{"A.dll_deleted"}), NamesInRoot());
-}
-
-HOSTILE_TEST(Links, loops_and_dangling_links_are_passed_over) {
-  fs::create_symlink("A.dll", InPackage("A.dll"));
-  fs::create_symlink("y.dll", InPackage("x.dll"));
-  fs::create_symlink("x.dll", InPackage("y.dll"));
-  fs::create_symlink("gone", InPackage("B.dll"));
-  EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_INSTALL).result);
-  EXPECT_EQ((Names{"A.dll", "B.dll", "x.dll", "y.dll"}), NamesInRoot());
 }
 
 // The information file's name, taken before the plug-in needs it.
@@ -131,15 +102,6 @@ HOSTILE_TEST(Links, hard_links_in_the_cache_files_places_are_replaced_and_never_
   device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL);
   EXPECT_EQ("[START]/opt/usr/apps/other/Y.dll[END]", ReadFile(kTpaFile));
   EXPECT_NE(ReadFile(kTpaFile), ReadFile(Victim("TPA.txt")));
-}
-
-HOSTILE_TEST(Links, links_in_the_temporary_files_places_are_never_written_through) {
-  MakeCacheFiles();
-  fs::create_symlink(Victim("notes.txt"), kTemporaryTpa);
-  fs::create_symlink("/opt/usr/made-by-root", kTemporaryCoba);
-  device.Send(PKGMGR_PARSER_PLUGIN_UNINSTALL);
-  EXPECT_TRUE(device.Logged(std::string("Symbolic link is detected : ") + kTemporaryTpa));
-  EXPECT_TRUE(device.Logged(std::string("Symbolic link is detected : ") + kTemporaryCoba));
 }
 
 HOSTILE_TEST(Links, hard_links_in_the_temporary_files_places_are_never_written_through) {

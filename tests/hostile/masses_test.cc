@@ -1,34 +1,16 @@
 // Masses: trees, manifests and cache files of a size that nobody means well with.
-#include <gtest/gtest.h>
 #include <libxml/parser.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <random>
-#include <string>
-#include <vector>
 
 #include "plugin/hooks.h"
 #include "plugin/manifest.h"
 #include "tests/hostile/deep_tree.h"
 #include "tests/hostile/watched_device.h"
-#include "tests/support/device_root.h"
-#include "tests/support/expected_lines.h"
-#include "tests/support/files.h"
-#include "tests/support/manifests.h"
-#include "tests/support/unit_case.h"
-#include "tests/support/uris.h"
 
 namespace hostile {
 namespace {
-
-namespace fs = std::filesystem;
-
-using support::Document;
-using support::kCobaFile;
-using support::kTpaFile;
-using support::ReadFile;
-using support::WriteFile;
 
 constexpr std::size_t kManifestSize = 100 << 20;
 constexpr std::size_t kCacheSize = 100 << 20;
@@ -62,8 +44,8 @@ Document ManifestOfSize(std::size_t size, const std::string& filling) {
   std::string xml = "<manifest>";
   xml.reserve(size + 1000);
   while (xml.size() < size) xml += filling;
-  xml += support::ApplicationElement("ui-application", "dotnet-inhouse") +
-         support::MetadataElement(support::kCobaKey, "true") + "</manifest>";
+  xml += ApplicationElement("ui-application", "dotnet-inhouse") + MetadataElement(support::kCobaKey, "true") +
+         "</manifest>";
   return Document(xmlReadMemory(xml.data(), static_cast<int>(xml.size()), "manifest", nullptr, XML_PARSE_HUGE));
 }
 
@@ -74,19 +56,17 @@ void ExpectBothFound(const Document& document) {
 }
 
 FRESH_TEST(Masses, a_manifest_of_100_mb_of_elements_is_read_to_its_end) {
-  ExpectBothFound(
-      ManifestOfSize(kManifestSize, support::ApplicationElement("ui-application", std::string(500, 'x')) +
-                                        support::MetadataElement(std::string(250, 'k'), std::string(250, 'v'))));
+  ExpectBothFound(ManifestOfSize(kManifestSize, ApplicationElement("ui-application", std::string(500, 'x')) +
+                                                    MetadataElement(std::string(250, 'k'), std::string(250, 'v'))));
 }
 
 TEST(Masses, a_manifest_of_100_mb_of_text_is_read_to_its_end) {
-  Fresh([](doubles::Platform&) { ExpectBothFound(ManifestOfSize(kManifestSize, std::string(1 << 20, 'x'))); });
+  unit::Fresh([](doubles::Platform&) { ExpectBothFound(ManifestOfSize(kManifestSize, std::string(1 << 20, 'x'))); });
 }
 
 FRESH_TEST(Masses, an_attribute_of_100_mb_is_searched_to_its_end) {
   const std::string end = "dotnet-";
-  ExpectBothFound(
-      ManifestOfSize(0, support::ApplicationElement("ui-application", std::string(kManifestSize, 'x') + end)));
+  ExpectBothFound(ManifestOfSize(0, ApplicationElement("ui-application", std::string(kManifestSize, 'x') + end)));
 }
 
 // A cache text of others' entries with `own` entries of the package spread over it, and the same without those.

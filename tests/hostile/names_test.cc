@@ -1,29 +1,12 @@
 // Names made of bytes that nobody expects, names as long as they may be, and paths longer than that.
-#include <gtest/gtest.h>
-
 #include <climits>
-#include <filesystem>
-#include <string>
-#include <vector>
 
 #include "plugin/hooks.h"
 #include "tests/hostile/deep_tree.h"
 #include "tests/hostile/watched_device.h"
-#include "tests/support/device_root.h"
-#include "tests/support/files.h"
-#include "tests/support/removal_texts.h"
 
 namespace hostile {
 namespace {
-
-using support::DuplicateLine;
-using support::InformationText;
-using support::IsThere;
-using support::kTpaFile;
-using support::ReadFile;
-using support::WriteFile;
-
-using Names = std::vector<std::string>;
 
 const Names kHostileNames = {"line\nbreak.dll",
                              "\033[2J\033[31mred.dll",
@@ -64,7 +47,7 @@ HOSTILE_TEST(HostileNames, directories_are_walked_whatever_their_names_are_made_
 }
 
 HOSTILE_TEST(HostileNames, names_that_would_break_the_cache_list_are_left_out_of_it) {
-  support::WriteFile(kTpaFile, "[START][END]");
+  WriteFile(kTpaFile, "[START][END]");
   for (const char* name : {"a:evil.dll", "b[END].dll", "c[1].dll", "[START].dll", "d.dll", "e\n.dll", "f].dll"}) {
     WriteFile(InPackage("shared/res/") + name);
   }

@@ -1,29 +1,13 @@
 // Pipes, sockets, devices and directories where files are expected. Whoever waits for one of them is ended.
 #include <fcntl.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <unistd.h>
-
-#include <filesystem>
-#include <string>
-#include <vector>
 
 #include "base/unique_fd.h"
 #include "plugin/hooks.h"
 #include "tests/hostile/watched_device.h"
-#include "tests/support/device_root.h"
-#include "tests/support/files.h"
 
 namespace hostile {
 namespace {
-
-namespace fs = std::filesystem;
-
-using support::kCobaFile;
-using support::kTpaFile;
-using support::WriteFile;
-
-using Names = std::vector<std::string>;
 
 constexpr unsigned kPatience = 20;  // seconds
 
@@ -69,27 +53,21 @@ IMPATIENT_TEST(SpecialFiles, a_dll_that_is_a_directory_is_walked_and_stays) {
 }
 
 IMPATIENT_TEST(SpecialFiles, an_information_file_in_the_place_of_which_something_else_stands_is_not_written) {
-  for (const char* dll : {"A.dll", "B.dll", "sub/A.dll"}) WriteFile(InPackage(dll));
+  for (const char* dll : {"A.dll", "B.dll", "pipes/A.dll", "pipes/B.dll"}) WriteFile(InPackage(dll));
   fs::create_directories(InPackage("A.dll_deleted"));
   support::MakeSocket(InPackage("B.dll_deleted"));
-  support::MakePipe(InPackage("sub/A.dll_deleted"));
-  device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
-  EXPECT_EQ((Names{"A.dll_deleted", "B.dll_deleted", "sub"}), NamesInRoot());
-  EXPECT_TRUE(fs::is_empty(InPackage("A.dll_deleted")));
-  EXPECT_TRUE(fs::is_socket(InPackage("B.dll_deleted")));
-  EXPECT_EQ((Names{"A.dll_deleted"}), support::NamesIn(InPackage("sub")));
-  EXPECT_TRUE(fs::is_fifo(InPackage("sub/A.dll_deleted")));
-}
-
-IMPATIENT_TEST(SpecialFiles, whoever_listens_at_a_pipe_in_the_information_files_place_hears_nothing) {
-  WriteFile(InPackage("A.dll"));
-  support::MakePipe(InPackage("A.dll_deleted"));
-  const UniqueFd listener(open(InPackage("A.dll_deleted").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  for (const char* pipe : {"pipes/A.dll_deleted", "pipes/B.dll_deleted"}) support::MakePipe(InPackage(pipe));
+  fs::create_hard_link(InPackage("pipes/B.dll_deleted"), InPackage("pipes/C.dll_deleted"));
+  const UniqueFd listener(open(InPackage("pipes/B.dll_deleted").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   ASSERT_LE(0, listener.get());
   device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
+  EXPECT_EQ((Names{"A.dll_deleted", "B.dll_deleted", "pipes"}), NamesInRoot());
+  EXPECT_TRUE(fs::is_empty(InPackage("A.dll_deleted")));
+  EXPECT_TRUE(fs::is_socket(InPackage("B.dll_deleted")));
+  EXPECT_EQ((Names{"A.dll_deleted", "B.dll_deleted", "C.dll_deleted"}), support::NamesIn(InPackage("pipes")));
+  for (const char* name : {"pipes/A.dll_deleted", "pipes/B.dll_deleted"}) EXPECT_TRUE(fs::is_fifo(InPackage(name)));
   char heard = 0;
   EXPECT_GE(0, read(listener.get(), &heard, 1));
-  EXPECT_EQ((Names{"A.dll_deleted"}), NamesInRoot());
 }
 
 TEST(SpecialFiles, cache_files_that_are_none_read_as_empty_and_stay) {
@@ -116,15 +94,7 @@ IMPATIENT_TEST(SpecialFiles, a_pipe_in_the_temporary_files_place_never_becomes_a
   support::MakePipe(kTemporaryTpa);
   device.Send(PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL);
   EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(kTpaFile)));
-  EXPECT_EQ("[START]/opt/usr/apps/other/Y.dll[END]", support::ReadFile(kTpaFile));
-}
-
-IMPATIENT_TEST(SpecialFiles, a_directory_in_the_temporary_files_place_is_told_and_stays) {
-  MakeCacheFiles();
-  fs::create_directory(kTemporaryTpa);
-  device.Send(PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL);
-  EXPECT_TRUE(device.Logged("Fail to write string to file - open error(Is a directory)"));
-  EXPECT_EQ("[START]/opt/usr/apps/other/[END]", support::ReadFile(kCobaFile));
+  EXPECT_EQ("[START]/opt/usr/apps/other/Y.dll[END]", ReadFile(kTpaFile));
 }
 
 }  // namespace

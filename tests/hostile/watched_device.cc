@@ -1,24 +1,11 @@
 // The watch: everything outside of the package as it was and as it is.
 #include "tests/hostile/watched_device.h"
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <filesystem>
-#include <map>
 #include <set>
 
-#include "tests/doubles/expected_journal.h"
-#include "tests/support/device_root.h"
-#include "tests/support/expected_lines.h"
-#include "tests/support/files.h"
-#include "tests/support/manifests.h"
-#include "tests/support/standard_error.h"
-#include "tests/support/unit_case.h"
-
 namespace hostile {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -41,12 +28,11 @@ std::string Description(const fs::directory_entry& entry) {
     text += ", changed " + std::to_string(status.st_mtim.tv_sec) + "." + std::to_string(status.st_mtim.tv_nsec);
   }
   if (S_ISLNK(status.st_mode)) return text + ", to " + fs::read_symlink(entry.path()).string();
-  return S_ISREG(status.st_mode) ? text + ", holds " + support::ReadFile(entry.path()) : text;
+  return S_ISREG(status.st_mode) ? text + ", holds " + ReadFile(entry.path()) : text;
 }
 
 bool IsForTheTaking(const fs::path& path) {
-  return path == kRoot || path == support::kTpaFile || path == support::kCobaFile || path == kTemporaryTpa ||
-         path == kTemporaryCoba;
+  return path == kRoot || path == kTpaFile || path == kCobaFile || path == kTemporaryTpa || path == kTemporaryCoba;
 }
 
 Snapshot Everything() {
@@ -84,9 +70,9 @@ std::string TextOf(const doubles::Event& event) {
 }
 
 void Populate() {
-  support::WriteFile(Core("A.dll"), "the platform's A");
-  support::WriteFile(Core("B.dll"), "the platform's B");
-  for (const char* name : {"A.dll", "B.dll", "sub/A.dll", "notes.txt"}) support::WriteFile(Victim(name), "of others");
+  WriteFile(Core("A.dll"), "the platform's A");
+  WriteFile(Core("B.dll"), "the platform's B");
+  for (const char* name : {"A.dll", "B.dll", "sub/A.dll", "notes.txt"}) WriteFile(Victim(name), "of others");
   fs::create_directories(kRoot);
 }
 
@@ -107,7 +93,7 @@ Outcome WatchedDevice::Watch(const std::function<int()>& call) const {
 }
 
 Outcome WatchedDevice::Send(Hook* hook, xmlDocPtr manifest) const {
-  const support::Document usual = support::DotnetManifest();
+  const Document usual = support::DotnetManifest();
   return Watch([&] { return hook(manifest == nullptr ? usual.get() : manifest, kId); });
 }
 
@@ -127,7 +113,7 @@ bool WatchedDevice::Logged(const std::string& message) const {
 }
 
 void OnWatchedDevice(const std::function<void(const WatchedDevice&)>& body) {
-  FreshOnDevice([&](doubles::Platform& platform) {
+  unit::FreshOnDevice([&](doubles::Platform& platform) {
     platform.packages.push_back(doubles::MakePackage(kId, kRoot));
     Populate();
     body(WatchedDevice(platform));
@@ -135,8 +121,8 @@ void OnWatchedDevice(const std::function<void(const WatchedDevice&)>& body) {
 }
 
 void MakeCacheFiles() {
-  support::WriteFile(support::kTpaFile, "[START]" + InPackage("shared/res/X.dll") + ":/opt/usr/apps/other/Y.dll[END]");
-  support::WriteFile(support::kCobaFile, "[START]" + InPackage("shared/res/") + ":/opt/usr/apps/other/[END]");
+  WriteFile(kTpaFile, "[START]" + InPackage("shared/res/X.dll") + ":/opt/usr/apps/other/Y.dll[END]");
+  WriteFile(kCobaFile, "[START]" + InPackage("shared/res/") + ":/opt/usr/apps/other/[END]");
 }
 
 std::vector<std::string> NamesInRoot() { return support::NamesIn(kRoot); }

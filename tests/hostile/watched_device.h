@@ -3,16 +3,23 @@
 #ifndef TESTS_HOSTILE_WATCHED_DEVICE_H_
 #define TESTS_HOSTILE_WATCHED_DEVICE_H_
 
-#include <libxml/tree.h>
-
-#include <functional>
-#include <string>
-#include <vector>
-
-#include "tests/doubles/platform.h"
-#include "tests/support/framed_test.h"
+#include "tests/support/unit_case.h"
 
 namespace hostile {
+
+namespace fs = std::filesystem;
+using Names = std::vector<std::string>;
+using doubles::Event;
+using support::ApplicationElement;
+using support::Document;
+using support::DuplicateLine;
+using support::InformationText;
+using support::IsThere;
+using support::kCobaFile;
+using support::kTpaFile;
+using support::MetadataElement;
+using support::ReadFile;
+using support::WriteFile;
 
 inline constexpr const char* kId = "pkg";
 inline constexpr const char* kRoot = "/opt/usr/apps/pkg";

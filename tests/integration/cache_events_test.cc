@@ -10,14 +10,12 @@
 #include "tests/integration/desk.h"
 #include "tests/support/device_root.h"
 #include "tests/support/files.h"
-#include "tests/support/loaded_plugin.h"
 #include "tests/support/manifests.h"
 #include "tests/support/standard_error.h"
 
 namespace {
 
 using support::CobaManifest;
-using support::DotnetManifest;
 using support::kCobaFile;
 using support::kTpaFile;
 using support::ReadFile;
@@ -45,12 +43,6 @@ std::string AddCoba(const Desk& desk, const LoadedPlugin& plugin, const std::str
   return directory;
 }
 
-int RunEvent(const LoadedPlugin& plugin, const std::string& event, const char* id) {
-  int result = -2;
-  StandardErrorOf([&] { result = plugin.Event(event, DotnetManifest().get(), id); });
-  return result;
-}
-
 DESK_TEST(CacheEvents, a_devices_life_leaves_both_files_byte_by_byte) {
   const LoadedPlugin plugin;
   ExpectCaches("[START][END]", "[START][END]");
@@ -67,9 +59,9 @@ DESK_TEST(CacheEvents, a_devices_life_leaves_both_files_byte_by_byte) {
   AddCoba(desk, plugin, "org.a", {"Three.dll"});
   ExpectCaches("[START]:" + b + "B.dll:" + a + "One.dll:" + a + "Three.dll[END]", "[START]:" + b + ":" + a + "[END]");
 
-  EXPECT_EQ(0, RunEvent(plugin, "UNINSTALL", "org.b"));
+  EXPECT_EQ(0, Desk::Send(plugin, "UNINSTALL", "org.b"));
   ExpectCaches("[START]:" + a + "One.dll:" + a + "Three.dll[END]", "[START]:" + a + "[END]");
-  EXPECT_EQ(0, RunEvent(plugin, "UNINSTALL", "org.a"));
+  EXPECT_EQ(0, Desk::Send(plugin, "UNINSTALL", "org.a"));
   ExpectCaches("[START][END]", "[START][END]");
   EXPECT_EQ(5, desk.Loader().starts);
   EXPECT_THAT(desk.Loader().tpa, IsEmpty());
@@ -83,13 +75,13 @@ TEST(CacheEvents, upgrade_then_clean_takes_an_ordinary_package_out) {
       const LoadedPlugin plugin;
       const std::string other = AddCoba(desk, plugin, "org.other", {"O.dll"});
       AddCoba(desk, plugin, "org.pkg", {"P.dll"});
-      EXPECT_EQ(0, RunEvent(plugin, event, "org.pkg"));
+      EXPECT_EQ(0, Desk::Send(plugin, event, "org.pkg"));
       EXPECT_EQ(2, desk.Loader().starts) << "the main event leaves the cache alone";
-      EXPECT_EQ(0, RunEvent(plugin, "CLEAN", "org.pkg"));
+      EXPECT_EQ(0, Desk::Send(plugin, "CLEAN", "org.pkg"));
       ExpectCaches("[START]:" + other + "O.dll[END]", "[START]:" + other + "[END]");
       EXPECT_EQ(3, desk.Loader().starts);
       EXPECT_THAT(desk.Loader().coba, ElementsAre(other));
-      EXPECT_EQ(0, RunEvent(plugin, "CLEAN", "org.pkg"));
+      EXPECT_EQ(0, Desk::Send(plugin, "CLEAN", "org.pkg"));
       EXPECT_EQ(3, desk.Loader().starts) << "nothing changed the second time";
       EXPECT_EQ((Flags{{"org.pkg", true}}), plugin.Flags(kUpgradeFlags));
     });

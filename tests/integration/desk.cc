@@ -6,11 +6,12 @@
 #include <cstdlib>
 #include <filesystem>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
 #include "platform/host/json.h"
 #include "tests/support/child.h"
 #include "tests/support/files.h"
+#include "tests/support/manifests.h"
+#include "tests/support/standard_error.h"
 #include "tests/support/uris.h"
 
 // Takes the C library's place: forcing the whole machine's data to disk is not what is tested here, and may take long.
@@ -42,8 +43,7 @@ std::string Desk::RegisterCoba(const std::string& id) const { return Register(id
 
 std::vector<host::LogRecord> Desk::Log() const {
   std::vector<host::LogRecord> records;
-  std::istringstream log(support::ReadFile(device_.Log()));
-  for (std::string line; std::getline(log, line);) {
+  for (const std::string& line : support::Lines(support::ReadFile(device_.Log()))) {
     if (auto record = host::ParseLogRecord(line)) records.push_back(*record);
   }
   return records;
@@ -66,6 +66,14 @@ LoaderRecord Desk::Loader() const {
   record.coba = json.at("CoBA").get<std::vector<std::string>>();
   record.error = json.at("error").is_null() ? "" : json.at("error");
   return record;
+}
+
+int Desk::Send(const LoadedPlugin& plugin, const std::string& event, const std::string& id, std::string* text) {
+  int result = 0;
+  const support::Document manifest = support::DotnetManifest();
+  const std::string error = support::StandardErrorOf([&] { result = plugin.Event(event, manifest.get(), id.c_str()); });
+  if (text != nullptr) *text = error;
+  return result;
 }
 
 void OnDesk(const std::function<void(const Desk&)>& body) {

@@ -11,6 +11,7 @@
 #include "platform/host/log_file.h"
 #include "platform/host/package_store.h"
 #include "tests/support/framed_test.h"
+#include "tests/support/loaded_plugin.h"
 
 // What the loader noted at its last start.
 struct LoaderRecord {
@@ -37,6 +38,10 @@ class Desk {
   std::vector<std::string> LogTexts(const std::string& part) const;
 
   LoaderRecord Loader() const;
+
+  // Sends the event with a dotnet-inhouse manifest; answers its result, and its standard error in `text`.
+  static int Send(const LoadedPlugin& plugin, const std::string& event, const std::string& id,
+                  std::string* text = nullptr);
 
  private:
   host::Device device_;

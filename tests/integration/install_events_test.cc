@@ -11,31 +11,18 @@
 #include "tests/integration/desk.h"
 #include "tests/support/device_root.h"
 #include "tests/support/files.h"
-#include "tests/support/loaded_plugin.h"
-#include "tests/support/manifests.h"
 #include "tests/support/removal_texts.h"
-#include "tests/support/standard_error.h"
 
 namespace {
 
-using support::DotnetManifest;
 using support::DuplicateLine;
 using support::IsThere;
 using support::ReadFile;
-using support::StandardErrorOf;
 using support::WriteFile;
 using testing::ElementsAre;
 using testing::SizeIs;
 
 const std::string kFrameworkDll = std::string(support::kFrameworkDirectory) + "A.dll";
-
-// Runs the event for a dotnet-inhouse manifest; answers its result, and its standard error in `text`.
-int RunEvent(const LoadedPlugin& plugin, const std::string& event, const std::string& id, std::string* text = nullptr) {
-  int result = 0;
-  const std::string error = StandardErrorOf([&] { result = plugin.Event(event, DotnetManifest().get(), id.c_str()); });
-  if (text != nullptr) *text = error;
-  return result;
-}
 
 DESK_TEST(InstallEvents, packages_in_turn_each_lose_their_duplicates) {
   const std::string first = desk.Register("org.first") + "/bin/A.dll";
@@ -43,12 +30,12 @@ DESK_TEST(InstallEvents, packages_in_turn_each_lose_their_duplicates) {
   for (const std::string& file : {kFrameworkDll, first, second}) WriteFile(file, "MZ");
   const LoadedPlugin plugin;
   std::string text;
-  EXPECT_EQ(0, RunEvent(plugin, "INSTALL", "org.first", &text));
+  EXPECT_EQ(0, Desk::Send(plugin, "INSTALL", "org.first", &text));
   EXPECT_EQ("### INSTALL : morvath : org.first\n" + DuplicateLine(kFrameworkDll, first), text);
-  EXPECT_EQ(0, RunEvent(plugin, "INSTALL", "org.second", &text));
+  EXPECT_EQ(0, Desk::Send(plugin, "INSTALL", "org.second", &text));
   EXPECT_EQ("### INSTALL : morvath : org.second\n" + DuplicateLine(kFrameworkDll, second), text);
   WriteFile(first, "MZ");
-  EXPECT_EQ(0, RunEvent(plugin, "INSTALL", "org.first", &text));
+  EXPECT_EQ(0, Desk::Send(plugin, "INSTALL", "org.first", &text));
   EXPECT_EQ("### INSTALL : morvath : org.first\n" + DuplicateLine(kFrameworkDll, first), text);
   for (const std::string& dll : {first, second}) {
     EXPECT_FALSE(IsThere(dll));
@@ -61,13 +48,13 @@ DESK_TEST(InstallEvents, packages_in_turn_each_lose_their_duplicates) {
 DESK_TEST(InstallEvents, a_package_that_is_not_registered_is_only_told) {
   const LoadedPlugin plugin;
   std::string text;
-  EXPECT_EQ(0, RunEvent(plugin, "INSTALL", "org.unknown", &text));
+  EXPECT_EQ(0, Desk::Send(plugin, "INSTALL", "org.unknown", &text));
   EXPECT_EQ("### INSTALL : morvath : org.unknown\n### INSTALL : morvath, pkgRoot is empty : org.unknown\n", text);
 }
 
 DESK_TEST(InstallEvents, the_log_holds_whole_lines_under_both_tags) {
   const LoadedPlugin plugin;
-  EXPECT_EQ(0, RunEvent(plugin, "UNDO", "org.pkg"));
+  EXPECT_EQ(0, Desk::Send(plugin, "UNDO", "org.pkg"));
   std::vector<std::string> lines;
   for (const host::LogRecord& record : desk.Log())
     lines.push_back(record.priority + (" " + record.tag) + " " + record.text);
@@ -101,7 +88,7 @@ DESK_TEST(InstallEvents, spans_nest_like_the_calls) {
   const std::string file = (desk.device().directory / "trace.json").string();
   setenv(host::kTraceVariable, file.c_str(), 1);
   const LoadedPlugin plugin;
-  EXPECT_EQ(0, RunEvent(plugin, "UPGRADE", "org.pkg"));
+  EXPECT_EQ(0, Desk::Send(plugin, "UPGRADE", "org.pkg"));
   const std::string upgrade = " int PKGMGR_PARSER_PLUGIN_UPGRADE(xmlDocPtr, const char*)";
   const std::string install = " int PKGMGR_PARSER_PLUGIN_INSTALL(xmlDocPtr, const char*)";
   const std::string gac = " int gac(const std::string&)";

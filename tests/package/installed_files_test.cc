@@ -9,7 +9,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::Not;
-using testing::StartsWith;
 
 class InstalledFiles : public InstalledTree {
  protected:

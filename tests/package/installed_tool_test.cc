@@ -12,8 +12,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kDpcTypeKey = "http://" ORVEL_TV_HOST "/tv/metadata/d.pc/type";
-
 host::Package PackageAt(const std::string& root, const std::vector<host::MetadataEntry>& metadata = {}) {
   const std::string id = fs::path(root).filename();
   const host::Application application{id + ".main", "ui-application", "dotnet", root + "/bin/Main.dll", metadata};
@@ -26,7 +24,7 @@ class InstalledTool : public InstalledTree {
     host::PackageStore store(device_.Database(), host::PackageStore::Mode::kReadWrite);
     store.Put(PackageAt("/opt/usr/globalapps/shop"));
     store.Put(PackageAt("/opt/usr/globalapps/component", {{support::kCobaKey, "true"}}));
-    store.Put(PackageAt("/opt/usr/globalapps/driver", {{kDpcTypeKey, "orvelfxtv"}}));
+    store.Put(PackageAt("/opt/usr/globalapps/driver", {{support::kDpcTypeKey, "orvelfxtv"}}));
     store.Put(PackageAt("/usr/apps/preloaded"));
   }
 

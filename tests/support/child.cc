@@ -16,6 +16,11 @@
 #include <string>
 
 #include "platform/host/fixed_paths.h"
+#include "tests/support/files.h"
+
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/lsan_interface.h>
+#endif
 
 #ifdef ORVEL_COVERAGE
 extern "C" void __gcov_dump(void);
@@ -106,5 +111,13 @@ void LeaveNoRoomInFiles() {
   const rlimit none{0, RLIM_INFINITY};
   ASSERT_EQ(0, setrlimit(RLIMIT_FSIZE, &none));
 }
+
+void ExpectNoLeaks() {
+#if defined(__SANITIZE_ADDRESS__)
+  EXPECT_EQ(0, __lsan_do_recoverable_leak_check()) << "memory was leaked";
+#endif
+}
+
+std::size_t OpenDescriptors() { return NamesIn("/proc/self/fd").size(); }
 
 }  // namespace support

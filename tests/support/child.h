@@ -28,6 +28,12 @@ bool GiveUpPrivileges();
 // Lets this process write nothing into files any more: what it writes fails as on a full disk. For a child process.
 void LeaveNoRoomInFiles();
 
+// Fails the test when memory was leaked; for a child process, which ends without the sanitizer's own look for leaks.
+void ExpectNoLeaks();
+
+// How many descriptors this process has.
+std::size_t OpenDescriptors();
+
 }  // namespace support
 
 #endif

@@ -3,7 +3,7 @@
 
 #include "tests/support/uris.h"
 
-namespace expected {
+namespace unit {
 
 using doubles::Join;
 using doubles::Traced;
@@ -155,4 +155,4 @@ Steps LoaderRestarted() {
   return TracedPlugin("void restartDotnetCandidateProcess()", doubles::Restart("dotnet-loader-inhouse"));
 }
 
-}  // namespace expected
+}  // namespace unit

@@ -8,7 +8,7 @@
 
 #include "tests/doubles/expected_journal.h"
 
-namespace expected {
+namespace unit {
 
 using doubles::Source;
 using doubles::Steps;
@@ -75,6 +75,6 @@ Steps Saved(const std::string& target);
 // restartDotnetCandidateProcess without a failure.
 Steps LoaderRestarted();
 
-}  // namespace expected
+}  // namespace unit
 
 #endif

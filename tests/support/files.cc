@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <stdexcept>
 #include <system_error>
 
@@ -61,6 +62,13 @@ std::string ReadFile(const fs::path& file) {
   std::ifstream stream(file, std::ios::binary);
   if (!stream) throw std::runtime_error("cannot read " + file.string());
   return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
 }
 
 bool IsThere(const fs::path& path) { return fs::symlink_status(path).type() != fs::file_type::not_found; }

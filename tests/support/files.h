@@ -39,6 +39,9 @@ void MakeSocket(const std::string& path);
 // The file's content. Throws std::runtime_error when it cannot be read.
 std::string ReadFile(const std::filesystem::path& file);
 
+// The lines of a text, each without its end.
+std::vector<std::string> Lines(const std::string& text);
+
 // True when something stands at the path, a dangling link included.
 bool IsThere(const std::filesystem::path& path);
 

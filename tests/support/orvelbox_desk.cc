@@ -10,12 +10,11 @@
 
 #include "platform/host/fixed_paths.h"
 #include "platform/host/package_store.h"
+#include "tests/host/machine.h"
 #include "tests/support/uris.h"
 
 namespace e2e {
 namespace {
-
-namespace fs = std::filesystem;
 
 std::string ApplicationText(const std::string& id, const std::string& content) {
   return "<ui-application appid=\"" + id + ".main\" exec=\"Main.dll\" type=\"dotnet-inhouse\">" + content +
@@ -108,6 +107,16 @@ Result Desk::RunExpecting(int status, const std::vector<std::string>& arguments)
   return result;
 }
 
+void Desk::ExpectRefusal(const std::vector<std::string>& arguments, const std::vector<std::string>& texts) const {
+  const auto before = DeviceState();
+  const Result result = RunExpecting(1, arguments);
+  EXPECT_EQ(result.out, "");
+  EXPECT_THAT(result.err, StartsWith("orvelbox: "));
+  EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+  for (const std::string& text : texts) EXPECT_THAT(result.err, HasSubstr(text));
+  EXPECT_EQ(DeviceState(), before);
+}
+
 std::string Desk::MakePackage(const std::string& name, const std::string& manifest,
                               const std::map<std::string, std::string>& files) const {
   const fs::path package = dir_.path() / "packages" / name;
@@ -138,6 +147,11 @@ std::map<std::string, std::string> Desk::DeviceState() const {
 void HookDesk::SetUp() {
   std::string reason;
   if (host::AvailableFixedPathsMethod(&reason) == host::FixedPathsMethod::kNone) GTEST_SKIP() << reason;
+}
+
+void MachineDesk::SetUp() {
+  const std::string obstacle = machine::ObstacleToEmptied(ORVELBOX_PROGRAM);
+  if (!obstacle.empty()) GTEST_SKIP() << "no namespace for another machine: " << obstacle;
 }
 
 }  // namespace e2e

@@ -2,9 +2,11 @@
 #ifndef TESTS_SUPPORT_ORVELBOX_DESK_H_
 #define TESTS_SUPPORT_ORVELBOX_DESK_H_
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/types.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -12,9 +14,23 @@
 #include <vector>
 
 #include "platform/host/device.h"
+#include "tests/support/child.h"
 #include "tests/support/files.h"
 
 namespace e2e {
+
+// The words of the tests, which include nothing that this header brings.
+namespace fs = std::filesystem;
+using testing::AllOf;
+using testing::AnyOf;
+using testing::ContainsRegex;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::Eq;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
 
 // How a program ended and what it printed. `status` is 128 plus the signal for a killed one.
 struct Result {
@@ -38,6 +54,8 @@ class Desk : public testing::Test {
   Result Run(const std::vector<std::string>& arguments) const;
   // Runs orvelbox; its exit status must be `status`.
   Result RunExpecting(int status, const std::vector<std::string>& arguments) const;
+  // Runs orvelbox, which must refuse with one line that holds `texts`, and leave the device alone.
+  void ExpectRefusal(const std::vector<std::string>& arguments, const std::vector<std::string>& texts) const;
   // Starts orvelbox without waiting; `before` runs in the new process first.
   pid_t Start(
       const std::vector<std::string>& arguments, const std::function<void()>& before = [] {}) const;
@@ -63,6 +81,13 @@ class Desk : public testing::Test {
 
 // A desk whose test calls hooks: skipped, with the reason, where this machine cannot provide the fixed paths.
 class HookDesk : public Desk {
+ protected:
+  void SetUp() override;
+};
+
+// A desk whose test runs orvelbox on a machine of its own (tests/host/machine.h): skipped, with the reason, without
+// one.
+class MachineDesk : public Desk {
  protected:
   void SetUp() override;
 };

@@ -3,28 +3,15 @@
 
 #include <stdexcept>
 
-#include "tests/support/child.h"
-#include "tests/support/device_root.h"
-
-#if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/lsan_interface.h>
-#endif
-
+namespace unit {
 namespace {
-
-// The child ends without the sanitizer's own look for leaks.
-void ExpectNoLeaks() {
-#if defined(__SANITIZE_ADDRESS__)
-  EXPECT_EQ(0, __lsan_do_recoverable_leak_check()) << "memory was leaked";
-#endif
-}
 
 std::function<void()> OverFreshDoubles(const Body& body) {
   return [&body] {
-    doubles::Platform& platform = doubles::Reset();
+    Platform& platform = doubles::Reset();
     body(platform);
     for (const std::string& function : platform.misuses) ADD_FAILURE() << function << " was given a wrong handle";
-    ExpectNoLeaks();
+    support::ExpectNoLeaks();
   };
 }
 
@@ -34,17 +21,23 @@ void Fresh(const Body& body) { support::InFreshProcess(OverFreshDoubles(body)); 
 
 void FreshOnDevice(const Body& body) { support::OnDevice(OverFreshDoubles(body)); }
 
-testing::AssertionResult Holds(const doubles::Platform& platform, const doubles::Steps& expected) {
+Platform& PlatformWith(const std::string& root) {
+  Platform& platform = doubles::Reset();
+  platform.packages.push_back(doubles::MakePackage("pkg", root));
+  return platform;
+}
+
+testing::AssertionResult Holds(const Platform& platform, const Steps& expected) {
   const std::string difference = doubles::Difference(platform.journal, expected);
   if (difference.empty()) return testing::AssertionSuccess();
   return testing::AssertionFailure() << difference;
 }
 
-testing::AssertionResult Holds(const doubles::Platform& platform, std::initializer_list<doubles::Steps> expected) {
+testing::AssertionResult Holds(const Platform& platform, std::initializer_list<Steps> expected) {
   return Holds(platform, doubles::Join(expected));
 }
 
-testing::AssertionResult AllRecordsDestroyed(const doubles::Platform& platform) {
+testing::AssertionResult AllRecordsDestroyed(const Platform& platform) {
   if (platform.Alive() == 0) return testing::AssertionSuccess();
   return testing::AssertionFailure() << platform.Alive() << " records are left";
 }
@@ -60,3 +53,5 @@ testing::AssertionResult RaisesNullString(const std::function<void()>& call) {
   }
   return testing::AssertionFailure() << "nothing was raised";
 }
+
+}  // namespace unit

@@ -114,19 +114,15 @@ std::string FileOf(const std::vector<Record>& records) {
   return bytes;
 }
 
+// zlib's own head has two bytes and its tail four; what lies between them is what a zip file holds.
 std::string Deflated(const std::string& text) {
-  z_stream stream{};
-  if (deflateInit2(&stream, 9, Z_DEFLATED, -MAX_WBITS, 9, Z_DEFAULT_STRATEGY) != Z_OK) throw std::bad_alloc();
-  std::string packed(deflateBound(&stream, static_cast<uLong>(text.size())), '\0');
-  stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
-  stream.avail_in = static_cast<uInt>(text.size());
-  stream.next_out = reinterpret_cast<Bytef*>(packed.data());
-  stream.avail_out = static_cast<uInt>(packed.size());
-  const int result = deflate(&stream, Z_FINISH);
-  packed.resize(stream.total_out);
-  deflateEnd(&stream);
-  if (result != Z_STREAM_END) throw std::runtime_error("cannot compress");
-  return packed;
+  uLongf size = compressBound(static_cast<uLong>(text.size()));
+  std::string packed(size, '\0');
+  const auto* bytes = reinterpret_cast<const Bytef*>(text.data());
+  if (compress2(reinterpret_cast<Bytef*>(packed.data()), &size, bytes, static_cast<uLong>(text.size()), 9) != Z_OK) {
+    throw std::runtime_error("cannot compress");
+  }
+  return packed.substr(2, size - 6);
 }
 
 }  // namespace

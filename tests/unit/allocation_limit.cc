@@ -1,8 +1,9 @@
-// The program's own operator new.
+// When the program's operator new fails.
 #include "tests/unit/allocation_limit.h"
 
-#include <cstdlib>
 #include <new>
+
+#include "tests/support/own_new.h"
 
 namespace {
 
@@ -28,22 +29,8 @@ bool RunsOutOfMemoryAfter(int count, const std::function<void()>& body) {
   return false;
 }
 
-void* operator new(std::size_t size) {
-  if (allocations_left == 0) throw std::bad_alloc();
+bool support::AllocationFails() {
+  if (allocations_left == 0) return true;
   if (allocations_left > 0) --allocations_left;
-  if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
-  throw std::bad_alloc();
+  return false;
 }
-
-// A sanitizer's own form would hand out memory that the operator delete below cannot take back.
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  try {
-    return operator new(size);
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
-}
-
-void operator delete(void* memory) noexcept { std::free(memory); }
-
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }

@@ -1,71 +1,19 @@
 // The assembly cache pass over the fixed paths of a device.
-#include "plugin/assembly_cache.h"
-
-#include <gtest/gtest.h>
 #include <sched.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <filesystem>
-#include <map>
-#include <string>
-#include <vector>
 
 #include "plugin/catalogues.h"
-#include "tests/support/device_root.h"
-#include "tests/support/expected_lines.h"
-#include "tests/support/files.h"
-#include "tests/support/removal_texts.h"
-#include "tests/support/standard_error.h"
-#include "tests/support/unit_case.h"
-#include "tests/support/uris.h"
 #include "tests/unit/interposed_files.h"
+#include "tests/unit/pass_case.h"
 
+namespace unit {
 namespace {
 
-namespace fs = std::filesystem;
-
-using doubles::Package;
-using doubles::Platform;
-using doubles::Steps;
-using expected::CobaPackage;
-using expected::ComparedWithItself;
-using expected::DuplicateRemoved;
-using expected::Pass;
-using expected::Plugin;
-using expected::TracedPlugin;
-using support::DuplicateLine;
-using support::IsThere;
-using support::kCoreDirectory;
-using support::kDpcDirectory;
-using support::kFrameworkDirectory;
-using support::kPlatformPrivilege;
-using support::kTvAppApiDirectory;
-using support::StandardErrorOf;
-using support::WriteFiles;
-
-using Catalogue = std::map<std::string, std::string>;
-
-constexpr const char* kRoot = "/opt/usr/apps/pkg";
-constexpr const char* kSearch = "void getPackageByMetadataTag(pkgmgrinfo_app_list_cb, const std::string&)";
-
-std::string Core(const std::string& name) { return kCoreDirectory + name; }
-std::string Framework(const std::string& name) { return kFrameworkDirectory + name; }
 std::string DpcFile(const std::string& name) { return kDpcDirectory + name; }
 std::string TvAppApi(const std::string& name) { return kTvAppApiDirectory + name; }
-std::string InPackage(const std::string& name) { return std::string(kRoot) + "/" + name; }
-
-void PutPackage(Platform& platform, const std::string& id = "pkg", const std::string& root = kRoot) {
-  platform.packages.push_back(doubles::MakePackage(id, root));
-}
-
-// Runs the pass; its standard error is not of interest.
-int RunPass(const std::string& id) {
-  int result = 0;
-  StandardErrorOf([&] { result = gac(id); });
-  return result;
-}
 
 DEVICE_TEST(AssemblyCache, the_platform_is_catalogued_by_name) {
   PutPackage(platform);
@@ -87,12 +35,12 @@ DEVICE_TEST(AssemblyCache, the_application_api_is_catalogued_for_a_package_with_
   WriteFiles({TvAppApi("T.dll"), TvAppApi("sub/Deep.dll"), Framework("F.dll")});
   EXPECT_EQ(0, gac("pkg"));
   EXPECT_EQ((Catalogue{{"F.dll", Framework("F.dll")}, {"T.dll", TvAppApi("T.dll")}}), orvelFX);
-  const doubles::Source source = Plugin("gac");
+  const Source source = Plugin("gac");
   EXPECT_TRUE(Holds(
       platform,
       {TracedPlugin(
           "int gac(const std::string&)",
-          {TracedPlugin("bool HasPlatformPrivilege(const std::string&)", expected::HavePrivilege(kPlatformPrivilege)),
+          {TracedPlugin("bool HasPlatformPrivilege(const std::string&)", HavePrivilege(kPlatformPrivilege)),
            source.Debug("This package has platform privilege. So add tvappapi path"), TracedPlugin(kSearch, Steps{}),
            source.Debug("coreFX  size = %zu", std::size_t{0}), source.Debug("orvelFX size = %zu", std::size_t{2})})}));
 }
@@ -113,11 +61,11 @@ DEVICE_TEST(AssemblyCache, a_name_keeps_its_first_path_in_the_order_of_the_direc
 FRESH_TEST(AssemblyCache, the_platform_privilege_is_asked_in_a_frame_of_its_own) {
   PutPackage(platform);
   EXPECT_FALSE(HasPlatformPrivilege("pkg"));
-  platform.packages[0].privileges = {support::kDebuggingPrivilege, kPlatformPrivilege};
+  platform.packages[0].privileges = {kDebuggingPrivilege, kPlatformPrivilege};
   EXPECT_TRUE(HasPlatformPrivilege("pkg"));
   const std::string signature = "bool HasPlatformPrivilege(const std::string&)";
-  EXPECT_TRUE(Holds(platform, {TracedPlugin(signature, expected::NoPrivilege()),
-                               TracedPlugin(signature, expected::HavePrivilege(kPlatformPrivilege))}));
+  EXPECT_TRUE(Holds(
+      platform, {TracedPlugin(signature, NoPrivilege()), TracedPlugin(signature, HavePrivilege(kPlatformPrivilege))}));
 }
 
 DEVICE_TEST(AssemblyCache, missing_platform_directories_are_passed_over) {
@@ -137,8 +85,7 @@ DEVICE_TEST(AssemblyCache, every_duplicate_of_the_package_is_removed_in_one_pass
   EXPECT_EQ((std::vector<std::string>{"A.dll_deleted", "Own.dll", "sub"}), support::NamesIn(InPackage("bin")));
   EXPECT_EQ((std::vector<std::string>{"A.dll_deleted", "F.dll_deleted"}), support::NamesIn(InPackage("bin/sub")));
   EXPECT_TRUE(IsThere(InPackage("A.dll.config")));
-  EXPECT_EQ(support::InformationText(Core("A.dll"), InPackage("bin/A.dll")),
-            support::ReadFile(InPackage("bin/A.dll_deleted")));
+  EXPECT_EQ(InformationText(Core("A.dll"), InPackage("bin/A.dll")), ReadFile(InPackage("bin/A.dll_deleted")));
 }
 
 DEVICE_TEST(AssemblyCache, a_result_of_minus_one_is_not_undone_by_files_behind) {
@@ -208,7 +155,7 @@ DEVICE_TEST(AssemblyCache, a_catalogued_name_whose_file_cannot_be_examined_is_ke
   interposed::Files().look_errors = {{InPackage("bin/A.dll"), EIO}};
   EXPECT_EQ("", StandardErrorOf([] { EXPECT_EQ(0, gac("pkg")); }));
   EXPECT_EQ((std::vector<std::string>{"A.dll"}), support::NamesIn(InPackage("bin")));
-  EXPECT_TRUE(Holds(platform, {Pass(1, 0, doubles::Source("platform_utils", "isRealPath").Error("lstat error."))}));
+  EXPECT_TRUE(Holds(platform, {Pass(1, 0, Source("platform_utils", "isRealPath").Error("lstat error."))}));
 }
 
 // The root "/" is that of a directory of the test's own: this process sees nothing else any more.
@@ -248,3 +195,4 @@ DEVICE_TEST(AssemblyCache, an_unknown_package_has_no_privilege_and_no_root) {
 }
 
 }  // namespace
+}  // namespace unit

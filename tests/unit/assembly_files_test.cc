@@ -1,23 +1,11 @@
 // The launcher tools' helpers for assembly files.
 #include "morvath/assembly_files.h"
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <string>
-#include <vector>
-
 #include "tests/support/unit_case.h"
 #include "tests/unit/allocation_limit.h"
 
+namespace unit {
 namespace {
-
-namespace fs = std::filesystem;
-
-using doubles::Call;
-using doubles::Platform;
-using doubles::Source;
-using doubles::Steps;
 
 using TextRows = std::vector<std::pair<std::string, std::string>>;
 
@@ -120,21 +108,12 @@ TEST(PlatformAssemblies, wherever_memory_runs_out_the_callers_list_is_as_it_was)
   EXPECT_EQ(4u, paths.size()) << "after " << count - 1 << " allocations";
 }
 
-Steps TraceLine(const std::string& message) {
-  return {{"TRACE " + message, [=](const doubles::Event& event) {
-             const doubles::LogLine& line = event.log;
-             return event.kind == doubles::Event::Kind::kLog && line.log_id == 0 && line.priority == 3 &&
-                    line.tag == "QUARNEL" && line.line > 0 && line.format == "%s: %s(%d) > \033[90m%s\033[0m\n" &&
-                    line.text == "platform_utils: printAll(" + std::to_string(line.line) + ") > \033[90m" + message +
-                                     "\033[0m\n";
-           }}};
-}
-
 TEST(PrintAll, every_entry_is_a_grey_line_of_its_own_in_order_and_as_it_stands) {
   const Platform& platform = doubles::Reset();
   printAll("/b:a:a:/b:%s%n: x ");
-  EXPECT_TRUE(Holds(platform, {TraceLine("/b"), TraceLine("a"), TraceLine("a"), TraceLine("/b"), TraceLine("%s%n"),
-                               TraceLine(" x ")}));
+  const Source source("platform_utils", "printAll");
+  EXPECT_TRUE(Holds(platform, {source.Trace("%s", "/b"), source.Trace("%s", "a"), source.Trace("%s", "a"),
+                               source.Trace("%s", "/b"), source.Trace("%s", "%s%n"), source.Trace("%s", " x ")}));
 }
 
 TEST(PrintAll, a_list_without_entries_logs_nothing) {
@@ -199,3 +178,4 @@ TEST(SetLabel, only_a_negative_answer_is_a_failure_and_logged_with_its_line_brea
 }
 
 }  // namespace
+}  // namespace unit

@@ -1,29 +1,15 @@
 // Label and owner of an assembly file, copied to another.
-#include <gtest/gtest.h>
 #include <malloc.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <filesystem>
-#include <string>
 
 #include "morvath/assembly_files.h"
-#include "tests/support/files.h"
-#include "tests/support/standard_error.h"
 #include "tests/support/unit_case.h"
 #include "tests/unit/interposed_files.h"
 
+namespace unit {
 namespace {
-
-namespace fs = std::filesystem;
-
-using doubles::Call;
-using doubles::Join;
-using doubles::Platform;
-using doubles::Steps;
-using support::StandardErrorOf;
-using support::TempDir;
 
 constexpr const char* kLabelMessage = "Fail to set smack label\n";
 constexpr const char* kOwnerMessage = "Failed to change owner and group name\n";
@@ -35,8 +21,7 @@ class AssemblyInfo : public testing::Test {
 
   AssemblyInfo() {
     interposed::Files() = {};
-    interposed::Files().owner_change_error = 0;
-    support::WriteFile(source_);
+    WriteFile(source_);
     platform_.labels[source_] = kLabel;
     SetOwner(source_);
   }
@@ -48,6 +33,11 @@ class AssemblyInfo : public testing::Test {
   std::string Update(bool is_symlink) const {
     return StandardErrorOf([&] { updateAssemblyInfo(source_, target_, is_symlink); });
   }
+  // Copies the info to a file and to a link.
+  void ExpectBothWays(const std::string& told) const {
+    for (const bool is_symlink : {false, true}) EXPECT_EQ(told, Update(is_symlink));
+  }
+
   Steps LabelRead(const std::string& function) const { return Call(function + "(" + source_ + ")"); }
   Steps LabelSet(const std::string& function, const std::string& label = kLabel) const {
     return Call(function + "(" + target_ + ", " + label + ")");
@@ -76,16 +66,14 @@ TEST_F(AssemblyInfo, a_link_gets_the_label_and_then_owner_and_group_itself) {
 
 TEST_F(AssemblyInfo, an_empty_label_is_copied_like_any_other) {
   platform_.labels[source_] = "";
-  EXPECT_EQ("", Update(false));
-  EXPECT_EQ("", Update(true));
+  ExpectBothWays("");
   EXPECT_TRUE(Holds(platform_, {LabelRead("smack_getlabel"), LabelSet("smack_setlabel", ""), OwnerSet("chown"),
                                 LabelRead("smack_lgetlabel"), LabelSet("smack_lsetlabel", ""), OwnerSet("lchown")}));
 }
 
 TEST_F(AssemblyInfo, a_label_that_cannot_be_read_is_skipped_silently_and_the_owner_is_still_copied) {
   platform_.labels.clear();
-  EXPECT_EQ("", Update(false));
-  EXPECT_EQ("", Update(true));
+  ExpectBothWays("");
   EXPECT_TRUE(Holds(
       platform_, {LabelRead("smack_getlabel"), OwnerSet("chown"), LabelRead("smack_lgetlabel"), OwnerSet("lchown")}));
 }
@@ -95,8 +83,7 @@ TEST_F(AssemblyInfo, a_label_that_cannot_be_set_shows_on_standard_error_and_the_
     platform_.journal.clear();
     platform_.FailNext("smack_setlabel", code);
     platform_.FailNext("smack_lsetlabel", code);
-    EXPECT_EQ(kLabelMessage, Update(false));
-    EXPECT_EQ(kLabelMessage, Update(true));
+    ExpectBothWays(kLabelMessage);
     EXPECT_TRUE(Holds(platform_, {FileInfo(), LinkInfo()}));
   }
 }
@@ -104,14 +91,12 @@ TEST_F(AssemblyInfo, a_label_that_cannot_be_set_shows_on_standard_error_and_the_
 TEST_F(AssemblyInfo, any_answer_to_setting_a_label_that_is_not_negative_is_success) {
   platform_.FailNext("smack_setlabel", 1);
   platform_.FailNext("smack_lsetlabel", 1);
-  EXPECT_EQ("", Update(false));
-  EXPECT_EQ("", Update(true));
+  ExpectBothWays("");
 }
 
 TEST_F(AssemblyInfo, an_owner_that_cannot_be_set_shows_on_standard_error) {
   interposed::Files().owner_change_error = EPERM;
-  EXPECT_EQ(kOwnerMessage, Update(false));
-  EXPECT_EQ(kOwnerMessage, Update(true));
+  ExpectBothWays(kOwnerMessage);
   EXPECT_TRUE(Holds(platform_, {FileInfo(), LinkInfo()}));
 }
 
@@ -121,30 +106,23 @@ TEST_F(AssemblyInfo, both_failures_show_in_order) {
   EXPECT_EQ(std::string(kLabelMessage) + kOwnerMessage, Update(false));
 }
 
-TEST_F(AssemblyInfo, a_source_that_is_not_there_still_gives_its_label_but_no_owner) {
+TEST_F(AssemblyInfo, a_source_that_is_not_there_or_dangles_still_gives_its_label_but_no_owner) {
   fs::remove(source_);
-  EXPECT_EQ("", Update(false));
-  EXPECT_EQ("", Update(true));
-  EXPECT_TRUE(Holds(platform_, {LabelRead("smack_getlabel"), LabelSet("smack_setlabel"), LabelRead("smack_lgetlabel"),
-                                LabelSet("smack_lsetlabel")}));
+  for (const bool dangling : {false, true}) {
+    if (dangling) fs::create_symlink("nowhere", source_);
+    platform_.journal.clear();
+    ExpectBothWays("");
+    EXPECT_TRUE(Holds(platform_, {LabelRead("smack_getlabel"), LabelSet("smack_setlabel"), LabelRead("smack_lgetlabel"),
+                                  LabelSet("smack_lsetlabel")}));
+  }
 }
 
 TEST_F(AssemblyInfo, the_owner_is_that_of_the_file_behind_a_link_in_either_mode) {
   fs::rename(source_, directory_ / "file.dll");
   fs::create_symlink("file.dll", source_);
   platform_.journal.clear();
-  EXPECT_EQ("", Update(false));
-  EXPECT_EQ("", Update(true));
+  ExpectBothWays("");
   EXPECT_TRUE(Holds(platform_, {FileInfo(), LinkInfo()}));
-}
-
-TEST_F(AssemblyInfo, a_dangling_link_has_no_owner_to_copy_in_either_mode) {
-  fs::remove(source_);
-  fs::create_symlink("nowhere", source_);
-  EXPECT_EQ("", Update(false));
-  EXPECT_EQ("", Update(true));
-  EXPECT_TRUE(Holds(platform_, {LabelRead("smack_getlabel"), LabelSet("smack_setlabel"), LabelRead("smack_lgetlabel"),
-                                LabelSet("smack_lsetlabel")}));
 }
 
 TEST_F(AssemblyInfo, every_label_that_was_read_is_freed) {
@@ -169,56 +147,5 @@ TEST_F(AssemblyInfo, every_label_that_was_read_is_freed) {
   EXPECT_LT(in_use(), before + kSize);
 }
 
-// With the real functions: root may give files away, anybody else may give his own to himself.
-class OwnerChange : public testing::Test {
- protected:
-  OwnerChange() {
-    doubles::Reset();
-    interposed::Files() = {};
-    support::WriteFile(source_);
-    support::WriteFile(target_);
-    fs::create_symlink("target.dll", link_);
-    if (geteuid() == 0 && lchown(source_.c_str(), 1234, 567) != 0) ADD_FAILURE() << "cannot give away " << source_;
-    doubles::Reset();
-  }
-
-  // "USER:GROUP" of what stands at the path itself.
-  static std::string OwnerOf(const std::string& path) {
-    struct stat status;
-    if (lstat(path.c_str(), &status) != 0) return "nothing";
-    return std::to_string(status.st_uid) + ":" + std::to_string(status.st_gid);
-  }
-
-  const TempDir directory_;
-  const std::string source_ = directory_ / "source.dll";
-  const std::string target_ = directory_ / "target.dll";
-  const std::string link_ = directory_ / "link.dll";
-};
-
-TEST_F(OwnerChange, a_file_gets_the_owner_and_group) {
-  EXPECT_EQ("", StandardErrorOf([this] { updateAssemblyInfo(source_, target_, false); }));
-  EXPECT_EQ(OwnerOf(source_), OwnerOf(target_));
-}
-
-TEST_F(OwnerChange, a_link_gets_them_itself_and_not_what_it_leads_to) {
-  const std::string before = OwnerOf(target_);
-  EXPECT_EQ("", StandardErrorOf([this] { updateAssemblyInfo(source_, link_, true); }));
-  EXPECT_EQ(OwnerOf(source_), OwnerOf(link_));
-  EXPECT_EQ(before, OwnerOf(target_));
-}
-
-TEST_F(OwnerChange, without_the_link_flag_it_is_what_the_link_leads_to_that_gets_them) {
-  const std::string before = OwnerOf(link_);
-  EXPECT_EQ("", StandardErrorOf([this] { updateAssemblyInfo(source_, link_, false); }));
-  EXPECT_EQ(OwnerOf(source_), OwnerOf(target_));
-  EXPECT_EQ(before, OwnerOf(link_));
-}
-
-TEST_F(OwnerChange, a_target_that_is_not_there_shows_on_standard_error) {
-  for (const bool is_symlink : {false, true}) {
-    EXPECT_EQ(kOwnerMessage, StandardErrorOf([&] { updateAssemblyInfo(source_, directory_ / "missing", is_symlink); }));
-  }
-  EXPECT_FALSE(support::IsThere(directory_ / "missing"));
-}
-
 }  // namespace
+}  // namespace unit

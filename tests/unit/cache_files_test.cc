@@ -1,34 +1,13 @@
 // A package taken out of both cache files, and put into them.
 #include "plugin/cache_files.h"
 
-#include <gtest/gtest.h>
-
 #include <cerrno>
-#include <filesystem>
-#include <functional>
-#include <string>
 
-#include "tests/support/device_root.h"
-#include "tests/support/expected_lines.h"
-#include "tests/support/files.h"
 #include "tests/support/interposed.h"
 #include "tests/support/unit_case.h"
 
+namespace unit {
 namespace {
-
-namespace fs = std::filesystem;
-
-using doubles::Platform;
-using expected::Adding;
-using expected::CacheMissing;
-using expected::CacheRead;
-using expected::Removing;
-using expected::Saved;
-using support::IsThere;
-using support::kCobaFile;
-using support::kTpaFile;
-using support::ReadFile;
-using support::WriteFile;
 
 const std::string kRoot = "/opt/usr/apps/pkg";
 const std::string kResources = kRoot + "/shared/res/";
@@ -247,3 +226,4 @@ TEST(CacheFiles, a_rename_that_fails_leaves_the_temporary_files_and_no_cache_fil
 }
 
 }  // namespace
+}  // namespace unit

@@ -1,28 +1,20 @@
 // The editing of cache texts, held against the plainest form of it over many random texts, roots and lists.
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <iterator>
 #include <random>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "plugin/cache_files.h"
 #include "tests/support/cache_edit.h"
-#include "tests/support/expected_lines.h"
-#include "tests/support/files.h"
 #include "tests/support/plain_cache_edit.h"
 #include "tests/support/unit_case.h"
 
+namespace unit {
 namespace {
 
 using support::CacheEdit;
 using support::Erase;
 using support::PlainEdit;
 using support::PlainErase;
-
-using Texts = std::vector<std::string>;
 
 constexpr unsigned kSeed = 20240229;
 
@@ -174,21 +166,21 @@ TEST(CacheTextProperty, erasing_gives_what_the_plain_search_from_the_front_gives
 
 TEST(CacheTextProperty, a_file_is_edited_and_logged_like_its_text) {
   Random random(kSeed + 2);
-  const support::TempDir directory;
+  const TempDir directory;
   const std::string file = directory / "TPA.txt";
   for (int i = 0; i < 200 && !HasFailure(); ++i) {
     Case made = AnyCase(random);
     std::replace(made.text.begin(), made.text.end(), '\0', 'x');  // a log line would end there
-    support::WriteFile(file, made.text);
+    WriteFile(file, made.text);
     const PlainEdit plain = PlainErase(made.text, made.root);
-    const doubles::Platform& platform = doubles::Reset();
+    const Platform& platform = doubles::Reset();
     std::string text = "as it was";
     const std::string which = "seed " + std::to_string(kSeed + 2) + ", case " + std::to_string(i) + ": " +
                               testing::PrintToString(made.text) + " without " + testing::PrintToString(made.root);
     EXPECT_EQ(!plain.erased.empty(), readCacheAndRemovePkg(file, made.root, text)) << which;
     EXPECT_EQ(plain.text, text) << which;
-    EXPECT_TRUE(Holds(platform, expected::CacheRead(file, plain.erased, plain.text))) << which;
-    EXPECT_EQ(made.text, support::ReadFile(file)) << which;
+    EXPECT_TRUE(Holds(platform, CacheRead(file, plain.erased, plain.text))) << which;
+    EXPECT_EQ(made.text, ReadFile(file)) << which;
   }
 }
 
@@ -210,3 +202,4 @@ TEST(CacheTextProperty, adding_puts_one_copy_at_the_end_and_erasing_takes_it_awa
 }
 
 }  // namespace
+}  // namespace unit

@@ -1,112 +1,91 @@
 // The editing of a cache text: what is erased for a package root, byte by byte, and how entries are put at its end.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "plugin/cache_files.h"
-#include "tests/support/child.h"
-#include "tests/support/expected_lines.h"
-#include "tests/support/files.h"
 #include "tests/support/unit_case.h"
 
+namespace unit {
 namespace {
-
-using doubles::Platform;
-using expected::CacheMissing;
-using expected::CacheRead;
-using support::TempDir;
 
 struct Row {
   const char* what;
   std::string text;
-  std::string root;
   std::string left;
-  std::vector<std::string> erased;
+  Texts erased;
+  std::string root = "/r";
 };
 
 const Row kErasing[] = {
-    {"the only entry", "[START]/r/shared/res/X.dll[END]", "/r", "[START][END]", {"/r/shared/res/X.dll"}},
+    {"the only entry", "[START]/r/shared/res/X.dll[END]", "[START][END]", {"/r/shared/res/X.dll"}},
     {"the last entry goes with the separator before it",
      "[START]/a/x.dll:/r/y.dll[END]",
-     "/r",
      "[START]/a/x.dll[END]",
      {":/r/y.dll"}},
     {"the first entry goes with the separator behind it",
      "[START]/r/y.dll:/a/x.dll[END]",
-     "/r",
      "[START]/a/x.dll[END]",
      {"/r/y.dll:"}},
     {"a middle entry goes with the separator behind it",
      "[START]/a/x:/r/y:/b/z[END]",
-     "/r",
      "[START]/a/x:/b/z[END]",
      {"/r/y:"}},
     {"entries spread through the file",
      "[START]/r/1:/a/x:/r/2:/r/3:/b/y:/r/4[END]",
-     "/r",
      "[START]/a/x:/b/y[END]",
      {"/r/1:", "/r/2:", "/r/3:", ":/r/4"}},
-    {"nothing but entries of the package",
-     "[START]/r/1:/r/2:/r/3[END]",
-     "/r",
-     "[START][END]",
-     {"/r/1:", "/r/2:", "/r/3"}},
-    {"the same entry twice", "[START]/r/1:/r/1[END]", "/r", "[START][END]", {"/r/1:", "/r/1"}},
-    {"the entry is the root itself", "[START]/a:/r:/b[END]", "/r", "[START]/a:/b[END]", {"/r:"}},
-    {"an empty first element", "[START]:/r/x[END]", "/r", "[START][END]", {":/r/x"}},
-    {"an empty first element before others", "[START]:/r/x:/a/y[END]", "/r", "[START]:/a/y[END]", {"/r/x:"}},
-    {"empty elements in between", "[START]/a::/r/x::/b[END]", "/r", "[START]/a:::/b[END]", {"/r/x:"}},
+    {"nothing but entries of the package", "[START]/r/1:/r/2:/r/3[END]", "[START][END]", {"/r/1:", "/r/2:", "/r/3"}},
+    {"the same entry twice", "[START]/r/1:/r/1[END]", "[START][END]", {"/r/1:", "/r/1"}},
+    {"the entry is the root itself", "[START]/a:/r:/b[END]", "[START]/a:/b[END]", {"/r:"}},
+    {"an empty first element", "[START]:/r/x[END]", "[START][END]", {":/r/x"}},
+    {"an empty first element before others", "[START]:/r/x:/a/y[END]", "[START]:/a/y[END]", {"/r/x:"}},
+    {"empty elements in between", "[START]/a::/r/x::/b[END]", "[START]/a:::/b[END]", {"/r/x:"}},
     {"a root that begins another's",
      "[START]/apps/pkg/x:/apps/pkg2/y:/apps/pk/z[END]",
-     "/apps/pkg",
      "[START]/apps/pk/z[END]",
-     {"/apps/pkg/x:", "/apps/pkg2/y:"}},
-    {"a root in the middle of an entry", "[START]/mnt/r/x:/a/r/y[END]", "/r", "[START]/mnt/r/x:/a/r/y[END]", {}},
+     {"/apps/pkg/x:", "/apps/pkg2/y:"},
+     "/apps/pkg"},
+    {"a root in the middle of an entry", "[START]/mnt/r/x:/a/r/y[END]", "[START]/mnt/r/x:/a/r/y[END]", {}},
     {"a root in the middle of an entry and at the front of a later one",
      "[START]/mnt/r/x:/r/y[END]",
-     "/r",
      "[START]/mnt/r/x[END]",
      {":/r/y"}},
-    {"a root behind a bracket of its own", "[START]/a/[x]/r/y:/b[END]", "/r", "[START]/a/[x]/b[END]", {"/r/y:"}},
-    {"no entry of the package", "[START]/a/x:/b/y[END]", "/r", "[START]/a/x:/b/y[END]", {}},
-    {"an empty list", "[START][END]", "/r", "[START][END]", {}},
-    {"an empty file", "", "/r", "", {}},
-    {"another letter case", "[START]/R/x[END]", "/r", "[START]/R/x[END]", {}},
-    {"a root in quotes of a pattern", "[START]/a.b/x:/aXb/y[END]", "/a.b", "[START]/aXb/y[END]", {"/a.b/x:"}},
-    {"a match at the very front does not count", "/r/x:/a[END]", "/r", "/r/x:/a[END]", {}},
-    {"a match at the very front does not hide later ones", "/r/x:/r/y[END]", "/r", "/r/x[END]", {":/r/y"}},
-    {"no end marker: the last entry reaches to the end", "[START]/a/x:/r/y", "/r", "[START]/a/x", {":/r/y"}},
-    {"no end marker and a line feed", "[START]/r/y\n", "/r", "[START]", {"/r/y\n"}},
-    {"text behind the end marker", "[START]/r/y[END]\n", "/r", "[START][END]\n", {"/r/y"}},
-    {"the last entry holds a bracket", "[START]/a:/r/y[1].dll[END]", "/r", "[START]/a[1].dll[END]", {":/r/y"}},
-    {"a separator behind the end marker", "[START]/r/y[END]:z", "/r", "[START]z", {"/r/y[END]:"}},
-    {"a root with a separator", "[START]/r:x/a.dll[END]", "/r:x", "[START]x/a.dll[END]", {"/r:"}},
+    {"a root behind a bracket of its own", "[START]/a/[x]/r/y:/b[END]", "[START]/a/[x]/b[END]", {"/r/y:"}},
+    {"no entry of the package", "[START]/a/x:/b/y[END]", "[START]/a/x:/b/y[END]", {}},
+    {"an empty list", "[START][END]", "[START][END]", {}},
+    {"an empty file", "", "", {}},
+    {"another letter case", "[START]/R/x[END]", "[START]/R/x[END]", {}},
+    {"a root in quotes of a pattern", "[START]/a.b/x:/aXb/y[END]", "[START]/aXb/y[END]", {"/a.b/x:"}, "/a.b"},
+    {"a match at the very front does not count", "/r/x:/a[END]", "/r/x:/a[END]", {}},
+    {"a match at the very front does not hide later ones", "/r/x:/r/y[END]", "/r/x[END]", {":/r/y"}},
+    {"no end marker: the last entry reaches to the end", "[START]/a/x:/r/y", "[START]/a/x", {":/r/y"}},
+    {"no end marker and a line feed", "[START]/r/y\n", "[START]", {"/r/y\n"}},
+    {"text behind the end marker", "[START]/r/y[END]\n", "[START][END]\n", {"/r/y"}},
+    {"the last entry holds a bracket", "[START]/a:/r/y[1].dll[END]", "[START]/a[1].dll[END]", {":/r/y"}},
+    {"a separator behind the end marker", "[START]/r/y[END]:z", "[START]z", {"/r/y[END]:"}},
+    {"a root with a separator", "[START]/r:x/a.dll[END]", "[START]x/a.dll[END]", {"/r:"}, "/r:x"},
     {"the search goes on one past a match that does not count",
      "[START]x/a]/a]/a:/b[END]",
-     "/a]/a",
      "[START]x/a]/b[END]",
-     {"/a]/a:"}},
-    {"a match that an erasure makes is erased too", "[START]x]x]y:y[END]", "x]y", "[START][END]", {"x]y:", "x]y"}},
-    {"the whole root must match", "[START]/apps/pkg[END]", "/apps/pkg/", "[START]/apps/pkg[END]", {}},
+     {"/a]/a:"},
+     "/a]/a"},
+    {"a match that an erasure makes is erased too", "[START]x]x]y:y[END]", "[START][END]", {"x]y:", "x]y"}, "x]y"},
+    {"the whole root must match", "[START]/apps/pkg[END]", "[START]/apps/pkg[END]", {}, "/apps/pkg/"},
     {"a root longer than the text",
      "[START]/r[END]",
-     "/r/a/very/long/root/that/is/longer/than/the/text",
      "[START]/r[END]",
-     {}},
-    {"bytes above 127", "[START]/\xC3\xA4/x:/\xC3/y[END]", "/\xC3\xA4", "[START]/\xC3/y[END]", {"/\xC3\xA4/x:"}},
-    {"percent signs", "[START]/%s/%n:/a[END]", "/%s", "[START]/a[END]", {"/%s/%n:"}},
-    {"line feeds inside the list", "[START]/a\n:/r/x:/b[END]", "/r", "[START]/a\n:/b[END]", {"/r/x:"}},
+     {},
+     "/r/a/very/long/root/that/is/longer/than/the/text"},
+    {"bytes above 127", "[START]/\xC3\xA4/x:/\xC3/y[END]", "[START]/\xC3/y[END]", {"/\xC3\xA4/x:"}, "/\xC3\xA4"},
+    {"percent signs", "[START]/%s/%n:/a[END]", "[START]/a[END]", {"/%s/%n:"}, "/%s"},
+    {"line feeds inside the list", "[START]/a\n:/r/x:/b[END]", "[START]/a\n:/b[END]", {"/r/x:"}},
 };
 
 void ExpectErased(const Row& row, const std::string& file) {
-  support::WriteFile(file, row.text);
+  WriteFile(file, row.text);
   Platform& platform = doubles::Reset();
   std::string text;
   EXPECT_EQ(!row.erased.empty(), readCacheAndRemovePkg(file, row.root, text)) << row.what;
   EXPECT_EQ(row.left, text) << row.what;
   EXPECT_TRUE(Holds(platform, {CacheRead(file, row.erased, row.left)})) << row.what;
-  EXPECT_EQ(row.text, support::ReadFile(file)) << row.what;
+  EXPECT_EQ(row.text, ReadFile(file)) << row.what;
 }
 
 TEST(CacheText, the_entries_of_a_root_are_erased_and_each_is_told) {
@@ -124,7 +103,7 @@ TEST(CacheText, many_entries_are_erased) {
   std::string left = "[START]";
   for (int i = 0; i < 60; ++i) left += "/a/x:";
   const TempDir directory;
-  ExpectErased({"many", text + "/b[END]", "/r", left + "/b[END]", erased}, directory / "TPA.txt");
+  ExpectErased({"many", text + "/b[END]", left + "/b[END]", erased}, directory / "TPA.txt");
 }
 
 // Texts on which erasing would find the same empty place over and over.
@@ -135,7 +114,7 @@ TEST(CacheText, a_text_that_erasing_would_never_get_through_stays_as_it_is) {
                                                       {"[START]/a[END]", ""},
                                                       {"[START][END]", "[END]"},
                                                       {"[START][x", "["}};
-  for (const auto& [text, root] : rows) ExpectErased({text.c_str(), text, root, text, {}}, directory / "TPA.txt");
+  for (const auto& [text, root] : rows) ExpectErased({text.c_str(), text, text, {}, root}, directory / "TPA.txt");
 }
 
 TEST(CacheText, a_missing_file_leaves_the_callers_text_alone) {
@@ -145,12 +124,12 @@ TEST(CacheText, a_missing_file_leaves_the_callers_text_alone) {
   EXPECT_FALSE(readCacheAndRemovePkg(directory / "missing", "/r", text));
   EXPECT_EQ("as it was", text);
   EXPECT_TRUE(Holds(platform, {CacheMissing(directory / "missing")}));
-  EXPECT_FALSE(support::IsThere(directory / "missing"));
+  EXPECT_FALSE(IsThere(directory / "missing"));
 }
 
 TEST(CacheText, an_empty_file_empties_the_callers_text) {
   const TempDir directory;
-  support::WriteFile(directory / "TPA.txt", "");
+  WriteFile(directory / "TPA.txt", "");
   Platform& platform = doubles::Reset();
   std::string text = "as it was";
   EXPECT_FALSE(readCacheAndRemovePkg(directory / "TPA.txt", "/r", text));
@@ -160,7 +139,7 @@ TEST(CacheText, an_empty_file_empties_the_callers_text) {
 
 TEST(CacheText, a_file_that_may_not_be_read_is_like_an_empty_one) {
   const TempDir directory;
-  support::WriteFile(directory / "TPA.txt", "[START]/r/x[END]");
+  WriteFile(directory / "TPA.txt", "[START]/r/x[END]");
   std::filesystem::permissions(directory / "TPA.txt", std::filesystem::perms::none);
   Fresh([&](Platform& platform) {
     ASSERT_TRUE(support::GiveUpPrivileges());
@@ -189,3 +168,4 @@ TEST(CacheText, entries_are_put_in_place_of_the_last_five_characters) {
 }
 
 }  // namespace
+}  // namespace unit

@@ -1,21 +1,10 @@
 // The four catalogues and the two operations on them.
 #include "plugin/catalogues.h"
 
-#include <gtest/gtest.h>
-
-#include <map>
-#include <string>
-
-#include "tests/support/expected_lines.h"
 #include "tests/support/unit_case.h"
 
+namespace unit {
 namespace {
-
-using doubles::Platform;
-using doubles::Steps;
-using expected::Plugin;
-
-using Catalogue = std::map<std::string, std::string>;
 
 TEST(Catalogues, all_four_are_empty_at_first) {
   for (const Catalogue* catalogue : {&coreFX, &orvelFX, &coBA, &appLib}) EXPECT_TRUE(catalogue->empty());
@@ -66,3 +55,4 @@ TEST(Catalogues, an_entry_with_an_empty_path_is_found_and_survives) {
 }
 
 }  // namespace
+}  // namespace unit

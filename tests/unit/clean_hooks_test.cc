@@ -1,39 +1,9 @@
 // UNINSTALL, RECOVERUNINSTALL, CLEAN and CLEANUP over cache files.
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "plugin/hooks.h"
-#include "tests/support/device_root.h"
-#include "tests/support/expected_lines.h"
-#include "tests/support/files.h"
-#include "tests/support/manifests.h"
 #include "tests/support/unit_case.h"
 
+namespace unit {
 namespace {
-
-using doubles::Platform;
-using doubles::Steps;
-using expected::Adding;
-using expected::CacheMissing;
-using expected::CacheRead;
-using expected::CobaFound;
-using expected::DotnetWalk;
-using expected::Hook;
-using expected::LoaderRestarted;
-using expected::NoCobaFound;
-using expected::NotInhouse;
-using expected::OtherWalk;
-using expected::Plugin;
-using expected::Removing;
-using expected::Saved;
-using support::CobaManifest;
-using support::DotnetManifest;
-using support::kCobaFile;
-using support::kTpaFile;
-using support::OtherManifest;
-
-using Flags = std::map<std::string, bool>;
 
 constexpr const char* kRoot = "/opt/usr/apps/pkg";
 constexpr const char* kAssembly = "/opt/usr/apps/pkg/shared/res/A.dll";
@@ -46,13 +16,13 @@ constexpr const char* kCobaWithout = "[START]/b/shared/res/[END]";
 // A package with a root, listed in both cache files.
 void PutListedPackage(Platform& platform) {
   platform.packages.push_back(doubles::MakePackage("pkg", kRoot));
-  support::WriteFile(kTpaFile, kTpaWithPackage);
-  support::WriteFile(kCobaFile, kCobaWithPackage);
+  WriteFile(kTpaFile, kTpaWithPackage);
+  WriteFile(kCobaFile, kCobaWithPackage);
 }
 
 void ExpectCaches(const std::string& tpa, const std::string& coba) {
-  EXPECT_EQ(tpa, support::ReadFile(kTpaFile));
-  EXPECT_EQ(coba, support::ReadFile(kCobaFile));
+  EXPECT_EQ(tpa, ReadFile(kTpaFile));
+  EXPECT_EQ(coba, ReadFile(kCobaFile));
 }
 
 // The listed package taken out of both files.
@@ -67,7 +37,7 @@ Steps NothingRemoved() {
 }
 
 // Sends the event, which must return 0 and write these lines.
-void ExpectEvent(int (*hook)(xmlDocPtr, const char*), const support::Document& manifest, const char* id,
+void ExpectEvent(int (*hook)(xmlDocPtr, const char*), const Document& manifest, const char* id,
                  std::initializer_list<Steps> journal) {
   doubles::Current().journal.clear();
   EXPECT_EQ(0, hook(manifest.get(), id));
@@ -148,7 +118,7 @@ DEVICE_TEST(Recover, a_package_without_a_root_is_only_logged) {
 
 DEVICE_TEST(Clean, a_coba_package_is_added_and_the_loader_restarted) {
   PutListedPackage(platform);
-  support::WriteFile(kAssembly);
+  WriteFile(kAssembly);
   ExpectEvent(
       PKGMGR_PARSER_PLUGIN_CLEAN, CobaManifest(), "pkg",
       {Hook("CLEAN", {DotnetWalk(), CobaFound(),
@@ -166,8 +136,8 @@ DEVICE_TEST(Clean, a_coba_package_restarts_the_loader_even_when_nothing_could_be
   ExpectEvent(PKGMGR_PARSER_PLUGIN_CLEAN, CobaManifest(), "pkg",
               {Hook("CLEAN", {DotnetWalk(), CobaFound(), Adding({CacheMissing(kTpaFile), CacheMissing(kCobaFile)}),
                               LoaderRestarted()})});
-  EXPECT_FALSE(support::IsThere(kTpaFile));
-  EXPECT_FALSE(support::IsThere(kCobaFile));
+  EXPECT_FALSE(IsThere(kTpaFile));
+  EXPECT_FALSE(IsThere(kCobaFile));
 }
 
 DEVICE_TEST(Clean, a_coba_package_without_a_root_restarts_the_loader_too) {
@@ -191,8 +161,8 @@ DEVICE_TEST(Clean, an_upgraded_package_is_taken_out_and_the_loader_restarted) {
 
 DEVICE_TEST(Clean, an_upgraded_package_that_is_not_listed_restarts_nothing) {
   platform.packages.push_back(doubles::MakePackage("pkg", kRoot));
-  support::WriteFile(kTpaFile, kTpaWithout);
-  support::WriteFile(kCobaFile, kCobaWithout);
+  WriteFile(kTpaFile, kTpaWithout);
+  WriteFile(kCobaFile, kCobaWithout);
   aotStateUpgrade["pkg"] = true;
   ExpectEvent(PKGMGR_PARSER_PLUGIN_CLEAN, DotnetManifest(), "pkg",
               {Hook("CLEAN", {DotnetWalk(), NoCobaFound(), NothingRemoved()})});
@@ -243,3 +213,4 @@ FRESH_TEST(CleanUp, another_kind_of_package_is_marked_before_it_is_refused) {
 }
 
 }  // namespace
+}  // namespace unit

@@ -1,40 +1,12 @@
 // The search for CoBA applications and the catalogue that it fills.
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <map>
-#include <string>
-#include <vector>
 
-#include "plugin/assembly_cache.h"
 #include "plugin/catalogues.h"
-#include "tests/support/device_root.h"
-#include "tests/support/expected_lines.h"
-#include "tests/support/files.h"
-#include "tests/support/standard_error.h"
-#include "tests/support/unit_case.h"
-#include "tests/support/uris.h"
 #include "tests/unit/allocation_limit.h"
+#include "tests/unit/pass_case.h"
 
+namespace unit {
 namespace {
-
-using doubles::Call;
-using doubles::Join;
-using doubles::Platform;
-using doubles::Record;
-using doubles::Steps;
-using expected::CobaPackage;
-using expected::Plugin;
-using expected::TracedPlugin;
-using support::IsThere;
-using support::kCobaKey;
-using support::StandardErrorOf;
-using support::WriteFiles;
-
-using Catalogue = std::map<std::string, std::string>;
-
-constexpr const char* kRoot = "/opt/usr/apps/pkg";
-constexpr const char* kSearch = "void getPackageByMetadataTag(pkgmgrinfo_app_list_cb, const std::string&)";
 
 DEVICE_TEST(CobaSearch, coba_applications_are_catalogued_and_the_filter_is_left) {
   platform.packages.push_back(doubles::MakePackage("pkg", kRoot));
@@ -85,13 +57,13 @@ FRESH_TEST(CobaSearch, any_key_can_be_searched_for_with_any_callback) {
 }
 
 FRESH_TEST(CobaSearch, an_application_without_a_root_path_is_skipped_and_the_search_goes_on) {
-  doubles::Package package = CobaPackage("one", "/one");
+  Package package = CobaPackage("one", "/one");
   package.applications[0].root.reset();
   platform.packages = {package};
   platform.packages.push_back(CobaPackage("two", "/two"));
   platform.packages.push_back(CobaPackage("three", "/three"));
   getPackageByMetadataTag(cobaCallback, kCobaKey);
-  const doubles::Source source = Plugin("cobaCallback");
+  const Source source = Plugin("cobaCallback");
   EXPECT_TRUE(Holds(platform,
                     {TracedPlugin(kSearch, {source.Debug("Path : %s", "/two"), source.Debug("Path : %s", "/three")})}));
 
@@ -157,8 +129,8 @@ TEST(CobaSearch, the_pass_goes_on_after_a_filter_that_fails) {
       platform.packages.push_back(CobaPackage("one", "/opt/usr/apps/one"));
       const std::string duplicate = std::string(kRoot) + "/A.dll";
       const std::string not_catalogued = std::string(kRoot) + "/C.dll";
-      WriteFiles({std::string(support::kCoreDirectory) + "A.dll", "/opt/usr/apps/one/shared/res/C.dll", duplicate,
-                  not_catalogued});
+      WriteFiles(
+          {std::string(kCoreDirectory) + "A.dll", "/opt/usr/apps/one/shared/res/C.dll", duplicate, not_catalogued});
       platform.FailNext(failure.function, -1);
       StandardErrorOf([] { EXPECT_EQ(-1, gac("pkg")); });
       EXPECT_TRUE(coBA.empty());
@@ -181,12 +153,12 @@ int EndsInOneWheneverMemoryRunsOut(pkgmgrinfo_appinfo_h handle) {
 }
 
 DEVICE_TEST(CobaSearch, the_callback_answers_one_when_memory_runs_out_as_well) {
-  support::WriteFiles({"/opt/usr/apps/one/shared/res/Shared.Component.With.A.Long.Name.dll"});
-  const doubles::Package package = CobaPackage("one", "/opt/usr/apps/one");
-  doubles::Record* const record =
-      doubles::Current().Create({Record::Kind::kApplication, {}, package.applications[0], {}});
+  WriteFiles({"/opt/usr/apps/one/shared/res/Shared.Component.With.A.Long.Name.dll"});
+  const Package package = CobaPackage("one", "/opt/usr/apps/one");
+  Record* const record = doubles::Current().Create({Record::Kind::kApplication, {}, package.applications[0], {}});
   EXPECT_LT(5, EndsInOneWheneverMemoryRunsOut(record));
   EXPECT_EQ(1u, coBA.size());
 }
 
 }  // namespace
+}  // namespace unit

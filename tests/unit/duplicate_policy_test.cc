@@ -1,16 +1,11 @@
 // What the policy says of a file, by the catalogues that it is given.
 #include "plugin/duplicate_policy.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "plugin/catalogues.h"
 #include "tests/support/unit_case.h"
 
+namespace unit {
 namespace {
-
-using doubles::Platform;
 
 struct ForetoldRow {
   const char* path;
@@ -49,3 +44,4 @@ TEST(DuplicatePolicy, names_the_first_catalogued_copy_of_the_catalogues_it_is_gi
 }
 
 }  // namespace
+}  // namespace unit

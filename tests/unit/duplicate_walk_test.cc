@@ -1,38 +1,20 @@
 // The pass's walk over a package, and the policy without effects, held against isUniqueDll called for each file.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <climits>
 #include <cstddef>
 #include <cstring>
-#include <filesystem>
-#include <functional>
-#include <string>
-#include <vector>
 
 #include "morvath/platform_utils.h"
 #include "plugin/assembly_cache.h"
 #include "plugin/catalogues.h"
 #include "plugin/duplicate_policy.h"
 #include "plugin/duplicates.h"
-#include "tests/support/child.h"
-#include "tests/support/files.h"
 #include "tests/support/interposed.h"
-#include "tests/support/standard_error.h"
 #include "tests/support/unit_case.h"
 #include "util/platform_utils/directory_walk.h"
 
+namespace unit {
 namespace {
-
-namespace fs = std::filesystem;
-
-using doubles::Platform;
-using support::StandardErrorOf;
-using support::TempDir;
-using support::WriteFile;
-
-using Texts = std::vector<std::string>;
 
 // All that can be told of a walk afterwards.
 struct Outcome {
@@ -57,8 +39,8 @@ int OfferEachToIsUniqueDll(const std::string& root) {
 
 Texts LinesOf(const Platform& platform) {
   Texts lines;
-  for (const doubles::Event& event : platform.journal) {
-    lines.push_back(event.kind == doubles::Event::Kind::kLog ? event.log.function + ": " + event.log.text : event.text);
+  for (const Event& event : platform.journal) {
+    lines.push_back(event.kind == Event::Kind::kLog ? event.log.function + ": " + event.log.text : event.text);
   }
   return lines;
 }
@@ -199,32 +181,5 @@ TEST(DuplicateWalk, paths_that_no_call_takes_give_the_lines_of_failed_lstats) {
   }
 }
 
-// What the policy says of each file before anything is touched, against what the walk then leaves.
-FRESH_TEST(DuplicatePolicy, says_beforehand_what_the_walk_does) {
-  const TempDir root;
-  const std::string package = root / "pkg";
-  MakePackage(package);
-  PutCatalogues(package);
-  Texts kept;
-  Texts removed;
-  Texts reported;
-  const auto foretell = [&](const std::string& path, const std::string& name) {
-    const Verdict verdict = Foretell(ByPrecedence(OwnCatalogues()), path, name).verdict;
-    (verdict == Verdict::kKept ? kept : verdict == Verdict::kRemoved ? removed : reported).push_back(path);
-  };
-  scanFilesInDirExcludeSymlink(package, foretell, kLevels);
-  const Outcome outcome = OutcomeOf(package, RemoveDuplicates);
-  const auto there = [](const std::string& path) { return support::IsThere(path); };
-  EXPECT_TRUE(std::all_of(kept.begin(), kept.end(), there));
-  EXPECT_TRUE(std::none_of(removed.begin(), removed.end(), there));
-  EXPECT_TRUE(std::all_of(reported.begin(), reported.end(), there));
-  EXPECT_EQ((Texts{package + "/C.dll"}), reported);
-  const auto tells_of_duplicate = [](const std::string& line) {
-    return line.find("### Duplicated DLL found ###") != std::string::npos;
-  };
-  EXPECT_EQ(static_cast<std::ptrdiff_t>(removed.size() + reported.size()),
-            std::count_if(outcome.log.begin(), outcome.log.end(), tells_of_duplicate));
-  EXPECT_THAT(removed, testing::SizeIs(5));
-}
-
 }  // namespace
+}  // namespace unit

@@ -1,38 +1,12 @@
 // Which pair of files is a duplicate, and the removal of one. The information file has its own tests.
 #include "plugin/duplicates.h"
 
-#include <gtest/gtest.h>
+#include <optional>
 
-#include <filesystem>
-#include <string>
-
-#include "tests/support/child.h"
-#include "tests/support/expected_lines.h"
-#include "tests/support/files.h"
-#include "tests/support/removal_texts.h"
-#include "tests/support/standard_error.h"
 #include "tests/support/unit_case.h"
 
+namespace unit {
 namespace {
-
-namespace fs = std::filesystem;
-
-using doubles::Join;
-using doubles::Platform;
-using doubles::Source;
-using doubles::Steps;
-using expected::Compared;
-using expected::Dpc;
-using expected::NotDpc;
-using expected::Plugin;
-using expected::RemovalFrame;
-using expected::TracedPlugin;
-using support::DuplicateLine;
-using support::InformationText;
-using support::IsThere;
-using support::StandardErrorOf;
-using support::TempDir;
-using support::WriteFile;
 
 constexpr const char* kOrigin = "/usr/share/dotnet.orvel/framework/A.dll";
 
@@ -113,9 +87,9 @@ TEST(Duplicates, a_duplicate_is_replaced_by_an_information_file) {
   Platform& platform = doubles::Reset();
   EXPECT_EQ("", StandardErrorOf([&] { removeFileAndLeaveInformationFile(kOrigin, dll); }));
   EXPECT_FALSE(IsThere(dll));
-  EXPECT_EQ(InformationText(kOrigin, dll), support::ReadFile(dll + "_deleted"));
+  EXPECT_EQ(InformationText(kOrigin, dll), ReadFile(dll + "_deleted"));
   EXPECT_EQ((std::vector<std::string>{"Foo.dll_deleted"}), support::NamesIn(package / "bin"));
-  EXPECT_TRUE(Holds(platform, {RemovalFrame(doubles::Call("ovplatform_getenv(27)"))}));
+  EXPECT_TRUE(Holds(platform, {RemovalFrame(Call("ovplatform_getenv(27)"))}));
 }
 
 TEST(Duplicates, a_second_removal_rewrites_the_information_file) {
@@ -129,7 +103,7 @@ TEST(Duplicates, a_second_removal_rewrites_the_information_file) {
     platform.journal.clear();
     removeFileAndLeaveInformationFile(kOrigin, dll);
     EXPECT_FALSE(IsThere(dll));
-    EXPECT_EQ(InformationText(kOrigin, dll), support::ReadFile(dll + "_deleted"));
+    EXPECT_EQ(InformationText(kOrigin, dll), ReadFile(dll + "_deleted"));
     EXPECT_EQ(file, support::InodeOf(dll + "_deleted"));
     EXPECT_TRUE(Holds(platform, {RemovalFrame()}));
   }
@@ -147,12 +121,12 @@ TEST(Duplicates, a_link_that_cannot_be_removed_is_not_followed_either) {
   fs::permissions(package / "closed", fs::perms(0555));
   support::InFreshProcess([&] {
     ASSERT_TRUE(support::GiveUpPrivileges());
-    ASSERT_EQ("untouched", support::ReadFile(dll + "_deleted"));
+    ASSERT_EQ("untouched", ReadFile(dll + "_deleted"));
     doubles::Reset();
     removeFileAndLeaveInformationFile(kOrigin, dll);
   });
   EXPECT_TRUE(fs::is_symlink(dll + "_deleted"));
-  EXPECT_EQ("untouched", support::ReadFile(elsewhere / "victim"));
+  EXPECT_EQ("untouched", ReadFile(elsewhere / "victim"));
   fs::permissions(package / "closed", fs::perms::owner_all);
 }
 
@@ -173,34 +147,27 @@ TEST(Duplicates, nothing_is_removed_when_the_origin_path_contains_the_read_write
   }
 }
 
-TEST(Duplicates, the_read_write_root_is_the_one_that_the_platform_names) {
-  const TempDir package;
-  const std::string dll = package / "A.dll";
-  WriteFile(dll);
-  doubles::Reset().read_write_root = "/data/apps";
-  removeFileAndLeaveInformationFile("/opt/usr/globalapps/x/A.dll", dll);
-  EXPECT_FALSE(IsThere(dll));
-  WriteFile(dll);
-  StandardErrorOf([&] { removeFileAndLeaveInformationFile("/data/apps/x/A.dll", dll); });
-  EXPECT_TRUE(IsThere(dll));
-}
+struct AreaRow {
+  const char* what;
+  std::optional<std::string> read_write_root;
+  std::string origin;
+  bool removed;
+};
 
-TEST(Duplicates, a_duplicate_that_lies_in_the_read_write_area_itself_is_removed) {
-  const TempDir package;
-  const std::string dll = package / "opt/usr/globalapps/A.dll";
-  WriteFile(dll);
-  doubles::Reset();
-  removeFileAndLeaveInformationFile(kOrigin, dll);
-  EXPECT_FALSE(IsThere(dll));
-}
-
-TEST(Duplicates, nothing_is_removed_while_the_platform_names_no_read_write_root) {
-  const TempDir package;
-  const std::string dll = package / "A.dll";
-  WriteFile(dll);
-  doubles::Reset().read_write_root.reset();
-  StandardErrorOf([&] { removeFileAndLeaveInformationFile(kOrigin, dll); });
-  EXPECT_TRUE(IsThere(dll));
+TEST(Duplicates, the_read_write_root_is_the_one_that_the_platform_names_and_only_the_origins_place_counts) {
+  const AreaRow rows[] = {{"the usual one", "/opt/usr/globalapps", kOrigin, true},
+                          {"another one", "/data/apps", "/opt/usr/globalapps/x/A.dll", true},
+                          {"an origin in that", "/data/apps", "/data/apps/x/A.dll", false},
+                          {"none is named", std::nullopt, kOrigin, false}};
+  for (const AreaRow& row : rows) {
+    const TempDir package;
+    const std::string dll = package / "opt/usr/globalapps/A.dll";
+    WriteFile(dll);
+    doubles::Reset().read_write_root = row.read_write_root;
+    StandardErrorOf([&] { removeFileAndLeaveInformationFile(row.origin, dll); });
+    EXPECT_EQ(!row.removed, IsThere(dll)) << row.what;
+  }
 }
 
 }  // namespace
+}  // namespace unit

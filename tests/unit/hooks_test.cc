@@ -1,30 +1,11 @@
 // What all hooks share: their frame, the gate, the flag tables, null arguments, UNDO, and the loader restart.
 #include "plugin/hooks.h"
 
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <string>
-
-#include "tests/support/expected_lines.h"
-#include "tests/support/manifests.h"
-#include "tests/support/standard_error.h"
 #include "tests/support/unit_case.h"
 
+namespace unit {
 namespace {
 
-using doubles::Platform;
-using doubles::Steps;
-using expected::DotnetWalk;
-using expected::Hook;
-using expected::NotInhouse;
-using expected::OtherWalk;
-using expected::Plugin;
-using support::DotnetManifest;
-using support::OtherManifest;
-using support::StandardErrorOf;
-
-using Flags = std::map<std::string, bool>;
 using HookFunction = int (*)(xmlDocPtr, const char*);
 
 struct GatedHook {
@@ -57,8 +38,8 @@ TEST(Hooks, a_null_manifest_is_refused_with_the_error_line_and_not_inhouse) {
     Fresh([&](Platform& platform) {
       platform.packages.push_back(doubles::MakePackage("pkg", "/proc/nowhere/pkg"));
       StandardErrorOf([&] { EXPECT_EQ(0, hook.function(nullptr, "pkg")); });
-      EXPECT_TRUE(Holds(platform, hook.frame(doubles::Join({Plugin("isAppDotnetInhouse").Error("xml provided is null"),
-                                                            NotInhouse(hook.gate)}))));
+      EXPECT_TRUE(Holds(platform, hook.frame(Join({Plugin("isAppDotnetInhouse").Error("xml provided is null"),
+                                                   NotInhouse(hook.gate)}))));
       EXPECT_TRUE(cacheStateUninstall.empty());
     });
   }
@@ -69,7 +50,7 @@ TEST(Hooks, another_kind_of_package_is_refused_with_not_inhouse) {
     Fresh([&](Platform& platform) {
       platform.packages.push_back(doubles::MakePackage("pkg", "/proc/nowhere/pkg"));
       StandardErrorOf([&] { EXPECT_EQ(0, hook.function(OtherManifest().get(), "pkg")); });
-      EXPECT_TRUE(Holds(platform, hook.frame(doubles::Join({OtherWalk(), NotInhouse(hook.gate)}))));
+      EXPECT_TRUE(Holds(platform, hook.frame(Join({OtherWalk(), NotInhouse(hook.gate)}))));
       EXPECT_TRUE(cacheStateUninstall.empty());
       EXPECT_TRUE(AllRecordsDestroyed(platform));
     });
@@ -95,22 +76,18 @@ FRESH_TEST(Hooks, once_a_dotnet_inhouse_manifest_was_seen_every_manifest_passes_
   EXPECT_EQ((Flags{{"other", true}}), cacheStateUninstall);
 }
 
-FRESH_TEST(Hooks, undo_of_a_dotnet_inhouse_package_changes_nothing) {
-  EXPECT_EQ("", StandardErrorOf([] { EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UNDO(DotnetManifest().get(), "pkg")); }));
-  EXPECT_TRUE(Holds(platform, {Hook("UNDO", {DotnetWalk()})}));
-  EXPECT_TRUE(cacheStateUninstall.empty());
-  EXPECT_TRUE(aotStateUpgrade.empty());
-}
-
-FRESH_TEST(Hooks, undo_of_another_kind_of_package_changes_nothing) {
-  EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UNDO(OtherManifest().get(), nullptr));
-  EXPECT_TRUE(Holds(platform, {Hook("UNDO", {OtherWalk(), NotInhouse("UNDO")})}));
-  EXPECT_TRUE(cacheStateUninstall.empty());
-  EXPECT_TRUE(aotStateUpgrade.empty());
-}
-
-TEST(Hooks, undo_takes_a_null_id_of_a_dotnet_inhouse_package) {
-  Fresh([](Platform&) { EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UNDO(DotnetManifest().get(), nullptr)); });
+TEST(Hooks, undo_changes_nothing_and_takes_a_null_id) {
+  for (const char* id : {"pkg", static_cast<const char*>(nullptr)}) {
+    for (const bool dotnet : {false, true}) {
+      Fresh([&](Platform& platform) {
+        const Document manifest = dotnet ? DotnetManifest() : OtherManifest();
+        EXPECT_EQ("", StandardErrorOf([&] { EXPECT_EQ(0, PKGMGR_PARSER_PLUGIN_UNDO(manifest.get(), id)); }));
+        EXPECT_TRUE(Holds(platform, {Hook("UNDO", {dotnet ? DotnetWalk() : Join({OtherWalk(), NotInhouse("UNDO")})})}));
+        EXPECT_TRUE(cacheStateUninstall.empty());
+        EXPECT_TRUE(aotStateUpgrade.empty());
+      });
+    }
+  }
 }
 
 struct NullIdHook {
@@ -120,7 +97,7 @@ struct NullIdHook {
 };
 
 TEST(Hooks, a_null_id_leaves_as_an_exception_after_the_exit_lines) {
-  const Steps removing = doubles::Traced("morvath", "bool removedPkgFromTPACacheFile(const char*)", Steps{}, 422);
+  const Steps removing = Traced("morvath", "bool removedPkgFromTPACacheFile(const char*)", Steps{}, 422);
   const NullIdHook hooks[] = {
       {PKGMGR_PARSER_PLUGIN_INSTALL, Hook("INSTALL", {DotnetWalk()}), "### INSTALL : morvath : (null)\n"},
       {PKGMGR_PARSER_PLUGIN_UPGRADE, Hook("UPGRADE", {}), ""},
@@ -152,7 +129,7 @@ TEST(Hooks, upgrade_of_a_null_id_leaves_as_an_exception_whatever_the_manifest) {
 
 FRESH_TEST(Restart, a_successful_restart_writes_only_the_frame) {
   restartDotnetCandidateProcess();
-  EXPECT_TRUE(Holds(platform, {expected::LoaderRestarted()}));
+  EXPECT_TRUE(Holds(platform, {LoaderRestarted()}));
 }
 
 TEST(Restart, a_failed_restart_is_one_error_line_and_is_not_tried_again) {
@@ -160,13 +137,14 @@ TEST(Restart, a_failed_restart_is_one_error_line_and_is_not_tried_again) {
     Fresh([&](Platform& platform) {
       platform.FailNext("aul_restart_loader", code);
       EXPECT_EQ("", StandardErrorOf(restartDotnetCandidateProcess));
-      EXPECT_TRUE(Holds(platform,
-                        {expected::TracedPlugin(
-                            "void restartDotnetCandidateProcess()",
-                            {doubles::Restart("dotnet-loader-inhouse"),
-                             Plugin("restartDotnetCandidateProcess").Error("Can't restart dotnet-loader-inhouse")})}));
+      EXPECT_TRUE(Holds(
+          platform,
+          {TracedPlugin("void restartDotnetCandidateProcess()",
+                        {Restart("dotnet-loader-inhouse"),
+                         Plugin("restartDotnetCandidateProcess").Error("Can't restart dotnet-loader-inhouse")})}));
     });
   }
 }
 
 }  // namespace
+}  // namespace unit

@@ -1,27 +1,14 @@
 // Where a launcher tool runs, and where a package is installed.
 #include "morvath/install_location.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <functional>
 #include <optional>
-#include <string>
-#include <string_view>
 
-#include "tests/support/child.h"
-#include "tests/support/files.h"
 #include "tests/support/unit_case.h"
 
+namespace unit {
 namespace {
-
-using doubles::Call;
-using doubles::Platform;
-using doubles::Source;
-using doubles::Steps;
-using support::TempDir;
 
 constexpr const char* kInside = "This is the code running inside the VARK.\n";
 constexpr const char* kOutside = "This is the code running outside the VARK.\n";
@@ -29,28 +16,14 @@ constexpr const char* kVariable = "VARK_CROSSGEN2_ENABLED";
 
 Steps ReadWriteInstalled() { return Source("platform_utils", "isRWInstalledApp").Info("It is a RWInstalled App"); }
 
-// The image-creation variable with a value, or without one, while this lives.
-class ImageCreation {
- public:
-  explicit ImageCreation(const char* value) {
-    if (const char* before = std::getenv(kVariable)) before_ = before;
-    Set(value);
+// Gives the image-creation variable a value, or none.
+void SetImageCreation(const char* value) {
+  if (value == nullptr) {
+    unsetenv(kVariable);
+  } else {
+    setenv(kVariable, value, 1);
   }
-  ~ImageCreation() { Set(before_ ? before_->c_str() : nullptr); }
-  ImageCreation(const ImageCreation&) = delete;
-  ImageCreation& operator=(const ImageCreation&) = delete;
-
- private:
-  static void Set(const char* value) {
-    if (value == nullptr) {
-      unsetenv(kVariable);
-    } else {
-      setenv(kVariable, value, 1);
-    }
-  }
-
-  std::optional<std::string> before_;
-};
+}
 
 // What `body` writes to standard output.
 std::string PrintedBy(const std::function<void()>& body) {
@@ -59,19 +32,13 @@ std::string PrintedBy(const std::function<void()>& body) {
   return testing::internal::GetCapturedStdout();
 }
 
-Platform& PlatformWith(std::string_view package_root) {
-  Platform& platform = doubles::Reset();
-  platform.packages.push_back(doubles::MakePackage("pkg", std::string(package_root)));
-  return platform;
-}
-
 // Device roots, with the release marker and without.
 
 TEST(ReleaseVersion, an_image_with_the_marker_is_a_release_and_nothing_is_logged) {
   const std::pair<const char*, bool> images[] = {{"etc/release", true}, {"etc/release2", false}};
   for (const auto& [file, is_release] : images) {
     const TempDir root;
-    support::WriteFile(root.path() / file);
+    WriteFile(root.path() / file);
     std::filesystem::permissions(root.path() / file, std::filesystem::perms::none);  // the marker only has to exist
     support::WithFixedPaths(root.path(), [expected = is_release] {
       ASSERT_TRUE(support::GiveUpPrivileges());
@@ -85,7 +52,7 @@ TEST(ReleaseVersion, an_image_with_the_marker_is_a_release_and_nothing_is_logged
 // The image-creation environment.
 
 void ExpectEnvironment(const char* value, bool inside, const std::string& printed) {
-  const ImageCreation environment(value);
+  SetImageCreation(value);
   const Platform& platform = doubles::Reset();
   bool answer = !inside;
   EXPECT_EQ(printed, PrintedBy([&] { answer = isRunningInVARK(); }));
@@ -108,14 +75,14 @@ TEST(ImageCreationEnvironment, without_the_variable_the_answer_is_no_and_nothing
 TEST(ImageCreationEnvironment, every_call_reads_the_environment_anew_and_repeats_the_line) {
   EXPECT_EQ(std::string(kInside) + kInside + kOutside, PrintedBy([] {
               for (const char* value : {"1", "1", "0", static_cast<const char*>(nullptr)}) {
-                const ImageCreation environment(value);
+                SetImageCreation(value);
                 EXPECT_EQ(value != nullptr && *value == '1', isRunningInVARK());
               }
             }));
 }
 
 TEST(ImageCreationEnvironment, the_line_keeps_its_place_among_what_else_is_printed) {
-  const ImageCreation environment("1");
+  SetImageCreation("1");
   EXPECT_EQ("before " + std::string(kInside) + "after", PrintedBy([] {
               std::fputs("before ", stdout);
               isRunningInVARK();
@@ -194,7 +161,7 @@ const SkipRow kSkips[] = {
 
 TEST(Skipping, ahead_of_time_compilation_is_for_packages_in_the_area_and_never_inside_image_creation) {
   for (const SkipRow& row : kSkips) {
-    const ImageCreation environment(row.environment);
+    SetImageCreation(row.environment);
     PlatformWith(row.package_root);
     bool skips = !row.skips_aot;
     EXPECT_EQ(row.printed, PrintedBy([&] { skips = IsNeedToSkipAOT("pkg"); }));
@@ -203,7 +170,7 @@ TEST(Skipping, ahead_of_time_compilation_is_for_packages_in_the_area_and_never_i
 }
 
 TEST(Skipping, inside_image_creation_nothing_is_asked_about_the_package) {
-  const ImageCreation environment("1");
+  SetImageCreation("1");
   for (const char* package : {"pkg", "unknown", ""}) {
     const Platform& platform = PlatformWith("/opt/usr/globalapps/pkg");
     PrintedBy([&] { EXPECT_TRUE(IsNeedToSkipAOT(package)); });
@@ -212,7 +179,7 @@ TEST(Skipping, inside_image_creation_nothing_is_asked_about_the_package) {
 }
 
 TEST(Skipping, outside_image_creation_the_install_location_decides_and_is_logged) {
-  const ImageCreation environment(nullptr);
+  SetImageCreation(nullptr);
   Platform& inside = PlatformWith("/opt/usr/globalapps/pkg");
   EXPECT_FALSE(IsNeedToSkipAOT("pkg"));
   EXPECT_TRUE(Holds(inside, ReadWriteInstalled()));
@@ -224,7 +191,7 @@ TEST(Skipping, outside_image_creation_the_install_location_decides_and_is_logged
 
 TEST(Skipping, the_shared_cache_depends_on_the_install_location_alone_and_the_environment_is_not_consulted) {
   for (const SkipRow& row : kSkips) {
-    const ImageCreation environment(row.environment);
+    SetImageCreation(row.environment);
     Platform& platform = PlatformWith(row.package_root);
     bool skips = !row.skips_sac;
     EXPECT_EQ("", PrintedBy([&] { skips = IsNeedToSkipSAC("pkg"); }));
@@ -235,3 +202,4 @@ TEST(Skipping, the_shared_cache_depends_on_the_install_location_alone_and_the_en
 }
 
 }  // namespace
+}  // namespace unit

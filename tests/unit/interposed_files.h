@@ -1,5 +1,6 @@
 // More functions of the C library that this program defines itself: those that ask about a file or change its owner,
-// the link to the running program, open, read and write. As long as nothing is set they do what the real ones do.
+// the link to the running program, open, read and write. As long as nothing is set they do what the real ones do,
+// except that no owner is ever changed.
 #ifndef TESTS_UNIT_INTERPOSED_FILES_H_
 #define TESTS_UNIT_INTERPOSED_FILES_H_
 
@@ -29,7 +30,7 @@ inline WriteStep WritesAtMost(std::size_t most) { return {0, most}; }
 struct FileSettings {
   std::map<std::string, Owner> owners;     // stat of a path that is there reports this owner
   std::map<std::string, int> look_errors;  // lstat of the path fails with this errno
-  std::optional<int> owner_change_error;   // chown and lchown change nothing: 0 is success, else it fails with it
+  int owner_change_error = 0;              // chown and lchown change nothing: 0 is success, else they fail with it
   std::optional<int> self_path_error;      // readlink of /proc/self/exe fails with this errno
   std::optional<std::string> self_target;  // readlink of /proc/self/exe gives this
   std::deque<WriteStep> writes;            // the next calls of write; those after them are ordinary ones again

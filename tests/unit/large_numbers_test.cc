@@ -1,7 +1,6 @@
 // Files about which a number is told that 32 bits do not hold: the size, the inode, the time of the last change. On a
 // 32-bit processor the C library's narrow functions refuse such a file with EOVERFLOW.
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,12 +9,8 @@
 #include <cstdint>
 #include <cstring>
 #include <ctime>
-#include <filesystem>
-#include <functional>
 #include <optional>
 #include <set>
-#include <string>
-#include <vector>
 
 #include "morvath/assembly_files.h"
 #include "morvath/platform_utils.h"
@@ -25,20 +20,12 @@
 #include "plugin/catalogues.h"
 #include "plugin/duplicates.h"
 #include "quarnel_util/quarnel_util.h"
-#include "tests/support/child.h"
-#include "tests/support/files.h"
 #include "tests/support/interposed.h"
 #include "tests/support/unit_case.h"
 #include "tests/unit/interposed_files.h"
 
+namespace unit {
 namespace {
-
-namespace fs = std::filesystem;
-
-using doubles::Platform;
-using support::IsThere;
-using support::TempDir;
-using support::WriteFile;
 
 constexpr std::uintmax_t kSize = 5'000'000'000;
 constexpr std::time_t kYear2040 = 2'208'988'800;
@@ -179,14 +166,14 @@ TEST_P(LargeNumbers, a_duplicate_goes_and_leaves_its_information_file) {
     EXPECT_FALSE(IsThere(path));
     EXPECT_EQ(
         path + " was deleted because /usr/share/dotnet.orvel/netcoreapp/A.dll exists\nRemove " + path + " from OPK\n",
-        support::ReadFile(path + "_deleted"));
+        ReadFile(path + "_deleted"));
   });
 }
 
 TEST_P(LargeNumbers, a_durable_file_is_replaced_and_so_is_what_an_earlier_write_left) {
   With({"TPA.txt", "temp_TPA.txt"}, [](const fs::path& directory, Platform&) {
     writeStringToFile(directory.string() + "/", "TPA.txt", "abc");
-    EXPECT_EQ("abc", support::ReadFile(directory / "TPA.txt"));
+    EXPECT_EQ("abc", ReadFile(directory / "TPA.txt"));
     EXPECT_FALSE(IsThere(directory / "temp_TPA.txt"));
   });
 }
@@ -199,7 +186,6 @@ TEST_P(LargeNumbers, a_file_is_read_unless_its_size_is_beyond_the_limit) {
 
 TEST_P(LargeNumbers, label_and_owner_are_copied) {
   With({"A.dll"}, [](const fs::path& directory, Platform& platform) {
-    interposed::Files().owner_change_error = 0;
     platform.labels[directory / "A.dll"] = "User::App::Shared";
     updateAssemblyInfo(directory / "A.dll", directory / "target", false);
     EXPECT_EQ(1u, platform.Calls("smack_setlabel").size());
@@ -211,3 +197,4 @@ INSTANTIATE_TEST_SUITE_P(Kinds, LargeNumbers, testing::ValuesIn(kKinds),
                          [](const auto& test) { return test.param.name; });
 
 }  // namespace
+}  // namespace unit

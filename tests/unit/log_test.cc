@@ -1,20 +1,13 @@
 // FunctionEntryExitTracker and the log macros.
 #include "util/log.h"
 
-#include <gtest/gtest.h>
-
 #include <stdexcept>
-#include <string>
 #include <type_traits>
 
 #include "tests/support/unit_case.h"
 
+namespace unit {
 namespace {
-
-using doubles::Event;
-using doubles::Platform;
-using doubles::Source;
-using doubles::Traced;
 
 constexpr LogSource kLogSource{kPluginTag, "morvath"};
 
@@ -111,14 +104,9 @@ TEST(Tracker, a_scope_left_by_an_exception_writes_its_exit_line_and_ends_its_spa
   EXPECT_TRUE(Holds(platform, {Traced("morvath", "void outer()", {Traced("morvath", "void inner()", {}, 2)}, 1)}));
 }
 
-TEST(Tracker, a_null_path_raises_and_writes_nothing) {
+TEST(Tracker, a_null_path_or_signature_raises_and_writes_nothing) {
   Platform& platform = doubles::Reset();
   EXPECT_TRUE(RaisesNullString([] { FunctionEntryExitTracker tracker("void f()", nullptr, 1); }));
-  EXPECT_TRUE(platform.journal.empty());
-}
-
-TEST(Tracker, a_null_signature_raises_and_writes_nothing) {
-  Platform& platform = doubles::Reset();
   EXPECT_TRUE(RaisesNullString([] { FunctionEntryExitTracker tracker(nullptr, "plugin/morvath", 1); }));
   EXPECT_TRUE(platform.journal.empty());
 }
@@ -165,3 +153,4 @@ TEST(Log, the_line_field_is_that_of_the_statement_or_the_fixed_one) {
 }
 
 }  // namespace
+}  // namespace unit

@@ -1,38 +1,16 @@
 // The search of a manifest for CoBA entries.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "plugin/manifest.h"
-#include "tests/support/expected_lines.h"
-#include "tests/support/manifests.h"
 #include "tests/support/unit_case.h"
-#include "tests/support/uris.h"
 
+namespace unit {
 namespace {
-
-using doubles::Join;
-using doubles::Platform;
-using doubles::Source;
-using doubles::Steps;
-using expected::CobaWalk;
-using expected::LocalNames;
-using expected::Plugin;
-using support::DotnetManifest;
-using support::kCobaKey;
-using support::ManifestOf;
-using support::MetadataElement;
-using support::Parse;
 
 // isCobaKey comparing an entry with the first `count` CoBA keys.
 Steps Compared(const std::string& key, const std::string& value, std::size_t count = 4) {
-  const std::string start = "http://" ORVEL_DEVELOPER_HOST "/orvel/metadata/support-";
-  const std::string ends[] = {"fs-external-component", "view-plugin", "view-plugin-page", "bpi"};
+  const Source matcher("metadata_utils", "isMetadataInfoHasKey");
   Steps steps;
   for (std::size_t i = 0; i < count; ++i) {
-    steps = Join({steps, Source("metadata_utils", "isMetadataInfoHasKey")
-                             .Debug("%s compare to %s, value : %s", key, value, start + ends[i])});
+    steps = Join({steps, matcher.Debug("%s compare to %s, value : %s", key, value, support::kCobaKeys[i])});
   }
   return steps;
 }
@@ -45,7 +23,7 @@ struct Row {
 };
 
 std::vector<Row> CobaRows() {
-  const std::string bpi = "http://" ORVEL_DEVELOPER_HOST "/orvel/metadata/support-bpi";
+  const std::string bpi = support::kCobaKeys[3];
   const std::string coba = kCobaKey;
   const Steps matched_line = Plugin("isAppCoBARelated").Info("App has CoBA metadata");
   const auto matched = [](const std::string& key) {
@@ -104,3 +82,4 @@ FRESH_TEST(Manifest, a_null_manifest_is_not_coba_related) {
 }
 
 }  // namespace
+}  // namespace unit

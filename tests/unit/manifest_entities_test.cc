@@ -1,20 +1,11 @@
 // How much an attribute of a manifest may stand for when its entities are expanded.
-#include <gtest/gtest.h>
 #include <libxml/parser.h>
 
-#include <string>
-
 #include "plugin/manifest.h"
-#include "tests/support/expected_lines.h"
-#include "tests/support/manifests.h"
 #include "tests/support/unit_case.h"
 
+namespace unit {
 namespace {
-
-using doubles::Platform;
-using expected::Plugin;
-using support::Document;
-using support::Parse;
 
 constexpr const char* kLeftOut = "Attribute %s is left out: its entities are too long or nested too deep";
 constexpr std::size_t kMost = 100000;  // bytes, a reference counting as one
@@ -24,7 +15,7 @@ Document WithEntities(const std::string& entities, const std::string& elements) 
 }
 
 Document WithType(const std::string& entities, const std::string& type) {
-  return WithEntities(entities, support::ApplicationElement("ui-application", type));
+  return WithEntities(entities, ApplicationElement("ui-application", type));
 }
 
 std::string Entity(const std::string& name, const std::string& text) { return "<!ENTITY " + name + " '" + text + "'>"; }
@@ -68,7 +59,7 @@ TEST(ManifestEntities, a_reference_counts_alone_and_behind_text) {
 }
 
 FRESH_TEST(ManifestEntities, an_attribute_that_never_got_a_value_is_no_trouble) {
-  const Document document = support::ManifestOf("<ui-application/>");
+  const Document document = ManifestOf("<ui-application/>");
   xmlNode* const application = xmlDocGetRootElement(document.get())->children;
   xmlNewProp(application, reinterpret_cast<const xmlChar*>("type"), nullptr);
   EXPECT_FALSE(isAppDotnetInhouse(document.get()));
@@ -103,13 +94,13 @@ FRESH_TEST(ManifestEntities, both_walks_tell_of_an_attribute_that_is_left_out) {
   const std::string too_much = Entity("a", Filler(kMost));
   const Document document = WithEntities(too_much, "<metadata key='&a;' value='true'/><metadata key='k' value='&a;'/>");
   EXPECT_FALSE(isAppCoBARelated(document.get()));
-  const doubles::Source walk = Plugin("isAppCoBARelated");
-  EXPECT_TRUE(Holds(platform, expected::TracedPlugin(
-                                  "bool isAppCoBARelated(xmlDocPtr)",
-                                  {walk.Debug("Local name %s", "manifest"), walk.Debug("Local name %s", "manifest"),
-                                   walk.Debug("Local name %s", "metadata"), walk.Error(kLeftOut, "key"),
-                                   walk.Debug("Local name %s", "metadata"), walk.Error(kLeftOut, "value"),
-                                   walk.Debug("Local name %s", "manifest")})));
+  const Source walk = Plugin("isAppCoBARelated");
+  EXPECT_TRUE(
+      Holds(platform, TracedPlugin("bool isAppCoBARelated(xmlDocPtr)",
+                                   {walk.Debug("Local name %s", "manifest"), walk.Debug("Local name %s", "manifest"),
+                                    walk.Debug("Local name %s", "metadata"), walk.Error(kLeftOut, "key"),
+                                    walk.Debug("Local name %s", "metadata"), walk.Error(kLeftOut, "value"),
+                                    walk.Debug("Local name %s", "manifest")})));
 }
 
 TEST(ManifestEntities, text_without_entities_may_be_longer) {
@@ -134,3 +125,4 @@ TEST(ManifestEntities, an_empty_attribute_and_a_default_value_are_no_trouble) {
 }
 
 }  // namespace
+}  // namespace unit

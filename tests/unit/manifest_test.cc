@@ -1,35 +1,16 @@
 // The walk over a manifest: is it dotnet-inhouse? And what this walk shares with the search for CoBA entries.
 #include "plugin/manifest.h"
 
-#include <gtest/gtest.h>
 #include <libxml/xmlmemory.h>
 
 #include <cstdlib>
 #include <cstring>
-#include <string>
-#include <vector>
 
-#include "tests/support/expected_lines.h"
 #include "tests/support/interposed.h"
-#include "tests/support/manifests.h"
 #include "tests/support/unit_case.h"
-#include "tests/support/uris.h"
 
+namespace unit {
 namespace {
-
-using doubles::Join;
-using doubles::Platform;
-using doubles::Steps;
-using expected::CobaWalk;
-using expected::LocalNames;
-using expected::Names;
-using expected::Plugin;
-using support::ApplicationElement;
-using support::DotnetManifest;
-using support::kCobaKey;
-using support::ManifestOf;
-using support::MetadataElement;
-using support::Parse;
 
 // A document whose second element has no name, as no parsed text has.
 class NamelessManifest {
@@ -46,7 +27,7 @@ class NamelessManifest {
   xmlDocPtr get() const { return document_.get(); }
 
  private:
-  support::Document document_;
+  Document document_;
   xmlNode* node_;
   const xmlChar* name_;
 };
@@ -82,79 +63,79 @@ class XmlMemory {
   inline static int blocks_ = 0;
 };
 
+enum class Answer { kDotnet, kSample, kOther };
+
 struct Row {
   const char* what;
-  std::string xml;
-  bool inhouse;
-  Steps journal;
+  std::string elements;  // of the manifest
+  Texts nodes;           // behind the manifest's own, as the walk meets them
+  Answer answer;
 };
 
-std::vector<Row> DotnetRows() {
-  const Steps dotnet = Plugin("isAppDotnetInhouse").Info("App is dotnet-*");
-  const Steps sample = Plugin("isAppDotnetInhouse").Info("### Is sample app ###");
-  const auto application = [](const char* name, const char* type) {
-    return "<manifest>" + ApplicationElement(name, type) + "</manifest>";
-  };
-  return {
-      {"a ui application", application("ui-application", "dotnet-inhouse"), true,
-       Join({Names({"manifest", "ui-application"}), dotnet})},
-      {"a service application", application("service-application", "dotnet-x"), true,
-       Join({Names({"manifest", "service-application"}), dotnet})},
-      {"a widget application", application("widget-application", "dotnet-"), true,
-       Join({Names({"manifest", "widget-application"}), dotnet})},
-      {"the text within the type", application("ui-application", "x-dotnet-y"), true,
-       Join({Names({"manifest", "ui-application"}), dotnet})},
-      {"the manifest itself", "<ui-application type='dotnet-inhouse'/>", true,
-       Join({Names({"ui-application"}), dotnet})},
-      {"the type without its dash", application("ui-application", "dotnet"), false,
-       Names({"manifest", "ui-application", "manifest"})},
-      {"other letter case", application("ui-application", "Dotnet-inhouse"), false,
-       Names({"manifest", "ui-application", "manifest"})},
-      {"an empty type", application("ui-application", ""), false, Names({"manifest", "ui-application", "manifest"})},
-      {"a sample app", application("ui-application", "apitest"), false,
-       Join({Names({"manifest", "ui-application"}), sample})},
-      {"a dotnet sample app", application("ui-application", "dotnet-apitest"), false,
-       Join({Names({"manifest", "ui-application"}), sample})},
-      {"a sample app before a dotnet one",
-       "<manifest>" + ApplicationElement("ui-application", "apitests") +
-           ApplicationElement("ui-application", "dotnet-inhouse") + "</manifest>",
-       false, Join({Names({"manifest", "ui-application"}), sample})},
-      {"a dotnet app before a sample one",
-       "<manifest>" + ApplicationElement("ui-application", "dotnet-inhouse") +
-           ApplicationElement("ui-application", "apitest") + "</manifest>",
-       true, Join({Names({"manifest", "ui-application"}), dotnet})},
-      {"no type before a dotnet one",
-       "<manifest><service-application/>" + ApplicationElement("widget-application", "dotnet-inhouse") + "</manifest>",
-       true, Join({Names({"manifest", "service-application", "widget-application"}), dotnet})},
-      {"another type before a dotnet one",
-       "<manifest>" + ApplicationElement("ui-application", "capp") +
-           ApplicationElement("ui-application", "dotnet-inhouse") + "</manifest>",
-       true, Join({Names({"manifest", "ui-application", "ui-application"}), dotnet})},
-      {"another attribute", "<manifest><ui-application Type='dotnet-x' kind='dotnet-x'/></manifest>", false,
-       Names({"manifest", "ui-application", "manifest"})},
-      {"a longer name", application("ui-applications", "dotnet-inhouse"), false,
-       Names({"manifest", "ui-applications", "manifest"})},
-      {"a shorter name", application("ui-applicatio", "dotnet-inhouse"), false,
-       Names({"manifest", "ui-applicatio", "manifest"})},
-      {"a name in other letter case", application("UI-application", "dotnet-inhouse"), false,
-       Names({"manifest", "UI-application", "manifest"})},
-      {"a qualified name", "<manifest xmlns:a='u'><a:ui-application type='dotnet-inhouse'/></manifest>", false,
-       Names({"manifest", "a:ui-application", "manifest"})},
-      {"nodes of every kind and end tags",
-       "<manifest> <!--c--><?p i?><label>x</label><ui-application type='dotnet-x'/></manifest>", true,
-       Join({Names({"manifest", "#text", "#comment", "p", "label", "#text", "label", "ui-application"}), dotnet})},
-      {"an application deep inside", "<manifest><a><b><ui-application type='dotnet-x'/></b></a></manifest>", true,
-       Join({Names({"manifest", "a", "b", "ui-application"}), dotnet})},
-  };
+std::string Ui(const std::string& type) { return ApplicationElement("ui-application", type); }
+
+const Row kDotnetRows[] = {
+    {"a ui application", Ui("dotnet-inhouse"), {"ui-application"}, Answer::kDotnet},
+    {"a service application",
+     ApplicationElement("service-application", "dotnet-x"),
+     {"service-application"},
+     Answer::kDotnet},
+    {"a widget application",
+     ApplicationElement("widget-application", "dotnet-"),
+     {"widget-application"},
+     Answer::kDotnet},
+    {"the text within the type", Ui("x-dotnet-y"), {"ui-application"}, Answer::kDotnet},
+    {"the type without its dash", Ui("dotnet"), {"ui-application"}, Answer::kOther},
+    {"other letter case", Ui("Dotnet-inhouse"), {"ui-application"}, Answer::kOther},
+    {"an empty type", Ui(""), {"ui-application"}, Answer::kOther},
+    {"a sample app", Ui("apitest"), {"ui-application"}, Answer::kSample},
+    {"a dotnet sample app", Ui("dotnet-apitest"), {"ui-application"}, Answer::kSample},
+    {"a sample app before a dotnet one", Ui("apitests") + Ui("dotnet-x"), {"ui-application"}, Answer::kSample},
+    {"a dotnet app before a sample one", Ui("dotnet-x") + Ui("apitest"), {"ui-application"}, Answer::kDotnet},
+    {"no type before a dotnet one",
+     "<service-application/>" + Ui("dotnet-x"),
+     {"service-application", "ui-application"},
+     Answer::kDotnet},
+    {"another type before a dotnet one",
+     Ui("capp") + Ui("dotnet-x"),
+     {"ui-application", "ui-application"},
+     Answer::kDotnet},
+    {"another attribute", "<ui-application Type='dotnet-x' kind='dotnet-x'/>", {"ui-application"}, Answer::kOther},
+    {"a longer name", ApplicationElement("ui-applications", "dotnet-x"), {"ui-applications"}, Answer::kOther},
+    {"a shorter name", ApplicationElement("ui-applicatio", "dotnet-x"), {"ui-applicatio"}, Answer::kOther},
+    {"a name in other letter case",
+     ApplicationElement("UI-application", "dotnet-x"),
+     {"UI-application"},
+     Answer::kOther},
+    {"a qualified name", "<a:ui-application xmlns:a='u' type='dotnet-x'/>", {"a:ui-application"}, Answer::kOther},
+    {"nodes of every kind and end tags",
+     " <!--c--><?p i?><label>x</label>" + Ui("dotnet-x"),
+     {"#text", "#comment", "p", "label", "#text", "label", "ui-application"},
+     Answer::kDotnet},
+    {"an application deep inside",
+     "<a><b>" + Ui("dotnet-x") + "</b></a>",
+     {"a", "b", "ui-application"},
+     Answer::kDotnet},
+};
+
+Steps Told(Answer answer) {
+  const Source walk = Plugin("isAppDotnetInhouse");
+  if (answer == Answer::kOther) return Names({"manifest"});  // the end tag
+  return answer == Answer::kDotnet ? walk.Info("App is dotnet-*") : walk.Info("### Is sample app ###");
 }
 
 TEST(Manifest, the_first_application_element_that_decides_makes_it_dotnet_inhouse_or_not) {
-  for (const Row& row : DotnetRows()) {
+  for (const Row& row : kDotnetRows) {
     Fresh([&](Platform& platform) {
-      EXPECT_EQ(row.inhouse, isAppDotnetInhouse(Parse(row.xml).get())) << row.what;
-      EXPECT_TRUE(Holds(platform, row.journal)) << row.what;
+      EXPECT_EQ(row.answer == Answer::kDotnet, isAppDotnetInhouse(ManifestOf(row.elements).get())) << row.what;
+      EXPECT_TRUE(Holds(platform, {Names({"manifest"}), Names(row.nodes), Told(row.answer)})) << row.what;
     });
   }
+}
+
+FRESH_TEST(Manifest, the_root_element_may_be_the_application_itself) {
+  EXPECT_TRUE(isAppDotnetInhouse(Parse("<ui-application type='dotnet-inhouse'/>").get()));
+  EXPECT_TRUE(Holds(platform, {Names({"ui-application"}), Told(Answer::kDotnet)}));
 }
 
 FRESH_TEST(Manifest, a_null_manifest_is_not_dotnet_inhouse) {
@@ -198,7 +179,7 @@ FRESH_TEST(Manifest, a_node_without_a_name_ends_the_walk_with_an_error_line) {
 }
 
 FRESH_TEST(Manifest, a_parse_error_ends_the_walk_as_the_end_of_the_document_does) {
-  const support::Document document =
+  const Document document =
       ManifestOf(ApplicationElement("ui-application", "dotnet-inhouse") + MetadataElement(kCobaKey, "true"));
   interposed::Now().nodes_to_read = 1;
   EXPECT_FALSE(isAppDotnetInhouse(document.get()));
@@ -218,14 +199,14 @@ FRESH_TEST(Manifest, no_memory_of_a_walk_is_kept) {
 }
 
 FRESH_TEST(Manifest, an_empty_document_declares_nothing) {
-  const support::Document document(xmlNewDoc(nullptr));
+  const Document document(xmlNewDoc(nullptr));
   EXPECT_FALSE(isAppDotnetInhouse(document.get()));
   EXPECT_FALSE(isAppCoBARelated(document.get()));
   EXPECT_TRUE(Holds(platform, {CobaWalk({})}));
 }
 
 FRESH_TEST(Manifest, the_document_is_left_as_it_was) {
-  const support::Document document =
+  const Document document =
       ManifestOf(ApplicationElement("ui-application", "dotnet-inhouse") + MetadataElement(kCobaKey, "true"));
   isAppDotnetInhouse(document.get());
   isAppCoBARelated(document.get());
@@ -247,3 +228,4 @@ FRESH_TEST(Manifest, a_node_without_a_name_ends_the_search_for_coba_entries) {
 }
 
 }  // namespace
+}  // namespace unit

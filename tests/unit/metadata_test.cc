@@ -1,34 +1,17 @@
 // The metadata vocabulary and its matchers.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "morvath/metadata_utils.h"
 #include "tests/support/unit_case.h"
 
+namespace unit {
 namespace {
-
-using doubles::Join;
-using doubles::Platform;
-using doubles::Source;
-using doubles::Steps;
 
 const Source kHasKey("metadata_utils", "isMetadataInfoHasKey");
 const Source kIsDpc("metadata_utils", "isDpcKey");
 
-// The keys' texts, apart from the constants under test.
-std::string DeveloperKey(const std::string& end) { return "http://" ORVEL_DEVELOPER_HOST "/orvel/metadata/" + end; }
-std::string TvKey(const std::string& end) { return "http://" ORVEL_TV_HOST "/tv/metadata/" + end; }
-const std::string& AotKey() {
-  static const std::string key = "http://" ORVEL_NAMESPACE_HOST "/metadata/prefer_dotnet_aot";
-  return key;
-}
-
-std::vector<std::string> CobaKeys() {
-  return {DeveloperKey("support-fs-external-component"), DeveloperKey("support-view-plugin"),
-          DeveloperKey("support-view-plugin-page"), DeveloperKey("support-bpi")};
-}
+using support::kAotKey;
+using support::kCobaKeys;
+using support::kDpcRequiredKey;
+using support::kDpcTypeKey;
 
 Steps Compared(const std::string& entry_key, const std::string& value, const std::string& key) {
   return kHasKey.Debug("%s compare to %s, value : %s", entry_key, value, key);
@@ -42,13 +25,13 @@ Metadata Entry(const std::string& key, const std::string& value) { return Entry(
 Metadata Entry(std::string&& key, const char* value) = delete;
 
 TEST(MetadataVocabulary, the_constants_hold_their_uris_and_values) {
-  EXPECT_EQ(DeveloperKey("support-fs-external-component"), MetadataKey::coBA);
-  EXPECT_EQ(DeveloperKey("support-view-plugin"), MetadataKey::viewPlugin);
-  EXPECT_EQ(DeveloperKey("support-view-plugin-page"), MetadataKey::viewPluginPage);
-  EXPECT_EQ(DeveloperKey("support-bpi"), MetadataKey::bpi);
-  EXPECT_EQ(TvKey("d.pc/required"), MetadataKey::dpcRequired);
-  EXPECT_EQ(TvKey("d.pc/type"), MetadataKey::dpcType);
-  EXPECT_EQ(AotKey(), MetadataKey::preferDotnetAot);
+  EXPECT_EQ(kCobaKeys[0], MetadataKey::coBA);
+  EXPECT_EQ(kCobaKeys[1], MetadataKey::viewPlugin);
+  EXPECT_EQ(kCobaKeys[2], MetadataKey::viewPluginPage);
+  EXPECT_EQ(kCobaKeys[3], MetadataKey::bpi);
+  EXPECT_EQ(kDpcRequiredKey, MetadataKey::dpcRequired);
+  EXPECT_EQ(kDpcTypeKey, MetadataKey::dpcType);
+  EXPECT_EQ(kAotKey, MetadataKey::preferDotnetAot);
   EXPECT_EQ("true", metadataValueTrue);
   EXPECT_EQ("orvelfxtv", metadataValueDpcorvelfxtv);
 }
@@ -90,7 +73,7 @@ TEST(MetadataMatchers, an_entry_without_key_or_value_matches_nothing_and_is_not_
 }
 
 TEST(MetadataMatchers, a_coba_entry_is_compared_until_its_key_is_met) {
-  const std::vector<std::string> keys = CobaKeys();
+  const std::vector<std::string> keys(std::begin(kCobaKeys), std::end(kCobaKeys));
   for (std::size_t met = 0; met < keys.size(); ++met) {
     Platform& platform = doubles::Reset();
     Metadata entry = Entry(keys[met], "true");
@@ -102,15 +85,11 @@ TEST(MetadataMatchers, a_coba_entry_is_compared_until_its_key_is_met) {
 }
 
 TEST(MetadataMatchers, any_other_entry_is_compared_with_all_four_coba_keys) {
-  const std::vector<std::string> keys = CobaKeys();
-  const std::pair<std::string, std::string> entries[] = {{keys[0], "True"},
-                                                         {keys[0], "1"},
-                                                         {keys[0], "false"},
-                                                         {keys[0] + "/", "true"},
-                                                         {keys[3] + "/", "true"},
-                                                         {TvKey("d.pc/required"), "true"},
-                                                         {TvKey("d.pc/type"), "orvelfxtv"},
-                                                         {AotKey(), "true"}};
+  const std::vector<std::string> keys(std::begin(kCobaKeys), std::end(kCobaKeys));
+  const std::pair<std::string, std::string> entries[] = {{keys[0], "True"},          {keys[0], "1"},
+                                                         {keys[0], "false"},         {keys[0] + "/", "true"},
+                                                         {keys[3] + "/", "true"},    {kDpcRequiredKey, "true"},
+                                                         {kDpcTypeKey, "orvelfxtv"}, {kAotKey, "true"}};
   for (const auto& [key, value] : entries) {
     Platform& platform = doubles::Reset();
     Metadata entry = Entry(key, value);
@@ -122,30 +101,32 @@ TEST(MetadataMatchers, any_other_entry_is_compared_with_all_four_coba_keys) {
 
 TEST(MetadataMatchers, only_the_dpc_type_with_its_own_value_is_a_dpc_entry) {
   const HasKeyRow rows[] = {
-      {TvKey("d.pc/type"), "orvelfxtv", "", true},   {TvKey("d.pc/type"), "true", "", false},
-      {TvKey("d.pc/type"), "Orvelfxtv", "", false},  {TvKey("d.pc/type"), "orvelfxtv2", "", false},
-      {TvKey("d.pc/type/"), "orvelfxtv", "", false}, {TvKey("d.pc/required"), "orvelfxtv", "", false},
-      {TvKey("d.pc/required"), "true", "", false},
+      {kDpcTypeKey, "orvelfxtv", "", true},
+      {kDpcTypeKey, "true", "", false},
+      {kDpcTypeKey, "Orvelfxtv", "", false},
+      {kDpcTypeKey, "orvelfxtv2", "", false},
+      {std::string(kDpcTypeKey) + "/", "orvelfxtv", "", false},
+      {kDpcRequiredKey, "orvelfxtv", "", false},
+      {kDpcRequiredKey, "true", "", false},
   };
   for (const HasKeyRow& row : rows) {
     Platform& platform = doubles::Reset();
     Metadata entry = Entry(row.entry_key, row.value);
     EXPECT_EQ(row.matches, isDpcKey(&entry)) << row.entry_key << " = " << row.value;
-    EXPECT_TRUE(
-        Holds(platform, {kIsDpc.Debug("%s compare to %s, value : %s", row.entry_key, TvKey("d.pc/type"), row.value),
-                         row.matches ? kIsDpc.Debug("%s matched", TvKey("d.pc/type")) : Steps{}}));
+    EXPECT_TRUE(Holds(platform, {kIsDpc.Debug("%s compare to %s, value : %s", row.entry_key, kDpcTypeKey, row.value),
+                                 row.matches ? kIsDpc.Debug("%s matched", kDpcTypeKey) : Steps{}}));
   }
 }
 
 TEST(MetadataMatchers, the_ahead_of_time_preference_is_asked_like_any_key) {
   const HasKeyRow rows[] = {
-      {AotKey(), "true", "", true}, {AotKey(), "TRUE", "", false}, {TvKey("d.pc/required"), "true", "", false}};
+      {kAotKey, "true", "", true}, {kAotKey, "TRUE", "", false}, {kDpcRequiredKey, "true", "", false}};
   for (const HasKeyRow& row : rows) {
     Platform& platform = doubles::Reset();
     Metadata entry = Entry(row.entry_key, row.value);
     EXPECT_EQ(row.matches, isPreferDotNETAOTKey(&entry));
     EXPECT_TRUE(
-        Holds(platform, {Compared(row.entry_key, row.value, AotKey()), row.matches ? Matched(AotKey()) : Steps{}}));
+        Holds(platform, {Compared(row.entry_key, row.value, kAotKey), row.matches ? Matched(kAotKey) : Steps{}}));
   }
 }
 
@@ -159,3 +140,4 @@ TEST(MetadataMatchers, the_dpc_requirement_matches_nothing_whatever_its_value) {
 }
 
 }  // namespace
+}  // namespace unit

@@ -2,22 +2,12 @@
 // before the package's.
 #include "morvath/package_queries.h"
 
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <string>
 #include <string_view>
-#include <vector>
 
 #include "tests/support/unit_case.h"
 
+namespace unit {
 namespace {
-
-using doubles::Call;
-using doubles::Join;
-using doubles::Platform;
-using doubles::Record;
-using doubles::Steps;
 
 constexpr const char* kGetPackage = "pkgmgrinfo_pkginfo_get_pkginfo";
 constexpr const char* kGetMainApp = "pkgmgrinfo_pkginfo_get_mainappid";
@@ -27,7 +17,7 @@ constexpr const char* kGetPackageId = "pkgmgrinfo_appinfo_get_pkgid";
 // A package whose main application and a second one have all that can be asked for.
 Platform& PlatformWithViewer(std::string_view exec = "/opt/usr/globalapps/pkg/bin/App") {
   Platform& platform = doubles::Reset();
-  doubles::Package package;
+  Package package;
   package.id = "pkg";
   package.applications = {{"viewer", "/pkg", {{"colour", "red"}, {"empty", ""}, {"shape", "round"}}, std::string(exec)},
                           {"other", "/pkg", {{"colour", "blue"}, {"size", "7"}}, "/pkg/bin/Other"}};
@@ -66,41 +56,31 @@ void ExpectGivenBack(const Platform& platform) {
 
 // The package that owns an application.
 
+const Steps kIdAsked = Join({Call(std::string(kGetPackageId) + "()"), ApplicationDestroyed()});
+
+// The package that owns the application, and what is asked behind the application's record.
+void ExpectOwner(
+    const std::string& package, const std::string& application, const Steps& behind,
+    const std::function<void(Platform&)>& prepare = [](Platform&) {}) {
+  Platform& platform = PlatformWithViewer();
+  prepare(platform);
+  EXPECT_EQ(package, getPkgIdFromAppID(application));
+  EXPECT_TRUE(Holds(platform, {ApplicationAsked(application), behind}));
+  ExpectGivenBack(platform);
+}
+
 TEST(OwningPackage, every_application_of_a_package_is_owned_by_it) {
-  for (const char* application : {"viewer", "other"}) {
-    const Platform& platform = PlatformWithViewer();
-    EXPECT_EQ("pkg", getPkgIdFromAppID(application));
-    EXPECT_TRUE(Holds(
-        platform, {ApplicationAsked(application), Call(std::string(kGetPackageId) + "()"), ApplicationDestroyed()}));
-    ExpectGivenBack(platform);
-  }
+  for (const char* application : {"viewer", "other"}) ExpectOwner("pkg", application, kIdAsked);
 }
 
 TEST(OwningPackage, an_unknown_application_has_none_and_there_is_nothing_to_destroy) {
-  for (const char* application : {"unknown", "pkg", ""}) {
-    const Platform& platform = PlatformWithViewer();
-    EXPECT_EQ("", getPkgIdFromAppID(application));
-    EXPECT_TRUE(Holds(platform, ApplicationAsked(application)));
-  }
+  for (const char* application : {"unknown", "pkg", ""}) ExpectOwner("", application, {});
 }
 
-TEST(OwningPackage, any_other_answer_than_0_gives_none) {
+TEST(OwningPackage, any_other_answer_than_0_gives_none_and_what_is_there_is_destroyed) {
   for (const int code : {-1, 1}) {
-    Platform& platform = PlatformWithViewer();
-    platform.FailNext(kGetApp, code);
-    EXPECT_EQ("", getPkgIdFromAppID("viewer"));
-    EXPECT_TRUE(Holds(platform, ApplicationAsked("viewer")));
-  }
-}
-
-TEST(OwningPackage, an_id_that_cannot_be_read_is_none_and_the_record_is_destroyed) {
-  for (const int code : {-1, 1}) {
-    Platform& platform = PlatformWithViewer();
-    platform.FailNext(kGetPackageId, code);
-    EXPECT_EQ("", getPkgIdFromAppID("viewer"));
-    EXPECT_TRUE(
-        Holds(platform, {ApplicationAsked("viewer"), Call(std::string(kGetPackageId) + "()"), ApplicationDestroyed()}));
-    ExpectGivenBack(platform);
+    ExpectOwner("", "viewer", {}, [=](Platform& platform) { platform.FailNext(kGetApp, code); });
+    ExpectOwner("", "viewer", kIdAsked, [=](Platform& platform) { platform.FailNext(kGetPackageId, code); });
   }
 }
 
@@ -108,8 +88,7 @@ TEST(OwningPackage, a_null_id_raises_and_the_record_is_destroyed) {
   Platform& platform = PlatformWithViewer();
   platform.GiveNullNext(kGetPackageId);
   EXPECT_TRUE(RaisesNullString([] { getPkgIdFromAppID("viewer"); }));
-  EXPECT_TRUE(
-      Holds(platform, {ApplicationAsked("viewer"), Call(std::string(kGetPackageId) + "()"), ApplicationDestroyed()}));
+  EXPECT_TRUE(Holds(platform, {ApplicationAsked("viewer"), kIdAsked}));
   ExpectGivenBack(platform);
 }
 
@@ -240,3 +219,4 @@ TEST(MainApplication, success_without_a_record_is_not_found_and_only_the_package
 }
 
 }  // namespace
+}  // namespace unit

@@ -1,22 +1,9 @@
 // The privilege look-up.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
-#include "tests/support/expected_lines.h"
 #include "tests/support/unit_case.h"
-#include "tests/support/uris.h"
 #include "util/privilege_checker.h"
 
+namespace unit {
 namespace {
-
-using doubles::Call;
-using doubles::Platform;
-using doubles::Source;
-using doubles::Steps;
-using doubles::Traced;
-using support::kDebuggingPrivilege;
 
 const Source kCallback("privilege_checker", "privilege_info_cb");
 const Source kHasPrivilege("privilege_checker", "HasPrivilege");
@@ -25,16 +12,14 @@ Steps LookUp(std::initializer_list<Steps> inside) {
   return Traced("privilege_checker", "bool HasPrivilege(const std::string&, const std::string&)", inside);
 }
 
-Platform& PlatformWith(const std::vector<std::string>& privileges) {
-  Platform& platform = doubles::Reset();
-  doubles::Package package = doubles::MakePackage("pkg", "/pkg");
-  package.privileges = privileges;
-  platform.packages.push_back(package);
+Platform& PlatformWithPrivileges(const std::vector<std::string>& privileges) {
+  Platform& platform = PlatformWith("/pkg");
+  platform.packages.front().privileges = privileges;
   return platform;
 }
 
 TEST(Privilege, a_declared_privilege_is_found_and_the_record_destroyed) {
-  Platform& platform = PlatformWith({"x", "y"});
+  Platform& platform = PlatformWithPrivileges({"x", "y"});
   EXPECT_TRUE(HasPrivilege("x", "pkg"));
   EXPECT_TRUE(
       Holds(platform, {LookUp({Call("package_info_create(pkg)"), Call("package_info_foreach_privilege_info()"),
@@ -44,7 +29,7 @@ TEST(Privilege, a_declared_privilege_is_found_and_the_record_destroyed) {
 
 TEST(Privilege, only_an_equal_text_is_the_privilege) {
   for (const char* declared : {"X", "x/", "", "xx", "/x"}) {
-    Platform& platform = PlatformWith({declared});
+    Platform& platform = PlatformWithPrivileges({declared});
     EXPECT_FALSE(HasPrivilege("x", "pkg")) << declared;
     EXPECT_TRUE(Holds(platform, {LookUp({})}));
     EXPECT_TRUE(AllRecordsDestroyed(platform));
@@ -52,13 +37,13 @@ TEST(Privilege, only_an_equal_text_is_the_privilege) {
 }
 
 TEST(Privilege, a_package_without_privileges_has_none) {
-  Platform& platform = PlatformWith({});
+  Platform& platform = PlatformWithPrivileges({});
   EXPECT_FALSE(HasPrivilege("x", "pkg"));
   EXPECT_TRUE(Holds(platform, {LookUp({})}));
 }
 
 TEST(Privilege, a_privilege_declared_twice_is_told_twice) {
-  Platform& platform = PlatformWith({"x", "y", "x"});
+  Platform& platform = PlatformWithPrivileges({"x", "y", "x"});
   EXPECT_TRUE(HasPrivilege("x", "pkg"));
   EXPECT_TRUE(Holds(platform, {LookUp({kCallback.Info("### Have %s privilege ###", "x"),
                                        kCallback.Info("### Have %s privilege ###", "x")})}));
@@ -84,7 +69,7 @@ TEST(Privilege, the_search_record_holds_the_flag_first_and_then_the_text) {
 
 TEST(Privilege, a_package_that_cannot_be_asked_has_none_and_the_code_is_told) {
   for (const int code : {-1, 38, -1073741822}) {
-    Platform& platform = PlatformWith({"x"});
+    Platform& platform = PlatformWithPrivileges({"x"});
     platform.FailNext("package_info_create", code);
     EXPECT_FALSE(HasPrivilege("x", "pkg"));
     EXPECT_TRUE(Holds(platform, {LookUp({Call("package_info_create(pkg)"),
@@ -93,13 +78,13 @@ TEST(Privilege, a_package_that_cannot_be_asked_has_none_and_the_code_is_told) {
 }
 
 TEST(Privilege, an_unknown_package_has_none) {
-  Platform& platform = PlatformWith({"x"});
+  Platform& platform = PlatformWithPrivileges({"x"});
   EXPECT_FALSE(HasPrivilege("x", "unknown"));
   EXPECT_TRUE(Holds(platform, {LookUp({kHasPrivilege.Error("package_info_create return error code : %d", -1)})}));
 }
 
 TEST(Privilege, success_without_a_handle_is_the_error_code_zero_and_nothing_is_destroyed) {
-  Platform& platform = PlatformWith({"x"});
+  Platform& platform = PlatformWithPrivileges({"x"});
   platform.GiveNullNext("package_info_create");
   EXPECT_FALSE(HasPrivilege("x", "pkg"));
   EXPECT_TRUE(Holds(platform, {LookUp({Call("package_info_create(pkg)"),
@@ -107,20 +92,21 @@ TEST(Privilege, success_without_a_handle_is_the_error_code_zero_and_nothing_is_d
 }
 
 TEST(Privilege, the_result_of_the_iteration_is_not_looked_at) {
-  Platform& platform = PlatformWith({"x"});
+  Platform& platform = PlatformWithPrivileges({"x"});
   platform.FailNext("package_info_foreach_privilege_info", -1);
   EXPECT_TRUE(HasPrivilege("x", "pkg"));
   EXPECT_TRUE(AllRecordsDestroyed(platform));
 }
 
 TEST(Privilege, debugging_is_the_app_debugging_privilege_of_the_platform_namespace) {
-  Platform& platform = PlatformWith({kDebuggingPrivilege});
+  Platform& platform = PlatformWithPrivileges({kDebuggingPrivilege});
   EXPECT_TRUE(isInDebuggingState("pkg"));
-  EXPECT_TRUE(Holds(platform, {expected::HavePrivilege(kDebuggingPrivilege)}));
+  EXPECT_TRUE(Holds(platform, {HavePrivilege(kDebuggingPrivilege)}));
   EXPECT_FALSE(isInDebuggingState("unknown"));
 
-  PlatformWith({support::kPlatformPrivilege, "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/AppDebugging"});
+  PlatformWithPrivileges({kPlatformPrivilege, "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/AppDebugging"});
   EXPECT_FALSE(isInDebuggingState("pkg"));
 }
 
 }  // namespace
+}  // namespace unit

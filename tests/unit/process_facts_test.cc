@@ -1,28 +1,19 @@
 // The launcher tools' helpers for the running program, sizes of files and digits.
-#include <gtest/gtest.h>
 #include <sys/auxv.h>
 
 #include <cerrno>
 #include <climits>
 #include <cstdint>
 #include <cstring>
-#include <filesystem>
 #include <new>
-#include <string>
 
 #include "morvath/assembly_files.h"
-#include "tests/support/child.h"
-#include "tests/support/files.h"
 #include "tests/support/unit_case.h"
 #include "tests/unit/allocation_limit.h"
 #include "tests/unit/interposed_files.h"
 
+namespace unit {
 namespace {
-
-namespace fs = std::filesystem;
-
-using doubles::Platform;
-using support::TempDir;
 
 // The running program.
 
@@ -76,7 +67,7 @@ TEST_F(SelfPath, the_text_ends_at_a_nul_inside_the_target) {
 TEST(FileSize, it_is_the_files_size_in_bytes_also_behind_a_link) {
   const Platform& platform = doubles::Reset();
   const TempDir directory;
-  support::WriteFile(directory / "file", std::string("1\0\n45", 5));
+  WriteFile(directory / "file", std::string("1\0\n45", 5));
   fs::create_symlink("file", directory / "a link with a long name");
   EXPECT_EQ(5u, getFileSize(directory / "file"));
   EXPECT_EQ(5u, getFileSize(directory / "a link with a long name"));
@@ -85,7 +76,7 @@ TEST(FileSize, it_is_the_files_size_in_bytes_also_behind_a_link) {
 
 TEST(FileSize, an_empty_file_and_one_that_is_not_there_are_alike) {
   const TempDir directory;
-  support::WriteFile(directory / "empty");
+  WriteFile(directory / "empty");
   fs::create_symlink("nowhere", directory / "dangling");
   EXPECT_EQ(0u, getFileSize(directory / "empty"));
   EXPECT_EQ(0u, getFileSize(directory / "missing"));
@@ -96,7 +87,7 @@ TEST(FileSize, an_empty_file_and_one_that_is_not_there_are_alike) {
 
 TEST(FileSize, a_size_beyond_32_bits_is_told_whole) {
   const TempDir directory;
-  support::WriteFile(directory / "sparse");
+  WriteFile(directory / "sparse");
   for (const std::uintmax_t size :
        {std::uintmax_t{1} << 31, (std::uintmax_t{1} << 32) + 1, std::uintmax_t{5'000'000'000}}) {
     fs::resize_file(directory / "sparse", size);
@@ -154,3 +145,4 @@ TEST(SignalSafeDigits, nothing_is_written_into_a_null_buffer) {
 }
 
 }  // namespace
+}  // namespace unit

@@ -1,71 +1,46 @@
 // The launcher utility library.
 #include "quarnel_util/quarnel_util.h"
 
-#include <gtest/gtest.h>
-
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
-#include <string>
-#include <vector>
 
-#include "tests/support/child.h"
-#include "tests/support/files.h"
 #include "tests/support/unit_case.h"
 
+namespace unit {
 namespace {
-
-namespace fs = std::filesystem;
-
-using doubles::Platform;
-using doubles::Source;
-using doubles::Steps;
-using support::IsThere;
-using support::TempDir;
-using support::WriteFile;
-
-using Texts = std::vector<std::string>;
 
 TEST(RootPath, the_root_of_an_installed_package_has_no_trailing_slash) {
   for (const char* root : {"/opt/usr/apps/pkg", "/opt/usr/apps/pkg/", "/opt/usr/apps/pkg//"}) {
-    Platform& platform = doubles::Reset();
-    platform.packages.push_back(doubles::MakePackage("pkg", root));
+    Platform& platform = PlatformWith(root);
     EXPECT_EQ("/opt/usr/apps/pkg", getRootPath("pkg"));
     EXPECT_TRUE(Holds(platform, Steps{}));
     EXPECT_TRUE(AllRecordsDestroyed(platform));
   }
 }
 
-TEST(RootPath, an_unknown_package_has_an_empty_root) {
-  Platform& platform = doubles::Reset();
-  platform.packages.push_back(doubles::MakePackage("pkg", "/pkg"));
-  for (const char* id : {"unknown", "", "PKG", "pkg2"}) EXPECT_EQ("", getRootPath(id)) << id;
-  EXPECT_TRUE(AllRecordsDestroyed(platform));
+// What is asked for has no root, and no record is left.
+void ExpectNoRoot(const std::string& what, const std::function<void(Platform&)>& prepare,
+                  const std::string& id = "pkg") {
+  Platform& platform = PlatformWith("/pkg");
+  prepare(platform);
+  EXPECT_EQ("", getRootPath(id)) << what;
+  EXPECT_TRUE(AllRecordsDestroyed(platform)) << what;
 }
 
-TEST(RootPath, a_package_without_an_application_has_an_empty_root) {
-  Platform& platform = doubles::Reset();
-  platform.packages.push_back(doubles::MakePackage("pkg", "/pkg"));
-  platform.packages[0].applications.clear();
-  EXPECT_EQ("", getRootPath("pkg"));
-  EXPECT_TRUE(AllRecordsDestroyed(platform));
+TEST(RootPath, an_unknown_package_and_one_without_an_application_have_an_empty_root) {
+  for (const char* id : {"unknown", "", "PKG", "pkg2"})
+    ExpectNoRoot(
+        id, [](Platform&) {}, id);
+  ExpectNoRoot("no application", [](Platform& platform) { platform.packages[0].applications.clear(); });
 }
 
 TEST(RootPath, whatever_fails_on_the_way_the_root_is_empty_and_no_record_is_left) {
   for (const char* function : {"pkgmgrinfo_pkginfo_get_pkginfo", "pkgmgrinfo_pkginfo_get_mainappid",
                                "pkgmgrinfo_appinfo_get_appinfo", "pkgmgrinfo_appinfo_get_root_path"}) {
-    Platform& platform = doubles::Reset();
-    platform.packages.push_back(doubles::MakePackage("pkg", "/pkg"));
-    platform.FailNext(function, -1);
-    EXPECT_EQ("", getRootPath("pkg")) << function;
-    EXPECT_TRUE(AllRecordsDestroyed(platform)) << function;
+    ExpectNoRoot(function, [=](Platform& platform) { platform.FailNext(function, -1); });
   }
   for (const char* function : {"pkgmgrinfo_pkginfo_get_mainappid", "pkgmgrinfo_appinfo_get_root_path"}) {
-    Platform& platform = doubles::Reset();
-    platform.packages.push_back(doubles::MakePackage("pkg", "/pkg"));
-    platform.GiveNullNext(function);
-    EXPECT_EQ("", getRootPath("pkg")) << function;
-    EXPECT_TRUE(AllRecordsDestroyed(platform)) << function;
+    ExpectNoRoot(function, [=](Platform& platform) { platform.GiveNullNext(function); });
   }
 }
 
@@ -204,3 +179,4 @@ TEST(Assemblies, a_link_to_a_file_is_an_assembly_and_a_dangling_one_is_none) {
 }
 
 }  // namespace
+}  // namespace unit

@@ -1,27 +1,15 @@
 // The two path predicates: isRealPath and exist.
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
-#include <string>
 
 #include "morvath/platform_utils.h"
 #include "plugin/duplicates.h"
-#include "tests/support/child.h"
-#include "tests/support/expected_lines.h"
-#include "tests/support/files.h"
 #include "tests/support/unit_case.h"
 
+namespace unit {
 namespace {
-
-namespace fs = std::filesystem;
-
-using doubles::Platform;
-using doubles::Source;
-using doubles::Steps;
-using support::TempDir;
 
 const Source kIsRealPath("platform_utils", "isRealPath");
 
@@ -35,13 +23,13 @@ TEST(RealPath, an_empty_path_is_refused) { ExpectRealPath(false, "", kIsRealPath
 
 TEST(RealPath, a_path_that_is_not_there_yet_is_accepted) {
   const TempDir root;
-  ExpectRealPath(true, root / "missing", expected::NotThereYet());
-  ExpectRealPath(true, root / "missing/below", expected::NotThereYet());
+  ExpectRealPath(true, root / "missing", NotThereYet());
+  ExpectRealPath(true, root / "missing/below", NotThereYet());
 }
 
 TEST(RealPath, whatever_is_no_link_is_accepted) {
   const TempDir root;
-  support::WriteFile(root / "file");
+  WriteFile(root / "file");
   ASSERT_EQ(0, mkfifo((root / "pipe").c_str(), 0600));
   ExpectRealPath(true, root / "file", {});
   ExpectRealPath(true, root / "pipe", {});
@@ -51,7 +39,7 @@ TEST(RealPath, whatever_is_no_link_is_accepted) {
 
 TEST(RealPath, a_link_is_refused_wherever_it_leads) {
   const TempDir root;
-  support::WriteFile(root / "file");
+  WriteFile(root / "file");
   const std::pair<const char*, const char*> links[] = {
       {"file", "to file"}, {"gone", "dangling"}, {".", "to directory"}, {"loop", "loop"}};
   for (const auto& [target, name] : links) {
@@ -62,14 +50,14 @@ TEST(RealPath, a_link_is_refused_wherever_it_leads) {
 
 TEST(RealPath, a_link_on_the_way_is_no_matter) {
   const TempDir root;
-  support::WriteFile(root / "real/file");
+  WriteFile(root / "real/file");
   fs::create_symlink("real", root / "link");
   ExpectRealPath(true, root / "link/file", {});
 }
 
 TEST(RealPath, an_entry_that_cannot_be_examined_is_refused) {
   const TempDir root;
-  support::WriteFile(root / "file");
+  WriteFile(root / "file");
   fs::create_symlink("loop", root / "loop");
   for (const std::string& path : {root / "file/below", root / "loop/below", root / std::string(300, 'n')}) {
     ExpectRealPath(false, path, kIsRealPath.Error("lstat error."));
@@ -78,7 +66,7 @@ TEST(RealPath, an_entry_that_cannot_be_examined_is_refused) {
 
 TEST(RealPath, an_entry_in_a_closed_directory_is_refused) {
   const TempDir root;
-  support::WriteFile(root / "closed/file");
+  WriteFile(root / "closed/file");
   fs::permissions(root / "closed", fs::perms::none);
   support::InFreshProcess([&] {
     ASSERT_TRUE(support::GiveUpPrivileges());
@@ -91,13 +79,13 @@ TEST(RealPath, an_entry_in_a_closed_directory_is_refused) {
 void ExpectExist(bool exists, const std::string& path, const std::string& reason = "") {
   Platform& platform = doubles::Reset();
   EXPECT_EQ(exists, exist(path)) << path;
-  const Steps line = expected::Plugin("exist").Error("Failed to check %s exists : %s", path, reason);
+  const Steps line = Plugin("exist").Error("Failed to check %s exists : %s", path, reason);
   EXPECT_TRUE(Holds(platform, reason.empty() ? Steps{} : line)) << path;
 }
 
 TEST(Exist, what_is_there_exists_without_a_line) {
   const TempDir root;
-  support::WriteFile(root / "file");
+  WriteFile(root / "file");
   fs::create_symlink("file", root / "link");
   ASSERT_EQ(0, mkfifo((root / "pipe").c_str(), 0600));
   for (const std::string& path : {root / "file", root / "link", root / "pipe", root.path().string()}) {
@@ -107,7 +95,7 @@ TEST(Exist, what_is_there_exists_without_a_line) {
 
 TEST(Exist, a_missing_path_is_logged_with_the_systems_text) {
   const TempDir root;
-  support::WriteFile(root / "file");
+  WriteFile(root / "file");
   fs::create_symlink("gone", root / "dangling");
   ExpectExist(false, root / "missing", std::strerror(ENOENT));
   ExpectExist(false, root / "dangling", std::strerror(ENOENT));
@@ -122,3 +110,4 @@ TEST(Exist, a_path_that_cannot_be_examined_counts_as_missing) {
 }
 
 }  // namespace
+}  // namespace unit

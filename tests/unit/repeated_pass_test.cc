@@ -1,53 +1,9 @@
 // What the pass keeps from one package to the next.
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <map>
-#include <string>
-
-#include "plugin/assembly_cache.h"
 #include "plugin/catalogues.h"
-#include "tests/support/device_root.h"
-#include "tests/support/expected_lines.h"
-#include "tests/support/files.h"
-#include "tests/support/removal_texts.h"
-#include "tests/support/standard_error.h"
-#include "tests/support/unit_case.h"
-#include "tests/unit/interposed_files.h"
+#include "tests/unit/pass_case.h"
 
+namespace unit {
 namespace {
-
-namespace fs = std::filesystem;
-
-using doubles::Platform;
-using doubles::Steps;
-using expected::Pass;
-using expected::Plugin;
-using expected::TracedPlugin;
-using support::DuplicateLine;
-using support::IsThere;
-using support::kCoreDirectory;
-using support::StandardErrorOf;
-using support::WriteFiles;
-
-using Catalogue = std::map<std::string, std::string>;
-
-constexpr const char* kRoot = "/opt/usr/apps/pkg";
-constexpr const char* kSearch = "void getPackageByMetadataTag(pkgmgrinfo_app_list_cb, const std::string&)";
-
-std::string Core(const std::string& name) { return kCoreDirectory + name; }
-std::string InPackage(const std::string& name) { return std::string(kRoot) + "/" + name; }
-
-void PutPackage(Platform& platform, const std::string& id = "pkg", const std::string& root = kRoot) {
-  platform.packages.push_back(doubles::MakePackage(id, root));
-}
-
-// Runs the pass; its standard error is not of interest.
-int RunPass(const std::string& id) {
-  int result = 0;
-  StandardErrorOf([&] { result = gac(id); });
-  return result;
-}
 
 Steps AlreadyRun(const std::string& id) {
   return TracedPlugin("int gac(const std::string&)", Plugin("gac").Info("GAC already run for same pkgId (%s)", id));
@@ -120,3 +76,4 @@ DEVICE_TEST(AssemblyCache, catalogues_are_kept_between_packages) {
 }
 
 }  // namespace
+}  // namespace unit

@@ -1,32 +1,17 @@
 // The two directory walkers.
-#include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <climits>
-#include <filesystem>
-#include <functional>
 #include <stdexcept>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "morvath/platform_utils.h"
-#include "tests/support/child.h"
-#include "tests/support/files.h"
 #include "tests/support/interposed.h"
 #include "tests/support/unit_case.h"
 #include "tests/unit/interposed_files.h"
 
+namespace unit {
 namespace {
-
-namespace fs = std::filesystem;
-
-using doubles::Platform;
-using doubles::Steps;
-using support::TempDir;
-using support::WriteFile;
 
 using Seen = std::vector<std::pair<std::string, std::string>>;
 
@@ -51,8 +36,6 @@ std::vector<std::string> PathsBelow(const TempDir& root, const Seen& seen) {
   for (const auto& [path, name] : Sorted(seen)) paths.push_back(path.substr(root.path().string().size() + 1));
   return paths;
 }
-
-using Paths = std::vector<std::string>;
 
 FRESH_TEST(Scan, files_are_reported_with_full_path_and_bare_name) {
   const TempDir root;
@@ -123,13 +106,13 @@ TEST(Scan, pipes_and_sockets_and_links_to_them_are_passed_over) {
   support::MakeSocket(root / "socket");
   fs::create_symlink("pipe", root / "link to pipe");
   WriteFile(root / "file");
-  EXPECT_EQ((Paths{"file"}), PathsBelow(root, ScanFiles(root.path().string())));
+  EXPECT_EQ((Texts{"file"}), PathsBelow(root, ScanFiles(root.path().string())));
 }
 
 TEST(Scan, directories_that_begin_with_a_dot_are_walked) {
   const TempDir root;
   for (const char* file : {".hidden/f", "..more/f", ".../f", ".file"}) WriteFile(root / file);
-  EXPECT_EQ((Paths{".../f", "..more/f", ".file", ".hidden/f"}), PathsBelow(root, ScanFiles(root.path().string())));
+  EXPECT_EQ((Texts{".../f", "..more/f", ".file", ".hidden/f"}), PathsBelow(root, ScanFiles(root.path().string())));
 }
 
 TEST(Scan, a_path_with_the_assembly_cache_link_text_is_not_entered) {
@@ -138,7 +121,7 @@ TEST(Scan, a_path_with_the_assembly_cache_link_text_is_not_entered) {
                            "sac_symlink/f", "f.sac_symlink.dll"}) {
     WriteFile(root / file);
   }
-  EXPECT_EQ((Paths{".SAC_SYMLINK/f", "a/f", "f.sac_symlink.dll", "sac_symlink/f"}),
+  EXPECT_EQ((Texts{".SAC_SYMLINK/f", "a/f", "f.sac_symlink.dll", "sac_symlink/f"}),
             PathsBelow(root, ScanFiles(root.path().string())));
   EXPECT_TRUE(ScanFiles(root / ".sac_symlink").empty());
   EXPECT_TRUE(ScanFiles(root / "a/.sac_symlink/y").empty());
@@ -158,11 +141,11 @@ FRESH_TEST(Scan, without_entry_types_every_entry_is_reported_and_none_descended_
 }
 
 // The paths below `root` that a walk over it examines, sorted.
-Paths ExaminedByWalk(const TempDir& root) {
+Texts ExaminedByWalk(const TempDir& root) {
   interposed::Files().examined.clear();
   ScanFiles(root.path().string());
   const std::string start = root.path().string() + "/";
-  Paths paths;
+  Texts paths;
   for (const std::string& path : interposed::Files().examined) {
     if (path.rfind(start, 0) == 0) paths.push_back(path.substr(start.size()));
   }
@@ -170,20 +153,15 @@ Paths ExaminedByWalk(const TempDir& root) {
   return paths;
 }
 
-FRESH_TEST(Scan, links_alone_are_examined_where_the_listing_tells_the_types) {
+FRESH_TEST(Scan, links_alone_are_examined_where_the_listing_tells_the_types_and_every_entry_where_it_does_not) {
   const TempDir root;
   for (const char* file : {"A.dll", "sub/B.dll"}) WriteFile(root / file);
   support::MakePipe(root / "pipe");
   fs::create_symlink("A.dll", root / "link");
   fs::create_symlink("gone", root / "sub/dangling");
-  EXPECT_EQ((Paths{"link", "sub/dangling"}), ExaminedByWalk(root));
-}
-
-FRESH_TEST(Scan, every_entry_is_examined_where_the_listing_tells_no_types) {
-  const TempDir root;
-  for (const char* file : {"A.dll", "sub/B.dll"}) WriteFile(root / file);
+  EXPECT_EQ((Texts{"link", "sub/dangling"}), ExaminedByWalk(root));
   interposed::Now().entry_types_unknown = true;
-  EXPECT_EQ((Paths{".", "..", "A.dll", "sub"}), ExaminedByWalk(root));
+  EXPECT_EQ((Texts{".", "..", "A.dll", "link", "pipe", "sub"}), ExaminedByWalk(root));
 }
 
 FRESH_TEST(Scan, a_directory_that_cannot_be_opened_yields_nothing_and_no_message) {
@@ -193,18 +171,6 @@ FRESH_TEST(Scan, a_directory_that_cannot_be_opened_yields_nothing_and_no_message
   EXPECT_TRUE(ScanFiles(root / "file").empty());
   EXPECT_TRUE(ScanFiles("").empty());
   EXPECT_TRUE(Holds(platform, Steps{}));
-}
-
-TEST(Scan, a_subdirectory_that_may_not_be_read_is_passed_over) {
-  const TempDir root;
-  for (const char* file : {"closed/f", "open/f"}) WriteFile(root / file);
-  fs::permissions(root / "closed", fs::perms::none);
-  Fresh([&](Platform& platform) {
-    ASSERT_TRUE(support::GiveUpPrivileges());
-    EXPECT_EQ((Paths{"open/f"}), PathsBelow(root, ScanFiles(root.path().string())));
-    EXPECT_TRUE(Holds(platform, Steps{}));
-  });
-  fs::permissions(root / "closed", fs::perms::owner_all);
 }
 
 TEST(Scan, what_the_reader_throws_leaves_no_directory_open) {
@@ -226,17 +192,57 @@ TEST(Scan, an_empty_reader_raises_on_the_first_entry_it_should_report) {
   EXPECT_THROW(scanFilesInDirExcludeSymlink(root.path().string(), FileReader(), 10), std::bad_function_call);
 }
 
-std::size_t OpenFiles() { return support::NamesIn("/proc/self/fd").size(); }
-
 TEST(Scan, one_directory_per_level_is_open_while_its_subdirectories_are_walked) {
   const TempDir root;
   for (const char* file : {"f", "d/f", "d/d/f"}) WriteFile(root / file);
-  const std::size_t before = OpenFiles();
+  const std::size_t before = support::OpenDescriptors();
   std::vector<std::size_t> open;
   scanFilesInDirExcludeSymlink(
-      root.path().string(), [&](const std::string&, const std::string&) { open.push_back(OpenFiles() - before); }, 10);
+      root.path().string(),
+      [&](const std::string&, const std::string&) { open.push_back(support::OpenDescriptors() - before); }, 10);
   EXPECT_EQ((std::vector<std::size_t>{1, 2, 3}), open);
-  EXPECT_EQ(before, OpenFiles());
+  EXPECT_EQ(before, support::OpenDescriptors());
+}
+
+// The walker over the subdirectories of one directory.
+
+Steps ScanDirsFrame() {
+  return Traced("platform_utils", "void scanDirsInDirectory(const std::string&, FileReader)", Steps{});
+}
+
+FRESH_TEST(ScanDirs, the_immediate_subdirectories_are_reported) {
+  const TempDir root;
+  for (const char* file : {"f", "sub/f", "sub/deep/f", ".hidden/f", ".sac_symlink/f"}) WriteFile(root / file);
+  fs::create_symlink("sub", root / "link");
+  Seen seen;
+  scanDirsInDirectory(root.path().string(), Into(seen));
+  EXPECT_EQ((Seen{{root / ".hidden", ".hidden"}, {root / ".sac_symlink", ".sac_symlink"}, {root / "sub", "sub"}}),
+            Sorted(seen));
+  EXPECT_TRUE(Holds(platform, {ScanDirsFrame()}));
+}
+
+FRESH_TEST(ScanDirs, a_directory_that_cannot_be_opened_has_none) {
+  Seen seen;
+  scanDirsInDirectory("/proc/nowhere/at/all", Into(seen));
+  EXPECT_TRUE(seen.empty());
+  EXPECT_TRUE(Holds(platform, {ScanDirsFrame()}));
+}
+
+FRESH_TEST(ScanDirs, without_entry_types_nothing_is_reported) {
+  const TempDir root;
+  fs::create_directories(root / "sub");
+  interposed::Now().entry_types_unknown = true;
+  Seen seen;
+  scanDirsInDirectory(root.path().string(), Into(seen));
+  EXPECT_TRUE(seen.empty());
+}
+
+FRESH_TEST(ScanDirs, an_empty_reader_raises_after_the_exit_line) {
+  const TempDir root;
+  fs::create_directories(root / "sub");
+  EXPECT_THROW(scanDirsInDirectory(root.path().string(), FileReader()), std::bad_function_call);
+  EXPECT_TRUE(Holds(platform, {ScanDirsFrame()}));
 }
 
 }  // namespace
+}  // namespace unit

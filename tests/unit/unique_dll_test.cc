@@ -1,32 +1,10 @@
 // The duplicate policy: what becomes of a file of a package.
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <map>
-#include <string>
-
 #include "plugin/catalogues.h"
 #include "plugin/duplicates.h"
-#include "tests/support/expected_lines.h"
-#include "tests/support/files.h"
-#include "tests/support/removal_texts.h"
-#include "tests/support/standard_error.h"
 #include "tests/support/unit_case.h"
 
+namespace unit {
 namespace {
-
-namespace fs = std::filesystem;
-
-using doubles::Platform;
-using doubles::Source;
-using doubles::Steps;
-using expected::DuplicateRemoved;
-using support::DuplicateLine;
-using support::InformationText;
-using support::IsThere;
-using support::StandardErrorOf;
-using support::TempDir;
-using support::WriteFile;
 
 constexpr const char* kOrigin = "/usr/share/dotnet.orvel/framework/A.dll";
 
@@ -75,38 +53,26 @@ TEST(UniqueDll, a_duplicate_of_any_catalogue_is_removed) {
                   StandardErrorOf([&] { EXPECT_EQ(0, isUniqueDll(package / name, name)); }));
         EXPECT_TRUE(Holds(platform, {DuplicateRemoved(kOrigin, package / name)}));
         EXPECT_FALSE(IsThere(package / name));
-        EXPECT_EQ(InformationText(kOrigin, package / name), support::ReadFile(package / name + "_deleted"));
+        EXPECT_EQ(InformationText(kOrigin, package / name), ReadFile(package / name + "_deleted"));
       });
     }
   }
 }
 
-TEST(UniqueDll, only_the_first_catalogue_that_holds_the_name_is_asked) {
+TEST(UniqueDll, only_the_first_catalogue_that_holds_the_name_is_asked_and_names_the_origin) {
   for (int first = 0; first < 4; ++first) {
     Fresh([&](Platform& platform) {
       const TempDir package;
       const std::string dll = package / "A.dll";
       WriteFile(dll);
-      std::map<std::string, std::string>* const tables[] = {&coreFX, &orvelFX, &coBA, &appLib};
-      for (int i = first; i < 4; ++i) {
-        *tables[i] = {{"A.dll", i == first ? dll : "/elsewhere/" + std::to_string(i) + "/A.dll"}};
-      }
-      EXPECT_EQ(1, isUniqueDll(dll, "A.dll"));
-      EXPECT_TRUE(Holds(platform, {expected::ComparedWithItself(dll)}));
-      EXPECT_TRUE(IsThere(dll));
-    });
-  }
-}
-
-TEST(UniqueDll, the_first_catalogue_names_the_origin) {
-  for (int first = 0; first < 4; ++first) {
-    Fresh([&](Platform&) {
-      const TempDir package;
-      const std::string dll = package / "A.dll";
-      WriteFile(dll);
-      std::map<std::string, std::string>* const tables[] = {&coreFX, &orvelFX, &coBA, &appLib};
+      Catalogue* const tables[] = {&coreFX, &orvelFX, &coBA, &appLib};
       for (int i = first; i < 4; ++i) *tables[i] = {{"A.dll", "/" + std::to_string(i) + "/A.dll"}};
-      const std::string origin = "/" + std::to_string(first) + "/A.dll";
+      const std::string origin = tables[first]->at("A.dll");
+      tables[first]->at("A.dll") = dll;
+      EXPECT_EQ(1, isUniqueDll(dll, "A.dll"));
+      EXPECT_TRUE(Holds(platform, {ComparedWithItself(dll)}));
+      EXPECT_TRUE(IsThere(dll));
+      tables[first]->at("A.dll") = origin;
       EXPECT_EQ(DuplicateLine(origin, dll), StandardErrorOf([&] { EXPECT_EQ(0, isUniqueDll(dll, "A.dll")); }));
     });
   }
@@ -133,7 +99,8 @@ FRESH_TEST(UniqueDll, a_file_that_vanished_is_judged_by_its_name) {
   const TempDir package;
   coreFX = {{"A.dll", kOrigin}};
   StandardErrorOf([&] { EXPECT_EQ(0, isUniqueDll(package / "A.dll", "A.dll")); });
-  EXPECT_TRUE(Holds(platform, {expected::NotThereYet(), DuplicateRemoved(kOrigin, package / "A.dll")}));
+  EXPECT_TRUE(Holds(platform, {NotThereYet(), DuplicateRemoved(kOrigin, package / "A.dll")}));
 }
 
 }  // namespace
+}  // namespace unit

@@ -1,8 +1,7 @@
 // Versions out of assemblies, and nothing out of what is none.
 #include "orvelbox/assembly/version.h"
 
-#include <gtest/gtest.h>
-
+#include "tests/orvelbox/frame.h"
 #include "tests/support/assembly.h"
 
 namespace orvelbox {

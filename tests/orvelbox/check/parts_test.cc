@@ -1,5 +1,4 @@
 // The parts of a check: its facts as JSON, its words, its project lines, its SARIF log, its threads.
-#include <gmock/gmock.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -13,17 +12,12 @@
 #include "orvelbox/desk/output.h"
 #include "orvelbox/desk/progress.h"
 #include "platform/host/child_process.h"
-#include "platform/host/device.h"
 #include "platform/host/json.h"
+#include "tests/orvelbox/frame.h"
+#include "tests/support/uris.h"
 
 namespace orvelbox {
 namespace {
-
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
 
 constexpr const char* kFramework = "/usr/share/dotnet.orvel/framework/";
 
@@ -157,8 +151,8 @@ TEST(ProgressBar, fills_up) {
 }
 
 TEST(Privilege, short_names_are_those_at_the_ends_of_the_uris) {
-  EXPECT_EQ(PrivilegeUri("platform"), "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/default/platform");
-  EXPECT_EQ(PrivilegeUri("appdebugging"), "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/appdebugging");
+  EXPECT_EQ(PrivilegeUri("platform"), support::kPlatformPrivilege);
+  EXPECT_EQ(PrivilegeUri("appdebugging"), support::kDebuggingPrivilege);
   EXPECT_EQ(PrivilegeUri("http://x/y"), "http://x/y");
   EXPECT_THROW(PrivilegeUri("bogus"), std::invalid_argument);
 }

@@ -1,18 +1,14 @@
 // What a command line asks for.
 #include "orvelbox/cli/command_line.h"
 
-#include <gmock/gmock.h>
-
 #include <stdexcept>
 #include <type_traits>
 
 #include "orvelbox/commands/all.h"
+#include "tests/orvelbox/frame.h"
 
 namespace orvelbox {
 namespace {
-
-using testing::ElementsAre;
-using testing::HasSubstr;
 
 static_assert(!std::is_copy_constructible_v<Command>, "the functions of a copy would refer to another's values");
 

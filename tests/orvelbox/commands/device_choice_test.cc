@@ -1,9 +1,9 @@
 // Which device a command works on.
-#include <gtest/gtest.h>
 
 #include <map>
 
 #include "orvelbox/commands/shared.h"
+#include "tests/orvelbox/frame.h"
 
 namespace orvelbox {
 namespace {

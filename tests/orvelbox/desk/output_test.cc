@@ -1,7 +1,7 @@
 // Texts made fit for a terminal.
 #include "orvelbox/desk/output.h"
 
-#include <gtest/gtest.h>
+#include "tests/orvelbox/frame.h"
 
 namespace orvelbox {
 namespace {

@@ -1,32 +1,25 @@
 // Copying and removing trees.
 #include "orvelbox/desk/tree.h"
 
-#include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include "platform/host/device.h"
-#include "tests/support/files.h"
-
-namespace fs = std::filesystem;
+#include "tests/orvelbox/frame.h"
 
 namespace orvelbox {
 namespace {
 
-class TreeTest : public testing::Test {
- protected:
-  support::TempDir dir_;
-};
+class TreeTest : public DirectoryTest {};
 
 TEST_F(TreeTest, a_copy_has_the_contents_and_permissions) {
-  support::WriteFile(dir_ / "from/deep/file", std::string("a\0b", 3));
+  WriteFile(dir_ / "from/deep/file", std::string("a\0b", 3));
   fs::permissions(dir_ / "from/deep/file", fs::perms::owner_all | fs::perms::set_uid);
   CopyTree(dir_ / "from", dir_ / "to");
-  EXPECT_EQ(support::ReadFile(dir_ / "to/deep/file"), std::string("a\0b", 3));
+  EXPECT_EQ(ReadFile(dir_ / "to/deep/file"), std::string("a\0b", 3));
   EXPECT_EQ(fs::status(dir_ / "to/deep/file").permissions(), fs::perms::owner_all);
 }
 
 TEST_F(TreeTest, a_read_only_directory_is_copied_and_its_copy_can_be_removed) {
-  support::WriteFile(dir_ / "from/closed/file", "x");
+  WriteFile(dir_ / "from/closed/file", "x");
   fs::permissions(dir_ / "from/closed", fs::perms::owner_read | fs::perms::owner_exec);
   CopyTree(dir_ / "from", dir_ / "to");
   EXPECT_EQ(fs::status(dir_ / "to/closed").permissions(), fs::perms::owner_all);
@@ -36,22 +29,22 @@ TEST_F(TreeTest, a_read_only_directory_is_copied_and_its_copy_can_be_removed) {
 }
 
 TEST_F(TreeTest, links_are_neither_followed_by_a_copy_nor_by_a_removal) {
-  support::WriteFile(dir_ / "outside/file", "precious");
+  WriteFile(dir_ / "outside/file", "precious");
   fs::create_directory(dir_ / "from");
   fs::create_directory_symlink(dir_ / "outside", dir_ / "from/link");
   CopyTree(dir_ / "from", dir_ / "to");
   EXPECT_TRUE(fs::is_symlink(dir_ / "to/link"));
   RemoveTree(dir_ / "to");
-  EXPECT_EQ(support::ReadFile(dir_ / "outside/file"), "precious");
+  EXPECT_EQ(ReadFile(dir_ / "outside/file"), "precious");
 }
 
 TEST_F(TreeTest, a_copy_into_what_is_there_adds_and_replaces) {
-  support::WriteFile(dir_ / "from/both", "new");
-  support::WriteFile(dir_ / "to/both", "old");
-  support::WriteFile(dir_ / "to/own", "own");
+  WriteFile(dir_ / "from/both", "new");
+  WriteFile(dir_ / "to/both", "old");
+  WriteFile(dir_ / "to/own", "own");
   CopyTree(dir_ / "from", dir_ / "to");
-  EXPECT_EQ(support::ReadFile(dir_ / "to/both"), "new");
-  EXPECT_EQ(support::ReadFile(dir_ / "to/own"), "own");
+  EXPECT_EQ(ReadFile(dir_ / "to/both"), "new");
+  EXPECT_EQ(ReadFile(dir_ / "to/own"), "own");
 }
 
 TEST_F(TreeTest, a_copy_into_itself_is_refused) {
@@ -63,12 +56,7 @@ TEST_F(TreeTest, a_copy_into_itself_is_refused) {
 TEST_F(TreeTest, a_socket_or_pipe_is_refused_by_name) {
   fs::create_directory(dir_ / "from");
   ASSERT_EQ(mkfifo((dir_ / "from/pipe").c_str(), 0600), 0);
-  try {
-    CopyTree(dir_ / "from", dir_ / "to");
-    FAIL();
-  } catch (const host::DeviceError& error) {
-    EXPECT_THAT(error.what(), testing::HasSubstr(dir_ / "from/pipe"));
-  }
+  EXPECT_THAT(ErrorOf([&] { CopyTree(dir_ / "from", dir_ / "to"); }), HasSubstr(dir_ / "from/pipe"));
 }
 
 TEST_F(TreeTest, removing_nothing_is_no_error) { RemoveTree(dir_ / "nothing"); }

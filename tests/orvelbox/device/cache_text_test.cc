@@ -1,13 +1,10 @@
 // Cache files compared entry by entry.
 #include "orvelbox/device/cache_text.h"
 
-#include <gmock/gmock.h>
+#include "tests/orvelbox/frame.h"
 
 namespace orvelbox {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 TEST(CacheDiff, entries_stand_between_the_markers) {
   EXPECT_THAT(EntriesOf("[START]/a/x.dll:/b/y.dll[END]"), ElementsAre("/a/x.dll", "/b/y.dll"));

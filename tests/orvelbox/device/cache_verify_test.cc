@@ -1,20 +1,16 @@
 // Every fault of a cache file by itself, and none where there is none.
-#include <gmock/gmock.h>
 
 #include <nlohmann/json.hpp>
 #include <set>
 
 #include "orvelbox/device/cache_text.h"
 #include "platform/host/json.h"
+#include "tests/orvelbox/frame.h"
 
 namespace orvelbox {
 namespace {
 
-using testing::AllOf;
-using testing::ElementsAre;
 using testing::Field;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 host::Package PackageAt(const std::string& id, const std::string& root) {
   host::Package package;

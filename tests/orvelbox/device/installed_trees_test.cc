@@ -1,27 +1,21 @@
 // What a killed run leaves behind, and how the next one mends it.
 #include "orvelbox/device/installed_trees.h"
 
-#include <gmock/gmock.h>
-
 #include "orvelbox/package/manifest.h"
-#include "tests/support/files.h"
+#include "tests/orvelbox/frame.h"
 
 namespace orvelbox {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-
-class InstalledTreesTest : public testing::Test {
+class InstalledTreesTest : public DirectoryTest {
  protected:
   InstalledTreesTest()
       : device_(host::CreateDevice(dir_.path() / "device")), trees_(device_, host::ReadConfig(device_)) {}
 
   std::string Source(const std::string& version) const {
     const std::string source = dir_ / ("source-" + version);
-    support::WriteFile(source + "/" + kManifestName, "<manifest package=\"a\" version=\"" + version + "\"/>");
-    support::WriteFile(source + "/version", version);
+    WriteFile(source + "/" + kManifestName, "<manifest package=\"a\" version=\"" + version + "\"/>");
+    WriteFile(source + "/version", version);
     return source;
   }
   host::Package Package(const std::string& version) const {
@@ -38,7 +32,7 @@ class InstalledTreesTest : public testing::Test {
     trees_.Add(Source(version), Package(version));
     trees_.KeepAddition();
   }
-  std::string Cache() const { return support::ReadFile(CacheFile()); }
+  std::string Cache() const { return ReadFile(CacheFile()); }
   std::string CacheFile() const { return (device_.OnDesk(kCacheDirectory) / "TPA.txt").string(); }
   void ExpectNothingOfIt() const {
     EXPECT_EQ(RegisteredVersion(), "none");
@@ -46,13 +40,12 @@ class InstalledTreesTest : public testing::Test {
     EXPECT_FALSE(support::IsThere(device_.directory / "pending"));
   }
   void ExpectInPlace(const std::string& version) const {
-    EXPECT_EQ(support::ReadFile(Installed("a/version")), version);
+    EXPECT_EQ(ReadFile(Installed("a/version")), version);
     EXPECT_EQ(RegisteredVersion(), version);
     EXPECT_THAT(support::NamesIn(Installed("")), ElementsAre("a"));
     EXPECT_FALSE(support::IsThere(device_.directory / "pending"));
   }
 
-  support::TempDir dir_;
   host::Device device_;
   InstalledTrees trees_;
 };
@@ -64,14 +57,14 @@ TEST_F(InstalledTreesTest, a_sound_device_needs_no_mending) {
 }
 
 TEST_F(InstalledTreesTest, a_tree_on_its_way_in_is_rubbish) {
-  support::WriteFile(Installed(".staging/a/version"), "1");
+  WriteFile(Installed(".staging/a/version"), "1");
   EXPECT_THAT(trees_.Mend(), ElementsAre(HasSubstr("mended a: the files that an interrupted command left")));
   EXPECT_THAT(support::NamesIn(Installed("")), IsEmpty());
 }
 
 TEST_F(InstalledTreesTest, a_record_without_a_tree_is_forgotten) {
   Install("1");
-  std::filesystem::remove_all(Installed("a"));
+  fs::remove_all(Installed("a"));
   EXPECT_THAT(trees_.Mend(), ElementsAre(HasSubstr("mended a: its files are gone")));
   EXPECT_EQ(RegisteredVersion(), "none");
 }
@@ -79,16 +72,16 @@ TEST_F(InstalledTreesTest, a_record_without_a_tree_is_forgotten) {
 // An upgrade is killed after each of its steps in turn.
 TEST_F(InstalledTreesTest, an_upgrade_killed_while_it_copies_changes_nothing) {
   Install("1");
-  support::WriteFile(Installed(".staging/a/version"), "2");
+  WriteFile(Installed(".staging/a/version"), "2");
   trees_.Mend();
   ExpectInPlace("1");
 }
 
 TEST_F(InstalledTreesTest, an_upgrade_killed_between_its_moves_is_taken_back) {
   Install("1");
-  support::WriteFile(Installed(".staging/a/version"), "2");
-  std::filesystem::create_directory(Installed(".previous"));
-  std::filesystem::rename(Installed("a"), Installed(".previous/a"));
+  WriteFile(Installed(".staging/a/version"), "2");
+  fs::create_directory(Installed(".previous"));
+  fs::rename(Installed("a"), Installed(".previous/a"));
   trees_.Mend();
   ExpectInPlace("1");
 }
@@ -104,8 +97,8 @@ TEST_F(InstalledTreesTest, an_upgrade_killed_while_hooks_run_is_taken_back) {
 TEST_F(InstalledTreesTest, an_upgrade_killed_while_it_is_taken_back_is_taken_back) {
   Install("1");
   trees_.Replace(Source("2"), Package("2"), Package("1"));
-  std::filesystem::create_directory(Installed(".staging"));
-  std::filesystem::rename(Installed("a"), Installed(".staging/a"));
+  fs::create_directory(Installed(".staging"));
+  fs::rename(Installed("a"), Installed(".staging/a"));
   trees_.Mend();
   ExpectInPlace("1");
 }
@@ -114,7 +107,7 @@ TEST_F(InstalledTreesTest, an_upgrade_killed_after_it_was_decided_stays) {
   Install("1");
   trees_.Replace(Source("2"), Package("2"), Package("1"));
   Journal(device_).Decide();
-  support::WriteFile(CacheFile(), "after the hooks");
+  WriteFile(CacheFile(), "after the hooks");
   EXPECT_THAT(trees_.Mend(),
               ElementsAre(HasSubstr("mended a: an upgrade was interrupted at its end; the new version")));
   ExpectInPlace("2");
@@ -125,15 +118,15 @@ TEST_F(InstalledTreesTest, an_upgrade_killed_while_the_old_version_goes_stays) {
   Install("1");
   trees_.Replace(Source("2"), Package("2"), Package("1"));
   Journal(device_).Decide();
-  std::filesystem::create_directory(Installed(".staging"));
-  std::filesystem::rename(Installed(".previous/a"), Installed(".staging/a"));
+  fs::create_directory(Installed(".staging"));
+  fs::rename(Installed(".previous/a"), Installed(".staging/a"));
   trees_.Mend();
   ExpectInPlace("2");
 }
 
 TEST_F(InstalledTreesTest, an_install_killed_while_hooks_run_is_taken_back) {
   trees_.Add(Source("1"), Package("1"));
-  std::filesystem::remove(CacheFile());
+  fs::remove(CacheFile());
   EXPECT_THAT(trees_.Mend(), ElementsAre("mended a: an install was interrupted; it was taken back"));
   ExpectNothingOfIt();
   EXPECT_EQ(Cache(), "[START][END]");
@@ -142,7 +135,7 @@ TEST_F(InstalledTreesTest, an_install_killed_while_hooks_run_is_taken_back) {
 TEST_F(InstalledTreesTest, an_uninstall_killed_while_hooks_run_is_taken_back) {
   Install("1");
   trees_.BeginRemoval("a");
-  support::WriteFile(CacheFile(), "half");
+  WriteFile(CacheFile(), "half");
   EXPECT_THAT(trees_.Mend(), ElementsAre("mended a: an uninstall was interrupted; the package stays installed"));
   ExpectInPlace("1");
   EXPECT_EQ(Cache(), "[START][END]");
@@ -152,7 +145,7 @@ TEST_F(InstalledTreesTest, an_uninstall_killed_after_it_was_decided_is_completed
   Install("1");
   trees_.BeginRemoval("a");
   Journal(device_).Decide();
-  support::WriteFile(CacheFile(), "after the hooks");
+  WriteFile(CacheFile(), "after the hooks");
   EXPECT_THAT(trees_.Mend(), ElementsAre("mended a: an uninstall was interrupted at its end; it is done now"));
   ExpectNothingOfIt();
   EXPECT_EQ(Cache(), "after the hooks");
@@ -161,7 +154,7 @@ TEST_F(InstalledTreesTest, an_uninstall_killed_after_it_was_decided_is_completed
 TEST_F(InstalledTreesTest, an_abandoned_removal_leaves_the_cache_files_as_they_are) {
   Install("1");
   trees_.BeginRemoval("a");
-  support::WriteFile(CacheFile(), "after the hooks");
+  WriteFile(CacheFile(), "after the hooks");
   trees_.AbandonRemoval();
   EXPECT_THAT(trees_.Mend(), IsEmpty());
   ExpectInPlace("1");
@@ -170,7 +163,7 @@ TEST_F(InstalledTreesTest, an_abandoned_removal_leaves_the_cache_files_as_they_a
 
 TEST_F(InstalledTreesTest, a_note_that_was_not_completed_says_nothing) {
   Install("1");
-  support::WriteFile(device_.directory / "pending.new/begun", "install a");
+  WriteFile(device_.directory / "pending.new/begun", "install a");
   EXPECT_THAT(trees_.Mend(), IsEmpty());
   ExpectInPlace("1");
   EXPECT_FALSE(support::IsThere(device_.directory / "pending.new"));
@@ -178,27 +171,23 @@ TEST_F(InstalledTreesTest, a_note_that_was_not_completed_says_nothing) {
 
 TEST_F(InstalledTreesTest, empty_directories_on_the_way_are_removed_without_a_word) {
   Install("1");
-  std::filesystem::create_directory(Installed(".staging"));
-  std::filesystem::create_directory(Installed(".previous"));
+  fs::create_directory(Installed(".staging"));
+  fs::create_directory(Installed(".previous"));
   EXPECT_THAT(trees_.Mend(), IsEmpty());
   ExpectInPlace("1");
 }
 
 TEST_F(InstalledTreesTest, a_damaged_note_is_named) {
-  support::WriteFile(device_.directory / "pending/begun", "something a");
-  try {
-    trees_.Mend();
-    ADD_FAILURE() << "the note was taken for sound";
-  } catch (const host::DeviceError& error) {
-    EXPECT_THAT(error.what(), HasSubstr((device_.directory / "pending/begun").string() + ": damaged; remove "));
-  }
+  WriteFile(device_.directory / "pending/begun", "something a");
+  EXPECT_THAT(ErrorOf([&] { trees_.Mend(); }),
+              HasSubstr((device_.directory / "pending/begun").string() + ": damaged; remove "));
 }
 
 TEST_F(InstalledTreesTest, cache_bytes_of_any_kind_are_put_back) {
   const std::string bytes("[START]/\xff\xfe\0\n:\"[END]", 19);
-  support::WriteFile(CacheFile(), bytes);
+  WriteFile(CacheFile(), bytes);
   trees_.Add(Source("1"), Package("1"));
-  support::WriteFile(CacheFile(), "other");
+  WriteFile(CacheFile(), "other");
   trees_.Mend();
   EXPECT_EQ(Cache(), bytes);
 }
@@ -214,12 +203,12 @@ TEST_F(InstalledTreesTest, a_replacement_that_cannot_be_registered_is_taken_back
   host::Package upgraded = Package("2");
   upgraded.applications = other.applications;
   EXPECT_THROW(trees_.Replace(Source("2"), upgraded, Package("1")), host::DeviceError);
-  EXPECT_EQ(support::ReadFile(Installed("a/version")), "1");
+  EXPECT_EQ(ReadFile(Installed("a/version")), "1");
   EXPECT_EQ(RegisteredVersion(), "1");
 }
 
 TEST_F(InstalledTreesTest, an_addition_that_cannot_be_registered_leaves_nothing) {
-  std::filesystem::remove(device_.Database());
+  fs::remove(device_.Database());
   EXPECT_THROW(trees_.Add(Source("1"), Package("1")), host::DeviceError);
   EXPECT_THAT(support::NamesIn(Installed("")), IsEmpty());
 }

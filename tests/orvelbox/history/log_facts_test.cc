@@ -1,13 +1,10 @@
 // The facts of an operation, read out of log records.
-#include <gmock/gmock.h>
 
 #include "orvelbox/history/log.h"
+#include "tests/orvelbox/frame.h"
 
 namespace orvelbox {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 host::LogRecord Error(const std::string& text) {
   return {"2026-11-21T08:00:00.123Z", 'E', "NETCORE_INSTALLER_PLUGIN", 1,

@@ -1,7 +1,7 @@
 // Records on the screen.
-#include <gtest/gtest.h>
 
 #include "orvelbox/history/log.h"
+#include "tests/orvelbox/frame.h"
 
 namespace orvelbox {
 namespace {

@@ -1,7 +1,7 @@
 // What information files say, and what is none.
-#include <gtest/gtest.h>
 
 #include "orvelbox/history/why.h"
+#include "tests/orvelbox/frame.h"
 #include "tests/support/removal_texts.h"
 
 namespace orvelbox {

@@ -1,26 +1,23 @@
 // The completions in the shells that not every machine has.
-#include <gmock/gmock.h>
 
 #include "orvelbox/cli/command_line.h"
 #include "orvelbox/commands/all.h"
 #include "orvelbox/manual/manual.h"
+#include "tests/orvelbox/frame.h"
 #include "tests/support/command.h"
-#include "tests/support/files.h"
 
 namespace orvelbox {
 namespace {
 
-using testing::HasSubstr;
-
 // Runs `script` with a shell, in a directory that holds the completions.
-class Completion : public testing::Test {
+class Completion : public DirectoryTest {
  protected:
   void SetUp() override {
     const Commands commands = AllCommands();
     GlobalOptions global;
     const CommandFacts program = DescribeProgram(commands, global);
-    support::WriteFile(dir_ / "orvelbox.fish", FishCompletion(program));
-    support::WriteFile(dir_ / "_orvelbox", ZshCompletion(program));
+    WriteFile(dir_ / "orvelbox.fish", FishCompletion(program));
+    WriteFile(dir_ / "_orvelbox", ZshCompletion(program));
   }
 
   static bool HasShell(const std::string& shell) {
@@ -28,20 +25,16 @@ class Completion : public testing::Test {
   }
 
   std::string Run(const std::string& shell, const std::string& script) const {
-    support::WriteFile(dir_ / "script", script);
+    WriteFile(dir_ / "script", script);
     return support::OutputOf("cd '" + dir_.path().string() + "' && HOME=\"$PWD\" TERM=dumb " + shell + " script 2>&1");
   }
-
- private:
-  support::TempDir dir_;
 };
 
 TEST_F(Completion, fish_offers_commands_options_and_values) {
   if (!HasShell("fish")) GTEST_SKIP() << "no fish here; install it with: make test-heavy";
-  EXPECT_THAT(Run("fish", "source orvelbox.fish; complete -C 'orvelbox cach'"), testing::StartsWith("cache\t"));
-  EXPECT_THAT(Run("fish", "source orvelbox.fish; complete -C 'orvelbox cache ver'"), testing::StartsWith("verify\t"));
-  EXPECT_THAT(Run("fish", "source orvelbox.fish; complete -C 'orvelbox log --pri'"),
-              testing::StartsWith("--priority\t"));
+  EXPECT_THAT(Run("fish", "source orvelbox.fish; complete -C 'orvelbox cach'"), StartsWith("cache\t"));
+  EXPECT_THAT(Run("fish", "source orvelbox.fish; complete -C 'orvelbox cache ver'"), StartsWith("verify\t"));
+  EXPECT_THAT(Run("fish", "source orvelbox.fish; complete -C 'orvelbox log --pri'"), StartsWith("--priority\t"));
   EXPECT_THAT(Run("fish", "source orvelbox.fish; complete -C 'orvelbox check --format s'"), HasSubstr("sarif\t"));
 }
 

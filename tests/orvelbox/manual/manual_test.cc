@@ -1,23 +1,15 @@
 // The manual page and bash's completion, against what the commands say about themselves.
 #include "orvelbox/manual/manual.h"
 
-#include <gmock/gmock.h>
-
-#include <functional>
 #include <stdexcept>
 
 #include "orvelbox/cli/command_line.h"
 #include "orvelbox/commands/all.h"
+#include "tests/orvelbox/frame.h"
 #include "tests/support/command.h"
-#include "tests/support/files.h"
 
 namespace orvelbox {
 namespace {
-
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
 
 CommandFacts Program() {
   GlobalOptions global;
@@ -105,21 +97,17 @@ TEST(Manual, the_page_tells_everything_and_nothing_of_it_is_markup) {
             ".SH NOTES\nThe end.\n.br\n");
 }
 
-class BashCompletes : public testing::Test {
+class BashCompletes : public DirectoryTest {
  protected:
   // What bash would offer for the last of `words`, in an empty directory with the file "shop.opk".
   std::string After(const std::string& words) const {
-    support::WriteFile(dir_ / "completion/orvelbox.bash", BashCompletion(Program()));
-    support::WriteFile(dir_ / "desk/shop.opk");
-    support::WriteFile(dir_ / "try.sh", "set -eu\ncd desk\n. ../completion/orvelbox.bash\nCOMP_WORDS=(orvelbox " +
-                                            words +
-                                            ")\nCOMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n_orvelbox\n"
-                                            "printf '%s\\n' \"${COMPREPLY[@]}\"\n");
+    WriteFile(dir_ / "completion/orvelbox.bash", BashCompletion(Program()));
+    WriteFile(dir_ / "desk/shop.opk");
+    WriteFile(dir_ / "try.sh", "set -eu\ncd desk\n. ../completion/orvelbox.bash\nCOMP_WORDS=(orvelbox " + words +
+                                   ")\nCOMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n_orvelbox\n"
+                                   "printf '%s\\n' \"${COMPREPLY[@]}\"\n");
     return support::OutputOf("cd '" + dir_.path().string() + "' && bash --norc try.sh");
   }
-
- private:
-  support::TempDir dir_;
 };
 
 TEST_F(BashCompletes, commands_first) {

@@ -1,7 +1,7 @@
 // The report of the process in which hooks run.
-#include <gmock/gmock.h>
 
 #include "orvelbox/operations/hook_process.h"
+#include "tests/orvelbox/frame.h"
 
 namespace orvelbox {
 namespace {

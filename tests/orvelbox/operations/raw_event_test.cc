@@ -1,9 +1,9 @@
 // Events as `events` takes them.
-#include <gtest/gtest.h>
 
 #include <stdexcept>
 
 #include "orvelbox/operations/operations.h"
+#include "tests/orvelbox/frame.h"
 
 namespace orvelbox {
 namespace {

@@ -1,15 +1,10 @@
 // The words for what happened, where the end-to-end tests do not reach.
 #include "orvelbox/operations/report.h"
 
-#include <gmock/gmock.h>
+#include "tests/orvelbox/frame.h"
 
 namespace orvelbox {
 namespace {
-
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 constexpr const char* kPlatformDll = "/usr/share/dotnet.orvel/framework/X.dll";
 

@@ -1,23 +1,15 @@
 // What a package archive may hold, and that everything else is refused by name.
 #include "orvelbox/package/archive.h"
 
-#include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include <map>
-
-#include "platform/host/device.h"
-#include "tests/support/files.h"
+#include "tests/orvelbox/frame.h"
 #include "tests/support/zip.h"
 
 namespace orvelbox {
 namespace {
 
 using support::ZipOf;
-using testing::AllOf;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::Pair;
 
 // The contents by path, those of directories under "PATH/".
 std::map<std::string, std::string> Contents(const std::string& file, const ArchiveLimits& limits = {}) {
@@ -33,18 +25,13 @@ std::map<std::string, std::string> Contents(const std::string& file, const Archi
 
 std::map<std::string, std::string> Read(const std::string& zip, const ArchiveLimits& limits = {}) {
   const support::TempDir dir;
-  support::WriteFile(dir / "a.opk", zip);
+  WriteFile(dir / "a.opk", zip);
   return Contents(dir / "a.opk", limits);
 }
 
 std::string ProblemOf(const std::string& zip, const ArchiveLimits& limits = {}) {
-  try {
-    Read(zip, limits);
-  } catch (const host::DeviceError& error) {
-    const std::string text = error.what();
-    return text.substr(text.find("a.opk"));
-  }
-  return "";
+  const std::string text = ErrorOf([&] { Read(zip, limits); });
+  return text.find("a.opk") == std::string::npos ? text : text.substr(text.find("a.opk"));
 }
 
 TEST(Archive, files_and_directories_come_with_their_contents) {
@@ -83,7 +70,7 @@ class BadArchive : public testing::TestWithParam<BadEntry> {};
 
 TEST_P(BadArchive, is_refused_and_the_entry_named) {
   const std::string problem = ProblemOf(ZipOf(GetParam().entries));
-  EXPECT_THAT(problem, testing::StartsWith("a.opk: entry \"" + GetParam().entries.back().path + "\""));
+  EXPECT_THAT(problem, StartsWith("a.opk: entry \"" + GetParam().entries.back().path + "\""));
   EXPECT_THAT(problem, HasSubstr(GetParam().complaint));
   EXPECT_THAT(problem, HasSubstr("; ")) << "the way out";
 }
@@ -157,7 +144,8 @@ TEST(Archive, numbers_may_be_told_in_64_bits) {
   wide.wide = true;
   const std::string zip = ZipOf({wide, {"B.dll", "b"}});
   EXPECT_THAT(Read(zip), ElementsAre(Pair("A.dll", "content"), Pair("B.dll", "b")));
-  for (std::size_t length = 0; length < zip.size(); ++length) EXPECT_NE(ProblemOf(zip.substr(0, length)), "") << length;
+  for (std::size_t length = 0; length < zip.size(); ++length)
+    EXPECT_NE(ProblemOf(zip.substr(0, length)), "no error") << length;
   std::string endless = zip;
   endless[endless.find("PK\x01\x02") + 46 + 5 + 4 + 7] = '\x7f';  // the highest byte of the size
   EXPECT_THAT(ProblemOf(endless), HasSubstr("makes the package larger than"));
@@ -176,7 +164,7 @@ TEST(Archive, any_damaged_byte_is_survived) {
       std::string damaged = zip;
       damaged[at] = byte;
       const std::string problem = ProblemOf(damaged);
-      EXPECT_TRUE(problem.empty() || problem.find("; ") != std::string::npos) << at << ": " << problem;
+      EXPECT_TRUE(problem == "no error" || problem.find("; ") != std::string::npos) << at << ": " << problem;
     }
   }
 }
@@ -195,15 +183,15 @@ TEST(Archive, what_is_no_zip_file_is_refused) {
 TEST(Archive, a_cut_off_archive_is_refused_wherever_it_ends) {
   const std::string zip = ZipOf({{"bin/A.dll", "first"}, {"bin/B.dll", "second"}});
   for (std::size_t length = 0; length < zip.size(); ++length) {
-    EXPECT_NE(ProblemOf(zip.substr(0, length)), "") << length;
+    EXPECT_NE(ProblemOf(zip.substr(0, length)), "no error") << length;
   }
-  EXPECT_EQ(ProblemOf(zip), "");
+  EXPECT_EQ(ProblemOf(zip), "no error");
 }
 
 TEST(Archive, no_more_entries_than_the_limit_are_taken) {
   ArchiveLimits limits;
   limits.entries = 3;
-  EXPECT_EQ(ProblemOf(ZipOf({{"a/b/c", ""}}), limits), "");
+  EXPECT_EQ(ProblemOf(ZipOf({{"a/b/c", ""}}), limits), "no error");
   EXPECT_THAT(ProblemOf(ZipOf({{"a/b/c/d", ""}}), limits), HasSubstr("more than 3 files and directories"));
   EXPECT_THAT(ProblemOf(ZipOf({{"a", ""}, {"b", ""}, {"c", ""}, {"d", ""}}), limits),
               HasSubstr("entry \"d\" is one too many"));
@@ -212,21 +200,21 @@ TEST(Archive, no_more_entries_than_the_limit_are_taken) {
 TEST(Archive, no_deeper_paths_than_the_limit_are_taken) {
   ArchiveLimits limits;
   limits.depth = 2;
-  EXPECT_EQ(ProblemOf(ZipOf({{"a/b", ""}}), limits), "");
+  EXPECT_EQ(ProblemOf(ZipOf({{"a/b", ""}}), limits), "no error");
   EXPECT_THAT(ProblemOf(ZipOf({{"a/b/c", ""}}), limits), HasSubstr("more than 2 directories deep"));
 }
 
 TEST(Archive, no_longer_paths_than_the_limit_are_taken) {
   ArchiveLimits limits;
   limits.path_bytes = 5;
-  EXPECT_EQ(ProblemOf(ZipOf({{"a/b/c", ""}}), limits), "");
+  EXPECT_EQ(ProblemOf(ZipOf({{"a/b/c", ""}}), limits), "no error");
   EXPECT_THAT(ProblemOf(ZipOf({{"a/b/cd", ""}}), limits), HasSubstr("more than 5 bytes"));
 }
 
 TEST(Archive, no_more_bytes_than_the_limit_are_unpacked) {
   ArchiveLimits limits;
   limits.bytes = 6;
-  EXPECT_EQ(ProblemOf(ZipOf({{"a", "123"}, {"b", "456"}}), limits), "");
+  EXPECT_EQ(ProblemOf(ZipOf({{"a", "123"}, {"b", "456"}}), limits), "no error");
   EXPECT_THAT(ProblemOf(ZipOf({{"a", "123"}, {"b", "4567"}}), limits), HasSubstr("larger than 6 bytes"));
 }
 
@@ -234,10 +222,10 @@ TEST(Archive, what_unpacks_to_suspiciously_much_is_refused) {
   ArchiveLimits limits;
   limits.ratio = 100;
   limits.unsuspicious_bytes = 1 << 20;
-  EXPECT_EQ(ProblemOf(support::ZipOfZeros("zeros", 1 << 20), limits), "");
+  EXPECT_EQ(ProblemOf(support::ZipOfZeros("zeros", 1 << 20), limits), "no error");
   EXPECT_THAT(ProblemOf(support::ZipOfZeros("zeros", (1 << 20) + 1), limits), HasSubstr("more than 100 times"));
   limits.ratio = 2000;
-  EXPECT_EQ(ProblemOf(support::ZipOfZeros("zeros", (1 << 20) + 1), limits), "");
+  EXPECT_EQ(ProblemOf(support::ZipOfZeros("zeros", (1 << 20) + 1), limits), "no error");
 }
 
 }  // namespace

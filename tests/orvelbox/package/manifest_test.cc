@@ -1,25 +1,17 @@
 // Manifests that can be installed; those that cannot are in bad_input_test.
 #include "orvelbox/package/manifest.h"
 
-#include <gmock/gmock.h>
-
-#include "platform/host/device.h"
-#include "tests/support/files.h"
+#include "tests/orvelbox/frame.h"
 
 namespace orvelbox {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
-class ManifestFile : public testing::Test {
+class ManifestFile : public DirectoryTest {
  protected:
   host::Package Read(const std::string& text) const {
-    support::WriteFile(dir_ / kManifestName, text);
+    WriteFile(dir_ / kManifestName, text);
     return ReadManifest(dir_.path()).package;
   }
-
-  support::TempDir dir_;
 };
 
 TEST_F(ManifestFile, everything_written_is_read) {

@@ -1,33 +1,27 @@
 // Archives on the disk: what is there afterwards, and that a refused one leaves nothing.
-#include <gmock/gmock.h>
 #include <sys/stat.h>
 
 #include "orvelbox/desk/tree.h"
 #include "orvelbox/package/source.h"
-#include "platform/host/device.h"
-#include "tests/support/files.h"
+#include "tests/orvelbox/frame.h"
 #include "tests/support/zip.h"
-
-namespace fs = std::filesystem;
 
 namespace orvelbox {
 namespace {
 
-class UnpackTest : public testing::Test {
+class UnpackTest : public DirectoryTest {
  protected:
   std::string Archive(const std::vector<support::ZipEntry>& entries) const {
-    support::WriteFile(dir_ / "a.opk", support::ZipOf(entries));
+    WriteFile(dir_ / "a.opk", support::ZipOf(entries));
     return dir_ / "a.opk";
   }
-
-  support::TempDir dir_;
 };
 
 TEST_F(UnpackTest, files_stand_in_their_directories_with_their_permissions) {
   Unpack(Archive({{"empty/", ""}, {"bin/run", "x", S_IFREG | S_ISUID | 0755}, {"bin/closed", "y", S_IFREG | 0044}}),
          dir_ / "to");
   EXPECT_TRUE(fs::is_directory(dir_ / "to/empty"));
-  EXPECT_EQ(support::ReadFile(dir_ / "to/bin/run"), "x");
+  EXPECT_EQ(ReadFile(dir_ / "to/bin/run"), "x");
   EXPECT_EQ(fs::status(dir_ / "to/bin/run").permissions(), fs::perms{0755});
   EXPECT_EQ(fs::status(dir_ / "to/bin/closed").permissions(), fs::perms{0644});
 }
@@ -38,11 +32,11 @@ TEST_F(UnpackTest, a_refused_archive_leaves_nothing) {
 }
 
 TEST_F(UnpackTest, nothing_is_unpacked_through_what_stands_there_already) {
-  support::WriteFile(dir_ / "outside", "precious");
+  WriteFile(dir_ / "outside", "precious");
   fs::create_directory(dir_ / "to");
   fs::create_symlink(dir_ / "outside", dir_ / "to/a");
   EXPECT_THROW(Unpack(Archive({{"a", "1"}}), dir_ / "to"), host::DeviceError);
-  EXPECT_EQ(support::ReadFile(dir_ / "outside"), "precious");
+  EXPECT_EQ(ReadFile(dir_ / "outside"), "precious");
 }
 
 TEST_F(UnpackTest, what_is_no_file_is_refused) {

@@ -1,18 +1,34 @@
 // Drawn traces in a browser without a window: what it makes of the page, and what there is to see.
-#include <gmock/gmock.h>
+#include <png.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <stdexcept>
+
 #include "orvelbox/trace/spans.h"
-#include "tests/orvelbox/trace/png.h"
+#include "tests/orvelbox/frame.h"
 #include "tests/support/command.h"
-#include "tests/support/files.h"
 
 namespace orvelbox {
 namespace {
 
-using testing::HasSubstr;
+using Pixel = std::array<std::uint8_t, 3>;  // red, green, blue
 
-class TraceInBrowser : public testing::Test {
+// The pixels of a PNG picture, row by row.
+std::vector<Pixel> ReadPng(const std::string& bytes) {
+  png_image image{};
+  image.version = PNG_IMAGE_VERSION;
+  if (png_image_begin_read_from_memory(&image, bytes.data(), bytes.size()) == 0)
+    throw std::runtime_error(image.message);
+  image.format = PNG_FORMAT_RGB;
+  std::vector<Pixel> pixels(std::size_t{image.width} * image.height);
+  if (png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr) == 0) throw std::runtime_error(image.message);
+  return pixels;
+}
+
+class TraceInBrowser : public DirectoryTest {
  protected:
   void SetUp() override {
     if (support::OutputOf("command -v chromium").find("chromium") == std::string::npos) {
@@ -30,12 +46,19 @@ class TraceInBrowser : public testing::Test {
                              options + " \"file://$PWD/" + file + "\" 2>browser.log");
   }
 
-  e2e::Picture Photograph(const std::string& file) const {
+  // How many pixels of each of the colours, "#rrggbb", the browser shows of `file`.
+  std::vector<double> Count(const std::string& file, const std::vector<std::string>& colours) const {
     Browse("--screenshot=picture.png", file);
-    return e2e::ReadPng(support::ReadFile(dir_ / "picture.png"));
+    const std::vector<Pixel> pixels = ReadPng(ReadFile(dir_ / "picture.png"));
+    std::vector<double> counts;
+    for (const std::string& colour : colours) {
+      const auto number = std::stoul(colour.substr(1), nullptr, 16);
+      const Pixel wanted = {static_cast<std::uint8_t>(number >> 16), static_cast<std::uint8_t>(number >> 8),
+                            static_cast<std::uint8_t>(number)};
+      counts.push_back(static_cast<double>(std::count(pixels.begin(), pixels.end(), wanted)));
+    }
+    return counts;
   }
-
-  support::TempDir dir_;
 };
 
 // The colour of the box with this name.
@@ -51,22 +74,20 @@ std::vector<Lane> Sample() {
 
 TEST_F(TraceInBrowser, a_page_shows_boxes_as_long_as_the_time_they_took) {
   const std::string page = TraceHtml(Sample(), "trace.json");
-  support::WriteFile(dir_ / "t.html", page);
-  const e2e::Picture picture = Photograph("t.html");
-  const double outer = static_cast<double>(picture.Count(ColourOf(page, "plugin")));
-  const double inner = static_cast<double>(picture.Count(ColourOf(page, "files")));
-  EXPECT_GT(outer, 1180 * 18 * 0.8) << "the letters on the boxes take little";
-  EXPECT_NEAR(inner / outer, 0.5, 0.1);
+  WriteFile(dir_ / "t.html", page);
+  const std::vector<double> counts = Count("t.html", {ColourOf(page, "plugin"), ColourOf(page, "files")});
+  EXPECT_GT(counts[0], 1180 * 18 * 0.8) << "the letters on the boxes take little";
+  EXPECT_NEAR(counts[1] / counts[0], 0.5, 0.1);
 }
 
 TEST_F(TraceInBrowser, a_picture_shows_the_same_boxes) {
   const std::string svg = TraceSvg(Sample());
-  support::WriteFile(dir_ / "t.svg", svg);
-  EXPECT_GT(Photograph("t.svg").Count(ColourOf(svg, "plugin")), 1180 * 18 * 0.8);
+  WriteFile(dir_ / "t.svg", svg);
+  EXPECT_GT(Count("t.svg", {ColourOf(svg, "plugin")})[0], 1180 * 18 * 0.8);
 }
 
 TEST_F(TraceInBrowser, a_page_is_read_as_it_is_meant) {
-  support::WriteFile(dir_ / "t.html", TraceHtml(Sample(), "trace.json"));
+  WriteFile(dir_ / "t.html", TraceHtml(Sample(), "trace.json"));
   const std::string dom = Browse("--dump-dom", "t.html");
   EXPECT_THAT(dom, HasSubstr("<title>trace.json</title>"));
   EXPECT_THAT(dom, HasSubstr("<title>plugin(1) int outer&lt;int&gt;()\nfrom 0.000 ms, 4.000 ms</title>"));

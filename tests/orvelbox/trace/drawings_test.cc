@@ -1,17 +1,14 @@
 // Traces as lines, as pictures and as pages.
-#include <gmock/gmock.h>
+
 #include <libxml/parser.h>
 
 #include <memory>
 
 #include "orvelbox/trace/spans.h"
+#include "tests/orvelbox/frame.h"
 
 namespace orvelbox {
 namespace {
-
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::Not;
 
 Lane Sample() {
   return {7, 7, {{"outer", 0, 4000, 0, true}, {"half", 0, 2000, 1, true}, {"blink", 3999, 3999, 1, true}}};

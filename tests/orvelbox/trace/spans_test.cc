@@ -1,9 +1,7 @@
 // Spans out of trace events.
 #include "orvelbox/trace/spans.h"
 
-#include <gmock/gmock.h>
-
-#include "platform/host/device.h"
+#include "tests/orvelbox/frame.h"
 
 namespace orvelbox {
 namespace {
@@ -25,9 +23,6 @@ std::vector<std::string> Told(const std::string& text) {
   }
   return told;
 }
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 TEST(TraceSpans, nest_by_time_after_the_lanes_first) {
   EXPECT_THAT(Told("[\n" + Event('B', "a", 100) + ",\n" + Event('B', "b", 110) + ",\n" + Event('E', "b", 130) + ",\n" +
@@ -68,12 +63,9 @@ TEST(TraceSpans, a_lane_tells_how_long_and_how_deep_it_is) {
 TEST(TraceSpans, what_is_no_trace_is_refused_by_name) {
   for (const char* text : {"", "x", "{}", "[1]", "[{\"name\":\"a\"}]", "[\n{\"name\":\"a\",\"ph\":7,\"pid\":1",
                            "[{\"name\":\"a\",\"ph\":\"B\",\"pid\":\"1\",\"tid\":1,\"ts\":1}]"}) {
-    try {
-      ReadTrace(text, "t.json");
-      ADD_FAILURE() << text;
-    } catch (const host::DeviceError& error) {
-      EXPECT_STREQ(error.what(), "t.json: no trace; write one with: orvelbox --trace FILE install PACKAGE") << text;
-    }
+    EXPECT_EQ(ErrorOf([&] { ReadTrace(text, "t.json"); }),
+              "t.json: no trace; write one with: orvelbox --trace FILE install PACKAGE")
+        << text;
   }
 }
 

@@ -1,0 +1,28 @@
+// The frame of the host platform's tests.
+#include "tests/host/frame.h"
+
+namespace host_tests {
+
+void MachineTest::SetUp() {
+  const std::string obstacle = machine::ObstacleToEmptied();
+  if (!obstacle.empty()) GTEST_SKIP() << "no namespace for another machine: " << obstacle;
+}
+
+void MachineTest::OnEmptiedMachine(const std::function<void()>& body) {
+  support::InFreshProcess([&] {
+    machine::EnterEmptied();
+    body();
+  });
+}
+
+void LayOutRoot(const fs::path& root) {
+  WriteFile(root / "usr/share/dotnet.orvel/framework/F.dll", "platform");
+  WriteFile(root / "opt/usr/globalapps/p/x", "user area");
+}
+
+void ExpectDeviceAtFixedPaths() {
+  EXPECT_EQ("platform", ReadFile("/usr/share/dotnet.orvel/framework/F.dll"));
+  EXPECT_EQ("user area", ReadFile("/opt/usr/globalapps/p/x"));
+}
+
+}  // namespace host_tests

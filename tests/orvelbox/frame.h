@@ -1,0 +1,41 @@
+// The frame of the tests of orvelbox's parts, which include nothing that this header brings.
+#ifndef TESTS_ORVELBOX_FRAME_H_
+#define TESTS_ORVELBOX_FRAME_H_
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "platform/host/device.h"
+#include "tests/support/device_error.h"
+#include "tests/support/files.h"
+
+namespace orvelbox {
+
+namespace fs = std::filesystem;
+using support::ErrorOf;
+using support::ReadFile;
+using support::WriteFile;
+using testing::AllOf;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::Pair;
+using testing::StartsWith;
+
+// A test with a directory of its own.
+class DirectoryTest : public testing::Test {
+ protected:
+  const support::TempDir dir_;
+};
+
+}  // namespace orvelbox
+
+#endif
