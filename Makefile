@@ -1,5 +1,6 @@
 # The commands of everyday work. Each installs what is missing first; CMakePresets.json holds the builds.
-.PHONY: build tests test test-heavy test-container test-distributions test-devices demo bench bench-compare bench-programs \
+.PHONY: build tests test test-heavy test-container test-distributions test-devices demo bench bench-compare bench-check \
+  bench-programs \
   coverage mutation fuzz lint format sanitize valgrind clean packages lint-packages package package-test reproducible \
   package-tools
 
@@ -72,6 +73,10 @@ bench: bench-programs
 
 bench-compare: bench-programs
 	bench/compare.py build/release build/bench
+
+# What `orvelbox check` costs on a store of packages, beside programs that list them (some five minutes).
+bench-check: bench-programs
+	bench/check.py build/release build/bench
 
 bench-programs: packages
 	@scripts/install-packages.sh scripts/bench-packages.txt

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "base/affix.h"
 #include "orvelbox/check/result.h"
@@ -103,29 +104,33 @@ std::string ToJson(const CheckedPackage& package) {
   return host::AsciiJson(json);
 }
 
-std::string ToSarif(const std::vector<CheckedPackage>& packages) {
-  host::Json results = host::Json::array();
-  host::Json notifications = host::Json::array();
-  for (const CheckedPackage& package : packages) {
-    if (!package.problem.empty()) notifications.push_back(NotificationOf(package));
-    for (const CheckedDll& dll : package.dlls) {
-      if (dll.IsDuplicate()) results.push_back(ResultOf(package, dll));
-    }
+void SarifLog::Add(const CheckedPackage& package) {
+  Begin();
+  if (!package.problem.empty()) {
+    notifications_ += (notifications_.empty() ? "" : ",") + host::AsciiJson(NotificationOf(package));
   }
-  const bool successful = notifications.empty();
+  for (const CheckedDll& dll : package.dlls) {
+    if (!dll.IsDuplicate()) continue;
+    say_((std::exchange(first_, false) ? "" : ",") + host::AsciiJson(ResultOf(package, dll)));
+  }
+}
+
+void SarifLog::End() {
+  Begin();
+  const char* const successful = notifications_.empty() ? "true" : "false";
+  say_(std::string("],\"invocations\":[{\"executionSuccessful\":") + successful + ",\"toolExecutionNotifications\":[" +
+       notifications_ + "]}]}]}");
+}
+
+void SarifLog::Begin() {
+  if (std::exchange(begun_, true)) return;
   const host::Json rules = {Rule(kRemovedRule, "A DLL of the package is provided already; the install removes it."),
                             Rule(kReportedRule,
                                  "A DLL of the package is provided in the read-write area; the install "
                                  "reports it and keeps it.")};
-  const host::Json run = {
-      {"tool", {{"driver", {{"name", "orvelbox check"}, {"rules", rules}}}}},
-      {"invocations",
-       host::Json::array({{{"executionSuccessful", successful}, {"toolExecutionNotifications", notifications}}})},
-      {"results", results}};
-  const host::Json log = {{"$schema", "https://json.schemastore.org/sarif-2.1.0.json"},
-                          {"version", "2.1.0"},
-                          {"runs", host::Json::array({run})}};
-  return host::AsciiJson(log, 2);
+  const host::Json tool = {{"driver", {{"name", "orvelbox check"}, {"rules", rules}}}};
+  say_(R"({"$schema":"https://json.schemastore.org/sarif-2.1.0.json","version":"2.1.0","runs":[{"tool":)" +
+       host::AsciiJson(tool) + ",\"results\":[");
 }
 
 }  // namespace orvelbox

@@ -3,6 +3,7 @@
 #define ORVEL_ORVELBOX_CHECK_RESULT_H_
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -65,8 +66,23 @@ Lines ProjectLines(const CheckedPackage& package);
 std::string ToJson(const CheckedPackage& package);
 
 // A log in SARIF 2.1.0, which code review tools read, with one run: a result per duplicate, a notification per package
-// that could not be checked.
-std::string ToSarif(const std::vector<CheckedPackage>& packages);
+// that could not be checked. Results are said as they come, so that none is kept.
+class SarifLog {
+ public:
+  // `say` takes the log line by line.
+  explicit SarifLog(std::function<void(const std::string& line)> say) : say_(std::move(say)) {}
+
+  void Add(const CheckedPackage& package);
+  void End();
+
+ private:
+  void Begin();
+
+  std::function<void(const std::string&)> say_;
+  bool begun_ = false;
+  bool first_ = true;  // result of all
+  std::string notifications_;
+};
 
 }  // namespace orvelbox
 

@@ -20,7 +20,7 @@ constexpr const char* kTable = "table";
 constexpr const char* kJson = "json";
 constexpr const char* kSarif = "sarif";
 
-// Says results as they come, or all together where the format wants it so.
+// Says results as they come.
 class CheckReporter : public CheckReceiver {
  public:
   CheckReporter(std::string format, std::size_t packages, bool quiet)
@@ -32,7 +32,7 @@ class CheckReporter : public CheckReceiver {
     status_ = std::max(status_, StatusOf(package));
     if (format_ == kJson) SayColoured(ToJson(package));
     if (format_ == kTable && package.problem.empty()) SayAll(DescribeCheck(package));
-    if (format_ == kSarif) kept_.push_back(std::move(package));
+    if (format_ == kSarif) sarif_.Add(package);
   }
 
   void Finished(std::size_t packages) override { progress_.Show(packages); }
@@ -40,7 +40,7 @@ class CheckReporter : public CheckReceiver {
   // Returns the exit status.
   int Finish() {
     progress_.Clear();
-    if (format_ == kSarif) SayColoured(ToSarif(kept_));
+    if (format_ == kSarif) sarif_.End();
     return status_;
   }
 
@@ -52,7 +52,7 @@ class CheckReporter : public CheckReceiver {
 
   std::string format_;
   Progress progress_;
-  std::vector<CheckedPackage> kept_;
+  SarifLog sarif_{SayColoured};
   int status_ = kNoDuplicates;
 };
 

@@ -120,6 +120,24 @@ TEST(ProjectLines, a_copy_in_the_package_itself_is_no_matter_of_the_project_file
   EXPECT_THAT(ProjectLines(package), IsEmpty());
 }
 
+std::string ToSarif(const std::vector<CheckedPackage>& packages) {
+  std::string text;
+  SarifLog log([&](const std::string& line) { text += line; });
+  for (const CheckedPackage& package : packages) log.Add(package);
+  log.End();
+  return text;
+}
+
+TEST(CheckSarif, keeps_no_result_until_the_end) {
+  std::vector<std::string> lines;
+  SarifLog log([&](const std::string& line) { lines.push_back(line); });
+  for (std::size_t packages = 1; packages <= 3; ++packages) {
+    log.Add(Package({NewerDll()}));
+    ASSERT_EQ(lines.size(), 1 + packages);
+    EXPECT_THAT(lines.back(), HasSubstr("bin/Json.dll (2.0.0.0) duplicates"));
+  }
+}
+
 TEST(CheckSarif, has_a_result_per_duplicate_and_a_notification_per_unreadable_package) {
   CheckedPackage unreadable;
   unreadable.name = "b c.opk";
