@@ -1,8 +1,7 @@
 # The commands of everyday work. Each installs what is missing first; CMakePresets.json holds the builds.
 .PHONY: build tests test test-heavy test-container test-distributions test-devices demo bench bench-compare bench-check \
-  bench-programs \
-  coverage mutation fuzz lint format sanitize valgrind clean packages lint-packages package package-test reproducible \
-  package-tools
+  bench-programs coverage mutation fuzz lint format sanitize valgrind clean packages lint-packages package package-test \
+  reproducible package-tools
 
 JOBS ?= $(shell nproc)
 
