@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -26,15 +27,12 @@ constexpr std::size_t kHeaderWindow = 256;
 constexpr std::size_t kFirstPiece = 1024;
 constexpr std::size_t kLargestPiece = 65536;
 
-UniqueFd OpenArchive(const fs::path& file, std::uint64_t& size) {
+UniqueFd OpenArchive(const fs::path& file) {
   UniqueFd descriptor(open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   struct stat status {};
   if (!descriptor || fstat(descriptor.get(), &status) != 0) host::ThrowFileError(file, "read", errno);
-  if (!S_ISREG(status.st_mode)) {
-    throw host::DeviceError(file.string() + ": no regular file; name the directory or the archive of a package");
-  }
-  size = static_cast<std::uint64_t>(status.st_size);
-  return descriptor;
+  if (S_ISREG(status.st_mode)) return descriptor;
+  throw host::DeviceError(file.string() + ": no regular file; name the directory or the archive of a package");
 }
 
 // Programs of other systems write "\" between the names.
@@ -51,11 +49,9 @@ bool IsDirectory(const ZipEntry& entry) { return !entry.name.empty() && PathOf(e
 
 }  // namespace
 
-Archive::Archive(const fs::path& file, const ArchiveLimits& limits) : name_(file.string()) {
-  std::uint64_t size = 0;
-  file_ = OpenArchive(file, size);
+Archive::Archive(const fs::path& file, const ArchiveLimits& limits) : name_(file.string()), file_(OpenArchive(file)) {
   try {
-    ReadEntries(size, limits);
+    ReadEntries(limits);
   } catch (const ZipProblem& problem) {
     RefuseDamaged(problem.entry, problem.what());
   } catch (const BeyondBytes&) {
@@ -63,7 +59,8 @@ Archive::Archive(const fs::path& file, const ArchiveLimits& limits) : name_(file
   }
 }
 
-void Archive::ReadEntries(std::uint64_t size, const ArchiveLimits& limits) {
+void Archive::ReadEntries(const ArchiveLimits& limits) {
+  const auto size = static_cast<std::uint64_t>(lseek(file_.get(), 0, SEEK_END));
   FileBytes directory(file_.get(), kDirectoryWindow);
   FileBytes headers(file_.get(), kHeaderWindow);
   ArchivePaths paths(limits);

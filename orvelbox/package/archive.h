@@ -51,7 +51,7 @@ class Archive {
   [[noreturn]] void RefuseDamaged(const std::string& entry, const std::string& why) const;
 
  private:
-  void ReadEntries(std::uint64_t size, const ArchiveLimits& limits);
+  void ReadEntries(const ArchiveLimits& limits);
   [[noreturn]] void Refuse(const std::string& entry, const std::string& why) const;
   void RequirePlain(const ZipEntry& entry) const;
   void RequireRoom(const ZipEntry& entry, std::uint64_t before, std::uint64_t own_size,
