@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Times the plug-in's pass, removals and log lines included, against what a person would use to find the names only:
-bench/compare.py BUILD OUT. Seconds are of whole processes on a package of 100,000 files with 1,000 duplicates, beside
-them the CPU seconds of the same run, all processes of a pipeline together; fresh processes take turns, medians. Prints a
-table and writes OUT/compare.json."""
+bench/compare.py BUILD OUT. Seconds are of whole processes on packages of 100,000 files, without duplicates and with 1,000
+of them, beside them the CPU seconds of the same run, all processes of a pipeline together; fresh processes take turns,
+medians. Prints a table and writes OUT/compare.json."""
 import json
 import resource
 import subprocess
@@ -15,7 +15,7 @@ from measuring import Tree, interleaved
 ROUNDS = 7
 PEERS = Path(__file__).resolve().parent / "peers"
 PACKAGE, PLATFORM = "/opt/usr/apps/org.example.bench", "/usr/share/dotnet.orvel"
-DUPLICATES = 1000
+DUPLICATES = [0, 1000]
 
 
 def cpu_seconds():
@@ -24,10 +24,8 @@ def cpu_seconds():
     return usage.ru_utime + usage.ru_stime
 
 
-def main():
-    build, out = Path(sys.argv[1]).resolve(), Path(sys.argv[2])
-    out.mkdir(parents=True, exist_ok=True)
-    commands = {
+def commands(build):
+    return {
         "plug-in (removes and logs)": [build / "bench/bench_plugin", "pass"],
         "find | sort | comm": [PEERS / "find_comm.sh", PACKAGE, PLATFORM],
         "find | awk": [PEERS / "find_awk.sh", PACKAGE, PLATFORM],
@@ -38,27 +36,42 @@ def main():
         "jdupes (by content)": ["jdupes", "-r", "-q", PACKAGE, PLATFORM],
         "rdfind (by content)": ["rdfind", "-dryrun", "true", "-outputname", "/dev/null", PACKAGE, PLATFORM],
     }
-    by_name = [name for name in commands if "content" not in name and "plug-in" not in name]
-    with Tree(build, 100000, DUPLICATES) as tree:
+
+
+def measure(build, duplicates):
+    """(Seconds, CPU seconds) by the names of the commands."""
+    with Tree(build, 100000, duplicates) as tree:
         def timed(command):
-            def measure():
+            def measure_once():
                 tree.restore()
                 begin = time.monotonic(), cpu_seconds()
-                subprocess.run([str(part) for part in tree.command(*command)], check=True, stdout=subprocess.DEVNULL,
-                               stderr=subprocess.DEVNULL)
+                subprocess.run([str(part) for part in tree.command(*command)], check=True,
+                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
                 return time.monotonic() - begin[0], cpu_seconds() - begin[1]
-            return measure
+            return measure_once
 
         tree.restore()
-        for name in by_name:
-            found = subprocess.run([str(part) for part in tree.command(*commands[name])], stdout=subprocess.PIPE)
-            if len(found.stdout.splitlines()) != DUPLICATES:
-                sys.exit(f"bench: {name} found {len(found.stdout.splitlines())} names, not {DUPLICATES}")
-        seconds = interleaved(ROUNDS, {name: timed(command) for name, command in commands.items()})
-    own = next(iter(seconds.values()))
-    for name, (elapsed, cpu) in sorted(seconds.items(), key=lambda item: item[1]):
-        print(f"{name:<28} {elapsed:>8.3f} s   {elapsed / own[0]:>6.2f}   {cpu:>8.3f} s of CPU   {cpu / own[1]:>6.2f}")
-    (out / "compare.json").write_text(json.dumps(seconds, indent=1) + "\n")
+        for name, command in commands(build).items():
+            if "content" in name or "plug-in" in name:
+                continue
+            found = subprocess.run([str(part) for part in tree.command(*command)], stdout=subprocess.PIPE)
+            if len(found.stdout.splitlines()) != duplicates:
+                sys.exit(f"bench: {name} found {len(found.stdout.splitlines())} names, not {duplicates}")
+        return interleaved(ROUNDS, {name: timed(command) for name, command in commands(build).items()})
+
+
+def main():
+    build, out = Path(sys.argv[1]).resolve(), Path(sys.argv[2])
+    out.mkdir(parents=True, exist_ok=True)
+    results = {}
+    for duplicates in DUPLICATES:
+        seconds = results[duplicates] = measure(build, duplicates)
+        print(f"{duplicates} duplicates")
+        own = next(iter(seconds.values()))
+        for name, (elapsed, cpu) in sorted(seconds.items(), key=lambda item: item[1]):
+            print(f"  {name:<28} {elapsed:>8.3f} s   {elapsed / own[0]:>6.2f}   {cpu:>8.3f} s of CPU   "
+                  f"{cpu / own[1]:>6.2f}")
+    (out / "compare.json").write_text(json.dumps(results, indent=1) + "\n")
 
 
 if __name__ == "__main__":
