@@ -76,9 +76,9 @@ TEST_F(MissingPackages, programs_are_named_by_what_they_are) {
 }
 
 TEST_F(MissingPackages, libraries_are_named_with_their_least_version) {
-  const std::string output = ConfigureWithout("SQLite3");
-  EXPECT_THAT(output, HasSubstr("\nmissing: SQLite 3.40 or newer, with its headers\n"));
-  EXPECT_THAT(output, HasSubstr("install what is missing (SQLite3)"));
+  const std::string output = ConfigureWithout("nlohmann_json");
+  EXPECT_THAT(output, HasSubstr("\nmissing: JSON for Modern C++ (nlohmann_json) 3.11 or newer, with its headers\n"));
+  EXPECT_THAT(output, HasSubstr("install what is missing (nlohmann_json)"));
 }
 
 }  // namespace
