@@ -66,7 +66,7 @@ bool PlacedListing::LeadsToFileOrDirectory(const std::string& path) const {
   const std::vector<Listing::Entry>* const entries = Find(path.substr(0, slash));
   if (entries == nullptr) return false;
   return std::any_of(entries->begin(), entries->end(), [&](const Listing::Entry& entry) {
-    return entry.followed && std::string_view(path).substr(slash + 1) == entry.name;
+    return entry.followed && path.compare(slash + 1, std::string::npos, entry.name) == 0;
   });
 }
 

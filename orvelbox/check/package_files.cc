@@ -40,7 +40,8 @@ void ListTree(const fs::path& root, const fs::path& part, Listing& listing) {
   const std::size_t root_length = root.native().size() + 1;
   try {
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(part)) {
-      const std::string_view path = std::string_view(entry.path().native()).substr(root_length);
+      std::string_view path = entry.path().native();
+      path.remove_prefix(root_length);
       const unsigned char type = TypeOf(entry.symlink_status().type());
       if (type != DT_DIR && !LooksLikeDll(path)) continue;
       std::error_code ignored;
@@ -86,7 +87,7 @@ class UnpackedBytes : public ByteSource {
       if (piece.empty()) throw BeyondBytes();
       bytes_ += piece;
     }
-    return std::string_view(bytes_).substr(static_cast<std::size_t>(at), length);
+    return {bytes_.data() + at, length};
   }
 
  private:

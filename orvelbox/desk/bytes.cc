@@ -21,7 +21,7 @@ std::string_view FileBytes::Read(std::uint64_t at, std::size_t length) {
     bytes_.resize(static_cast<std::size_t>(count));
     if (length > bytes_.size()) throw BeyondBytes();
   }
-  return std::string_view(bytes_).substr(static_cast<std::size_t>(at - begin_), length);
+  return {bytes_.data() + (at - begin_), length};
 }
 
 }  // namespace orvelbox

@@ -90,7 +90,7 @@ class ByteView {
   std::string Text(std::uint64_t most) const {
     std::string text;
     const ByteView within = Part(0, std::min(most, size_));
-    for (std::uint64_t at = 0; const std::uint8_t byte = within.U8(at); ++at) text += static_cast<char>(byte);
+    for (std::uint8_t byte = within.U8(0); byte != 0; byte = within.U8(text.size())) text += static_cast<char>(byte);
     return text;
   }
 

@@ -43,7 +43,7 @@ std::string PathOf(const ZipEntry& entry) {
 }
 
 // A NUL would end the whole text.
-std::string Named(const std::string& entry) { return std::string(": entry \"") + entry.c_str() + "\""; }
+std::string Named(const std::string& entry) { return ": entry \"" + entry.substr(0, entry.find('\0')) + "\""; }
 
 bool IsDirectory(const ZipEntry& entry) { return !entry.name.empty() && PathOf(entry).back() == '/'; }
 
