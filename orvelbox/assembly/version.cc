@@ -37,7 +37,8 @@ constexpr std::uint64_t kVersionNumbersAt = 4;
 // What lies at the address `address` of the loaded image, up to the end of its section in the file.
 ByteView AtAddress(const ByteView& file, const ByteView& pe, std::uint32_t address) {
   const std::uint64_t sections = kOptionalHeaderAt + pe.U16(kOptionalHeaderSizeAt);
-  for (std::uint64_t i = 0; i < pe.U16(kSectionCountAt); ++i) {
+  const std::uint16_t count = pe.U16(kSectionCountAt);
+  for (std::uint64_t i = 0; i < count; ++i) {
     const ByteView section = pe.Part(sections + i * kSectionHeaderSize, kSectionHeaderSize);
     const std::uint32_t begin = section.U32(12);
     const std::uint32_t size = section.U32(16);

@@ -3,8 +3,6 @@
 
 #include <dirent.h>
 
-#include <algorithm>
-
 #include "base/affix.h"
 
 namespace orvelbox {
@@ -17,23 +15,34 @@ bool LooksLikeDll(std::string_view path) {
 std::vector<Listing::Entry>& Listing::In(std::string_view directory) {
   const auto [place, added] = directories_.try_emplace(std::string(directory));
   std::vector<Entry>& entries = place->second;
-  if (added && !directory.empty()) Put(directory, DT_DIR, true);
+  if (added && !directory.empty()) Put(directory, DT_DIR);
   return entries;
 }
 
-void Listing::Put(std::string_view path, unsigned char type, bool followed) {
+void Listing::Put(std::string_view path, unsigned char type) {
   const std::size_t slash = path.rfind('/');
   const std::string_view directory = slash == std::string_view::npos ? "" : path.substr(0, slash);
-  In(directory).push_back({std::string(path.substr(slash + 1)), type, followed});
+  In(directory).push_back({std::string(path.substr(slash + 1)), type});
 }
 
-void Listing::Add(std::string_view path, unsigned char type, bool followed) {
+void Listing::Add(std::string_view path, unsigned char type) {
   if (type == DT_DIR) {
     In(path);
   } else if (LooksLikeDll(path)) {
-    Put(path, type, followed);
+    Put(path, type);
     ++dlls_;
   }
+}
+
+void Listing::AddLinked(const std::string& path, Listing there) { linked_.emplace(path, std::move(there)); }
+
+const std::vector<Listing::Entry>* Listing::Find(std::string_view directory) const {
+  for (const auto& [path, there] : linked_) {
+    if (directory == path) return there.Find("");
+    if (HasPrefix(directory, path + "/")) return there.Find(directory.substr(path.size() + 1));
+  }
+  const auto found = directories_.find(std::string(directory));
+  return found == directories_.end() ? nullptr : &found->second;
 }
 
 void Listing::ForEachDll(const std::function<void(const std::string& path)>& visit) const {
@@ -50,8 +59,7 @@ const std::vector<Listing::Entry>* PlacedListing::Find(std::string_view path) co
   path.remove_prefix(root_.size());
   while (!path.empty() && path.front() == '/') path.remove_prefix(1);
   while (!path.empty() && path.back() == '/') path.remove_suffix(1);
-  const auto found = listing_.directories_.find(std::string(path));
-  return found == listing_.directories_.end() ? nullptr : &found->second;
+  return listing_.Find(path);
 }
 
 bool PlacedListing::Directory::Next(ListedEntry& entry) {
@@ -59,15 +67,6 @@ bool PlacedListing::Directory::Next(ListedEntry& entry) {
   const Listing::Entry& listed = (*entries_)[next_++];
   entry = {listed.name, listed.type, true};
   return true;
-}
-
-bool PlacedListing::LeadsToFileOrDirectory(const std::string& path) const {
-  const std::size_t slash = path.rfind('/');
-  const std::vector<Listing::Entry>* const entries = Find(path.substr(0, slash));
-  if (entries == nullptr) return false;
-  return std::any_of(entries->begin(), entries->end(), [&](const Listing::Entry& entry) {
-    return entry.followed && path.compare(slash + 1, std::string::npos, entry.name) == 0;
-  });
 }
 
 Walk WalkOver(const Listing& listing, const std::string& root) {

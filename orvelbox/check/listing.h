@@ -4,6 +4,7 @@
 #define ORVEL_ORVELBOX_CHECK_LISTING_H_
 
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -18,10 +19,12 @@ bool LooksLikeDll(std::string_view path);
 
 class Listing {
  public:
-  // `path`: below the root, its names separated by single "/". `type`: as in dirent. `followed`: a link or what is of
-  // no known type leads to a file or a directory. A directory may be told more than once, or not at all. Files that are
-  // not named like DLLs are left out.
-  void Add(std::string_view path, unsigned char type, bool followed = true);
+  // `path`: below the root, its names separated by single "/". `type`: as in dirent; a link is one that leads to a file
+  // or a directory. A directory may be told more than once, or not at all. Files that are not named like DLLs are left
+  // out.
+  void Add(std::string_view path, unsigned char type);
+  // The link `path` leads to a directory that holds `there`. No walk enters it, but it can be asked for by its path.
+  void AddLinked(const std::string& path, Listing there);
 
   // How much there is that is named like a DLL and is no directory.
   std::size_t dlls() const { return dlls_; }
@@ -33,12 +36,13 @@ class Listing {
   struct Entry {
     std::string name;
     unsigned char type;
-    bool followed;
   };
   std::vector<Entry>& In(std::string_view directory);
-  void Put(std::string_view path, unsigned char type, bool followed);
+  const std::vector<Entry>* Find(std::string_view directory) const;
+  void Put(std::string_view path, unsigned char type);
 
   std::unordered_map<std::string, std::vector<Entry>> directories_;  // by their paths below the root, which is ""
+  std::map<std::string, Listing, std::greater<>> linked_;            // the longest path first
   std::size_t dlls_ = 0;
 };
 
@@ -59,7 +63,7 @@ class PlacedListing {
   PlacedListing(const Listing& listing, std::string root) : listing_(listing), root_(std::move(root)) {}
 
   Directory Open(const std::string& path) const { return Directory(Find(path)); }
-  bool LeadsToFileOrDirectory(const std::string& path) const;
+  static bool LeadsToFileOrDirectory(const std::string& /*path*/) { return true; }
 
  private:
   const std::vector<Listing::Entry>* Find(std::string_view path) const;

@@ -141,15 +141,14 @@ DllCopy PackageChecker::Provided(const std::string& origin, const PlacedPackage&
   };
   if (host::IsBelow(origin, own.root)) return facts_in(*own.files, own.root);
   const std::lock_guard lock(mutex_);
-  const auto [place, added] = provided_.try_emplace(origin);
-  if (!added) return place->second;
-  if (host::IsBelow(origin, host::kPlatformAssemblies)) {
-    place->second = facts_in(*set_.assemblies, host::kPlatformAssemblies);
-  }
+  const auto known = provided_.find(origin);
+  if (known != provided_.end()) return known->second;
+  DllCopy facts;
+  if (host::IsBelow(origin, host::kPlatformAssemblies)) facts = facts_in(*set_.assemblies, host::kPlatformAssemblies);
   for (const auto& [id, component] : set_.coba) {
-    if (host::IsBelow(origin, component.root)) place->second = facts_in(*component.files, component.root);
+    if (host::IsBelow(origin, component.root)) facts = facts_in(*component.files, component.root);
   }
-  return place->second;
+  return provided_.emplace(origin, facts).first->second;
 }
 
 CheckedPackage PackageChecker::Check(const fs::path& package_path) const {

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 
 #include <string_view>
+#include <system_error>
 #include <unordered_map>
 
 #include "base/unique_fd.h"
@@ -23,33 +24,44 @@ namespace {
 constexpr std::size_t kWindow = 4096;
 constexpr std::size_t kMostUnpacked = std::size_t{8} << 20;
 
-unsigned char TypeOf(fs::file_type type) {
-  switch (type) {
+// What the walk sees of an entry; it passes over what is neither file nor directory, nor a link to one.
+unsigned char TypeOf(const fs::directory_entry& entry) {
+  std::error_code ignored;
+  switch (entry.symlink_status().type()) {
     case fs::file_type::regular:
       return DT_REG;
     case fs::file_type::directory:
       return DT_DIR;
     case fs::file_type::symlink:
-      return DT_LNK;
+      return entry.is_regular_file(ignored) || entry.is_directory(ignored) ? DT_LNK : DT_FIFO;
     default:
-      return DT_FIFO;  // whatever it is, the walk passes it over
+      return DT_FIFO;
   }
 }
 
-void ListTree(const fs::path& root, const fs::path& part, Listing& listing) {
-  const std::size_t root_length = root.native().size() + 1;
+// The tree of the directory `root`.
+Listing ListTree(const fs::path& root) {
+  Listing listing;
   try {
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(part)) {
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(root)) {
+      const bool directory = entry.symlink_status().type() == fs::file_type::directory;
       std::string_view path = entry.path().native();
-      path.remove_prefix(root_length);
-      const unsigned char type = TypeOf(entry.symlink_status().type());
-      if (type != DT_DIR && !LooksLikeDll(path)) continue;
-      std::error_code ignored;
-      const bool followed = type == DT_LNK && (entry.is_regular_file(ignored) || entry.is_directory(ignored));
-      listing.Add(path, type, followed);
+      path.remove_prefix(root.native().size());
+      while (path.front() == '/') path.remove_prefix(1);
+      if (directory || LooksLikeDll(path)) listing.Add(path, TypeOf(entry));
     }
   } catch (const fs::filesystem_error& error) {
-    host::ThrowFileError(error.path1().empty() ? part : error.path1(), "read", error.code().value());
+    host::ThrowFileError(error.path1().empty() ? root : error.path1(), "read", error.code().value());
+  }
+  return listing;
+}
+
+// The directories that the plug-in opens by their paths, and so through links as well.
+void AddLinkedDirectories(const fs::path& root, Listing& listing) {
+  for (const char* path : {"netcoreapp", "framework", "d.pc", "tvappapi", "lib", "shared", "shared/res"}) {
+    std::error_code ignored;
+    if (!fs::is_symlink(root / path, ignored) || !fs::is_directory(root / path, ignored)) continue;
+    listing.AddLinked(path, ListTree(fs::canonical(root / path)));
   }
 }
 
@@ -65,7 +77,7 @@ class FilesOfDirectory : public PackageFiles {
     FileBytes bytes(file.get(), kWindow);
     try {
       return {size, ReadAssemblyVersion(bytes, size)};
-    } catch (const host::DeviceError&) {
+    } catch (const std::system_error&) {
       return {size, std::nullopt};  // known all the same
     }
   }
@@ -122,11 +134,16 @@ class FilesOfArchive : public PackageFiles {
 
 }  // namespace
 
-Files FilesIn(const fs::path& root, const std::string& part) {
+Files FilesIn(const fs::path& root) {
+  std::error_code error;
+  const fs::path place = fs::canonical(root, error);
   Listing listing;
-  std::error_code ignored;
-  if (fs::is_directory(root / part, ignored)) ListTree(root, part.empty() ? root : root / part, listing);
-  return std::make_shared<FilesOfDirectory>(root, std::move(listing));
+  if (error && error != std::errc::no_such_file_or_directory) host::ThrowFileError(root, "read", error.value());
+  if (!error) {
+    listing = ListTree(place);
+    AddLinkedDirectories(place, listing);
+  }
+  return std::make_shared<FilesOfDirectory>(place, std::move(listing));
 }
 
 OpenedPackage OpenPackage(const fs::path& package) {
@@ -136,7 +153,7 @@ OpenedPackage OpenPackage(const fs::path& package) {
     return {std::move(manifest), std::make_shared<FilesOfArchive>(std::move(archive))};
   }
   Manifest manifest = ReadManifest(package);
-  return {std::move(manifest), FilesIn(fs::canonical(package))};
+  return {std::move(manifest), FilesIn(package)};
 }
 
 }  // namespace orvelbox

@@ -28,9 +28,9 @@ class PackageFiles {
 };
 using Files = std::shared_ptr<const PackageFiles>;
 
-// What stands in the directory `root`, or below its subdirectory `part` only; nothing where that is not there. Throws
-// host::DeviceError when a directory cannot be read.
-Files FilesIn(const std::filesystem::path& root, const std::string& part = "");
+// What stands in the directory `root`; nothing where that is not there. Throws host::DeviceError when a directory
+// cannot be read.
+Files FilesIn(const std::filesystem::path& root);
 
 struct OpenedPackage {
   Manifest manifest;

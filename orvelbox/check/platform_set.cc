@@ -4,6 +4,7 @@
 #include <dirent.h>
 
 #include <algorithm>
+#include <climits>
 #include <set>
 #include <sstream>
 
@@ -25,7 +26,7 @@ bool IsCobaEntry(const host::MetadataEntry& entry) {
 // Absolute, with one "/" between names of which none is "." or "..".
 bool IsPlain(const std::string& path) {
   const bool doubtful = path.find("//") != std::string::npos || path.find("/.") != std::string::npos;
-  return path.front() == '/' && path.find('\0') == std::string::npos &&
+  return path.front() == '/' && path.size() < PATH_MAX && path.find('\0') == std::string::npos &&
          (!doubtful || fs::path(path).lexically_normal() == path);
 }
 
@@ -87,8 +88,7 @@ PlatformSet SetOfDevice(const host::Device& device) {
   for (const host::Package& package : store.List()) {
     set.roots[package.id] = package.root;
     if (!IsCobaPackage(package)) continue;
-    const fs::path root = device.OnDesk(package.root);
-    set.coba[package.id] = {package.id, package.root, FilesIn(root, kSharedResourceSuffix + 1)};
+    set.coba[package.id] = {package.id, package.root, FilesIn(device.OnDesk(package.root))};
   }
   return set;
 }

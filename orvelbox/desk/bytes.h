@@ -26,25 +26,12 @@ class ByteSource {
   virtual std::string_view Read(std::uint64_t at, std::size_t length) = 0;
 };
 
-// Bytes in memory, borrowed.
-class MemoryBytes : public ByteSource {
- public:
-  explicit MemoryBytes(std::string_view bytes) : bytes_(bytes) {}
-  std::string_view Read(std::uint64_t at, std::size_t length) override {
-    if (at > bytes_.size() || length > bytes_.size() - at) throw BeyondBytes();
-    return bytes_.substr(static_cast<std::size_t>(at), length);
-  }
-
- private:
-  std::string_view bytes_;
-};
-
 // The bytes of an open file, borrowed, of which a window is kept in memory.
 class FileBytes : public ByteSource {
  public:
   // `window`: how many bytes are read at a time at least.
   FileBytes(int file, std::size_t window) : file_(file), window_(window) {}
-  // Throws host::DeviceError when the file cannot be read.
+  // Throws std::system_error when the file cannot be read.
   std::string_view Read(std::uint64_t at, std::size_t length) override;
 
  private:

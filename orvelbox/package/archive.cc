@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <new>
+#include <system_error>
 
 #include "orvelbox/desk/bytes.h"
 #include "orvelbox/package/archive_paths.h"
@@ -56,6 +57,8 @@ Archive::Archive(const fs::path& file, const ArchiveLimits& limits) : name_(file
     RefuseDamaged(problem.entry, problem.what());
   } catch (const BeyondBytes&) {
     RefuseDamaged("", "it ends too early");
+  } catch (const std::system_error& error) {
+    host::ThrowFileError(file, "read", error.code().value());
   }
 }
 
@@ -120,6 +123,9 @@ void Archive::RequireRoom(const ZipEntry& entry, std::uint64_t before, std::uint
     Refuse(entry.name,
            "unpacks to more than " + std::to_string(limits.ratio) +
                " times the archive's size, which no package does; install it from a directory if it is to be trusted");
+  }
+  if (entry.method == kStored && entry.packed_size != entry.size) {
+    RefuseDamaged(entry.name, "it is stored, but not as long as it says");
   }
 }
 

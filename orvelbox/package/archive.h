@@ -4,7 +4,8 @@
 // An archive is refused when it is no zip file, cut off or damaged, and when one of its entries
 // - has an absolute path, a "..", a backslash, a NUL or an empty or overlong name in its path, or lies too deep,
 // - is a link or a special file, is encrypted, or has the path of another entry that is no directory,
-// - is told differently by the archive's directory and by its own header, or shares bytes with another one,
+// - is told differently by the archive's directory and by its own header, or its content shares bytes with another
+// one's,
 // - goes beyond one of the limits (archive_limits.h).
 #ifndef ORVEL_ORVELBOX_PACKAGE_ARCHIVE_H_
 #define ORVEL_ORVELBOX_PACKAGE_ARCHIVE_H_

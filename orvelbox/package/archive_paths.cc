@@ -18,6 +18,7 @@ std::string ProblemOfName(std::string_view name) {
 
 std::string ArchivePaths::Add(std::string_view written, bool directory, std::string& path) {
   path.clear();
+  if (++told_ > limits_.entries) return OneTooMany();
   if (written.empty()) return "has no name; pack the archive anew";
   if (written.find('\0') != std::string_view::npos) return "holds a NUL in its path; pack the archive anew";
   if (written.front() == '/') return "has an absolute path; pack it with paths relative to the package";
@@ -48,11 +49,12 @@ std::string ArchivePaths::AddPlain(const std::string& path, bool directory) {
   }
   const auto [known, added] = directories_.emplace(path, directory);
   if (!added && !(directory && known->second)) return "is there twice; pack the archive anew";
-  if (directories_.size() > limits_.entries) {
-    return "is one too many: the archive holds more than " + std::to_string(limits_.entries) +
-           " files and directories; make the package smaller";
-  }
-  return "";
+  return directories_.size() > limits_.entries ? OneTooMany() : "";
+}
+
+std::string ArchivePaths::OneTooMany() const {
+  return "is one too many: the archive holds more than " + std::to_string(limits_.entries) +
+         " files and directories; make the package smaller";
 }
 
 }  // namespace orvelbox

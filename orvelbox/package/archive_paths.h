@@ -20,8 +20,10 @@ class ArchivePaths {
 
  private:
   std::string AddPlain(const std::string& path, bool directory);
+  std::string OneTooMany() const;
 
   ArchiveLimits limits_;
+  std::uint64_t told_ = 0;                             // entries, those with the same path among them
   std::unordered_map<std::string, bool> directories_;  // of every path there is: is it a directory?
 };
 

@@ -2,6 +2,7 @@
 #include "orvelbox/package/zip_directory.h"
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 
 namespace orvelbox {
@@ -54,20 +55,20 @@ Directory ReadEnd(ByteSource& file, std::uint64_t end) {
   return {U32(record, 16), U32(record, 12), U16(record, 10)};
 }
 
-// Prefers the 64-bit record, where one stands before the other.
-void ReadEnd64(ByteSource& file, std::uint64_t end, Directory& directory) {
-  if (end < kLocatorSize) return;
+// The 64-bit record, where one stands before the other.
+std::optional<Directory> ReadEnd64(ByteSource& file, std::uint64_t end) {
+  if (end < kLocatorSize) return std::nullopt;
   const std::string_view locator = file.Read(end - kLocatorSize, kLocatorSize);
-  if (!HasSignature(locator, "PK\6\7")) return;
+  if (!HasSignature(locator, "PK\6\7")) return std::nullopt;
   const std::string_view record = file.Read(Number(locator, 8, 8), kEnd64Size);
   if (!HasSignature(record, "PK\6\6")) throw ZipProblem("its 64-bit end record is not where it should be");
-  directory = {Number(record, 48, 8), Number(record, 40, 8), Number(record, 32, 8)};
+  return Directory{Number(record, 48, 8), Number(record, 40, 8), Number(record, 32, 8)};
 }
 
 Directory FindDirectory(ByteSource& file, std::uint64_t size) {
   const std::uint64_t end = FindEnd(file, size);
-  Directory directory = ReadEnd(file, end);
-  ReadEnd64(file, end, directory);
+  const std::optional<Directory> wide = ReadEnd64(file, end);
+  const Directory directory = wide ? *wide : ReadEnd(file, end);
   if (directory.begin > end || directory.size > end - directory.begin) {
     throw ZipProblem("its directory of entries does not fit in");
   }
@@ -129,7 +130,7 @@ void ReadZipDirectory(ByteSource& file, std::uint64_t size, const std::function<
   if (at != end) throw ZipProblem("its directory holds more than its entries");
 }
 
-void FindContent(ByteSource& file, ZipEntry& entry) {
+void FindContent(ByteSource& file, ZipEntry& entry) try {
   const std::string_view header = file.Read(entry.header, kHeaderSize);
   if (!HasSignature(header, "PK\3\4")) throw ZipProblem("its header is not where it should be", entry.name);
   const auto contradict = [&](const char* what) {
@@ -151,6 +152,8 @@ void FindContent(ByteSource& file, ZipEntry& entry) {
   if (!agree(packed_size, entry.packed_size) || !agree(size, entry.size)) contradict("sizes");
   if (!agree(checksum, entry.checksum)) contradict("checksums");
   entry.content = entry.header + kHeaderSize + name + extra;
+} catch (const BeyondBytes&) {
+  throw ZipProblem("its own header is cut off", entry.name);
 }
 
 }  // namespace orvelbox

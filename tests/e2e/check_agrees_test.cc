@@ -137,6 +137,34 @@ INSTANTIATE_TEST_SUITE_P(random, CheckAgreesE2e,
                          testing::Values(RandomTree(1), RandomTree(2), RandomTree(3), RandomTree(4), RandomTree(5)),
                          [](const auto& parameters) { return "tree_" + std::to_string(parameters.index); });
 
+class CheckLinksE2e : public HookDesk {};
+
+// The plug-in opens these directories by their paths, and so through links.
+TEST_F(CheckLinksE2e, linked_directories_provide_what_they_lead_to) {
+  AddPlatformFile("real/C.dll");
+  const std::string core = OnDesk("/usr/share/dotnet.orvel/netcoreapp");
+  std::filesystem::remove(core);
+  std::filesystem::create_symlink("real", core);
+  const std::string package = MakePackage("shop", ManifestText("org.example.shop", "1"),
+                                          {{"real/Mine.dll", ""}, {"bin/Mine.dll", ""}, {"bin/C.dll", ""}});
+  std::filesystem::create_symlink("real", package + "/lib");
+  const auto checked = host::ParseJson(RunExpecting(1, {"check", "--format", "json", package}).out);
+  std::map<std::string, std::string> verdicts;
+  for (const auto& dll : checked["dlls"]) verdicts[dll["path"]] = dll["verdict"];
+  EXPECT_EQ(verdicts, (std::map<std::string, std::string>{
+                          {"bin/C.dll", "removed"}, {"bin/Mine.dll", "reported"}, {"real/Mine.dll", "reported"}}));
+  const std::string said = RunExpecting(0, {"install", package}).out;
+  EXPECT_THAT(said, testing::AllOf(HasSubstr("removed  bin/C.dll"), HasSubstr("kept     bin/Mine.dll: duplicates "),
+                                   HasSubstr("kept     real/Mine.dll: duplicates ")));
+}
+
+TEST_F(CheckLinksE2e, directories_may_be_named_with_a_slash_at_the_end) {
+  AddPlatformFile("framework/X.dll");
+  const std::string package = MakePackage("shop", ManifestText("org.example.shop", "1"), {{"bin/X.dll", ""}});
+  const std::string platform = OnDesk("/usr/share/dotnet.orvel");
+  RunExpecting(1, {"check", "--platform", platform + "/", package + "/"});
+}
+
 class CheckUpgradeE2e : public HookDesk {};
 
 TEST_F(CheckUpgradeE2e, an_installed_package_is_checked_as_its_upgrade) {

@@ -15,7 +15,7 @@ namespace {
 class MachinesE2e : public Desk {};
 
 // The one that dies never ends the job that it has begun.
-constexpr const char* kCheck = R"('[ "$MACHINE" = one ] || { touch begun; sleep 60; }; )" ORVELBOX_PROGRAM
+constexpr const char* kCheck = R"('[ "$MACHINE" = one ] || { touch begun; sleep 60; exit 9; }; )" ORVELBOX_PROGRAM
                                R"( check --platform tv.txt --format json --jobs 1 {} || [ $? = 1 ]')";
 
 TEST_F(MachinesE2e, a_machine_that_dies_loses_no_package_and_tells_none_twice) {

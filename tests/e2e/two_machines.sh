@@ -51,7 +51,11 @@ for machine in one two; do
   done
 done
 (
-  until [ -e "$directory/begun" ]; do sleep 0.05; done
+  tries=0
+  until [ -e "$directory/begun" ] || [ $tries -ge 2000 ]; do
+    tries=$((tries + 1))
+    sleep 0.05
+  done
   kill -9 $two
 ) &
 killer=$!

@@ -12,6 +12,19 @@ using support::AssemblyShape;
 
 constexpr AssemblyVersion kVersion = {13, 0, 3, 27908};
 
+// Bytes in memory, borrowed.
+class MemoryBytes : public ByteSource {
+ public:
+  explicit MemoryBytes(std::string_view bytes) : bytes_(bytes) {}
+  std::string_view Read(std::uint64_t at, std::size_t length) override {
+    if (at > bytes_.size() || length > bytes_.size() - at) throw BeyondBytes();
+    return bytes_.substr(static_cast<std::size_t>(at), length);
+  }
+
+ private:
+  std::string_view bytes_;
+};
+
 std::optional<AssemblyVersion> VersionIn(const std::string& file) {
   MemoryBytes bytes(file);
   return ReadAssemblyVersion(bytes, file.size());

@@ -151,6 +151,23 @@ TEST(Archive, numbers_may_be_told_in_64_bits) {
   EXPECT_THAT(ProblemOf(endless), HasSubstr("makes the package larger than"));
 }
 
+TEST(Archive, headers_far_beyond_the_end_are_refused_by_name) {
+  support::ZipEntry wide{"A.dll", "content"};
+  wide.wide = true;
+  std::string zip = ZipOf({wide});
+  for (const char highest : {'\x7f', '\x80'}) {
+    zip[zip.find("PK\x01\x02") + 46 + 5 + 4 + 23] = highest;  // byte of the place
+    EXPECT_THAT(ProblemOf(zip), HasSubstr("entry \"A.dll\": no zip archive, cut off or damaged (its own header"));
+  }
+}
+
+TEST(Archive, entries_with_one_path_count_each) {
+  ArchiveLimits limits;
+  limits.entries = 3;
+  EXPECT_EQ(ProblemOf(ZipOf({{"d/", ""}, {"d/", ""}, {"./", ""}}), limits), "no error");
+  EXPECT_THAT(ProblemOf(ZipOf({{"d/", ""}, {"d/", ""}, {"./", ""}, {"./", ""}}), limits), HasSubstr("one too many"));
+}
+
 TEST(Archive, another_way_of_compressing_is_refused) {
   std::string zip = ZipOf({{"A.dll", "content"}});
   zip[zip.find("PK\x01\x02") + 10] = 12;
