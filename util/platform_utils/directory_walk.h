@@ -29,8 +29,8 @@ using FileVisitor = std::function<void(const ListedFile&)>;
 // An entry of a directory; good until the next one is asked for.
 struct ListedEntry {
   std::string_view name;
-  unsigned char type = 0;  // as in dirent
-  bool reachable = false;  // nothing about its path speaks against lstat finding it
+  unsigned char type;  // as in dirent
+  bool reachable;      // nothing about its path speaks against lstat finding it
 };
 
 // Directories of links into the shared assembly cache: what they lead to is not the package's own.
@@ -46,7 +46,7 @@ void WalkListed(const Lister& lister, const std::string& path, FileVisitor visit
   if (Contains(path, kAssemblyCacheLinks)) return;
   std::vector<std::string> subdirectories;
   auto directory = lister.Open(path);
-  for (ListedEntry entry; directory.Next(entry);) {
+  for (ListedEntry entry{}; directory.Next(entry);) {
     const ListedFile file{path, entry.name, entry.type == DT_REG && entry.reachable};
     switch (entry.type) {
       case DT_REG:
