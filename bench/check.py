@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Times `orvelbox check` on a store of packages beside programs that only list names: bench/check.py BUILD OUT. Makes 200
-archives and 200 directories of 300 DLLs each (58 of them duplicates), one archive of 20,000 DLLs and a platform list of
+archives and 200 directories of 300 DLLs each (58 of them duplicates), one archive of nearly 20,000 DLLs and a platform list of
 5,000 names below OUT/store. CPU seconds of whole processes, which take turns; medians. For the growth, 100
 archives of 20 DLLs are named up to 100 times. Prints a table and writes OUT/check.json."""
 import json
