@@ -5,6 +5,8 @@
 #include <optional>
 #include <string_view>
 
+#include "base/affix.h"
+
 namespace orvelbox {
 namespace {
 
@@ -22,10 +24,6 @@ constexpr unsigned kMadeOnUnix = 3;
 std::uint16_t U16(std::string_view bytes, std::size_t at) { return static_cast<std::uint16_t>(Number(bytes, at, 2)); }
 std::uint32_t U32(std::string_view bytes, std::size_t at) { return static_cast<std::uint32_t>(Number(bytes, at, 4)); }
 
-bool HasSignature(std::string_view bytes, std::string_view signature) {
-  return bytes.substr(0, signature.size()) == signature;
-}
-
 struct Directory {
   std::uint64_t begin;
   std::uint64_t size;
@@ -41,8 +39,7 @@ std::uint64_t FindEnd(ByteSource& file, std::uint64_t size) {
     const std::size_t left = tail.size() - at;
     if (left >= kEndSize && U16(tail, at + 20) == left - kEndSize) return size - length + at;
   }
-  const bool begins =
-      HasSignature(tail, "PK\5\6") && tail.size() >= kEndSize && U16(tail, 20) == tail.size() - kEndSize;
+  const bool begins = HasPrefix(tail, "PK\5\6") && tail.size() >= kEndSize && U16(tail, 20) == tail.size() - kEndSize;
   if (!begins) throw ZipProblem("its end has no directory of entries");
   return size - length;
 }
@@ -59,9 +56,9 @@ Directory ReadEnd(ByteSource& file, std::uint64_t end) {
 std::optional<Directory> ReadEnd64(ByteSource& file, std::uint64_t end) {
   if (end < kLocatorSize) return std::nullopt;
   const std::string_view locator = file.Read(end - kLocatorSize, kLocatorSize);
-  if (!HasSignature(locator, "PK\6\7")) return std::nullopt;
+  if (!HasPrefix(locator, "PK\6\7")) return std::nullopt;
   const std::string_view record = file.Read(Number(locator, 8, 8), kEnd64Size);
-  if (!HasSignature(record, "PK\6\6")) throw ZipProblem("its 64-bit end record is not where it should be");
+  if (!HasPrefix(record, "PK\6\6")) throw ZipProblem("its 64-bit end record is not where it should be");
   return Directory{Number(record, 48, 8), Number(record, 40, 8), Number(record, 32, 8)};
 }
 
@@ -114,7 +111,7 @@ void ReadZipDirectory(ByteSource& file, std::uint64_t size, const std::function<
   for (std::uint64_t i = 0; i < directory.entries; ++i) {
     if (end - at < kEntrySize) throw ZipProblem("its directory ends too early");
     const std::string_view record = file.Read(at, kEntrySize);
-    if (!HasSignature(record, "PK\1\2")) throw ZipProblem("its directory is damaged");
+    if (!HasPrefix(record, "PK\1\2")) throw ZipProblem("its directory is damaged");
     ZipEntry entry = DescribeEntry(record);
     const std::size_t name = U16(record, 28);
     const std::size_t extra = U16(record, 30);
@@ -132,7 +129,7 @@ void ReadZipDirectory(ByteSource& file, std::uint64_t size, const std::function<
 
 void FindContent(ByteSource& file, ZipEntry& entry) try {
   const std::string_view header = file.Read(entry.header, kHeaderSize);
-  if (!HasSignature(header, "PK\3\4")) throw ZipProblem("its header is not where it should be", entry.name);
+  if (!HasPrefix(header, "PK\3\4")) throw ZipProblem("its header is not where it should be", entry.name);
   const auto contradict = [&](const char* what) {
     throw ZipProblem(std::string("its own header and the directory tell different ") + what, entry.name);
   };
