@@ -70,8 +70,7 @@ class Watch {
 
   void CheckContent(const Archive& archive, const ArchiveEntry& entry) {
     std::uint64_t size = 0;
-    orvelbox::ArchiveContent content(archive, entry);
-    for (std::string_view piece = content.Next(); !piece.empty(); piece = content.Next()) size += piece.size();
+    orvelbox::ReadContent(archive, entry, [&](std::string_view piece) { size += piece.size(); });
     Require(size == entry.size, "a file is as long as its entry says");
     bytes_ += size;
     Require(bytes_ <= limits_.bytes, "there are no more bytes than allowed");

@@ -4,8 +4,10 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <csignal>
 #include <future>
+#include <mutex>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -64,10 +66,14 @@ bool IsInterrupted() {
          sigismember(&pending, SIGHUP) == 1;
 }
 
+// How many packages are begun for each thread before the first of them is delivered: results that wait take memory.
+constexpr std::size_t kAhead = 4;
+
 // Threads that take one package after the other.
 class Workers {
  public:
-  Workers(std::size_t count, unsigned threads, const Work& work) : promises_(count), work_(work) {
+  Workers(std::size_t count, unsigned threads, const Work& work)
+      : promises_(count), work_(work), ahead_(kAhead * threads) {
     for (auto& promise : promises_) results_.push_back(promise.get_future());
     const std::size_t wanted = std::min<std::size_t>(threads, count);
     while (threads_.size() < wanted && StartThread()) {
@@ -76,7 +82,7 @@ class Workers {
   Workers(const Workers&) = delete;
   Workers& operator=(const Workers&) = delete;
   ~Workers() {
-    stopped_ = true;
+    Update([this] { stopped_ = true; });
     for (std::thread& thread : threads_) thread.join();
   }
 
@@ -89,6 +95,7 @@ class Workers {
         if (ready) receiver.Receive(result.get());
         receiver.Finished(finished_);
       }
+      Update([this] { ++delivered_; });
     }
   }
 
@@ -103,19 +110,37 @@ class Workers {
   }
 
   void TakeOneAfterTheOther() {
-    for (std::size_t number = next_++; number < promises_.size() && !stopped_; number = next_++) {
+    for (std::size_t number = next_++; number < promises_.size() && MayBegin(number); number = next_++) {
       CheckedPackage result = work_(number);
       ++finished_;
       promises_[number].set_value(std::move(result));
     }
   }
 
+  bool MayBegin(std::size_t number) {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [&] { return stopped_ || number < delivered_ + ahead_; });
+    return !stopped_;
+  }
+
+  // Lets the threads see the change.
+  template <typename Change>
+  void Update(Change change) {
+    const std::lock_guard lock(mutex_);
+    change();
+    changed_.notify_all();
+  }
+
   std::vector<std::promise<CheckedPackage>> promises_;
   std::vector<std::future<CheckedPackage>> results_;
   const Work& work_;
+  const std::size_t ahead_;
   std::atomic<std::size_t> next_{0};
   std::atomic<std::size_t> finished_{0};
-  std::atomic<bool> stopped_{false};
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::size_t delivered_ = 0;
+  bool stopped_ = false;
   std::vector<std::thread> threads_;
 };
 

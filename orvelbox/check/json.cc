@@ -27,6 +27,17 @@ host::Json ToJson(const CheckedDll& dll) {
   return json;
 }
 
+host::Json ToJson(const std::string& text) { return text; }
+
+// A further member of an object, item by item.
+template <typename Items>
+void WriteList(const char* name, const Items& items, const TakePart& take) {
+  take(std::string(",\"") + name + "\":[");
+  const char* separator = "";
+  for (const auto& item : items) take(std::exchange(separator, ",") + host::AsciiJson(ToJson(item)));
+  take("]");
+}
+
 constexpr const char* kRemovedRule = "duplicate-removed";
 constexpr const char* kReportedRule = "duplicate-reported";
 
@@ -86,7 +97,7 @@ host::Json NotificationOf(const CheckedPackage& package) {
 
 }  // namespace
 
-std::string ToJson(const CheckedPackage& package) {
+void WriteJson(const CheckedPackage& package, const TakePart& take) {
   host::Json json = {{"package", package.name}};
   if (!package.problem.empty()) {
     json["error"] = package.problem;
@@ -97,11 +108,14 @@ std::string ToJson(const CheckedPackage& package) {
     json["dotnet"] = package.dotnet;
     json["debugging"] = package.debugging;
     json["duplicates"] = CountDuplicates(package);
-    json["dlls"] = host::Json::array();
-    for (const CheckedDll& dll : package.dlls) json["dlls"].push_back(ToJson(dll));
-    if (const auto lines = ProjectLines(package); !lines.empty()) json["project_lines"] = lines;
   }
-  return host::AsciiJson(json);
+  const std::string text = host::AsciiJson(json);
+  take(std::string_view(text).substr(0, text.size() - 1));
+  if (package.problem.empty()) {
+    WriteList("dlls", package.dlls, take);
+    if (const Lines lines = ProjectLines(package); !lines.empty()) WriteList("project_lines", lines, take);
+  }
+  take("}");
 }
 
 void SarifLog::Add(const CheckedPackage& package) {

@@ -45,11 +45,11 @@ const std::vector<Listing::Entry>* Listing::Find(std::string_view directory) con
   return found == directories_.end() ? nullptr : &found->second;
 }
 
-void Listing::ForEachDll(const std::function<void(const std::string& path)>& visit) const {
+void Listing::ForEachDll(const std::function<void(const std::string& path, unsigned char type)>& visit) const {
   for (const auto& [directory, entries] : directories_) {
     for (const Entry& entry : entries) {
       if (entry.type == DT_DIR) continue;
-      visit(directory.empty() ? entry.name : directory + "/" + entry.name);
+      visit(directory.empty() ? entry.name : directory + "/" + entry.name, entry.type);
     }
   }
 }

@@ -28,8 +28,8 @@ class Listing {
 
   // How much there is that is named like a DLL and is no directory.
   std::size_t dlls() const { return dlls_; }
-  // Calls `visit` with the path of each of them, seen by the walk or not.
-  void ForEachDll(const std::function<void(const std::string& path)>& visit) const;
+  // Calls `visit` with the path and the type of each of them, seen by the walk or not.
+  void ForEachDll(const std::function<void(const std::string& path, unsigned char type)>& visit) const;
 
  private:
   friend class PlacedListing;

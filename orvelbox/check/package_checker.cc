@@ -2,6 +2,7 @@
 // the same order, the same walk, the same policy, all by the paths that the files have on the device.
 #include "orvelbox/check/package_checker.h"
 
+#include <dirent.h>
 #include <libxml/parser.h>
 
 #include <algorithm>
@@ -19,20 +20,21 @@ namespace fs = std::filesystem;
 namespace orvelbox {
 namespace {
 
-std::string ReasonToKeep(Exemption exemption) {
+std::string_view ReasonToKeep(Exemption exemption) {
   if (exemption == Exemption::kNone) return "";
   if (exemption == Exemption::kSamePath) return "it is the copy that others are compared with";
   return "a DLL on a DPC path is no duplicate";
 }
 
-CheckedDll Kept(const std::string& path, const std::string& reason) {
+CheckedDll Kept(const std::string& path, std::string_view reason) {
   CheckedDll dll;
   dll.path = path;
   dll.reason = reason;
   return dll;
 }
 
-std::string ReasonNotSeen(const std::string& path) {
+std::string_view ReasonNotSeen(const std::string& path, unsigned char type) {
+  if (type != DT_REG && type != DT_LNK) return "only regular files count";
   if (!IsAssemblyName(path)) return "only names that end in \".dll\" in lower case count";
   return "the plug-in does not look that deep, nor into \".sac_symlink\"";
 }
@@ -66,8 +68,8 @@ void AddUnseen(const Listing& listing, CheckedPackage& package) {
   std::sort(package.dlls.begin(), package.dlls.end(), IsBefore);
   if (listing.dlls() == package.dlls.size()) return;
   const std::size_t seen = package.dlls.size();
-  listing.ForEachDll([&](const std::string& path) {
-    CheckedDll dll = Kept(path, package.dotnet ? ReasonNotSeen(path) : "");
+  listing.ForEachDll([&](const std::string& path, unsigned char type) {
+    CheckedDll dll = Kept(path, package.dotnet ? ReasonNotSeen(path, type) : std::string_view());
     const auto end = package.dlls.begin() + static_cast<std::ptrdiff_t>(seen);
     if (!std::binary_search(package.dlls.begin(), end, dll, IsBefore)) package.dlls.push_back(std::move(dll));
   });
@@ -162,6 +164,7 @@ CheckedPackage PackageChecker::Check(const fs::path& package_path) const {
   std::set<std::string> privileges(privileges_.begin(), privileges_.end());
   privileges.insert(manifest.package.privileges.begin(), manifest.package.privileges.end());
   package.debugging = privileges.count(kAppDebuggingPrivilege) != 0;
+  package.dlls.reserve(opened.files->listing().dlls());
   if (package.dotnet) {
     JudgeDotnet({package.id, package.root, opened.files}, IsCobaPackage(manifest.package),
                 privileges.count(kPlatformPrivilege) != 0, package);

@@ -5,9 +5,10 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <string_view>
 #include <system_error>
-#include <unordered_map>
+#include <vector>
 
 #include "base/unique_fd.h"
 #include "orvelbox/desk/bytes.h"
@@ -22,21 +23,17 @@ namespace {
 
 // Of a file on the disk a few headers are read; of one in an archive all that stands before them as well.
 constexpr std::size_t kWindow = 4096;
+constexpr std::size_t kLeastUnpacked = 1024;
 constexpr std::size_t kMostUnpacked = std::size_t{8} << 20;
 
-// What the walk sees of an entry; it passes over what is neither file nor directory, nor a link to one.
+// What the walk sees of an entry; it passes over what is neither file nor directory, nor a link to one. Asks in the way
+// that makes no system call when the directory told the type.
 unsigned char TypeOf(const fs::directory_entry& entry) {
   std::error_code ignored;
-  switch (entry.symlink_status().type()) {
-    case fs::file_type::regular:
-      return DT_REG;
-    case fs::file_type::directory:
-      return DT_DIR;
-    case fs::file_type::symlink:
-      return entry.is_regular_file(ignored) || entry.is_directory(ignored) ? DT_LNK : DT_FIFO;
-    default:
-      return DT_FIFO;
-  }
+  const bool link = entry.is_symlink(ignored);
+  if (entry.is_directory(ignored)) return link ? DT_LNK : DT_DIR;
+  if (entry.is_regular_file(ignored)) return link ? DT_LNK : DT_REG;
+  return DT_FIFO;
 }
 
 // The tree of the directory `root`.
@@ -44,11 +41,10 @@ Listing ListTree(const fs::path& root) {
   Listing listing;
   try {
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(root)) {
-      const bool directory = entry.symlink_status().type() == fs::file_type::directory;
       std::string_view path = entry.path().native();
       path.remove_prefix(root.native().size());
       while (path.front() == '/') path.remove_prefix(1);
-      if (directory || LooksLikeDll(path)) listing.Add(path, TypeOf(entry));
+      listing.Add(path, TypeOf(entry));
     }
   } catch (const fs::filesystem_error& error) {
     host::ThrowFileError(error.path1().empty() ? root : error.path1(), "read", error.code().value());
@@ -95,7 +91,7 @@ class UnpackedBytes : public ByteSource {
     if (at > kMostUnpacked || length > kMostUnpacked - at) throw BeyondBytes();
     const std::size_t end = static_cast<std::size_t>(at) + length;
     while (bytes_.size() < end) {
-      const std::string_view piece = content_.Next();
+      const std::string_view piece = content_.Next(std::max(end - bytes_.size(), kLeastUnpacked));
       if (piece.empty()) throw BeyondBytes();
       bytes_ += piece;
     }
@@ -116,20 +112,20 @@ Listing ListingOf(const Archive& archive) {
 class FilesOfArchive : public PackageFiles {
  public:
   explicit FilesOfArchive(Archive archive) : PackageFiles(ListingOf(archive)), archive_(std::move(archive)) {
-    for (const ArchiveEntry& entry : archive_.entries()) {
-      if (LooksLikeDll(entry.path)) entries_.emplace(entry.path, &entry);
-    }
+    for (const ArchiveEntry& entry : archive_.entries()) by_path_.push_back(&entry);
+    std::sort(by_path_.begin(), by_path_.end(), [](const auto* a, const auto* b) { return a->path < b->path; });
   }
 
   DllCopy FactsOf(const std::string& path) const override {
-    const ArchiveEntry& entry = *entries_.at(path);
+    const ArchiveEntry& entry = **std::lower_bound(by_path_.begin(), by_path_.end(), path,
+                                                   [](const auto* one, const auto& asked) { return one->path < asked; });
     UnpackedBytes bytes(archive_, entry);
     return {entry.size, ReadAssemblyVersion(bytes, entry.size)};
   }
 
  private:
   Archive archive_;
-  std::unordered_map<std::string_view, const ArchiveEntry*> entries_;
+  std::vector<const ArchiveEntry*> by_path_;
 };
 
 }  // namespace

@@ -57,7 +57,7 @@ PlatformSet SetOfList(const fs::path& list) {
   std::map<std::string, Listing> components;  // by their roots
   bool found = false;
   for (const std::string& path : ReadList(list)) {
-    const std::size_t shared = path.rfind(kSharedResourceSuffix);
+    const std::size_t shared = path.find(kSharedResourceSuffix);
     if (host::IsBelow(path, host::kPlatformAssemblies)) {
       platform.Add(host::From(host::kPlatformAssemblies, path), DT_REG);
       found = true;
@@ -73,7 +73,12 @@ PlatformSet SetOfList(const fs::path& list) {
   set.assemblies = std::make_shared<PackageFiles>(std::move(platform));
   for (auto& [root, listing] : components) {
     const std::string id = fs::path(root).filename();
-    set.coba[id] = {id, root, std::make_shared<PackageFiles>(std::move(listing))};
+    const auto [place, added] =
+        set.coba.try_emplace(id, PlacedPackage{id, root, std::make_shared<PackageFiles>(std::move(listing))});
+    if (!added) {
+      throw host::DeviceError(list.string() + ": names the package " + id + " twice, in " + place->second.root +
+                              " and in " + root + "; leave one out");
+    }
   }
   return set;
 }
@@ -96,6 +101,10 @@ PlatformSet SetOfDevice(const host::Device& device) {
 PlatformSet SetOfPlatform(const fs::path& platform) {
   std::error_code ignored;
   if (fs::is_regular_file(platform, ignored)) return SetOfList(platform);
+  if (!fs::exists(platform, ignored)) {
+    throw host::DeviceError(platform.string() +
+                            ": no such file or directory; name a list file or a directory of platform assemblies");
+  }
   RequirePlatform(platform);
   PlatformSet set;
   set.assemblies = FilesIn(platform);
@@ -117,7 +126,10 @@ std::string RootOnDevice(const PlatformSet& set, const std::string& id) {
 void RequirePlatform(const fs::path& platform) {
   const bool found =
       std::any_of(std::begin(host::kPlatformAssemblyDirectories), std::end(host::kPlatformAssemblyDirectories),
-                  [&](const char* name) { return fs::is_directory(platform / name); });
+                  [&](const char* name) {
+                    std::error_code ignored;
+                    return fs::is_directory(platform / name, ignored);
+                  });
   if (found) return;
   throw host::DeviceError(platform.string() +
                           ": no platform assemblies; name a directory that holds netcoreapp/, framework/, d.pc/ or " +

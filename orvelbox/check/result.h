@@ -6,6 +6,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "orvelbox/assembly/version.h"
@@ -23,8 +24,8 @@ struct DllCopy {
 struct CheckedDll {
   std::string path;  // below the package's root
   Verdict verdict = Verdict::kKept;
-  std::string reason;  // why it is kept although something speaks for a duplicate; may be empty
-  std::string origin;  // the catalogued copy that decides, as a path of the device; empty when there is none
+  std::string_view reason;  // why it is kept although something speaks for a duplicate: a literal; may be empty
+  std::string origin;       // the catalogued copy that decides, as a path of the device; empty when there is none
   DllCopy own;         // of a duplicate: the package's copy and the catalogued one
   DllCopy provided;
 
@@ -55,22 +56,23 @@ inline constexpr const char* kLeftAlone =
 std::size_t CountOf(const CheckedPackage& package, Verdict verdict);
 std::size_t CountDuplicates(const CheckedPackage& package);
 
-// All about a package that could be checked, in words and a table; still to be made printable (output.h).
-Lines DescribeCheck(const CheckedPackage& package);
+// All about a package that could be checked, in words and a table.
+void DescribeCheck(const CheckedPackage& package, const TakeLine& take);
 
 // The lines for the duplicates of `package` that a copy outside of it makes duplicates, to be put inside of <Project>.
 // None when there are none.
 Lines ProjectLines(const CheckedPackage& package);
 
-// Everything as one line of JSON.
-std::string ToJson(const CheckedPackage& package);
+// Everything as one line of JSON, handed to `take` in parts.
+using TakePart = std::function<void(std::string_view part)>;
+void WriteJson(const CheckedPackage& package, const TakePart& take);
 
 // A log in SARIF 2.1.0, which code review tools read, with one run: a result per duplicate, a notification per package
 // that could not be checked. Results are said as they come, so that none is kept.
 class SarifLog {
  public:
   // `say` takes the log line by line.
-  explicit SarifLog(std::function<void(const std::string& line)> say) : say_(std::move(say)) {}
+  explicit SarifLog(TakeLine say) : say_(std::move(say)) {}
 
   void Add(const CheckedPackage& package);
   void End();
@@ -78,7 +80,7 @@ class SarifLog {
  private:
   void Begin();
 
-  std::function<void(const std::string&)> say_;
+  TakeLine say_;
   bool begun_ = false;
   bool first_ = true;  // result of all
   std::string notifications_;

@@ -26,33 +26,36 @@ std::string VersionOf(const DllCopy& copy) { return copy.version ? ToString(*cop
 
 std::string BecauseOf(const CheckedDll& dll) {
   if (dll.reason.empty()) return dll.origin;
-  return "(" + dll.reason + ")";
+  return "(" + std::string(dll.reason) + ")";
 }
 
-void AddTable(const CheckedPackage& package, Lines& lines) {
+TextTable::Row RowOf(const CheckedDll& dll) {
+  return {ToString(dll.verdict),   dll.path,       SizeOf(dll.own), VersionOf(dll.own), SizeOf(dll.provided),
+          VersionOf(dll.provided), BecauseOf(dll)};
+}
+
+void DescribeDlls(const CheckedPackage& package, const TakeLine& take) {
   if (package.dlls.empty()) return;
-  std::vector<Lines> table = {{"VERDICT", "DLL", "SIZE", "VERSION", "ITS SIZE", "ITS VERSION", "BECAUSE OF"}};
-  for (const CheckedDll& dll : package.dlls) {
-    table.push_back({ToString(dll.verdict), dll.path, SizeOf(dll.own), VersionOf(dll.own), SizeOf(dll.provided),
-                     VersionOf(dll.provided), BecauseOf(dll)});
-  }
-  for (const std::string& line : TableOf(table)) lines.push_back("    " + line);
+  TextTable table({"VERDICT", "DLL", "SIZE", "VERSION", "ITS SIZE", "ITS VERSION", "BECAUSE OF"});
+  for (const CheckedDll& dll : package.dlls) table.Measure(RowOf(dll));
+  take("    " + table.Headings());
+  for (const CheckedDll& dll : package.dlls) take("    " + table.Line(RowOf(dll)));
 }
 
-void AddWarnings(const CheckedPackage& package, Lines& lines) {
+void DescribeNewer(const CheckedPackage& package, const TakeLine& take) {
   for (const CheckedDll& dll : package.dlls) {
     if (!dll.IsDuplicate() || !dll.IsNewer()) continue;
-    lines.push_back("    warning: " + dll.path + " (" + ToString(*dll.own.version) +
-                    ") is newer than the copy that decides (" + ToString(*dll.provided.version) +
-                    "); by its name it is a duplicate all the same");
+    take("    warning: " + dll.path + " (" + ToString(*dll.own.version) +
+         ") is newer than the copy that decides (" + ToString(*dll.provided.version) +
+         "); by its name it is a duplicate all the same");
   }
 }
 
-void AddProjectLines(const CheckedPackage& package, Lines& lines) {
+void DescribeProjectLines(const CheckedPackage& package, const TakeLine& take) {
   const Lines project = ProjectLines(package);
   if (project.empty()) return;
-  lines.push_back("    To keep them out of the package, put this into the project file, inside of <Project>:");
-  for (const std::string& line : project) lines.push_back("      " + line);
+  take("    To keep them out of the package, put this into the project file, inside of <Project>:");
+  for (const std::string& line : project) take("      " + line);
 }
 
 // Within the quotes of a condition, these have a meaning of their own.
@@ -93,18 +96,17 @@ std::size_t CountDuplicates(const CheckedPackage& package) {
   return package.dlls.size() - CountOf(package, Verdict::kKept);
 }
 
-Lines DescribeCheck(const CheckedPackage& package) {
-  Lines lines = {Headline(package)};
-  if (!package.dotnet) lines.push_back(std::string("    ") + kLeftAlone);
-  AddTable(package, lines);
-  AddWarnings(package, lines);
+void DescribeCheck(const CheckedPackage& package, const TakeLine& take) {
+  take(Headline(package));
+  if (!package.dotnet) take(std::string("    ") + kLeftAlone);
+  DescribeDlls(package, take);
+  DescribeNewer(package, take);
   if (package.debugging && CountDuplicates(package) > 0) {
-    lines.push_back(
+    take(
         "    Its install would fail: it is under debugging (it holds the app-debugging privilege), and such "
         "a package may have no duplicates");
   }
-  AddProjectLines(package, lines);
-  return lines;
+  DescribeProjectLines(package, take);
 }
 
 Lines ProjectLines(const CheckedPackage& package) {

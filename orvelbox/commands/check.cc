@@ -30,8 +30,11 @@ class CheckReporter : public CheckReceiver {
     progress_.Clear();
     if (!package.problem.empty()) Complain(package.problem);
     status_ = std::max(status_, StatusOf(package));
-    if (format_ == kJson) SayColoured(ToJson(package));
-    if (format_ == kTable && package.problem.empty()) SayAll(DescribeCheck(package));
+    if (format_ == kJson) {
+      WriteJson(package, SayPart);
+      SayPart("\n");
+    }
+    if (format_ == kTable && package.problem.empty()) DescribeCheck(package, Say);
     if (format_ == kSarif) sarif_.Add(package);
   }
 

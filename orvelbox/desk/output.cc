@@ -30,8 +30,13 @@ constexpr bool TurnsLineAround(char32_t code) {
   return (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
 }
 
+bool IsPlain(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+}
+
 // Characters, not bytes: those that continue one of UTF-8 do not count.
 std::size_t WidthOf(const std::string& cell) {
+  if (IsPlain(cell)) return cell.size();
   const std::string shown = Printable(cell);
   return static_cast<std::size_t>(
       std::count_if(shown.begin(), shown.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xc0) != 0x80; }));
@@ -40,7 +45,7 @@ std::size_t WidthOf(const std::string& cell) {
 }  // namespace
 
 std::string Printable(std::string_view text) {
-  if (std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; })) return std::string(text);
+  if (IsPlain(text)) return std::string(text);
   std::string printable;
   printable.reserve(text.size());
   while (!text.empty()) {
@@ -56,25 +61,21 @@ std::string Printable(std::string_view text) {
   return printable;
 }
 
-Lines TableOf(const std::vector<std::vector<std::string>>& rows) {
-  std::vector<std::size_t> widths(rows.front().size(), 0);
-  for (std::size_t column = 0; column < widths.size(); ++column) {
-    for (std::size_t row = 1; row < rows.size(); ++row) {
-      widths[column] = std::max(widths[column], WidthOf(rows[row][column]));
-    }
-    if (widths[column] > 0) widths[column] = std::max(widths[column], WidthOf(rows.front()[column]));
+void TextTable::Measure(const Row& row) {
+  for (std::size_t column = 0; column < row.size(); ++column) {
+    const std::size_t width = WidthOf(row[column]);
+    if (width > 0) widths_[column] = std::max({widths_[column], width, WidthOf(headings_[column])});
   }
-  Lines lines;
-  for (const auto& row : rows) {
-    std::string line;
-    for (std::size_t column = 0; column < widths.size(); ++column) {
-      if (widths[column] == 0) continue;
-      line += row[column] + std::string(widths[column] - WidthOf(row[column]) + 2, ' ');
-    }
-    line.erase(line.find_last_not_of(' ') + 1);
-    lines.push_back(std::move(line));
+}
+
+std::string TextTable::Line(const Row& row) const {
+  std::string line;
+  for (std::size_t column = 0; column < row.size(); ++column) {
+    if (widths_[column] == 0) continue;
+    line.append(row[column]).append(widths_[column] - WidthOf(row[column]) + 2, ' ');
   }
-  return lines;
+  line.erase(line.find_last_not_of(' ') + 1);
+  return line;
 }
 
 void SetQuiet(bool wanted) { quiet = wanted; }
@@ -91,9 +92,14 @@ void SayListing(bool json, const std::string& as_json, const Lines& in_words) {
 }
 
 void SayColoured(std::string_view safe_line) {
+  SayPart(safe_line);
+  SayPart("\n");
+}
+
+void SayPart(std::string_view safe_part) {
   if (quiet) return;
   Activity::End();
-  std::cout << safe_line << '\n';
+  std::cout << safe_part;
 }
 
 void Complain(std::string_view line) {

@@ -4,6 +4,7 @@
 #define ORVEL_ORVELBOX_DESK_OUTPUT_H_
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,13 +34,28 @@ inline std::string WithVersion(const std::string& id, const std::string& version
 // cannot be read back.
 std::string Printable(std::string_view text);
 
-// The rows as lines with aligned columns, without blanks at their ends. The first row holds the headings, all have as
-// many cells; a column in which every other cell is empty is left out.
-Lines TableOf(const std::vector<std::vector<std::string>>& rows);
+// Rows as lines with aligned columns, without blanks at their ends. A column without cells below its heading is left
+// out. No row is kept, so that a long table takes no memory.
+class TextTable {
+ public:
+  using Row = std::vector<std::string>;
+
+  explicit TextTable(Row headings) : headings_(std::move(headings)), widths_(headings_.size(), 0) {}
+  // Makes room for a row, which has as many cells as there are headings. All are to be measured before the first line.
+  void Measure(const Row& row);
+  std::string Headings() const { return Line(headings_); }
+  std::string Line(const Row& row) const;
+
+ private:
+  Row headings_;
+  std::vector<std::size_t> widths_;
+};
 
 // Whether nothing but complaints is printed from here on.
 void SetQuiet(bool quiet);
 
+// Takes lines that are still to be made printable.
+using TakeLine = std::function<void(const std::string& line)>;
 // Prints `line`, made printable, and a line feed on standard output.
 void Say(std::string_view line);
 void SayAll(const Lines& lines);
@@ -47,6 +63,8 @@ void SayAll(const Lines& lines);
 void SayListing(bool json, const std::string& as_json, const Lines& in_words);
 // As Say, for a line that is safe already and may hold colour sequences.
 void SayColoured(std::string_view safe_line);
+// A part of such a line, without the line feed.
+void SayPart(std::string_view safe_part);
 // Prints "orvelbox: ", `line` made printable, and a line feed on standard error.
 void Complain(std::string_view line);
 // The same for what is no complaint: work that is being told of goes on.

@@ -87,7 +87,7 @@ std::string ReasonToday(const CheckedDll& dll, const CheckedPackage& today) {
   if (!today.dotnet) return kLeftAlone;
   if (dll.verdict == Verdict::kRemoved) return "an install now would remove it";
   if (dll.verdict == Verdict::kReportedOnly) return "an install now would report it, and keep it (read-write area)";
-  return dll.reason.empty() ? "no catalogue holds its name" : dll.reason;
+  return dll.reason.empty() ? "no catalogue holds its name" : std::string(dll.reason);
 }
 
 }  // namespace
@@ -130,11 +130,11 @@ Lines DescribeWhy(const WhyQuestion& question, const std::vector<Removal>& remov
   const std::string& root = question.package.root;
   const std::vector<CheckedDll> untold = Untold(question, removals, today);
   Lines lines = {WithVersion(question.package.id, question.package.version) + " (" + root + ")"};
-  std::vector<Lines> table = {{"WHAT", "DLL", "WHEN", "BECAUSE OF", "NOTE"}};
+  std::vector<TextTable::Row> rows;
   for (const Removal& removal : removals) {
-    table.push_back({FateOf(removal), host::From(root, removal.dll), removal.time, removal.origin, NoteOn(removal)});
+    rows.push_back({FateOf(removal), host::From(root, removal.dll), removal.time, removal.origin, NoteOn(removal)});
   }
-  for (const CheckedDll& dll : untold) table.push_back({"there", dll.path, "", dll.origin, ReasonToday(dll, today)});
+  for (const CheckedDll& dll : untold) rows.push_back({"there", dll.path, "", dll.origin, ReasonToday(dll, today)});
   if (removals.empty() && untold.empty()) {
     const std::string asked = question.path.empty() ? "the package" : host::From(root, question.path);
     lines.push_back("    nothing is known of " + asked +
@@ -142,7 +142,10 @@ Lines DescribeWhy(const WhyQuestion& question, const std::vector<Removal>& remov
     if (question.path.empty()) lines.back() = "    nothing was removed from the package, and nothing reported";
     return lines;
   }
-  for (const std::string& line : TableOf(table)) lines.push_back("    " + line);
+  TextTable table({"WHAT", "DLL", "WHEN", "BECAUSE OF", "NOTE"});
+  for (const auto& row : rows) table.Measure(row);
+  lines.push_back("    " + table.Headings());
+  for (const auto& row : rows) lines.push_back("    " + table.Line(row));
   return lines;
 }
 

@@ -24,9 +24,9 @@ namespace {
 // The directory is read in large pieces, the header before each content by itself.
 constexpr std::size_t kDirectoryWindow = 65536;
 constexpr std::size_t kHeaderWindow = 256;
-// Who only wants the beginning of a content gets little of it.
-constexpr std::size_t kFirstPiece = 1024;
-constexpr std::size_t kLargestPiece = 65536;
+// Contents are read and unpacked in pieces of these sizes.
+constexpr std::size_t kPackedPiece = 4096;
+constexpr std::size_t kPiece = 65536;
 
 UniqueFd OpenArchive(const fs::path& file) {
   UniqueFd descriptor(open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
@@ -145,22 +145,22 @@ void Archive::RequireApart(std::uint64_t size) const {
   }
 }
 
-ArchiveContent::ArchiveContent(const Archive& archive, const ArchiveEntry& entry)
-    : archive_(archive), entry_(entry), piece_size_(kFirstPiece) {
+ArchiveContent::ArchiveContent(const Archive& archive, const ArchiveEntry& entry) : archive_(archive), entry_(entry) {
   if (inflateInit2(&stream_, -MAX_WBITS) != Z_OK) throw std::bad_alloc();
 }
 
 ArchiveContent::~ArchiveContent() { inflateEnd(&stream_); }
 
-std::string_view ArchiveContent::Next() {
-  const std::string_view piece = entry_.deflated ? Unpack() : ReadPacked();
-  Check(piece);
-  piece_size_ = std::min(2 * piece_size_, kLargestPiece);
+std::string_view ArchiveContent::Next(std::size_t most) {
+  const std::string_view piece = entry_.deflated ? Unpack(most) : ReadPacked(most);
+  unpacked_ += piece.size();
+  const bool too_short = piece.empty() && unpacked_ < entry_.size;
+  if (unpacked_ > entry_.size || too_short) archive_.RefuseDamaged(entry_.path, "it is not as long as it says");
   return piece;
 }
 
-std::string_view ArchiveContent::ReadPacked() {
-  packed_.resize(static_cast<std::size_t>(std::min<std::uint64_t>(piece_size_, entry_.packed_size - read_)));
+std::string_view ArchiveContent::ReadPacked(std::size_t most) {
+  packed_.resize(static_cast<std::size_t>(std::min<std::uint64_t>(most, entry_.packed_size - read_)));
   const off_t place = static_cast<off_t>(entry_.content + read_);
   const ssize_t count = TEMP_FAILURE_RETRY(pread(archive_.file(), packed_.data(), packed_.size(), place));
   if (count < 0) archive_.RefuseDamaged(entry_.path, host::ErrorText(errno));
@@ -169,33 +169,34 @@ std::string_view ArchiveContent::ReadPacked() {
   return packed_;
 }
 
-std::string_view ArchiveContent::Unpack() {
-  piece_.resize(piece_size_);
+std::string_view ArchiveContent::Unpack(std::size_t most) {
+  piece_.resize(most);
   stream_.next_out = reinterpret_cast<Bytef*>(piece_.data());
-  stream_.avail_out = static_cast<uInt>(piece_size_);
+  stream_.avail_out = static_cast<uInt>(most);
   int result = Z_OK;
-  while (stream_.avail_out == piece_size_ && result == Z_OK) {
+  while (stream_.avail_out > 0 && result == Z_OK) {
     if (stream_.avail_in == 0) {
-      const std::string_view packed = ReadPacked();
+      const std::string_view packed = ReadPacked(kPackedPiece);
       stream_.next_in = reinterpret_cast<Bytef*>(packed_.data());
       stream_.avail_in = static_cast<uInt>(packed.size());
     }
     result = inflate(&stream_, Z_NO_FLUSH);
   }
-  if (result != Z_OK && result != Z_STREAM_END) {
+  if (stream_.avail_out == most && result != Z_OK && result != Z_STREAM_END) {
     archive_.RefuseDamaged(entry_.path, stream_.msg == nullptr ? "its content ends too early" : stream_.msg);
   }
-  piece_.resize(piece_size_ - stream_.avail_out);
+  piece_.resize(most - stream_.avail_out);
   return piece_;
 }
 
-void ArchiveContent::Check(std::string_view piece) {
-  unpacked_ += piece.size();
-  checksum_ = static_cast<std::uint32_t>(
-      crc32(checksum_, reinterpret_cast<const Bytef*>(piece.data()), static_cast<uInt>(piece.size())));
-  const bool too_short = piece.empty() && unpacked_ < entry_.size;
-  if (unpacked_ > entry_.size || too_short) archive_.RefuseDamaged(entry_.path, "it is not as long as it says");
-  if (piece.empty() && checksum_ != entry_.checksum) archive_.RefuseDamaged(entry_.path, "its checksum is wrong");
+void ReadContent(const Archive& archive, const ArchiveEntry& entry, const std::function<void(std::string_view)>& take) {
+  ArchiveContent content(archive, entry);
+  uLong checksum = 0;
+  for (std::string_view piece = content.Next(kPiece); !piece.empty(); piece = content.Next(kPiece)) {
+    checksum = crc32(checksum, reinterpret_cast<const Bytef*>(piece.data()), static_cast<uInt>(piece.size()));
+    take(piece);
+  }
+  if (checksum != entry.checksum) archive.RefuseDamaged(entry.path, "its checksum is wrong");
 }
 
 }  // namespace orvelbox

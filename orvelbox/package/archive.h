@@ -14,6 +14,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -73,25 +74,26 @@ class ArchiveContent {
   ArchiveContent& operator=(const ArchiveContent&) = delete;
   ~ArchiveContent();
 
-  // The next piece, good until the next call; empty at the end. Throws host::DeviceError when the content is damaged,
-  // or not as long as the archive says.
-  std::string_view Next();
+  // The next piece, of at most `most` bytes (not 0), good until the next call; empty at the end. Throws
+  // host::DeviceError when the content is damaged, or not as long as the archive says; its checksum is not looked at.
+  std::string_view Next(std::size_t most);
 
  private:
-  std::string_view ReadPacked();
-  std::string_view Unpack();
-  void Check(std::string_view piece);
+  std::string_view ReadPacked(std::size_t most);
+  std::string_view Unpack(std::size_t most);
 
   const Archive& archive_;
   const ArchiveEntry& entry_;
   std::uint64_t read_ = 0;      // packed bytes
   std::uint64_t unpacked_ = 0;  // bytes that were handed on
-  std::uint32_t checksum_ = 0;
-  std::size_t piece_size_;
   z_stream stream_{};
   std::string packed_;
   std::string piece_;
 };
+
+// Hands the whole content of an entry to `take`, piece by piece. Throws what ArchiveContent::Next() and `take` throw, and
+// host::DeviceError at the end when the checksum is wrong.
+void ReadContent(const Archive& archive, const ArchiveEntry& entry, const std::function<void(std::string_view)>& take);
 
 }  // namespace orvelbox
 

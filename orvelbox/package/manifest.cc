@@ -211,12 +211,10 @@ Manifest ReadManifest(const Archive& archive) {
                                   [](const ArchiveEntry& one) { return one.path == kManifestName && !one.directory; });
   if (entry == archive.entries().end()) ThrowNoPackage(archive.name());
   std::string text;
-  ArchiveContent content(archive, *entry);
-  for (std::string_view piece = content.Next(); !piece.empty() && text.size() <= kLargestManifest;
-       piece = content.Next()) {
-    text += piece;
-  }
-  return ManifestOf(text, archive.name() + "/" + kManifestName);
+  const std::string file = archive.name() + "/" + kManifestName;
+  RequireShort(entry->size, file);
+  ReadContent(archive, *entry, [&](std::string_view piece) { text += piece; });
+  return ManifestOf(text, file);
 }
 
 host::Package PlacedAt(host::Package package, const std::string& root) {

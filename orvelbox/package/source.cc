@@ -41,11 +41,10 @@ void WriteEntry(const Archive& archive, const ArchiveEntry& entry, const fs::pat
   // The owner can always read what was unpacked.
   const mode_t mode = static_cast<mode_t>(entry.permissions) | S_IRUSR | S_IWUSR;
   if (!file || fchmod(file.get(), mode) != 0) host::ThrowFileError(place, "create", errno);
-  ArchiveContent content(archive, entry);
-  for (std::string_view piece = content.Next(); !piece.empty(); piece = content.Next()) {
+  ReadContent(archive, entry, [&](std::string_view piece) {
     const int error = host::WriteAll(file.get(), piece);
     if (error != 0) host::ThrowFileError(place, "write", error);
-  }
+  });
   Activity::CountFile();
 }
 

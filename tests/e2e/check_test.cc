@@ -1,4 +1,6 @@
 // orvelbox check as a user runs it: sources of the platform, verdicts, formats, exit statuses, and nothing changed.
+#include <sys/stat.h>
+
 #include <nlohmann/json.hpp>
 
 #include "platform/host/json.h"
@@ -102,6 +104,15 @@ TEST_F(CheckE2e, versions_of_both_copies_are_told_and_newer_ones_warned_of) {
   EXPECT_THAT(out, HasSubstr("warning: bin/Json.dll (13.0.0.1) is newer than the copy that decides (12.0.0.0)"));
 }
 
+TEST_F(CheckE2e, what_is_named_like_a_dll_but_is_no_file_is_told_so) {
+  const std::string package = Shop({});
+  ASSERT_EQ(mkfifo((package + "/Pipe.dll").c_str(), 0600), 0);
+  std::filesystem::create_symlink("nowhere", package + "/Link.dll");
+  const std::string out = RunExpecting(0, {"check", package}).out;
+  EXPECT_THAT(out, HasSubstr("Link.dll  (only regular files count)"));
+  EXPECT_THAT(out, HasSubstr("Pipe.dll  (only regular files count)"));
+}
+
 TEST_F(CheckE2e, an_archive_is_checked_like_its_directory) {
   AddPlatformFile("framework/Json.dll");
   const std::string assembly = support::AssemblyOf({1, 2, 3, 4});
@@ -154,13 +165,18 @@ TEST_F(CheckE2e, bad_sources_are_named_with_the_way_out) {
   support::WriteFile(dir_ / "relative.txt", "usr/share/x.dll\n");
   support::WriteFile(dir_ / "up.txt", std::string(kPlatform) + "../../etc/passwd\n");
   support::WriteFile(dir_ / "none.txt", "/etc/passwd\n");
+  support::WriteFile(dir_ / "twice.txt", std::string(kPlatform) +
+                                             "framework/F.dll\n/opt/usr/globalapps/a/shared/res/A.dll\n"
+                                             "/opt/a/shared/res/shared/res/A.dll\n");
   std::filesystem::create_directory(dir_ / "empty");
   const std::vector<std::pair<std::string, std::string>> cases = {
       {"relative.txt", "relative.txt: line 1 (\"usr/share/x.dll\") is no plain absolute path; "},
       {"up.txt", "up.txt: line 1"},
       {"none.txt", "none.txt: names no assemblies below /usr/share/dotnet.orvel; "},
       {"empty", "empty: no platform assemblies; "},
-      {"nowhere", "nowhere: no platform assemblies; "}};
+      {"twice.txt", "twice.txt: names the package a twice, in /opt/a and in /opt/usr/globalapps/a; "},
+      {"nowhere", "nowhere: no such file or directory; "},
+      {std::string(300, 'x'), "xxx: no such file or directory; "}};
   for (const auto& [source, text] : cases) {
     const Result result = RunExpecting(2, {"check", "--platform", dir_ / source, package});
     EXPECT_THAT(result.err, AllOf(StartsWith("orvelbox: "), HasSubstr(text)));

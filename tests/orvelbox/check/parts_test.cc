@@ -47,11 +47,23 @@ CheckedDll NewerDll() {
   return dll;
 }
 
+std::string JsonOf(const CheckedPackage& package) {
+  std::string text;
+  WriteJson(package, [&](std::string_view part) { text += part; });
+  return text;
+}
+
+Lines Described(const CheckedPackage& package) {
+  Lines lines;
+  DescribeCheck(package, [&](const std::string& line) { lines.push_back(line); });
+  return lines;
+}
+
 TEST(CheckJson, says_everything_in_one_line) {
   CheckedPackage package = Package({NewerDll(), Dll("bin/Own.dll", Verdict::kKept, "")});
   package.dlls[1].reason = "because";
   package.debugging = true;
-  const std::string line = ToJson(package);
+  const std::string line = JsonOf(package);
   EXPECT_THAT(line, Not(HasSubstr("\n")));
   EXPECT_THAT(line, HasSubstr(R"("duplicates":1)"));
   EXPECT_THAT(line, HasSubstr(R"("newer_than_origin":true)"));
@@ -69,11 +81,11 @@ TEST(CheckJson, a_problem_takes_the_place_of_the_facts) {
   CheckedPackage package;
   package.name = "a\xff\x1b";
   package.problem = "gone";
-  EXPECT_EQ(ToJson(package), "{\"package\":\"a\\ufffd\\u001b\",\"error\":\"gone\"}");
+  EXPECT_EQ(JsonOf(package), "{\"package\":\"a\\ufffd\\u001b\",\"error\":\"gone\"}");
 }
 
 TEST(CheckTable, has_a_row_for_every_dll_and_warns_of_newer_ones) {
-  const Lines lines = DescribeCheck(Package({NewerDll(), Dll("bin/Own.dll", Verdict::kKept, "")}));
+  const Lines lines = Described(Package({NewerDll(), Dll("bin/Own.dll", Verdict::kKept, "")}));
   EXPECT_EQ(lines[0],
             "shop.opk: org.example.shop 1.0: of 2 DLLs 1 would be removed, 0 reported but kept (read-write area), "
             "1 kept");
@@ -89,16 +101,20 @@ TEST(CheckTable, has_a_row_for_every_dll_and_warns_of_newer_ones) {
 
 TEST(CheckTable, tells_when_an_install_would_fail) {
   CheckedPackage package = Package({NewerDll()});
-  EXPECT_THAT(DescribeCheck(package), Not(Contains(HasSubstr("would fail"))));
+  EXPECT_THAT(Described(package), Not(Contains(HasSubstr("would fail"))));
   package.debugging = true;
-  EXPECT_THAT(DescribeCheck(package), Contains(HasSubstr("Its install would fail")));
+  EXPECT_THAT(Described(package), Contains(HasSubstr("Its install would fail")));
   package.dlls.clear();
-  EXPECT_THAT(DescribeCheck(package), ElementsAre("shop.opk: org.example.shop 1.0: no DLLs"));
+  EXPECT_THAT(Described(package), ElementsAre("shop.opk: org.example.shop 1.0: no DLLs"));
 }
 
 TEST(TextTable, columns_are_as_wide_as_their_characters_and_empty_ones_left_out) {
-  EXPECT_THAT(TableOf({{"A", "EMPTY", "B"}, {"größer", "", "1"}, {"x", "", "2"}}),
-              ElementsAre("A       B", "größer  1", "x       2"));
+  TextTable table({"A", "EMPTY", "B"});
+  table.Measure({"größer", "", "1"});
+  table.Measure({"x", "", "2"});
+  EXPECT_EQ(table.Headings(), "A       B");
+  EXPECT_EQ(table.Line({"größer", "", "1"}), "größer  1");
+  EXPECT_EQ(table.Line({"x", "", "2"}), "x       2");
 }
 
 TEST(ProjectLines, name_each_provided_dll_once_and_escape_it) {
@@ -224,6 +240,21 @@ TEST(Workers, work_goes_on_at_the_same_time) {
     return std::string();
   };
   EXPECT_EQ(ResultsOf(2, 2, meet).size(), 2U);
+}
+
+TEST(Workers, results_that_wait_behind_slow_work_are_few) {
+  std::atomic<std::size_t> begun{0};
+  std::size_t begun_before_the_first = 0;
+  const auto work = [&](std::size_t number) {
+    ++begun;
+    if (number == 0) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+      begun_before_the_first = begun;
+    }
+    return std::string();
+  };
+  EXPECT_EQ(ResultsOf(1000, 2, work).size(), 1000U);
+  EXPECT_LE(begun_before_the_first, 8U);
 }
 
 TEST(Workers, an_interruption_stops_the_work) {

@@ -17,8 +17,7 @@ std::map<std::string, std::string> Contents(const std::string& file, const Archi
   std::map<std::string, std::string> all;
   for (const ArchiveEntry& entry : archive.entries()) {
     std::string& text = all[entry.path + (entry.directory ? "/" : "")];
-    ArchiveContent content(archive, entry);
-    for (std::string_view piece = content.Next(); !piece.empty(); piece = content.Next()) text += piece;
+    ReadContent(archive, entry, [&](std::string_view piece) { text += piece; });
   }
   return all;
 }
