@@ -1,18 +1,15 @@
 #!/usr/bin/env python3
 """Times `orvelbox check` on a store of packages beside programs that only list names: bench/check.py BUILD OUT. Makes 200
-archives and 200 directories of 300 DLLs each (58 of them duplicates), one archive of 20,000 DLLs and a platform list of
-5,000 names below OUT/store. CPU seconds of whole processes, which take turns; medians. For the growth, 100
+archives and 200 directories of 300 DLLs each (58 of them duplicates), one archive of 20,000 DLLs, the same with
+texts and empty files in the place of assemblies, and a platform list of 5,000 names below OUT/store. CPU seconds of whole processes, which take turns; medians. For the growth, 100
 archives of 20 DLLs are named up to 100 times. Prints a table and writes OUT/check.json."""
 import json
-import resource
 import struct
-import subprocess
 import sys
-import time
 import zipfile
 from pathlib import Path
 
-from measuring import interleaved
+from measuring import interleaved, seconds_of
 
 ROUNDS = 7
 PACKAGES, DLLS, DUPLICATES, BIG = 200, 300, 58, 20000
@@ -39,6 +36,9 @@ def assembly(number):
     return file + b"resource" * ((30000 - len(file)) // 8)
 
 
+CONTENTS = [assembly(i) for i in range(1, 30)]
+
+
 def names(package, count):
     """Every fifth one or so has a name of the platform's."""
     for i in range(count):
@@ -47,28 +47,27 @@ def names(package, count):
         yield f"bin/Platform.Part{duplicates}.dll" if duplicate else f"bin/Package{package}.Part{i}.dll"
 
 
-def make_archive(path, package, count):
+def make_archive(path, package, count, contents=CONTENTS):
     with zipfile.ZipFile(path, "w", zipfile.ZIP_DEFLATED) as archive:
         archive.writestr("orvel-manifest.xml", MANIFEST.format(package))
         for i, name in enumerate(names(package, count)):
-            archive.writestr(name, CONTENTS[i % len(CONTENTS)])
+            archive.writestr(name, contents[i % len(contents)])
 
 
-def make_directory(path, package, count):
+def make_directory(path, package, count, contents=CONTENTS):
     (path / "bin").mkdir(parents=True)
     (path / "orvel-manifest.xml").write_text(MANIFEST.format(package))
     for i, name in enumerate(names(package, count)):
-        (path / name).write_bytes(CONTENTS[i % len(CONTENTS)])
-
-
-CONTENTS = [assembly(i) for i in range(1, 30)]
+        (path / name).write_bytes(contents[i % len(contents)])
 
 
 def make_store(store):
     for i in range(PACKAGES):
         make_archive(store / f"p{i}.opk", i, DLLS)
         make_directory(store / f"d{i}", i, DLLS)
+        make_directory(store / f"e{i}", i, DLLS, [b""])
     make_archive(store / "big.opk", "big", BIG)
+    make_archive(store / "names.opk", "big", BIG, [b"no assembly " * 2500])
     for i in range(100):
         make_archive(store / f"small{i}.opk", i, 20)
     (store / "platform").write_text(
@@ -76,16 +75,7 @@ def make_store(store):
 
 
 def timed(*commands):
-    """CPU and wall-clock seconds of the commands, run one after the other."""
-    def measure():
-        before, begin = resource.getrusage(resource.RUSAGE_CHILDREN), time.monotonic()
-        for command in commands:
-            done = subprocess.run([str(part) for part in command], stdout=subprocess.DEVNULL)
-            if done.returncode not in (0, 1):
-                sys.exit(f"bench: {command[0]} ended with {done.returncode}")
-        after = resource.getrusage(resource.RUSAGE_CHILDREN)
-        return after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime, time.monotonic() - begin
-    return measure
+    return lambda: seconds_of(*commands, statuses=(0, 1))
 
 
 def main():
@@ -106,15 +96,19 @@ def main():
         "archives, unzip -Z1": timed(*[["unzip", "-Z1", archive] for archive in archives]),
         "archives, bsdtar -tf": timed(*[["bsdtar", "-tf", archive] for archive in archives]),
         "big, table": timed([*check, big]),
+        "big, json": timed([*check, "--format", "json", big]),
+        "big, sarif": timed([*check, "--format", "sarif", big]),
+        "big, no assemblies": timed([*check, store / "names.opk"]),
         "big, unzip -Z1": timed(["unzip", "-Z1", big]),
         "big, bsdtar -tf": timed(["bsdtar", "-tf", big]),
         "directories, table": timed([*check, *directories]),
+        "directories, empty DLLs": timed([*check, *[store / f"e{i}" for i in range(PACKAGES)]]),
         "directories, find": timed(["find", *directories, "-name", "*.dll"]),
         "growth, 100": timed([*check, *small]),
         "growth, 1,000": timed([*check, *small * 10]),
         "growth, 10,000": timed([*check, *small * 100]),
     })
-    for name, (cpu, wall) in measured.items():
+    for name, (wall, cpu) in measured.items():
         print(f"{name:<24} {cpu:>8.3f} s of CPU   {wall:>8.3f} s")
     (out / "check.json").write_text(json.dumps(measured, indent=1) + "\n")
 

@@ -4,24 +4,16 @@ bench/compare.py BUILD OUT. Seconds are of whole processes on packages of 100,00
 of them, beside them the CPU seconds of the same run, all processes of a pipeline together; fresh processes take turns,
 medians. Prints a table and writes OUT/compare.json."""
 import json
-import resource
 import subprocess
 import sys
-import time
 from pathlib import Path
 
-from measuring import Tree, interleaved
+from measuring import Tree, interleaved, seconds_of
 
 ROUNDS = 7
 PEERS = Path(__file__).resolve().parent / "peers"
 PACKAGE, PLATFORM = "/opt/usr/apps/org.example.bench", "/usr/share/dotnet.orvel"
 DUPLICATES = [0, 1000]
-
-
-def cpu_seconds():
-    """Of all processes that have been waited for."""
-    usage = resource.getrusage(resource.RUSAGE_CHILDREN)
-    return usage.ru_utime + usage.ru_stime
 
 
 def commands(build):
@@ -44,10 +36,7 @@ def measure(build, duplicates):
         def timed(command):
             def measure_once():
                 tree.restore()
-                begin = time.monotonic(), cpu_seconds()
-                subprocess.run([str(part) for part in tree.command(*command)], check=True,
-                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-                return time.monotonic() - begin[0], cpu_seconds() - begin[1]
+                return seconds_of(tree.command(*command))
             return measure_once
 
         tree.restore()

@@ -1,10 +1,13 @@
 """What the two bench scripts share: device trees, measured programs in their sandbox, and counting."""
 import json
 import re
+import resource
 import shutil
 import statistics
 import subprocess
+import sys
 import tempfile
+import time
 from pathlib import Path
 
 SHARED_MEMORY = Path("/dev/shm")
@@ -71,10 +74,28 @@ class Tree:
         return marks[1] - marks[0] - 1
 
 
+def seconds_of(*commands, statuses=(0,)):
+    """(Seconds, CPU seconds) of the commands, one after the other, with all of their processes."""
+    def cpu():
+        usage = resource.getrusage(resource.RUSAGE_CHILDREN)
+        return usage.ru_utime + usage.ru_stime
+    begin = time.monotonic(), cpu()
+    for command in commands:
+        done = subprocess.run([str(part) for part in command], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        if done.returncode not in statuses:
+            sys.exit(f"bench: {command[0]} ended with {done.returncode}")
+    return time.monotonic() - begin[0], cpu() - begin[1]
+
+
+def median(values):
+    """Of numbers, or of tuples number by number."""
+    return tuple(map(statistics.median, zip(*values))) if isinstance(values[0], tuple) else statistics.median(values)
+
+
 def interleaved(rounds, measurements):
     """Runs all of the measurements in turn, `rounds` times; the median result of each, by its name."""
     results = {name: [] for name in measurements}
     for _ in range(rounds):
         for name, measure in measurements.items():
             results[name].append(measure())
-    return {name: statistics.median(values) for name, values in results.items()}
+    return {name: median(values) for name, values in results.items()}

@@ -6,8 +6,10 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "base/unique_fd.h"
@@ -26,28 +28,44 @@ constexpr std::size_t kWindow = 4096;
 constexpr std::size_t kLeastUnpacked = 1024;
 constexpr std::size_t kMostUnpacked = std::size_t{8} << 20;
 
-// What the walk sees of an entry; it passes over what is neither file nor directory, nor a link to one. Asks in the way
-// that makes no system call when the directory told the type.
-unsigned char TypeOf(const fs::directory_entry& entry) {
-  std::error_code ignored;
-  const bool link = entry.is_symlink(ignored);
-  if (entry.is_directory(ignored)) return link ? DT_LNK : DT_DIR;
-  if (entry.is_regular_file(ignored)) return link ? DT_LNK : DT_REG;
-  return DT_FIFO;
+struct CloseDirectory {
+  void operator()(DIR* directory) const { closedir(directory); }
+};
+
+// What the walk sees of an entry; it passes over what is neither file nor directory, nor a link to one.
+unsigned char TypeOf(const dirent& entry, const std::string& path) {
+  struct stat status {};
+  unsigned char type = entry.d_type;
+  if (type == DT_UNKNOWN && lstat(path.c_str(), &status) == 0) type = IFTODT(status.st_mode);
+  if (type != DT_LNK) return type;
+  const bool counts = stat(path.c_str(), &status) == 0 && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
+  return counts ? DT_LNK : DT_FIFO;
+}
+
+// Adds the entries of the directory `below`, which is "" or ends in "/", of the tree `root`, and puts its
+// subdirectories on `waiting`.
+void ListDirectory(const std::string& root, const std::string& below, Listing& listing,
+                   std::vector<std::string>& waiting) {
+  const std::string path = root + "/" + below;
+  const std::unique_ptr<DIR, CloseDirectory> directory(opendir(path.c_str()));
+  if (directory == nullptr) host::ThrowFileError(path, "read", errno);
+  for (errno = 0; const dirent* entry = readdir(directory.get()); errno = 0) {
+    const std::string_view name = entry->d_name;
+    if (name == "." || name == "..") continue;
+    const unsigned char type = TypeOf(*entry, path + entry->d_name);
+    listing.Add(below + entry->d_name, type);
+    if (type == DT_DIR) waiting.push_back(below + entry->d_name + "/");
+  }
+  if (errno != 0) host::ThrowFileError(path, "read", errno);
 }
 
 // The tree of the directory `root`.
 Listing ListTree(const fs::path& root) {
   Listing listing;
-  try {
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(root)) {
-      std::string_view path = entry.path().native();
-      path.remove_prefix(root.native().size());
-      while (path.front() == '/') path.remove_prefix(1);
-      listing.Add(path, TypeOf(entry));
-    }
-  } catch (const fs::filesystem_error& error) {
-    host::ThrowFileError(error.path1().empty() ? root : error.path1(), "read", error.code().value());
+  for (std::vector<std::string> waiting = {""}; !waiting.empty();) {
+    const std::string below = std::move(waiting.back());
+    waiting.pop_back();
+    ListDirectory(root, below, listing, waiting);
   }
   return listing;
 }
@@ -117,8 +135,8 @@ class FilesOfArchive : public PackageFiles {
   }
 
   DllCopy FactsOf(const std::string& path) const override {
-    const ArchiveEntry& entry = **std::lower_bound(by_path_.begin(), by_path_.end(), path,
-                                                   [](const auto* one, const auto& asked) { return one->path < asked; });
+    const ArchiveEntry& entry = **std::lower_bound(
+        by_path_.begin(), by_path_.end(), path, [](const auto* one, const auto& asked) { return one->path < asked; });
     UnpackedBytes bytes(archive_, entry);
     return {entry.size, ReadAssemblyVersion(bytes, entry.size)};
   }

@@ -124,12 +124,11 @@ std::string RootOnDevice(const PlatformSet& set, const std::string& id) {
 }
 
 void RequirePlatform(const fs::path& platform) {
-  const bool found =
-      std::any_of(std::begin(host::kPlatformAssemblyDirectories), std::end(host::kPlatformAssemblyDirectories),
-                  [&](const char* name) {
-                    std::error_code ignored;
-                    return fs::is_directory(platform / name, ignored);
-                  });
+  const bool found = std::any_of(std::begin(host::kPlatformAssemblyDirectories),
+                                 std::end(host::kPlatformAssemblyDirectories), [&](const char* name) {
+                                   std::error_code ignored;
+                                   return fs::is_directory(platform / name, ignored);
+                                 });
   if (found) return;
   throw host::DeviceError(platform.string() +
                           ": no platform assemblies; name a directory that holds netcoreapp/, framework/, d.pc/ or " +

@@ -26,7 +26,7 @@ struct CheckedDll {
   Verdict verdict = Verdict::kKept;
   std::string_view reason;  // why it is kept although something speaks for a duplicate: a literal; may be empty
   std::string origin;       // the catalogued copy that decides, as a path of the device; empty when there is none
-  DllCopy own;         // of a duplicate: the package's copy and the catalogued one
+  DllCopy own;              // of a duplicate: the package's copy and the catalogued one
   DllCopy provided;
 
   bool IsDuplicate() const { return verdict != Verdict::kKept; }

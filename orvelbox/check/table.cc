@@ -29,25 +29,37 @@ std::string BecauseOf(const CheckedDll& dll) {
   return "(" + std::string(dll.reason) + ")";
 }
 
-TextTable::Row RowOf(const CheckedDll& dll) {
-  return {ToString(dll.verdict),   dll.path,       SizeOf(dll.own), VersionOf(dll.own), SizeOf(dll.provided),
-          VersionOf(dll.provided), BecauseOf(dll)};
+// Row by row into the same strings.
+void FillRow(const CheckedDll& dll, TextTable::Row& row) {
+  row[0] = ToString(dll.verdict);
+  row[1] = dll.path;
+  row[2] = SizeOf(dll.own);
+  row[3] = VersionOf(dll.own);
+  row[4] = SizeOf(dll.provided);
+  row[5] = VersionOf(dll.provided);
+  row[6] = BecauseOf(dll);
 }
 
 void DescribeDlls(const CheckedPackage& package, const TakeLine& take) {
   if (package.dlls.empty()) return;
-  TextTable table({"VERDICT", "DLL", "SIZE", "VERSION", "ITS SIZE", "ITS VERSION", "BECAUSE OF"});
-  for (const CheckedDll& dll : package.dlls) table.Measure(RowOf(dll));
+  TextTable::Row row = {"VERDICT", "DLL", "SIZE", "VERSION", "ITS SIZE", "ITS VERSION", "BECAUSE OF"};
+  TextTable table(row);
+  for (const CheckedDll& dll : package.dlls) {
+    FillRow(dll, row);
+    table.Measure(row);
+  }
   take("    " + table.Headings());
-  for (const CheckedDll& dll : package.dlls) take("    " + table.Line(RowOf(dll)));
+  for (const CheckedDll& dll : package.dlls) {
+    FillRow(dll, row);
+    take("    " + table.Line(row));
+  }
 }
 
 void DescribeNewer(const CheckedPackage& package, const TakeLine& take) {
   for (const CheckedDll& dll : package.dlls) {
     if (!dll.IsDuplicate() || !dll.IsNewer()) continue;
-    take("    warning: " + dll.path + " (" + ToString(*dll.own.version) +
-         ") is newer than the copy that decides (" + ToString(*dll.provided.version) +
-         "); by its name it is a duplicate all the same");
+    take("    warning: " + dll.path + " (" + ToString(*dll.own.version) + ") is newer than the copy that decides (" +
+         ToString(*dll.provided.version) + "); by its name it is a duplicate all the same");
   }
 }
 

@@ -80,7 +80,10 @@ std::string TextTable::Line(const Row& row) const {
 
 void SetQuiet(bool wanted) { quiet = wanted; }
 
-void Say(std::string_view line) { SayColoured(Printable(line)); }
+void Say(std::string_view line) {
+  if (IsPlain(line)) return SayColoured(line);
+  SayColoured(Printable(line));
+}
 
 void SayAll(const Lines& lines) {
   for (const std::string& line : lines) Say(line);

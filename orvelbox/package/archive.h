@@ -91,8 +91,8 @@ class ArchiveContent {
   std::string piece_;
 };
 
-// Hands the whole content of an entry to `take`, piece by piece. Throws what ArchiveContent::Next() and `take` throw, and
-// host::DeviceError at the end when the checksum is wrong.
+// Hands the whole content of an entry to `take`, piece by piece. Throws what ArchiveContent::Next() and `take` throw,
+// and host::DeviceError at the end when the checksum is wrong.
 void ReadContent(const Archive& archive, const ArchiveEntry& entry, const std::function<void(std::string_view)>& take);
 
 }  // namespace orvelbox
