@@ -54,6 +54,7 @@ if(ORVEL_PLATFORM STREQUAL "host")
   install(TARGETS dotnet-loader-inhouse RUNTIME DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT host)
   install(TARGETS orvelbox RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT host)
   set(manual ${PROJECT_BINARY_DIR}/orvelbox/manual)
+  install(FILES orvelbox/share/Orvelbox.Check.targets DESTINATION ${CMAKE_INSTALL_DATADIR}/orvelbox COMPONENT host)
   install(FILES ${manual}/orvelbox.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT host)
   install(FILES ${manual}/orvelbox.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
     RENAME orvelbox COMPONENT host)

@@ -1,7 +1,6 @@
 // The results of a check as JSON, and as a SARIF log.
 #include "platform/host/json.h"
 
-#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <utility>
 
@@ -57,23 +56,8 @@ std::string UriOf(const std::string& path) {
   return scheme + host::PercentEncoded(path, [](char c) { return kPlain.find(c) != std::string_view::npos; });
 }
 
-std::string VersionIn(const DllCopy& copy) { return copy.version ? " (" + ToString(*copy.version) + ")" : ""; }
-
-std::string MessageAbout(const CheckedPackage& package, const CheckedDll& dll) {
-  std::string text = dll.path + VersionIn(dll.own) + " duplicates " + dll.origin + VersionIn(dll.provided);
-  text += dll.verdict == Verdict::kRemoved ? "; the install removes it." : "; the install reports it but keeps it.";
-  if (dll.IsNewer()) text += " The package's copy is the newer one; by its name it is a duplicate all the same.";
-  if (package.debugging) text += " The package is under debugging, so its install fails.";
-  return text;
-}
-
-// A DLL in a directory is a file to point at; one in an archive has its place by name only.
 host::Json LocationOf(const CheckedPackage& package, const CheckedDll& dll) {
-  const std::filesystem::path file = std::filesystem::path(package.name) / dll.path;
-  std::error_code ignored;
-  const bool archive = !std::filesystem::is_directory(package.name, ignored);
-  const std::string uri = UriOf(archive ? package.name : file.lexically_normal().string());
-  return {{"physicalLocation", {{"artifactLocation", {{"uri", uri}}}}},
+  return {{"physicalLocation", {{"artifactLocation", {{"uri", UriOf(FileOf(package, dll))}}}}},
           {"logicalLocations",
            host::Json::array({{{"fullyQualifiedName", package.id + "/" + dll.path}, {"kind", "resource"}}})}};
 }

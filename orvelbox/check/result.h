@@ -45,6 +45,10 @@ struct CheckedPackage {
   std::vector<CheckedDll> dlls;  // all of them, ordered by path
 };
 
+// How grave it is what was found: because of an error the install would fail.
+enum class Level { kNone, kWarning, kError };
+Level LevelOf(const CheckedPackage& package);
+
 // "kept", "reported" or "removed".
 const char* ToString(Verdict verdict);
 
@@ -59,6 +63,12 @@ std::size_t CountDuplicates(const CheckedPackage& package);
 // All about a package that could be checked, in words and a table.
 void DescribeCheck(const CheckedPackage& package, const TakeLine& take);
 
+// What is said of one duplicate of the package, in one line.
+std::string MessageAbout(const CheckedPackage& package, const CheckedDll& dll);
+
+// The file to point at: a DLL in a directory, or the archive that it lies in.
+std::string FileOf(const CheckedPackage& package, const CheckedDll& dll);
+
 // The lines for the duplicates of `package` that a copy outside of it makes duplicates, to be put inside of <Project>.
 // None when there are none.
 Lines ProjectLines(const CheckedPackage& package);
@@ -66,6 +76,10 @@ Lines ProjectLines(const CheckedPackage& package);
 // Everything as one line of JSON, handed to `take` in parts.
 using TakePart = std::function<void(std::string_view part)>;
 void WriteJson(const CheckedPackage& package, const TakePart& take);
+
+// A line for each duplicate, or for what keeps the package from being checked, in the form that MSBuild and those who
+// read its logs take for a warning or an error.
+void WriteMsbuild(const CheckedPackage& package, const TakeLine& take);
 
 // A log in SARIF 2.1.0, which code review tools read, with one run: a result per duplicate, a notification per package
 // that could not be checked. Results are said as they come, so that none is kept.

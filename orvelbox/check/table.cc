@@ -29,6 +29,8 @@ std::string BecauseOf(const CheckedDll& dll) {
   return "(" + std::string(dll.reason) + ")";
 }
 
+std::string VersionIn(const DllCopy& copy) { return copy.version ? " (" + ToString(*copy.version) + ")" : ""; }
+
 // Row by row into the same strings.
 void FillRow(const CheckedDll& dll, TextTable::Row& row) {
   row[0] = ToString(dll.verdict);
@@ -108,6 +110,20 @@ std::size_t CountDuplicates(const CheckedPackage& package) {
   return package.dlls.size() - CountOf(package, Verdict::kKept);
 }
 
+std::string MessageAbout(const CheckedPackage& package, const CheckedDll& dll) {
+  std::string text = dll.path + VersionIn(dll.own) + " duplicates " + dll.origin + VersionIn(dll.provided);
+  text += dll.verdict == Verdict::kRemoved ? "; the install removes it." : "; the install reports it but keeps it.";
+  if (dll.IsNewer()) text += " The package's copy is the newer one; by its name it is a duplicate all the same.";
+  if (package.debugging) text += " The package is under debugging, so its install fails.";
+  return text;
+}
+
+std::string FileOf(const CheckedPackage& package, const CheckedDll& dll) {
+  std::error_code ignored;
+  if (!std::filesystem::is_directory(package.name, ignored)) return package.name;
+  return (std::filesystem::path(package.name) / dll.path).lexically_normal().string();
+}
+
 void DescribeCheck(const CheckedPackage& package, const TakeLine& take) {
   take(Headline(package));
   if (!package.dotnet) take(std::string("    ") + kLeftAlone);
@@ -119,6 +135,11 @@ void DescribeCheck(const CheckedPackage& package, const TakeLine& take) {
         "a package may have no duplicates");
   }
   DescribeProjectLines(package, take);
+}
+
+Level LevelOf(const CheckedPackage& package) {
+  if (CountDuplicates(package) == 0) return Level::kNone;
+  return package.debugging ? Level::kError : Level::kWarning;
 }
 
 Lines ProjectLines(const CheckedPackage& package) {

@@ -19,16 +19,21 @@ constexpr int kUnreadable = 2;
 constexpr const char* kTable = "table";
 constexpr const char* kJson = "json";
 constexpr const char* kSarif = "sarif";
+constexpr const char* kMsbuild = "msbuild";
+
+constexpr const char* kWarning = "warning";
+constexpr const char* kError = "error";
 
 // Says results as they come.
 class CheckReporter : public CheckReceiver {
  public:
-  CheckReporter(std::string format, std::size_t packages, bool quiet)
-      : format_(std::move(format)), progress_("checking", packages, !quiet) {}
+  // `grave`: what makes the exit status 1.
+  CheckReporter(std::string format, Level grave, std::size_t packages, bool quiet)
+      : format_(std::move(format)), grave_(grave), progress_("checking", packages, !quiet) {}
 
   void Receive(CheckedPackage package) override {
     progress_.Clear();
-    if (!package.problem.empty()) Complain(package.problem);
+    if (!package.problem.empty() && format_ != kMsbuild) Complain(package.problem);
     status_ = std::max(status_, StatusOf(package));
     if (format_ == kJson) {
       WriteJson(package, SayPart);
@@ -36,6 +41,7 @@ class CheckReporter : public CheckReceiver {
     }
     if (format_ == kTable && package.problem.empty()) DescribeCheck(package, Say);
     if (format_ == kSarif) sarif_.Add(package);
+    if (format_ == kMsbuild) WriteMsbuild(package, Say);
   }
 
   void Finished(std::size_t packages) override { progress_.Show(packages); }
@@ -48,21 +54,22 @@ class CheckReporter : public CheckReceiver {
   }
 
  private:
-  static int StatusOf(const CheckedPackage& package) {
+  int StatusOf(const CheckedPackage& package) const {
     if (!package.problem.empty()) return kUnreadable;
-    return CountDuplicates(package) > 0 ? kDuplicates : kNoDuplicates;
+    return LevelOf(package) >= grave_ ? kDuplicates : kNoDuplicates;
   }
 
   std::string format_;
+  Level grave_;
   Progress progress_;
   SarifLog sarif_{SayColoured};
   int status_ = kNoDuplicates;
 };
 
-int Run(const CheckRequest& request, const std::string& format, const GlobalOptions& global) {
+int Run(const CheckRequest& request, const std::string& format, Level grave, const GlobalOptions& global) {
   const auto device = request.platform.empty() ? ChooseDevice(global) : std::filesystem::path();
   try {
-    CheckReporter reporter(format, request.packages.size(), global.quiet);
+    CheckReporter reporter(format, grave, request.packages.size(), global.quiet);
     CheckPackages(request, device, reporter);
     return reporter.Finish();
   } catch (const std::exception& error) {
@@ -80,10 +87,10 @@ std::vector<std::string> Uris(std::vector<std::string> privileges) {
 
 Command MakeCheck() {
   using Texts = std::vector<std::string>;
-  Command command("check",
-                  "Say which DLLs of packages an install would remove, and because of what; nothing is installed",
-                  "check --platform tv-assemblies shop.opk",
-                  "Exit status: 0 no duplicates, 1 duplicates, 2 wrong usage, or something could not be read.\n");
+  Command command(
+      "check", "Say which DLLs of packages an install would remove, and because of what; nothing is installed",
+      "check --platform tv-assemblies shop.opk",
+      "Exit status: 0 no duplicates, 1 duplicates (see --fail-on), 2 wrong usage, or something could not be read.\n");
   const auto& platform = command.Take<std::string>(
       {"--platform", "DIR|LIST",
        "Check against the platform in this directory (netcoreapp/ framework/ d.pc/ tvappapi/) or list file (paths of a "
@@ -94,7 +101,17 @@ Command MakeCheck() {
       {"--privilege", "URI",
        "A privilege that the packages hold beside those of their manifests: a URI, \"platform\" or \"appdebugging\""});
   const auto& format = command.Take<std::string>(
-      {"--format", "FORMAT", "table, json (one line per package) or sarif (2.1.0)", {kTable, kJson, kSarif}}, kTable);
+      {"--format",
+       "FORMAT",
+       "table, json (one line per package), sarif (2.1.0) or msbuild (warnings and errors of a build)",
+       {kTable, kJson, kSarif, kMsbuild}},
+      kTable);
+  const auto& fail_on = command.Take<std::string>(
+      {"--fail-on",
+       "LEVEL",
+       "End with 1 because of any duplicate (warning), or only where the install would fail (error)",
+       {kWarning, kError}},
+      kWarning);
   const auto& jobs = command.Take<unsigned>(
       {"--jobs", "N", "How many packages are checked at a time (one per core)", {}, false, 1024});
   const auto& packages = command.Take<Texts>({"PACKAGE", "", "Directories or .opk archives of packages"});
@@ -102,8 +119,9 @@ Command MakeCheck() {
     Uris(privileges);
     RequireOneOf(platform, global);
   };
-  command.run = [&platform, &coba, &privileges, &format, &jobs, &packages](const GlobalOptions& global) {
-    return Run({packages, platform, coba, Uris(privileges), jobs}, format, global);
+  command.run = [&platform, &coba, &privileges, &format, &fail_on, &jobs, &packages](const GlobalOptions& global) {
+    const Level grave = fail_on == kError ? Level::kError : Level::kWarning;
+    return Run({packages, platform, coba, Uris(privileges), jobs}, format, grave, global);
   };
   return command;
 }

@@ -152,6 +152,24 @@ TEST_F(CheckE2e, an_unreadable_package_is_named_and_the_others_are_checked) {
   EXPECT_THAT(result.out, HasSubstr("\"duplicates\":1"));
 }
 
+TEST_F(CheckE2e, msbuild_lines_name_files_and_say_each_thing_once) {
+  AddPlatformFile("framework/Json.dll");
+  const std::string package = Shop({{"Json.dll", ""}});
+  const Result result = RunExpecting(2, {"check", "--format", "msbuild", package, dir_ / "nowhere"});
+  EXPECT_EQ(result.out, package + "/Json.dll: warning ORVEL1001: Json.dll duplicates " + kPlatform +
+                            "framework/Json.dll; the install removes it.\n" + (dir_ / "nowhere") +
+                            ": error ORVEL1003: no such directory; name the directory or the archive of a package\n");
+  EXPECT_EQ(result.err, "");
+}
+
+TEST_F(CheckE2e, what_makes_it_fail_can_be_chosen) {
+  AddPlatformFile("framework/Json.dll");
+  const std::string package = Shop({{"Json.dll", ""}});
+  RunExpecting(1, {"check", "--fail-on", "warning", package});
+  RunExpecting(0, {"check", "--fail-on", "error", package});
+  RunExpecting(1, {"check", "--fail-on", "error", "--privilege", "appdebugging", package});
+}
+
 TEST_F(CheckE2e, sarif_is_one_document) {
   AddPlatformFile("framework/Json.dll");
   const auto log = host::ParseJson(RunExpecting(1, {"check", "--format", "sarif", Shop({{"Json.dll", ""}})}).out);
@@ -196,7 +214,7 @@ TEST_F(CheckE2e, wrong_usage_ends_with_2) {
     EXPECT_EQ(result.out, "");
     EXPECT_THAT(result.err, StartsWith("orvelbox: "));
   }
-  EXPECT_THAT(RunExpecting(2, {"check", "--format", "xml", "p"}).err, HasSubstr("{table,json,sarif}"));
+  EXPECT_THAT(RunExpecting(2, {"check", "--format", "xml", "p"}).err, HasSubstr("{table,json,sarif,msbuild}"));
 }
 
 }  // namespace

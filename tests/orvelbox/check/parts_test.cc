@@ -108,6 +108,34 @@ TEST(CheckTable, tells_when_an_install_would_fail) {
   EXPECT_THAT(Described(package), ElementsAre("shop.opk: org.example.shop 1.0: no DLLs"));
 }
 
+Lines MsbuildOf(const CheckedPackage& package) {
+  Lines lines;
+  WriteMsbuild(package, [&](const std::string& line) { lines.push_back(line); });
+  return lines;
+}
+
+TEST(CheckMsbuild, has_a_line_for_every_duplicate) {
+  CheckedPackage package = Package({NewerDll(), Dll("bin/Own.dll", Verdict::kKept, ""),
+                                    Dll("lib/B.dll", Verdict::kReportedOnly, "/opt/other/B.dll")});
+  const std::string removed =
+      ": bin/Json.dll (2.0.0.0) duplicates /usr/share/dotnet.orvel/framework/Json.dll (1.9.0.0); the install removes "
+      "it. The package's copy is the newer one; by its name it is a duplicate all the same.";
+  const std::string reported = ": lib/B.dll duplicates /opt/other/B.dll; the install reports it but keeps it.";
+  EXPECT_THAT(MsbuildOf(package),
+              ElementsAre("shop.opk: warning ORVEL1001" + removed, "shop.opk: warning ORVEL1002" + reported));
+  package.debugging = true;
+  const std::string fails = " The package is under debugging, so its install fails.";
+  EXPECT_THAT(MsbuildOf(package), ElementsAre("shop.opk: error ORVEL1001" + removed + fails,
+                                              "shop.opk: error ORVEL1002" + reported + fails));
+}
+
+TEST(CheckMsbuild, a_problem_is_an_error_of_its_own) {
+  CheckedPackage package = Package({});
+  EXPECT_THAT(MsbuildOf(package), IsEmpty());
+  package.problem = "shop.opk: gone";
+  EXPECT_THAT(MsbuildOf(package), ElementsAre("shop.opk: error ORVEL1003: gone"));
+}
+
 TEST(TextTable, columns_are_as_wide_as_their_characters_and_empty_ones_left_out) {
   TextTable table({"A", "EMPTY", "B"});
   table.Measure({"größer", "", "1"});
