@@ -12,7 +12,7 @@ namespace {
 
 constexpr const char* kAnything = "…";
 // Blocks that hold no commands.
-constexpr const char* kReadOnly[] = {"```text", "```xml", "```json"};
+constexpr const char* kReadOnly[] = {"```text", "```xml", "```json", "```yaml"};
 
 bool BeginsWith(const std::string& text, const std::string& start) { return text.rfind(start, 0) == 0; }
 
