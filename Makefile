@@ -1,7 +1,7 @@
 # The commands of everyday work. Each installs what is missing first; CMakePresets.json holds the builds.
 .PHONY: build tests test test-heavy test-container test-distributions test-devices demo bench bench-compare bench-check \
   bench-programs coverage mutation fuzz lint format sanitize valgrind clean packages lint-packages package package-test \
-  reproducible package-tools
+  reproducible package-tools pictures
 
 JOBS ?= $(shell nproc)
 
@@ -90,6 +90,10 @@ fuzz: packages
 	cmake --preset fuzz
 	cmake --build --preset fuzz --parallel $(JOBS) --target fuzzers
 	scripts/fuzz.sh build/fuzz $(FUZZ_SECONDS) $(FUZZERS)
+
+# The pictures in README.md, out of what orvelbox prints.
+pictures: build
+	scripts/pictures.sh build/release/orvelbox/orvelbox docs
 
 # The Debian packages, in build/package/packages.
 package: packages package-tools

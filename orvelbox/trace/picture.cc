@@ -1,6 +1,5 @@
-// Boxes, their labels and the page around them.
+// Boxes and their labels. The page for a browser draws its own.
 #include <algorithm>
-#include <array>
 
 #include "orvelbox/desk/output.h"
 #include "orvelbox/desk/xml.h"
@@ -17,20 +16,10 @@ constexpr std::int64_t kTitle = 30;
 constexpr std::int64_t kCharacter = 7;
 constexpr std::int64_t kInner = kWidth - 2 * kMargin;
 
-// Light enough for black letters.
-constexpr std::array<const char*, 6> kColours = {"#8ecae6", "#ffd166", "#b7e4c7", "#f4acb7", "#cdb4db", "#ddb892"};
-
 std::string Escaped(const std::string& text) { return XmlEscaped(Printable(text)); }
 
 std::string Attribute(const char* name, std::int64_t value) {
   return std::string(" ") + name + "=\"" + std::to_string(value) + "\"";
-}
-
-// The same for every span of a unit, "unit(line) signature".
-std::string Colour(const Span& span) {
-  std::size_t sum = 0;
-  for (const char c : span.name.substr(0, span.name.find('('))) sum = sum * 31 + static_cast<unsigned char>(c);
-  return kColours[sum % kColours.size()];
 }
 
 std::int64_t Pixels(std::int64_t time, std::int64_t duration) { return duration == 0 ? 0 : time * kInner / duration; }
@@ -53,9 +42,9 @@ std::string Box(const Span& span, std::int64_t duration, std::int64_t top) {
   const std::int64_t width = std::max<std::int64_t>(1, kMargin + Pixels(span.end, duration) - x);
   const std::int64_t y = top + static_cast<std::int64_t>(span.depth) * kRow;
   return "<g><title>" + Escaped(span.name) + "\n" + Times(span) + "</title><rect class=\"span\"" + Attribute("x", x) +
-         Attribute("y", y) + Attribute("width", width) + Attribute("height", kRow - 2) + " fill=\"" + Colour(span) +
-         "\"" + (span.closed ? "" : " stroke=\"#c1121f\" stroke-dasharray=\"3\"") + "/>" + Label(span, x, y, width) +
-         "</g>\n";
+         Attribute("y", y) + Attribute("width", width) + Attribute("height", kRow - 2) + " fill=\"" +
+         kSpanColours[ColourOf(span)] + "\"" + (span.closed ? "" : " stroke=\"#c1121f\" stroke-dasharray=\"3\"") +
+         "/>" + Label(span, x, y, width) + "</g>\n";
 }
 
 std::int64_t Height(const Lane& lane) { return kTitle + static_cast<std::int64_t>(lane.Depth()) * kRow; }
@@ -68,23 +57,13 @@ std::string Drawn(const Lane& lane, std::int64_t top) {
   return text;
 }
 
-std::string Table(const Lane& lane) {
-  std::string text =
-      "<table><caption>" + Title(lane) + "</caption><tr><th>begin ms<th>took ms<th class=\"name\">span</tr>\n";
-  for (const Span& span : lane.spans) {
-    text += "<tr><td>" + Milliseconds(span.begin) + "<td>" + Milliseconds(span.end - span.begin) +
-            "<td class=\"name\" style=\"padding-left: " + std::to_string(span.depth) + "em\">" + Escaped(span.name) +
-            "</tr>\n";
-  }
-  return text + "</table>\n";
-}
-
-constexpr const char* kPageStyle =
-    "body{font:14px sans-serif;margin:1em}svg{max-width:100%;height:auto}table{border-collapse:collapse;margin-top:1em}"
-    "td,th{padding:1px 8px;text-align:right}caption{text-align:left;font-weight:bold}"
-    ".name{font-family:monospace;text-align:left}";
-
 }  // namespace
+
+std::size_t ColourOf(const Span& span) {
+  std::size_t sum = 0;
+  for (const char c : span.name.substr(0, span.name.find('('))) sum = sum * 31 + static_cast<unsigned char>(c);
+  return sum % kSpanColours.size();
+}
 
 std::string TraceSvg(const std::vector<Lane>& lanes) {
   std::string boxes;
@@ -98,14 +77,6 @@ std::string TraceSvg(const std::vector<Lane>& lanes) {
          Attribute("height", top + kMargin) +
          ">\n<style>text{font:11px monospace}text.lane{font:bold 13px sans-serif}</style>\n" +
          "<rect width=\"100%\" height=\"100%\" fill=\"white\"/>\n" + boxes + "</svg>\n";
-}
-
-std::string TraceHtml(const std::vector<Lane>& lanes, const std::string& title) {
-  std::string tables;
-  for (const Lane& lane : lanes) tables += Table(lane);
-  return "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\"><title>" + Escaped(title) +
-         "</title><style>" + kPageStyle + "</style></head>\n<body><h1>" + Escaped(title) + "</h1>\n" + TraceSvg(lanes) +
-         tables + "</body></html>\n";
 }
 
 }  // namespace orvelbox

@@ -3,6 +3,7 @@
 #ifndef ORVEL_ORVELBOX_TRACE_SPANS_H_
 #define ORVEL_ORVELBOX_TRACE_SPANS_H_
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -43,10 +44,17 @@ std::string Title(const Lane& lane);
 // need.
 std::vector<std::string> DrawTimeline(const std::vector<Lane>& lanes, std::size_t width);
 
+// Light enough for black letters.
+inline constexpr std::array<const char*, 6> kSpanColours = {"#8ecae6", "#ffd166", "#b7e4c7",
+                                                            "#f4acb7", "#cdb4db", "#ddb892"};
+// Which of them a span has: the same for every span of a unit, "unit(line) signature".
+std::size_t ColourOf(const Span& span);
+
 // An SVG document: for every lane, on a scale of its own, a box for every span, in the row of its depth.
 std::string TraceSvg(const std::vector<Lane>& lanes);
 
-// An HTML document with that picture and a table of the spans. Everything is in it; nothing is fetched, no script runs.
+// An HTML document that draws the same boxes, to be looked at more closely by keys or mouse, with a table of the spans.
+// Everything is in it; nothing is fetched.
 std::string TraceHtml(const std::vector<Lane>& lanes, const std::string& title);
 
 // Refuses, before anything is done, a file that no trace can be written to, and one that holds something else. Throws
