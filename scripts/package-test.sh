@@ -8,6 +8,6 @@ packages=$(cd "$1" && pwd)
 scripts=$(cd "$(dirname "$0")" && pwd)
 codename=$(sed -n 's/^VERSION_CODENAME=//p' /etc/os-release)
 
-(cd "$packages" && tar -c -- *.deb -C "$scripts/package-test" inside.sh) |
+(cd "$packages" && tar -c ./*.deb -C "$scripts/package-test" inside.sh) |
   "$scripts/fresh-root/run.sh" "${2:-$codename}" sh inside.sh
 echo "package-test: passed"
