@@ -9,14 +9,6 @@ foreach(directory BINDIR LIBDIR INCLUDEDIR)
   endif()
 endforeach()
 
-# The version of the interface stands with the list of what belongs to it.
-set(exports ${PROJECT_SOURCE_DIR}/plugin/exported_symbols.txt)
-file(STRINGS ${exports} version REGEX "^# interface [0-9]+\\.[0-9]+$")
-string(REPLACE "# interface " "" MORVATH_INTERFACE_VERSION "${version}")
-if(NOT MORVATH_INTERFACE_VERSION MATCHES "^[0-9]+\\.[0-9]+$")
-  message(FATAL_ERROR "${exports}: exactly one line must read \"# interface MAJOR.MINOR\"")
-endif()
-
 install(TARGETS morvath quarnel_util LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT plugin)
 set_target_properties(morvath quarnel_util PROPERTIES INSTALL_RPATH "$ORIGIN")
 

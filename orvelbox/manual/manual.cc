@@ -2,8 +2,10 @@
 // of the command that stands on the line, the values where there is a choice, and files otherwise.
 #include "orvelbox/manual/manual.h"
 
+#include <boost/algorithm/string/case_conv.hpp>
 #include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/replace.hpp>
+#include <locale>
 #include <sstream>
 
 namespace orvelbox {
@@ -168,8 +170,14 @@ std::string ManPage(const CommandFacts& program, const std::string& version) {
   std::string text = ".TH ORVELBOX 1 \"\" \"" + program.name + " " + version + "\"\n.SH NAME\n" + program.name +
                      " \\- " + Roff(program.description.substr(colon + 2, stop - colon - 2)) + "\n.SH SYNOPSIS\n\\fB" +
                      program.name + "\\fR [\\fIOPTIONS\\fR] \\fICOMMAND\\fR [\\fIARGUMENTS\\fR]\n.SH DESCRIPTION\n" +
-                     Roff(program.description) + "\n.SH OPTIONS\n" + Entries(program) + ".SH COMMANDS\n";
-  for (const CommandFacts& command : program.commands) text += Section(command, "");
+                     Roff(program.description) + "\n.SH OPTIONS\n" + Entries(program);
+  std::string group;
+  for (const CommandFacts& command : program.commands) {
+    if (command.group != group)
+      text += ".SH COMMANDS: " + Roff(boost::to_upper_copy(command.group, std::locale::classic())) + "\n";
+    group = command.group;
+    text += Section(command, "");
+  }
   return text + ".SH NOTES\n" + Lines(program.footer);
 }
 

@@ -34,7 +34,9 @@ CommandFacts Small() {
             ".5 of it\nExample: box cut x",
             {{"--how", "H", "How", {"a", "b"}}},
             {{"X", "", "What"}},
-            {}}}};
+            {},
+            nullptr,
+            "Tools"}}};
 }
 
 TEST(Manual, every_command_has_an_example_that_calls_it) {
@@ -92,7 +94,7 @@ TEST(Manual, the_page_tells_everything_and_nothing_of_it_is_markup) {
             ".SH SYNOPSIS\n\\fBbox\\fR [\\fIOPTIONS\\fR] \\fICOMMAND\\fR [\\fIARGUMENTS\\fR]\n"
             ".SH DESCRIPTION\nbox: a small box. It's .NET.\n"
             ".SH OPTIONS\n.TP\n\\fB\\-\\-device\\fR \\fIDIR\\fR\nWhere\n"
-            ".SH COMMANDS\n.SS \"\\fBcut\\fR \\fIX\\fR\"\nCuts a\\eb\n.TP\n\\fIX\\fR\nWhat\n"
+            ".SH COMMANDS: TOOLS\n.SS \"\\fBcut\\fR \\fIX\\fR\"\nCuts a\\eb\n.TP\n\\fIX\\fR\nWhat\n"
             ".TP\n\\fB\\-\\-how\\fR \\fIH\\fR\nHow\n.PP\n\\&.5 of it\n.br\nExample: box cut x\n.br\n"
             ".SH NOTES\nThe end.\n.br\n");
 }
