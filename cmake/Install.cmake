@@ -45,10 +45,10 @@ if(ORVEL_PLATFORM STREQUAL "host")
   # liborvel_aul starts the loader from its own directory.
   install(TARGETS dotnet-loader-inhouse RUNTIME DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT host)
   install(TARGETS orvelbox RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT host)
-  set(manual ${PROJECT_BINARY_DIR}/orvelbox/manual)
-  install(FILES ${manual}/orvelbox.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT host)
-  install(FILES ${manual}/orvelbox.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+  install(FILES ${PROJECT_BINARY_DIR}/orvelbox/orvelbox.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT host)
+  set(completion ${PROJECT_SOURCE_DIR}/orvelbox/completion)
+  install(FILES ${completion}/orvelbox.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
     RENAME orvelbox COMPONENT host)
-  install(FILES ${manual}/_orvelbox DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT host)
-  install(FILES ${manual}/orvelbox.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT host)
+  install(FILES ${completion}/_orvelbox DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT host)
+  install(FILES ${completion}/orvelbox.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT host)
 endif()
