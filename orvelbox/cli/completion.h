@@ -18,13 +18,14 @@ struct Offer {
   bool files = false;  // names of files will do, too
 };
 
-// What may become of the last of `words`, those that stand before the program's name left out. `program` is described
-// for `global`, in which the values that the words before it name are put.
+// What may become of the last of `words`, which follow the program's name. `program` is described for `global`, where
+// the values go that the words before it name.
 Offer OfferFor(const CommandFacts& program, const GlobalOptions& global, const std::vector<std::string>& words);
 
 // Prints what may become of the last word of `line`, the command line up to the cursor with the program's name: a line
-// for each candidate, with a tab and a word about it if there is one; "/" for names of files. What stands of the word in `kept`, as much of
-// the line as the shell keeps, is left out of the candidates. Nothing at all when the answer takes too long.
+// for each candidate, with a tab and a word about it if there is one; "/" for names of files. `kept` is as much of the
+// line as the shell keeps: what stands there of the word is left out of the candidates. Prints nothing at all when the
+// answer takes too long.
 void Complete(const Commands& commands, std::string_view line, std::string_view kept);
 
 }  // namespace orvelbox

@@ -25,22 +25,29 @@ class CompletionE2e : public Desk {
     for (const std::string& id : ids) store.Put({id, "1", "opk", "/opt/usr/x", "", {}, {}});
   }
 
-  std::string Offered(const std::string& line) const { return RunExpecting(0, {"__complete", line}).out; }
+  std::string Answer(const std::string& line) const { return RunExpecting(0, {"__complete", line}).out; }
+
+  // On a busy machine an answer may come too late, but not every time.
+  std::string Offered(const std::string& line) const {
+    std::string offered;
+    for (int i = 0; i < 5 && offered.empty(); ++i) offered = Answer(line);
+    return offered;
+  }
 
   // The least time that an answer takes.
   Milliseconds TimeFor(const std::string& line) const {
     auto least = Milliseconds::max();
     for (int i = 0; i < 5; ++i) {
       const auto start = std::chrono::steady_clock::now();
-      Offered(line);
+      Answer(line);
       least = std::min<Milliseconds>(least, std::chrono::steady_clock::now() - start);
     }
     return least;
   }
 
   void ExpectNothingInTime() const {
-    EXPECT_EQ(Offered("orvelbox show "), "");
-    EXPECT_EQ(Offered("orvelbox events "), "");
+    EXPECT_EQ(Answer("orvelbox show "), "");
+    EXPECT_EQ(Answer("orvelbox events "), "");
     const Milliseconds more = TimeFor("orvelbox show ") - TimeFor("orvelbox check --format ");
     EXPECT_LT(more.count(), 100);
   }
@@ -52,6 +59,12 @@ class CompletionE2e : public Desk {
     return support::OutputOf("cd '" + dir_.path().string() + "' && HOME=\"$PWD\" INPUTRC=/dev/null TERM=dumb PATH='" +
                              program.parent_path().string() + "':\"$PATH\" ORVELBOX_DEVICE='" +
                              device_.directory.string() + "' timeout 60 bash --norc -i < keys 2>&1");
+  }
+
+  void ExpectOfBash(const std::string& keys, const std::string& expected) const {
+    std::string output;
+    for (int i = 0; i < 5 && output.find(expected) == std::string::npos; ++i) output = BashRuns(keys);
+    EXPECT_THAT(output, HasSubstr(expected)) << keys;
   }
 };
 
@@ -98,30 +111,30 @@ TEST_F(CompletionE2e, a_device_whose_files_hang_offers_nothing_and_holds_nobody_
 }
 
 TEST_F(CompletionE2e, bash_completes_commands_options_and_values) {
-  EXPECT_THAT(BashRuns("orvelbox lis\t --js\t"), HasSubstr("\"org.example.shop\""));
-  EXPECT_THAT(BashRuns("orvelbox show org\t"), HasSubstr("package    org.example.shop\n"));
-  EXPECT_THAT(BashRuns("orvelbox check --format=sa\t keys"), HasSubstr("sarif-2.1.0"));
-  EXPECT_THAT(BashRuns("echo x; A=1 " ORVELBOX_PROGRAM " vers\t --vers\t"), HasSubstr("plug-in interface"));
+  ExpectOfBash("orvelbox lis\t --js\t", "\"org.example.shop\"");
+  ExpectOfBash("orvelbox show org\t", "package    org.example.shop\n");
+  ExpectOfBash("orvelbox check --format=sa\t keys", "sarif-2.1.0");
+  ExpectOfBash("echo x; A=1 " ORVELBOX_PROGRAM " vers\t --vers\t", "plug-in interface");
 }
 
 TEST_F(CompletionE2e, bash_quotes_what_it_completes) {
   for (const char* typed : {"a", "a\\ b", "'a", "\"a", "a\\ b\\'c\\$d:"}) {
-    EXPECT_THAT(BashRuns(std::string("orvelbox show ") + typed + "\t"), HasSubstr("package    a b'c$d:e\n")) << typed;
+    ExpectOfBash(std::string("orvelbox show ") + typed + "\t", "package    a b'c$d:e\n");
   }
 }
 
 TEST_F(CompletionE2e, bash_completes_past_the_colons_at_which_it_breaks_words) {
   Register(device_, {"x:y z:1"});
   for (const char* typed : {"x", "x:", "x:y", "'x:y", "x:'y", "x:y\\ z:"}) {
-    EXPECT_THAT(BashRuns(std::string("orvelbox show ") + typed + "\t"), HasSubstr("package    x:y z:1\n")) << typed;
+    ExpectOfBash(std::string("orvelbox show ") + typed + "\t", "package    x:y z:1\n");
   }
-  EXPECT_THAT(BashRuns("orvelbox events cleanup:org\t dance:x"), HasSubstr("cleanup:org.example.shop  dance:x"));
+  ExpectOfBash("orvelbox events cleanup:org\t dance:x", "cleanup:org.example.shop  dance:x");
 }
 
 TEST_F(CompletionE2e, bash_completes_files_where_they_belong) {
   support::WriteFile(dir_ / "my shop.opk");
-  EXPECT_THAT(BashRuns("orvelbox check my\t"), HasSubstr("orvelbox: my shop.opk: no zip archive"));
-  EXPECT_THAT(BashRuns("orvelbox --device=oth why my\t"), HasSubstr("why my\\ shop.opk"));
+  ExpectOfBash("orvelbox check my\t", "orvelbox: my shop.opk: no zip archive");
+  ExpectOfBash("orvelbox --device=oth why my\t", "why my\\ shop.opk");
   EXPECT_THAT(BashRuns("orvelbox log --tag my\t"), Not(HasSubstr("shop.opk")));
 }
 
