@@ -77,9 +77,13 @@ const CLI::App& Chosen(const CLI::App& app) {
   return below.empty() ? app : Chosen(*below.front());
 }
 
-std::string HelpOn(const CLI::App& command) {
-  return "orvelbox " + (command.get_parent() == nullptr ? "" : command.get_name() + " ") + "--help";
+// As it is called.
+std::string NameOf(const CLI::App& command) {
+  const CLI::App* above = command.get_parent();
+  return (above == nullptr ? "" : NameOf(*above) + " ") + command.get_name();
 }
+
+std::string HelpOn(const CLI::App& command) { return NameOf(command) + " --help"; }
 
 // "; " and what was meant, or where one learns it.
 std::string WayOut(const std::string& typed, const std::vector<std::string>& names, const CLI::App& command) {
