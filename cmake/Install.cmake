@@ -9,14 +9,6 @@ foreach(directory BINDIR LIBDIR INCLUDEDIR)
   endif()
 endforeach()
 
-# The version of the interface stands with the list of what belongs to it.
-set(exports ${PROJECT_SOURCE_DIR}/plugin/exported_symbols.txt)
-file(STRINGS ${exports} version REGEX "^# interface [0-9]+\\.[0-9]+$")
-string(REPLACE "# interface " "" MORVATH_INTERFACE_VERSION "${version}")
-if(NOT MORVATH_INTERFACE_VERSION MATCHES "^[0-9]+\\.[0-9]+$")
-  message(FATAL_ERROR "${exports}: exactly one line must read \"# interface MAJOR.MINOR\"")
-endif()
-
 install(TARGETS morvath quarnel_util LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT plugin)
 set_target_properties(morvath quarnel_util PROPERTIES INSTALL_RPATH "$ORIGIN")
 
@@ -53,11 +45,11 @@ if(ORVEL_PLATFORM STREQUAL "host")
   # liborvel_aul starts the loader from its own directory.
   install(TARGETS dotnet-loader-inhouse RUNTIME DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT host)
   install(TARGETS orvelbox RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT host)
-  set(manual ${PROJECT_BINARY_DIR}/orvelbox/manual)
   install(FILES orvelbox/share/Orvelbox.Check.targets DESTINATION ${CMAKE_INSTALL_DATADIR}/orvelbox COMPONENT host)
-  install(FILES ${manual}/orvelbox.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT host)
-  install(FILES ${manual}/orvelbox.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+  install(FILES ${PROJECT_BINARY_DIR}/orvelbox/orvelbox.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT host)
+  set(completion ${PROJECT_SOURCE_DIR}/orvelbox/completion)
+  install(FILES ${completion}/orvelbox.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
     RENAME orvelbox COMPONENT host)
-  install(FILES ${manual}/_orvelbox DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT host)
-  install(FILES ${manual}/orvelbox.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT host)
+  install(FILES ${completion}/_orvelbox DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT host)
+  install(FILES ${completion}/orvelbox.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT host)
 endif()

@@ -1,7 +1,9 @@
 // orvelbox: from the command line to the exit status.
 #include <exception>
+#include <string_view>
 
 #include "orvelbox/cli/command_line.h"
+#include "orvelbox/cli/completion.h"
 #include "orvelbox/commands/all.h"
 #include "orvelbox/desk/output.h"
 #include "orvelbox/trace/spans.h"
@@ -14,10 +16,17 @@ int Run(const orvelbox::Request& request) {
   return request.command->run(request.global);
 }
 
+// By a shell's completion, and nobody else.
+bool IsAskedToComplete(int argc, char** argv) { return argc > 2 && std::string_view(argv[1]) == "__complete"; }
+
 // No exception ends the program without a line for people, be it one of the command line's own making.
 int Run(int argc, char** argv) {
   try {
     const orvelbox::Commands commands = orvelbox::AllCommands();
+    if (IsAskedToComplete(argc, argv)) {
+      orvelbox::Complete(commands, argv[2], argc > 3 ? argv[3] : "");
+      return orvelbox::kDone;
+    }
     const auto parsed = orvelbox::ParseCommandLine(commands, argc, argv);
     if (const int* status = std::get_if<int>(&parsed)) return *status;
     return Run(std::get<orvelbox::Request>(parsed));

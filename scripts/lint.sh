@@ -16,7 +16,7 @@ echo "rooms"
 scripts/rooms.py
 
 echo "shellcheck"
-sources '*.sh' .ci/run | xargs shellcheck
+sources '*.sh' '*.bash' .ci/run | xargs shellcheck
 
 echo "cppcheck"
 cppcheck --quiet --error-exitcode=1 --enable=warning,performance,portability --inline-suppr --std=c++17 \

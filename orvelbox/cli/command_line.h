@@ -1,5 +1,5 @@
 // A command: what it says about itself, what it takes, and what it does; and the reading of a command line. Parsing,
-// --help, the manual page and the completions all come of this one description. The commands themselves are in
+// --help, the manual page and the completion all come of this one description. The commands themselves are in
 // commands/.
 #ifndef ORVEL_ORVELBOX_CLI_COMMAND_LINE_H_
 #define ORVEL_ORVELBOX_CLI_COMMAND_LINE_H_
@@ -26,6 +26,13 @@ struct GlobalOptions {
   bool quiet = false;  // --quiet
 };
 
+// What may be completed to, with a word about it that may be empty.
+struct Candidate {
+  std::string text;
+  std::string description;
+};
+using Candidates = std::vector<Candidate>;
+
 // An option, or an argument.
 struct Option {
   std::string name;   // "--device"; of an argument "PACKAGE"
@@ -36,9 +43,18 @@ struct Option {
   unsigned most = 0;                      // of a number, which is at least 1
   // What is wrong with a value; empty when nothing is.
   std::function<std::string(const std::string& value)> fault = {};
-  // Where parsing puts what it reads; nowhere for --help.
-  std::variant<std::monostate, bool*, std::string*, std::vector<std::string>*, unsigned*> target = {};
+  // Where parsing puts what it reads; nowhere for --help. A text is printed, and that is all.
+  std::variant<std::monostate, const char*, bool*, std::string*, std::vector<std::string>*, unsigned*> target = {};
+  // For completion: the values there are, beside `choices`, and whether names of files are some.
+  std::function<Candidates(const GlobalOptions& global)> candidates = {};
+  bool is_path = false;
 };
+
+// The option, whose value is the name of a file or a directory.
+inline Option Path(Option option) {
+  option.is_path = true;
+  return option;
+}
 
 // What the program, a command, or a command of a command says about itself.
 struct CommandFacts {
@@ -48,7 +64,8 @@ struct CommandFacts {
   std::vector<Option> options = {};
   std::vector<Option> arguments = {};
   std::vector<CommandFacts> commands = {};
-  bool* chosen = nullptr;  // where parsing notes that a command of a command is asked for
+  bool* chosen = nullptr;          // where parsing notes that a command of a command is asked for
+  std::string group = "Commands";  // the heading that a command stands below in the help
 };
 
 class Command {
@@ -75,6 +92,8 @@ class Command {
     return chosen;
   }
 
+  void SetGroup(const std::string& group) { facts_.group = group; }
+
   const CommandFacts& facts() const { return facts_; }
 
   // Looks at what was parsed. Throws std::invalid_argument, with a line for people, for wrong usage.
@@ -91,8 +110,7 @@ using Commands = std::vector<Command>;
 
 // What many commands take.
 inline Option JsonFlag() { return {"--json", "", "Print JSON"}; }
-inline Option PackageArgument() { return {"PACKAGE", "", "The directory or the .opk archive of the package"}; }
-inline Option IdArgument() { return {"PKG", "", "The package id"}; }
+inline Option PackageArgument() { return Path({"PACKAGE", "", "The directory or the .opk archive of the package"}); }
 
 struct Request {
   const Command* command;  // one of the commands, its options filled in

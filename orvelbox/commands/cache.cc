@@ -31,13 +31,13 @@ int Verify(const host::Device& device, bool json) {
 }  // namespace
 
 Command MakeCache() {
-  Command command("cache", "Show the candidate loader's cache files, one entry a line", "cache verify");
+  Command command("cache", "Show the loader's cache files, or verify them", "cache verify");
   const auto& json = command.Take<bool>(JsonFlag());
-  const auto& verify = command.AddCommand(
-      "verify",
-      "Look for what is wrong with them: markers, entries whose files are gone, packages that are not "
-      "installed, entries that are there twice, roots that begin others",
-      "Exit status: 0 nothing is wrong, 1 something is, 2 wrong usage.\nExample: orvelbox cache verify");
+  const auto& verify = command.AddCommand("verify", "Look for what is wrong with them",
+                                          "Wrong are markers, entries whose files are gone, packages that are not "
+                                          "installed, entries that are there twice,\n"
+                                          "and roots that begin others.\nExit status: 0 nothing is wrong, 1 something "
+                                          "is, 2 wrong usage.\nExample: orvelbox cache verify");
   command.run = [&json, &verify](const GlobalOptions& global) {
     const host::Device device = OpenChosenDevice(global);
     return verify ? Verify(device, json) : Show(device, json);

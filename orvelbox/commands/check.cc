@@ -87,16 +87,16 @@ std::vector<std::string> Uris(std::vector<std::string> privileges) {
 
 Command MakeCheck() {
   using Texts = std::vector<std::string>;
-  Command command(
-      "check", "Say which DLLs of packages an install would remove, and because of what; nothing is installed",
-      "check --platform tv-assemblies shop.opk",
-      "Exit status: 0 no duplicates, 1 duplicates (see --fail-on), 2 wrong usage, or something could not be read.\n");
+  Command command("check", "Say which DLLs an install would remove, and because of what",
+                  "check --platform tv-assemblies shop.opk",
+                  "Nothing is installed. Exit status: 0 no duplicates, 1 duplicates (see --fail-on), 2 wrong usage, or "
+                  "something could not be read.\n");
   const auto& platform = command.Take<std::string>(
-      {"--platform", "DIR|LIST",
-       "Check against the platform in this directory (netcoreapp/ framework/ d.pc/ tvappapi/) or list file (paths of a "
-       "device, one a line), instead of a device"});
+      Path({"--platform", "DIR|LIST",
+            "Check against the platform in this directory (netcoreapp/ framework/ d.pc/ tvappapi/) or list file (paths "
+            "of a device, one a line), instead of a device"}));
   const auto& coba =
-      command.Take<Texts>({"--coba", "PACKAGE", "A CoBA package (directory or .opk) that is there as well"});
+      command.Take<Texts>(Path({"--coba", "PACKAGE", "A CoBA package (directory or .opk) that is there as well"}));
   const auto& privileges = command.Take<Texts>(
       {"--privilege", "URI",
        "A privilege that the packages hold beside those of their manifests: a URI, \"platform\" or \"appdebugging\""});
@@ -114,7 +114,7 @@ Command MakeCheck() {
       kWarning);
   const auto& jobs = command.Take<unsigned>(
       {"--jobs", "N", "How many packages are checked at a time (one per core)", {}, false, 1024});
-  const auto& packages = command.Take<Texts>({"PACKAGE", "", "Directories or .opk archives of packages"});
+  const auto& packages = command.Take<Texts>(Path({"PACKAGE", "", "Directories or .opk archives of packages"}));
   command.check = [&platform, &privileges](const GlobalOptions& global) {
     Uris(privileges);
     RequireOneOf(platform, global);

@@ -1,4 +1,7 @@
 // events: calls single hooks.
+#include <boost/algorithm/string/case_conv.hpp>
+#include <locale>
+
 #include "orvelbox/commands/shared.h"
 #include "orvelbox/desk/output.h"
 #include "orvelbox/operations/report.h"
@@ -11,6 +14,18 @@ std::vector<RawEvent> Parsed(const std::vector<std::string>& texts) {
   events.reserve(texts.size());
   for (const std::string& text : texts) events.push_back(ParseRawEvent(text));
   return events;
+}
+
+// Every event for every installed package.
+Candidates EventsOfInstalled(const GlobalOptions& global) {
+  const Candidates installed = InstalledIds(global);
+  Candidates calls;
+  for (const std::string name : kHookNames) {
+    for (const Candidate& package : installed) {
+      calls.push_back({boost::to_lower_copy(name, std::locale::classic()) + ":" + package.text, package.description});
+    }
+  }
+  return calls;
 }
 
 int Call(const Session& session, const std::vector<RawEvent>& events) {
@@ -27,12 +42,13 @@ int Call(const Session& session, const std::vector<RawEvent>& events) {
 }  // namespace
 
 Command MakeEvents() {
-  Command command("events", "Call hooks one after the other in one process, and nothing else",
+  Command command("events", "Call single hooks in one process, and nothing else",
                   "events clean:org.example.shop uninstall:org.example.shop");
-  const auto& texts = command.Take<std::vector<std::string>>(
-      {"CALL", "",
-       "EVENT:PKG, the event one of install, upgrade, removed, uninstall, recoveruninstall, clean, cleanup and undo, "
-       "and a package id"});
+  Option call{"CALL", "",
+              "EVENT:PKG, the event one of install, upgrade, removed, uninstall, recoveruninstall, clean, cleanup and "
+              "undo, and a package id"};
+  call.candidates = EventsOfInstalled;
+  const auto& texts = command.Take<std::vector<std::string>>(call);
   command.check = [&texts](const GlobalOptions& /*global*/) { Parsed(texts); };
   RunOnSession(command, [&texts](const Session& session) { return Call(session, Parsed(texts)); });
   return command;

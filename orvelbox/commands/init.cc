@@ -36,7 +36,7 @@ int Init(const fs::path& directory, const std::string& platform, bool quiet) {
 Command MakeInit() {
   Command command("init", "Make a device", "init --platform tv-assemblies");
   const auto& platform = command.Take<std::string>(
-      {"--platform", "DIR", "Copy the platform's assemblies (netcoreapp/ framework/ d.pc/ tvappapi/) from DIR"});
+      Path({"--platform", "DIR", "Copy the platform's assemblies (netcoreapp/ framework/ d.pc/ tvappapi/) from DIR"}));
   command.run = [&platform](const GlobalOptions& global) { return Init(ChooseDevice(global), platform, global.quiet); };
   return command;
 }

@@ -4,9 +4,8 @@
 namespace orvelbox {
 
 Command MakeRecover() {
-  return MakePackageEvent("recover",
-                          "An uninstall of the package failed: RECOVERUNINSTALL, then CLEAN; the package stays",
-                          "recovered", " from a failed uninstall; the package stays installed", kRecoverHooks);
+  return MakePackageEvent("recover", "Tell of a failed uninstall: RECOVERUNINSTALL, then CLEAN", "recovered",
+                          " from a failed uninstall; the package stays installed", kRecoverHooks);
 }
 
 }  // namespace orvelbox

@@ -4,8 +4,8 @@
 namespace orvelbox {
 
 Command MakeRemove() {
-  return MakePackageEvent("remove", "An update of the package was taken back: REMOVED, then CLEAN; the package stays",
-                          "took back an update of", "; the package stays installed", kRemoveHooks);
+  return MakePackageEvent("remove", "Tell that an update was taken back: REMOVED, then CLEAN", "took back an update of",
+                          "; the package stays installed", kRemoveHooks);
 }
 
 }  // namespace orvelbox

@@ -57,6 +57,20 @@ HookSettings HookSettingsFor(const GlobalOptions& global, const host::Device& de
   return settings;
 }
 
+Candidates InstalledIds(const GlobalOptions& global) {
+  Candidates ids;
+  for (const host::Package& package : ReadStore(OpenChosenDevice(global)).List()) {
+    ids.push_back({package.id, package.version});
+  }
+  return ids;
+}
+
+Option IdArgument() {
+  Option id{"PKG", "", "The package id"};
+  id.candidates = InstalledIds;
+  return id;
+}
+
 void RequireOneOf(const std::string& platform, const GlobalOptions& global) {
   if (platform.empty() || global.device.empty()) return;
   throw std::invalid_argument("--platform and --device exclude each other; name what to check against once");

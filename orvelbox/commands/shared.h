@@ -30,6 +30,11 @@ host::PackageStore ReadStore(const host::Device& device);
 
 HookSettings HookSettingsFor(const GlobalOptions& global, const host::Device& device);
 
+// The ids of the packages on the chosen device, with their versions.
+Candidates InstalledIds(const GlobalOptions& global);
+// The argument that is one of them.
+Option IdArgument();
+
 // Throws std::invalid_argument when both are named.
 void RequireOneOf(const std::string& platform, const GlobalOptions& global);
 

@@ -38,15 +38,15 @@ Lifecycle Test(const GlobalOptions& global, const std::string& platform, const s
 }  // namespace
 
 Command MakeTest() {
-  Command command("test",
-                  "Let a package live through install, clean, undo, recovery, upgrade and uninstall on a throw-away "
-                  "device, and report what it leaves behind",
-                  "test --platform tv-assemblies shop-1.opk shop-2.opk");
+  Command command("test", "Try a package's whole life on a throw-away device",
+                  "test --platform tv-assemblies shop-1.opk shop-2.opk",
+                  "It lives through install, clean, undo, recovery, upgrade and uninstall; what it leaves behind is "
+                  "reported.\n");
   const auto& json = command.Take<bool>(JsonFlag());
   const auto& platform = command.Take<std::string>(
-      {"--platform", "DIR", "Give the throw-away device the platform in DIR instead of that of the device"});
+      Path({"--platform", "DIR", "Give the throw-away device the platform in DIR instead of that of the device"}));
   const auto& package = command.Take<std::string>(PackageArgument());
-  const auto& upgrade = command.Take<std::string>({"NEW", "", "What it is upgraded to (itself)", {}, true});
+  const auto& upgrade = command.Take<std::string>(Path({"NEW", "", "What it is upgraded to (itself)", {}, true}));
   command.check = [&platform](const GlobalOptions& global) { RequireOneOf(platform, global); };
   command.run = [&json, &platform, &package, &upgrade](const GlobalOptions& global) {
     const Lifecycle lifecycle = Test(global, platform, package, upgrade);

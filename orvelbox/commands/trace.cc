@@ -44,12 +44,12 @@ void Draw(const fs::path& file, const fs::path& output) {
 }  // namespace
 
 Command MakeTrace() {
-  Command command("trace", "Draw what --trace wrote: the functions of the plug-in, by time",
+  Command command("trace", "Draw what --trace wrote: the plug-in's functions, by time",
                   "trace trace.json --output trace.html");
-  Option picture{"--output", "FILE", "Draw a picture (.svg) or a page for a browser (.html) into FILE"};
+  Option picture = Path({"--output", "FILE", "Draw a picture (.svg) or a page for a browser (.html) into FILE"});
   picture.fault = FaultOfPicture;
   const auto& output = command.Take<std::string>(picture);
-  const auto& file = command.Take<std::string>({"FILE", "", "A file that --trace wrote"});
+  const auto& file = command.Take<std::string>(Path({"FILE", "", "A file that --trace wrote"}));
   command.run = [&output, &file](const GlobalOptions& /*global*/) {
     Draw(file, output);
     return kDone;

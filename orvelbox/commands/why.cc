@@ -8,12 +8,13 @@
 namespace orvelbox {
 
 Command MakeWhy() {
-  Command command("why", "Say what was removed from an installed package, when, and because of what",
-                  "why org.example.shop");
+  Command command("why", "Say what was removed from a package, when, and why", "why org.example.shop");
   const auto& json = command.Take<bool>(JsonFlag());
-  const auto& target = command.Take<std::string>(
-      {"PATH|PKG", "",
-       "A package id, or the path of a DLL, of its information file (…_deleted) or of a directory in a package"});
+  Option what = Path(IdArgument());
+  what.name = "PATH|PKG";
+  what.description =
+      "A package id, or the path of a DLL, of its information file (…_deleted) or of a directory in a package";
+  const auto& target = command.Take<std::string>(what);
   command.run = [&json, &target](const GlobalOptions& global) {
     const host::Device device = OpenChosenDevice(global);
     const WhyQuestion question = ReadQuestion(device, ReadStore(device), target);

@@ -110,9 +110,11 @@ void Complain(std::string_view line) {
   Remark(line);
 }
 
-void Remark(std::string_view line) {
+void Remark(std::string_view line) { Elaborate("orvelbox: " + std::string(line)); }
+
+void Elaborate(std::string_view line) {
   std::cout.flush();
-  Activity::PutLineAbove("orvelbox: " + Printable(line));
+  Activity::PutLineAbove(Printable(line));
 }
 
 bool FlushOutput() { return static_cast<bool>(std::cout.flush()); }

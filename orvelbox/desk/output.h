@@ -70,6 +70,9 @@ void Complain(std::string_view line);
 // The same for what is no complaint: work that is being told of goes on.
 void Remark(std::string_view line);
 
+// Prints `line`, made printable, on standard error: more about what was complained of.
+void Elaborate(std::string_view line);
+
 // Writes out what is still buffered. False when standard output did not take everything (a full disk, say).
 bool FlushOutput();
 

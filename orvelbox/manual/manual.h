@@ -1,5 +1,4 @@
-// The manual page and the shells' completions, out of what the commands say about themselves. They hold
-// nothing that --help does not say.
+// The manual page, out of what the commands say about themselves. It holds nothing that --help does not say.
 #ifndef ORVEL_ORVELBOX_MANUAL_MANUAL_H_
 #define ORVEL_ORVELBOX_MANUAL_MANUAL_H_
 
@@ -11,10 +10,6 @@ namespace orvelbox {
 
 // The manual page, in the language of man(7). `version` is the program's.
 std::string ManPage(const CommandFacts& program, const std::string& version);
-
-std::string BashCompletion(const CommandFacts& program);
-std::string ZshCompletion(const CommandFacts& program);
-std::string FishCompletion(const CommandFacts& program);
 
 }  // namespace orvelbox
 

@@ -29,19 +29,22 @@ class MannersE2e : public Desk {
     return host::ParseJson(RunExpecting(0, arguments).out);
   }
 
-  // The commands that the help lists.
+  // The commands that the help lists, in its groups.
   std::vector<std::string> Commands() const {
     std::vector<std::string> commands;
     bool listed = false;
     for (const std::string& line : support::Lines(RunExpecting(0, {"--help"}).out)) {
-      if (listed && line.empty()) break;
-      if (listed && line.substr(0, 2) == "  " && line[2] != ' ')
-        commands.push_back(line.substr(2, line.find(' ', 2) - 2));
-      listed = listed || line == "Subcommands:";
+      listed = line == "Packages:" || (listed && line.substr(0, 8) != "A packag");
+      if (listed && line.substr(0, 2) == "  ") commands.push_back(line.substr(2, line.find(' ', 2) - 2));
     }
     return commands;
   }
 };
+
+TEST_F(MannersE2e, help_tells_each_command_in_one_short_line) {
+  for (const std::string& line : support::Lines(Run({}).err)) EXPECT_LE(line.size(), 80U) << line;
+  EXPECT_THAT(Run({}).err, AllOf(HasSubstr("\nPackages:\n  install "), HasSubstr("\nHooks:\n")));
+}
 
 TEST_F(MannersE2e, every_command_has_help_with_an_example_of_itself) {
   const std::vector<std::string> commands = Commands();

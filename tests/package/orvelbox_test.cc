@@ -11,6 +11,11 @@ namespace {
 
 using InstalledOrvelbox = InstalledTree;
 
+TEST_F(InstalledOrvelbox, tells_its_version_and_the_interfaces) {
+  EXPECT_EQ(support::OutputOf("'" + Prefix() + "/" PROGRAM_DIRECTORY "/orvelbox' --version"),
+            "orvelbox " PROGRAM_VERSION "\nplug-in interface " + InterfaceVersion() + "\n");
+}
+
 TEST_F(InstalledOrvelbox, calls_the_hooks_of_the_installed_plugin) {
   std::string reason;
   if (host::AvailableFixedPathsMethod(&reason) == host::FixedPathsMethod::kNone) GTEST_SKIP() << reason;

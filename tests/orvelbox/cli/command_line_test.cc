@@ -1,6 +1,7 @@
 // What a command line asks for.
 #include "orvelbox/cli/command_line.h"
 
+#include <set>
 #include <stdexcept>
 #include <type_traits>
 
@@ -76,12 +77,41 @@ TEST_F(CommandLine, a_command_of_a_command_is_noted) {
   EXPECT_TRUE(deep_);
 }
 
-TEST_F(CommandLine, an_unknown_command_is_named) {
-  EXPECT_THAT(ComplaintAbout({"frob"}), HasSubstr("not expected: frob"));
+TEST_F(CommandLine, a_mistyped_command_is_told_from_what_was_meant) {
+  EXPECT_EQ(ComplaintAbout({"ctu", "x"}), "orvelbox: ctu: no such command; did you mean cut?\n");
+  EXPECT_EQ(ComplaintAbout({"--device", "d", "wiat"}), "orvelbox: wiat: no such command; did you mean wait?\n");
+  EXPECT_EQ(ComplaintAbout({"frob"}), "orvelbox: frob: no such command; see: orvelbox --help\n");
 }
 
-TEST_F(CommandLine, a_missing_command_is_told) {
-  EXPECT_THAT(ComplaintAbout({}), HasSubstr("A subcommand is required"));
+TEST_F(CommandLine, a_mistyped_option_is_told_from_what_was_meant) {
+  EXPECT_EQ(ComplaintAbout({"cut", "--hwo", "a", "x"}), "orvelbox: --hwo: no such option; did you mean --how?\n");
+  EXPECT_EQ(ComplaintAbout({"cut", "--fien"}), "orvelbox: --fien: no such option; did you mean --fine?\n");
+  EXPECT_EQ(ComplaintAbout({"cut", "-device=d", "x"}), "orvelbox: -device: no such option; did you mean --device?\n");
+  EXPECT_EQ(ComplaintAbout({"wait", "--fine"}), "orvelbox: --fine: no such option; see: orvelbox wait --help\n");
+  EXPECT_EQ(ComplaintAbout({"cut", "x", "deep", "--bogus"}),
+            "orvelbox: --bogus: no such option; see: orvelbox cut deep --help\n");
+}
+
+TEST_F(CommandLine, an_argument_too_many_is_told) {
+  EXPECT_EQ(ComplaintAbout({"wait", "x"}), "orvelbox: x: one argument too many; see: orvelbox wait --help\n");
+  EXPECT_EQ(ComplaintAbout({"wait", "--", "x"}), "orvelbox: x: one argument too many; see: orvelbox wait --help\n");
+}
+
+TEST_F(CommandLine, no_command_at_all_shows_the_short_help) {
+  commands_[0].SetGroup("Sawing");
+  commands_[1].SetGroup("Resting");
+  const std::string help = ComplaintAbout({});
+  EXPECT_THAT(help, StartsWith("orvelbox: no command\n"));
+  EXPECT_THAT(help, HasSubstr("\nSawing:\n  cut               Cuts\n\nResting:\n  wait              Waits\n"));
+  EXPECT_THAT(help, Not(HasSubstr("--device"))) << "the options are the long help's";
+  EXPECT_EQ(ComplaintAbout({"--quiet"}), help);
+}
+
+TEST_F(CommandLine, the_versions_of_program_and_interface_are_told) {
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(std::get<int>(Parse({"--version"})), kDone);
+  EXPECT_THAT(testing::internal::GetCapturedStdout(),
+              testing::MatchesRegex("orvelbox [0-9.]+\nplug-in interface [0-9]+\\.[0-9]+\n"));
 }
 
 TEST_F(CommandLine, what_an_option_does_not_take_is_named) {
@@ -92,6 +122,15 @@ TEST_F(CommandLine, what_an_option_does_not_take_is_named) {
 
 TEST_F(CommandLine, wrong_usage_that_only_the_command_knows_is_told_in_its_words) {
   EXPECT_EQ(ComplaintAbout({"cut", "air"}), "orvelbox: air: cannot be cut\n");
+}
+
+TEST(Commands, each_is_told_in_its_group_by_one_short_line) {
+  std::set<std::string> groups;
+  for (const Command& command : AllCommands()) {
+    groups.insert(command.facts().group);
+    EXPECT_LE(command.facts().description.size(), 60U) << command.facts().name;
+  }
+  EXPECT_THAT(groups, ElementsAre("Devices", "Hooks", "Looking", "Packages"));
 }
 
 TEST(Commands, each_name_is_there_once) {
