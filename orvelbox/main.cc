@@ -1,4 +1,4 @@
-// orvelbox: from the command line to the exit status.
+// orvelbox: runs the command line and returns the exit status.
 #include <exception>
 
 #include "orvelbox/cli/command_line.h"
@@ -14,7 +14,7 @@ int Run(const orvelbox::Request& request) {
   return request.command->run(request.global);
 }
 
-// No exception ends the program without a line for people, be it one of the command line's own making.
+// Every exception, also one from parsing the command line, ends the program with a line for people.
 int Run(int argc, char** argv) {
   try {
     const orvelbox::Commands commands = orvelbox::AllCommands();

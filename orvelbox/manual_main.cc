@@ -1,4 +1,4 @@
-// Writes the manual page and the completions into the directory of its argument, while orvelbox is built.
+// Writes the manual page and the completions to the directory given as argument, during the build of orvelbox.
 #include <filesystem>
 #include <fstream>
 #include <iostream>

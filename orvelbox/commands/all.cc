@@ -1,7 +1,7 @@
-// The one list that names every command.
+// The list of all commands.
 #include "orvelbox/commands/all.h"
 
-// A line for each: Make…, defined in the file of the command's name.
+// One line per command: its function Make…, which the file of the command's name defines.
 #define ORVELBOX_COMMANDS(LINE) \
   LINE(MakeInit)                \
   LINE(MakeInstall)             \

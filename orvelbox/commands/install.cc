@@ -1,4 +1,4 @@
-// install: puts a package on the device.
+// install: installs a package on the device.
 #include "orvelbox/commands/shared.h"
 
 namespace orvelbox {

@@ -1,4 +1,4 @@
-// From options and environment to a device, the change on it, and the report of the outcome.
+// Choosing a device, changing it, and printing the result.
 #include "orvelbox/commands/shared.h"
 
 #include <cstdlib>
@@ -16,8 +16,8 @@ namespace {
 
 bool IsSet(const char* value) { return value != nullptr && *value != '\0'; }
 
-// The plug-in that belongs to this program. Installed, it lies among the libraries; built, its directory lies beside
-// this program's.
+// The plug-in that belongs to this program: when installed, in the library directory; when built, in the directory
+// plugin/ beside this program's directory.
 fs::path OwnPlugin() {
   const fs::path programs = fs::read_symlink("/proc/self/exe").parent_path();
   const fs::path installed = (programs / ORVELBOX_INSTALLED_PLUGIN).lexically_normal();
@@ -29,7 +29,7 @@ fs::path OwnPlugin() {
 fs::path ChooseDevice(const std::string& option, const Environment& environment) {
   if (!option.empty()) return option;
   if (const char* device = environment(host::kDeviceVariable); IsSet(device)) return device;
-  // A relative XDG directory counts as none.
+  // A relative XDG directory is ignored.
   if (const char* state = environment("XDG_STATE_HOME"); IsSet(state) && *state == '/') {
     return fs::path(state) / "orvelbox/device";
   }

@@ -1,4 +1,4 @@
-// uninstall: takes a package off the device.
+// uninstall: removes a package from the device.
 #include "orvelbox/commands/shared.h"
 
 namespace orvelbox {

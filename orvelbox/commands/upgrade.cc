@@ -1,4 +1,4 @@
-// upgrade: replaces an installed package by another version.
+// upgrade: replaces an installed package with another version.
 #include "orvelbox/commands/shared.h"
 
 namespace orvelbox {

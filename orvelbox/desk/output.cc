@@ -1,4 +1,4 @@
-// Printing, and the escaping of what is printed.
+// Printing, and escaping what is printed.
 #include "orvelbox/desk/output.h"
 
 #include <unistd.h>
@@ -25,12 +25,12 @@ std::string Escaped(char byte) {
   return text.data();
 }
 
-// Does it turn the direction of a line around?
+// Is it a bidirectional control character, which can reorder a line?
 constexpr bool TurnsLineAround(char32_t code) {
   return (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
 }
 
-// Characters, not bytes: those that continue one of UTF-8 do not count.
+// Counts characters: continuation bytes of UTF-8 do not count.
 std::size_t WidthOf(const std::string& cell) {
   const std::string shown = Printable(cell);
   return static_cast<std::size_t>(

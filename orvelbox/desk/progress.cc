@@ -27,7 +27,7 @@ void Draw(const std::string& line) { Write("\r" + line + "\x1b[K"); }
 
 void Erase() { Write(kErase); }
 
-// Runs `start` with all signals held back: a thread that it starts leaves them to the others for good.
+// Runs `start` with all signals blocked, so that a thread that it starts never receives any.
 template <typename Start>
 void WithoutSignals(const Start& start) {
   sigset_t all;
@@ -69,7 +69,7 @@ Activity::Activity(std::string action, bool wanted) : action_(std::move(action))
       thread_ = std::thread([this] { Tell(); });
       current = this;
     } catch (const std::system_error&) {
-      // Without the thread the work goes on, only the line is missing.
+      // Without the thread the work continues, but shows no line.
     }
   });
 }

@@ -1,4 +1,4 @@
-// Directory trees: copy, removal, move, temporary ones.
+// Directory trees: copying, removing, moving, temporary ones.
 #include "orvelbox/desk/tree.h"
 
 #include <fcntl.h>
@@ -19,12 +19,12 @@ namespace fs = std::filesystem;
 namespace orvelbox {
 namespace {
 
-// The permissions that a copy takes over: no set-user-id and the like.
+// The permissions that are copied: not set-user-id and the like.
 constexpr fs::perms kPlainPermissions = fs::perms::all;
 
 void CopyEntry(const fs::path& from, const fs::path& to);
 
-// The standard library's own copy tells a full disk as an "Input/output error".
+// The standard library's own copy reports a full disk as an "Input/output error".
 void CopyContent(const fs::path& from, const fs::path& to) {
   const UniqueFd source(open(from.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
   if (!source) host::ThrowFileError(from, "read", errno);

@@ -1,4 +1,4 @@
-// The steps, and what each may change.
+// The steps of the lifecycle, and what each may change.
 #include "orvelbox/operations/lifecycle.h"
 
 #include <algorithm>
@@ -37,7 +37,7 @@ class LifecycleRun {
  public:
   LifecycleRun(const HookSettings& settings, const fs::path& package) : session_(settings), id_(IdOf(package)) {}
 
-  // The steps up to the one that fails.
+  // Runs the steps up to the first that fails.
   void Run(const fs::path& package, const fs::path& upgrade) {
     const DeviceState empty = State();
     if (!PutIn("install", package, empty, Install)) return;
@@ -60,7 +60,7 @@ class LifecycleRun {
 
   DeviceState State() const { return StateOf(session_.device()); }
 
-  // Adds the step; false when it fails.
+  // Adds the step; returns false when it fails.
   bool Do(const std::string& name, const std::function<Change()>& operation) {
     LifecycleStep step{name, "", "", {}};
     try {
@@ -76,10 +76,10 @@ class LifecycleRun {
     return steps_.back().problem.empty();
   }
 
-  // After the last step the device is to be as `expected`.
+  // After the last step, the device must be as `expected`.
   void Compare(const DeviceState& expected) { steps_.back().differences = Differences(expected, State()); }
 
-  // Puts the package in; when that fails, the device is to be as `before`.
+  // Installs or upgrades the package. When that fails, the device must be as `before`.
   bool PutIn(const std::string& name, const fs::path& package, const DeviceState& before,
              Change (*change)(const Session&, const fs::path&)) {
     const bool done = Do(name, [&] {
@@ -93,7 +93,7 @@ class LifecycleRun {
     return false;
   }
 
-  // The package, told of these events, is to stay as it is.
+  // These events must not change the package.
   bool StaysAsItIs(const std::vector<Event>& events) {
     const DeviceState state = State();
     return std::all_of(events.begin(), events.end(), [&](const Event& event) {

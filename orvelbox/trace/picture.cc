@@ -1,4 +1,4 @@
-// Boxes, their labels and the page around them.
+// Draws boxes with labels, and the HTML page around them.
 #include <algorithm>
 #include <array>
 
@@ -9,7 +9,7 @@
 namespace orvelbox {
 namespace {
 
-// All in pixels.
+// All values in pixels.
 constexpr std::int64_t kWidth = 1200;
 constexpr std::int64_t kMargin = 10;
 constexpr std::int64_t kRow = 20;
@@ -17,7 +17,7 @@ constexpr std::int64_t kTitle = 30;
 constexpr std::int64_t kCharacter = 7;
 constexpr std::int64_t kInner = kWidth - 2 * kMargin;
 
-// Light enough for black letters.
+// Light enough for black text.
 constexpr std::array<const char*, 6> kColours = {"#8ecae6", "#ffd166", "#b7e4c7", "#f4acb7", "#cdb4db", "#ddb892"};
 
 std::string Escaped(const std::string& text) { return XmlEscaped(Printable(text)); }
@@ -26,7 +26,7 @@ std::string Attribute(const char* name, std::int64_t value) {
   return std::string(" ") + name + "=\"" + std::to_string(value) + "\"";
 }
 
-// The same for every span of a unit, "unit(line) signature".
+// All spans of one unit have the same colour; names are "unit(line) signature".
 std::string Colour(const Span& span) {
   std::size_t sum = 0;
   for (const char c : span.name.substr(0, span.name.find('('))) sum = sum * 31 + static_cast<unsigned char>(c);
@@ -40,7 +40,7 @@ std::string Times(const Span& span) {
          (span.closed ? "" : ", never ended");
 }
 
-// As much of the name as there is room for.
+// As much of the name as fits the box.
 std::string Label(const Span& span, std::int64_t x, std::int64_t y, std::int64_t width) {
   const auto room = static_cast<std::size_t>(std::max<std::int64_t>(0, (width - 6) / kCharacter));
   if (room < 3) return "";
