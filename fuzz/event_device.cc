@@ -1,4 +1,4 @@
-// Files in memory where there is a place for that, and nothing forced to disk.
+// Keeps files in memory if possible, and never forces them to disk.
 #include "fuzz/event_device.h"
 
 #include <libxml/parser.h>
@@ -32,7 +32,7 @@ namespace {
 
 constexpr const char* kAreas[] = {"/usr/share/dotnet.orvel", "/opt/usr"};
 
-// Standard error, sent away while this lives: the plug-in tells people there what it does.
+// Discards standard error during its lifetime: the plug-in prints messages there.
 class Silence {
  public:
   Silence() : original_(dup(STDERR_FILENO)) {
@@ -123,7 +123,7 @@ bool EnterDevice() {
 
 EventDevice::EventDevice(const std::vector<std::string>& directories) {
   RemoveFiles();
-  static bool made = false;  // no event makes or removes a directory
+  static bool made = false;  // no event creates or removes a directory
   if (!made) {
     for (const std::string& directory : directories) fs::create_directories(directory);
   }
