@@ -1,4 +1,4 @@
-// What is said about a difference.
+// The messages about differences.
 #include "tests/abi/names.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// The built libraries against their lists, and the lists against the released prototypes.
+// Compares the built libraries with their lists, and the lists with the released prototypes.
 #include "tests/abi/symbols.h"
 
 #include <gmock/gmock.h>
@@ -8,7 +8,7 @@
 
 namespace abi_guard {
 
-// How a failing test names its library.
+// How GoogleTest prints a library.
 static void PrintTo(const Library& library, std::ostream* stream) { *stream << library.name; }
 
 namespace {
@@ -17,7 +17,7 @@ const Library kMorvath = {"libmorvath.so", MORVATH_LIBRARY, MORVATH_LIST, OBJECT
 const Library kQuarnelUtil = {"libquarnel_util.so", QUARNEL_UTIL_LIBRARY, QUARNEL_UTIL_LIST,
                               OBJECT_LISTS "/quarnel_util_objects.txt"};
 
-// Nobody can call the complete constructor of an abstract class, so clang makes none.
+// Nobody can call the complete constructor of an abstract class, so clang omits it.
 Names LeftOutByTheCompiler() {
 #ifdef __clang__
   return {"_ZN14AotPathManagerC1Ev"};
@@ -26,7 +26,7 @@ Names LeftOutByTheCompiler() {
 #endif
 }
 
-// The names in `expected` that should be in `present` and are not.
+// The names in `expected` that are missing in `present`.
 Names Lost(const Names& expected, const Names& present) {
   return Without(Without(expected, present), LeftOutByTheCompiler());
 }
@@ -89,7 +89,7 @@ TEST_P(Interface, everything_listed_has_its_prototype_kept) {
   EXPECT_TRUE(unguarded.empty()) << Told(unguarded, kUnguarded);
 }
 
-// One list serves 32 and 64 bits: the compiler gives std::size_t, std::uint64_t and their like different letters there.
+// One list serves 32 and 64 bits, but the mangled names of std::size_t, std::uint64_t and similar types differ.
 TEST_P(Interface, no_name_differs_by_processor) {
   for (const std::string& name : Listed(library())) {
     EXPECT_EQ(std::string::npos, InWords(name).find("long"))
@@ -101,7 +101,7 @@ INSTANTIATE_TEST_SUITE_P(Libraries, Interface, testing::Values(kMorvath, kQuarne
   return test.param.name == kMorvath.name ? "morvath" : "quarnel_util";
 });
 
-// The platform's functions and the launcher utility library's are for others to define.
+// Other libraries define the platform's functions and those of the launcher utility library.
 TEST(Symbols, the_platform_and_the_utility_library_are_left_to_others) {
   const Names imports = support::Imports(MORVATH_LIBRARY);
   EXPECT_THAT(imports, testing::IsSupersetOf(

@@ -1,4 +1,4 @@
-// The pseudo-terminal of the system.
+// A pseudo-terminal of the system.
 #include "tests/e2e/terminal.h"
 
 #include <fcntl.h>

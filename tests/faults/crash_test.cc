@@ -1,5 +1,5 @@
-// The process ends at every call that changes files, one after the other: what each leaves, and what the next run of
-// the same event makes of it.
+// The process ends at every call that changes files, one after the other. Checks the files afterwards, and after the
+// next run of the same event.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -18,10 +18,10 @@ using support::ReadFile;
 using testing::ElementsAreArray;
 using testing::IsSubsetOf;
 
-// A process that ends before a call and one that ends amid a write.
+// The process ends before a call, or in the middle of a write.
 constexpr Fate kEnds[] = {Fate::kEnd, Fate::kEndHalfWritten};
 
-// The calls of a file's replacement, in order.
+// The calls that replace a file, in order.
 std::vector<std::string> ReplacementOf(const std::string& name) {
   const std::string directory = support::kCacheDirectory;
   const std::string temporary = directory + "temp_" + name;

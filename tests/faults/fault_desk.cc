@@ -46,7 +46,7 @@ std::optional<int> CallCounted(const LoadedPlugin& plugin, const Event& event, x
 
 std::string ListOf(const std::string& entries) { return "[START]" + entries + "[END]"; }
 
-// A file that is there, and whole, becomes what it should be; a missing or empty one stays so.
+// A complete file becomes correct; a missing or empty one stays as it is.
 void ExpectRight(const Text& found, const Text& left, const Text& after) {
   EXPECT_EQ(left && !left->empty() ? after : left, found);
 }

@@ -1,5 +1,5 @@
-// The plug-in as a guest: it leaves everything of the process as it found it, at every moment at which the process
-// could look, and tells nothing on standard output.
+// The plug-in does not change the state of the installer's process, at any moment at which the process could check it,
+// and prints nothing on standard output.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -35,9 +35,9 @@ const std::string kOddIds[] = {"", "%s%n", "../../..", "\xff\n\x1b[31m", std::st
 int looks = 0;
 guest_watch::Belongings before;
 std::set<int> inheritable_before;
-int threads_before = 0;  // an emulator has threads beside the program's one
+int threads_before = 0;  // an emulator adds threads of its own
 
-// The process looks around; `moment` is the platform's function that the plug-in is calling.
+// Checks the process. `moment` is the platform's function that the plug-in is calling.
 void LookAround(const char* moment) {
   ++looks;
   EXPECT_EQ("", guest_watch::Differences(before, guest_watch::Look())) << moment;
@@ -47,7 +47,7 @@ void LookAround(const char* moment) {
 
 void SwallowError(void*, const char*, ...) {}
 
-// A process with habits of its own.
+// Gives the process an unusual state.
 void HaveOwnWays() {
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGUSR1, [](int) {});
@@ -60,7 +60,8 @@ void HaveOwnWays() {
   xmlLoadExtDtdDefaultValue = XML_DETECT_IDS;
 }
 
-// Every hook for a CoBA package with a duplicate, for an ordinary one, for another kind, and for no manifest.
+// Calls every hook for a CoBA package with a duplicate, for an ordinary one, for one that is no dotnet package, and
+// without a manifest.
 void CallEveryHook(const LoadedPlugin& plugin) {
   const support::Document manifests[] = {fault_desk::ManifestFor({"", true}), fault_desk::ManifestFor({""}),
                                          support::OtherManifest(), nullptr};

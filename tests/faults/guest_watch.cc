@@ -1,4 +1,4 @@
-// Looking at a process.
+// Reads the state of a process.
 #include "tests/faults/guest_watch.h"
 
 #include <dirent.h>
@@ -21,7 +21,7 @@
 namespace guest_watch {
 namespace {
 
-// The bytes of a plain value, or of a function's address.
+// The bytes of a trivially copyable value, or of a function's address.
 template <typename Value>
 std::string Bytes(const Value& value) {
   const auto* bytes = reinterpret_cast<const unsigned char*>(&value);
@@ -66,7 +66,7 @@ void LookAtLimitsAndTimers(Belongings& seen) {
   seen["timer"] = Bytes(timer);
 }
 
-// Setting one of libxml2's defaults returns the one before.
+// Setting one of libxml2's defaults returns its old value.
 template <typename Setter>
 int DefaultOf(const Setter& set) {
   const int value = set(0);

@@ -1,5 +1,5 @@
-// Every allocation of an event fails once, one after the other. The standard library's error may leave the hook;
-// everything was given back (fault_desk's Call expects that), no file is broken, and the next run ends right.
+// Every allocation of an event fails once, one after the other. std::bad_alloc may leave the hook. All resources are
+// released (fault_desk's Call expects that), no file is damaged, and the next run succeeds.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -19,7 +19,7 @@ using testing::StartsWith;
 
 constexpr faults::Plan kOutOfMemory = {faults::kMemory, faults::Fate::kFail};
 
-// Calls the event with an allocation failing.
+// Calls the event while an allocation fails.
 void CallShortOfMemory(const fault_desk::Event& event) {
   ASSERT_TRUE(faults::MakeXmlAllocationsFail());
   const auto result = fault_desk::Call(event);

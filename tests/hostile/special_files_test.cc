@@ -1,4 +1,4 @@
-// Pipes, sockets, devices and directories where files are expected. Whoever waits for one of them is ended.
+// Pipes, sockets, devices and directories where files are expected. A process that waits for one is killed.
 #include <fcntl.h>
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-// The completions in the shells that not every machine has.
+// The completions in shells that may not be installed.
 
 #include "orvelbox/cli/command_line.h"
 #include "orvelbox/commands/all.h"
@@ -9,7 +9,7 @@
 namespace orvelbox {
 namespace {
 
-// Runs `script` with a shell, in a directory that holds the completions.
+// Runs `script` with a shell, in a directory with the completions.
 class Completion : public DirectoryTest {
  protected:
   void SetUp() override {
@@ -38,7 +38,7 @@ TEST_F(Completion, fish_offers_commands_options_and_values) {
   EXPECT_THAT(Run("fish", "source orvelbox.fish; complete -C 'orvelbox check --format s'"), HasSubstr("sarif\t"));
 }
 
-// zsh completes only at a terminal, which zpty gives to an inner zsh.
+// zsh completes only on a terminal, which zpty provides for an inner zsh.
 TEST_F(Completion, zsh_offers_commands_and_values) {
   if (!HasShell("zsh")) GTEST_SKIP() << "no zsh here; install it with: make test-heavy";
   const std::string type =

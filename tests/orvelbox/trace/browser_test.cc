@@ -1,4 +1,4 @@
-// Drawn traces in a browser without a window: what it makes of the page, and what there is to see.
+// Drawn traces in a headless browser: the document and the picture that it makes of the page.
 #include <png.h>
 #include <unistd.h>
 
@@ -36,7 +36,7 @@ class TraceInBrowser : public DirectoryTest {
     }
   }
 
-  // Lets the browser open `file` of this directory with the options; returns what it prints.
+  // Opens `file` of this directory in the browser with the options. Returns the browser's output.
   std::string Browse(const std::string& options, const std::string& file) const {
     const std::string sandbox = geteuid() == 0 ? " --no-sandbox" : "";
     return support::OutputOf("cd '" + dir_.path().string() + "' && HOME=\"$PWD\" timeout 100 chromium --headless" +
@@ -46,7 +46,7 @@ class TraceInBrowser : public DirectoryTest {
                              options + " \"file://$PWD/" + file + "\" 2>browser.log");
   }
 
-  // How many pixels of each of the colours, "#rrggbb", the browser shows of `file`.
+  // The number of pixels of each colour, "#rrggbb", when the browser shows `file`.
   std::vector<double> Count(const std::string& file, const std::vector<std::string>& colours) const {
     Browse("--screenshot=picture.png", file);
     const std::vector<Pixel> pixels = ReadPng(ReadFile(dir_ / "picture.png"));
@@ -67,7 +67,7 @@ std::string ColourOf(const std::string& svg, const std::string& name) {
   return svg.substr(fill, 7);
 }
 
-// The unit "plugin" takes all the time, and "files" half of it.
+// A trace in which the unit "plugin" takes all the time, and "files" half of it.
 std::vector<Lane> Sample() {
   return {{7, 7, {{"plugin(1) int outer<int>()", 0, 4000, 0, true}, {"files(2) void inner()", 0, 2000, 1, true}}}};
 }

@@ -1,4 +1,4 @@
-// Spans out of trace events.
+// Reading spans from trace events.
 #include "orvelbox/trace/spans.h"
 
 #include "tests/orvelbox/frame.h"
