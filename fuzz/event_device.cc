@@ -33,22 +33,22 @@ namespace {
 constexpr const char* kAreas[] = {"/usr/share/dotnet.orvel", "/opt/usr"};
 
 // Discards standard error during its lifetime: the plug-in prints messages there.
-class Silence {
+class DiscardedErrors {
  public:
-  Silence() : original_(dup(STDERR_FILENO)) {
+  DiscardedErrors() : original_(dup(STDERR_FILENO)) {
     std::fflush(stderr);
     if (FILE* nowhere = std::fopen("/dev/null", "we")) {
       dup2(fileno(nowhere), STDERR_FILENO);
       std::fclose(nowhere);
     }
   }
-  ~Silence() {
+  ~DiscardedErrors() {
     std::fflush(stderr);
     dup2(original_, STDERR_FILENO);
     close(original_);
   }
-  Silence(const Silence&) = delete;
-  Silence& operator=(const Silence&) = delete;
+  DiscardedErrors(const DiscardedErrors&) = delete;
+  DiscardedErrors& operator=(const DiscardedErrors&) = delete;
 
  private:
   int original_;
@@ -116,7 +116,7 @@ bool EnterDevice() {
   static const MemoryDirectory root;
   for (const char* area : kAreas) fs::create_directories(root.path().string() + area);
   host::EnterMountNamespace(method == host::FixedPathsMethod::kUserNamespace);
-  host::LayFixedPathsOver(root.path());
+  host::MountFixedPaths(root.path());
   inside = true;
   return true;
 }
@@ -163,7 +163,7 @@ int EventDevice::Send(ModelEvent event, ModelManifest manifest, const std::strin
                               PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL, PKGMGR_PARSER_PLUGIN_CLEAN,
                               PKGMGR_PARSER_PLUGIN_CLEANUP,          PKGMGR_PARSER_PLUGIN_UNDO};
   const Document document = DocumentOf(manifest);
-  const Silence silence;
+  const DiscardedErrors discarded;
   return kHooks[static_cast<std::size_t>(event)](document.get(), id.c_str());
 }
 

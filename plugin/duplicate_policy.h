@@ -9,6 +9,7 @@
 
 #include "plugin/catalogues.h"
 
+// The predicates that FindOrigin and FindExemption use by default.
 bool Holds(const Catalogue& catalogue, const std::string& name);
 bool IsOnDpcPath(const std::string& path);
 
@@ -27,8 +28,7 @@ enum class Exemption { kNone, kSamePath, kOriginOnDpcPath, kOnDpcPath };
 Exemption FindExemption(const std::string& origin, const std::string& path,
                         bool (*is_on_dpc_path)(const std::string&) = IsOnDpcPath);
 
-// What happens to a file: it is no duplicate; it is a duplicate whose origin lies in the read-write area; it is
-// removed.
+// What happens to a file: kept; kept, but reported, because its origin lies in the read-write area; removed.
 enum class Verdict { kKept, kReportedOnly, kRemoved };
 Verdict VerdictOnDuplicateOf(const std::string& origin);
 

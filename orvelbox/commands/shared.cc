@@ -81,7 +81,7 @@ void RunOnPackage(Command& command, const std::function<int(const Session&, cons
   });
 }
 
-int Tell(const std::string& command, const Change& change, const std::string& done, const std::string& failed) {
+int PrintChange(const std::string& command, const Change& change, const std::string& done, const std::string& failed) {
   Say(change.Done() ? done : failed);
   SayAll(DescribeChange(change));
   if (change.Done()) return kDone;
@@ -96,7 +96,7 @@ Command MakePackageEvent(const std::string& name, const std::string& description
   RunOnSession(command, [=, &id](const Session& session) {
     const Change change = CallHooks(session, hooks, id);
     const std::string package = WithVersion(change.package.id, change.package.version);
-    return Tell(name, change, done + " " + package + after, "not done: " + name + " " + package);
+    return PrintChange(name, change, done + " " + package + after, "not done: " + name + " " + package);
   });
   return command;
 }

@@ -25,8 +25,10 @@ std::filesystem::path ChooseDevice(const std::string& option, const Environment&
 std::filesystem::path ChooseDevice(const GlobalOptions& global);
 host::Device OpenChosenDevice(const GlobalOptions& global);
 
+// Opens the package database for reading.
 host::PackageStore ReadStore(const host::Device& device);
 
+// The settings from the global options; without --plugin, the plug-in that belongs to this program.
 HookSettings HookSettingsFor(const GlobalOptions& global, const host::Device& device);
 
 // Throws std::invalid_argument when both are given.
@@ -41,7 +43,7 @@ void RunOnPackage(Command& command,
 
 // Prints the result of `command` below the headline `done` or `failed`, and the error of a failure. Returns the exit
 // status.
-int Tell(const std::string& command, const Change& change, const std::string& done, const std::string& failed);
+int PrintChange(const std::string& command, const Change& change, const std::string& done, const std::string& failed);
 
 // A command that calls hooks for an installed package. Its headline is "`done` PACKAGE`after`".
 Command MakePackageEvent(const std::string& name, const std::string& description, const std::string& done,

@@ -11,8 +11,8 @@ namespace orvelbox {
 namespace {
 
 // A device like the selected one, without its packages; or one with the platform given by the option.
-host::Device MakeThrowAway(const GlobalOptions& global, const std::string& platform,
-                           const std::filesystem::path& directory) {
+host::Device MakeTemporaryDevice(const GlobalOptions& global, const std::string& platform,
+                                 const std::filesystem::path& directory) {
   if (!platform.empty()) {
     RequirePlatform(platform);
     host::Device device = host::CreateDevice(directory);
@@ -28,9 +28,9 @@ host::Device MakeThrowAway(const GlobalOptions& global, const std::string& platf
 Lifecycle Test(const GlobalOptions& global, const std::string& platform, const std::string& package,
                const std::string& upgrade) {
   const host::HeldSignals signals;  // blocks interruptions, which would leave the device behind
-  const ScratchDirectory scratch;
+  const TemporaryDirectory temporary;
   const Activity activity("test", !global.quiet);
-  HookSettings settings = HookSettingsFor(global, MakeThrowAway(global, platform, scratch.path() / "device"));
+  HookSettings settings = HookSettingsFor(global, MakeTemporaryDevice(global, platform, temporary.path() / "device"));
   settings.quiet = true;
   return RunLifecycle(settings, package, upgrade.empty() ? package : upgrade);
 }

@@ -26,7 +26,7 @@ std::string Escaped(char byte) {
 }
 
 // Is it a bidirectional control character, which can reorder a line?
-constexpr bool TurnsLineAround(char32_t code) {
+constexpr bool IsBidirectionalControl(char32_t code) {
   return (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
 }
 
@@ -46,7 +46,7 @@ std::string Printable(std::string_view text) {
   while (!text.empty()) {
     const auto character = host::FirstCharacter(text);
     const std::string_view bytes = text.substr(0, character ? character->size : 1);
-    if (character && !host::IsControl(character->code) && !TurnsLineAround(character->code)) {
+    if (character && !host::IsControl(character->code) && !IsBidirectionalControl(character->code)) {
       printable += bytes;
     } else {
       for (const char byte : bytes) printable += Escaped(byte);

@@ -54,7 +54,7 @@ class Activity {
   static void PutLineAbove(const std::string& line);
 
  private:
-  void Tell();
+  void ShowWhileRunning();
   void Stop();
 
   std::string action_;

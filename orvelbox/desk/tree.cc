@@ -105,7 +105,7 @@ bool IsThere(const fs::path& path) {
   return fs::symlink_status(path, ignored).type() != fs::file_type::not_found;
 }
 
-ScratchDirectory::ScratchDirectory() {
+TemporaryDirectory::TemporaryDirectory() {
   std::error_code ignored;
   const fs::path temporary = fs::temp_directory_path(ignored);
   std::string name = ((ignored ? fs::path("/tmp") : fs::canonical(temporary)) / "orvelbox-XXXXXX").string();
@@ -113,7 +113,7 @@ ScratchDirectory::ScratchDirectory() {
   path_ = name;
 }
 
-ScratchDirectory::~ScratchDirectory() {
+TemporaryDirectory::~TemporaryDirectory() {
   std::error_code ignored;
   fs::remove_all(path_, ignored);
 }

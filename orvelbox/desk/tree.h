@@ -27,13 +27,13 @@ void Move(const std::filesystem::path& from, const std::filesystem::path& to);
 bool IsThere(const std::filesystem::path& path);
 
 // A new directory below $TMPDIR (or /tmp) for this user alone. The destructor removes it with its content.
-class ScratchDirectory {
+class TemporaryDirectory {
  public:
   // Throws host::DeviceError.
-  ScratchDirectory();
-  ScratchDirectory(const ScratchDirectory&) = delete;
-  ScratchDirectory& operator=(const ScratchDirectory&) = delete;
-  ~ScratchDirectory();
+  TemporaryDirectory();
+  TemporaryDirectory(const TemporaryDirectory&) = delete;
+  TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+  ~TemporaryDirectory();
 
   const std::filesystem::path& path() const { return path_; }
 

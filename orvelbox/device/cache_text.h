@@ -40,6 +40,7 @@ struct CacheChange {
   std::vector<std::string> lost;
 };
 
+// What changed from `before` to `after`.
 CacheChange Compare(const CacheText& before, const CacheText& after);
 
 struct CacheFinding {

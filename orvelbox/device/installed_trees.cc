@@ -67,10 +67,10 @@ void InstalledTrees::Add(const fs::path& source, const host::Package& package) c
     Move(Staging(package.id), Place(package));
     RemoveStaged(package.id);
   };
-  WithRollback(put_in_place, [&] { TakeBackAddition(package); });
+  WithRollback(put_in_place, [&] { UndoAddition(package); });
 }
 
-void InstalledTrees::TakeBackAddition(const host::Package& package) const {
+void InstalledTrees::UndoAddition(const host::Package& package) const {
   Discard(package);
   journal_.RestoreCaches();
   journal_.End();
@@ -135,7 +135,7 @@ void InstalledTrees::BeginRemoval(const std::string& package_id) const {
   }
 }
 
-void InstalledTrees::TakeBackRemoval() const {
+void InstalledTrees::UndoRemoval() const {
   journal_.RestoreCaches();
   journal_.End();
 }
@@ -157,7 +157,7 @@ std::string InstalledTrees::Complete(const Pending& pending) const {
 }
 
 // Undoes the changes of trees and records by an operation that was not decided.
-std::string InstalledTrees::TakeBack(const Pending& pending) const {
+std::string InstalledTrees::Undo(const Pending& pending) const {
   const std::string& id = pending.package_id;
   switch (pending.operation) {
     case Operation::kInstall: {
@@ -177,7 +177,7 @@ std::string InstalledTrees::TakeBack(const Pending& pending) const {
 std::vector<std::string> InstalledTrees::Mend() const {
   std::vector<std::string> mended;
   if (const auto pending = journal_.Read()) {
-    const std::string outcome = pending->decided ? Complete(*pending) : TakeBack(*pending);
+    const std::string outcome = pending->decided ? Complete(*pending) : Undo(*pending);
     if (!pending->decided) journal_.RestoreCaches();
     mended.push_back("mended " + pending->package_id + ": " + outcome);
   }

@@ -35,10 +35,10 @@ class InstalledTrees {
   UnpackPlace PlaceToUnpack() const;
 
   // Copies `source` into place and registers `package` (PlacedAt its root). KeepAddition makes this permanent;
-  // TakeBackAddition undoes it and restores the cache files. When Add fails, it leaves nothing behind.
+  // UndoAddition undoes it and restores the cache files. When Add fails, it leaves nothing behind.
   void Add(const std::filesystem::path& source, const host::Package& package) const;
   void KeepAddition() const { journal_.End(); }
-  void TakeBackAddition(const host::Package& package) const;
+  void UndoAddition(const host::Package& package) const;
 
   // Replaces the tree of the installed package by a copy of `source` and registers `package`. Keeps the replaced
   // version until KeepUpgrade or RestorePrevious. Both have the same root. When Replace fails, the installed version is
@@ -53,7 +53,7 @@ class InstalledTrees {
   // Keeps the package, and the cache files as they are now.
   void AbandonRemoval() const { journal_.End(); }
   // Keeps the package and restores the cache files.
-  void TakeBackRemoval() const;
+  void UndoRemoval() const;
   // Removes the package's tree and record.
   void Remove(const host::Package& package) const;
 
@@ -73,7 +73,7 @@ class InstalledTrees {
   void DropPrevious(const std::string& package_id) const;
   void PutPreviousBack(const host::Package& previous) const;
   std::string Complete(const Pending& pending) const;
-  std::string TakeBack(const Pending& pending) const;
+  std::string Undo(const Pending& pending) const;
   void RemoveStaged(const std::string& package_id) const;
 
   host::Device device_;

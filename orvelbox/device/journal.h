@@ -16,6 +16,7 @@ namespace orvelbox {
 
 enum class Operation { kInstall, kUpgrade, kUninstall };
 
+// An operation that has begun and not ended.
 struct Pending {
   Operation operation;
   std::string package_id;

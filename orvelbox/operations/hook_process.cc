@@ -98,7 +98,7 @@ int RunChild(const HookSettings& settings, int report, const std::function<void(
 }
 
 // Printed once per command, however many operations it has.
-void TellWorkingInPlace() {
+void PrintInPlaceNote() {
   static bool told = false;
   if (!std::exchange(told, true)) {
     Remark(std::string("no namespaces here: working in place on ") + host::kPlatformAssemblies + " and " +
@@ -170,7 +170,7 @@ HookRun RunHooks(const HookSettings& settings, const std::function<void(const Ho
   const UniqueFd report = MakeReport();
   FlushOutput();
   const auto tell = [&] {
-    if (settings.tells_in_place) TellWorkingInPlace();
+    if (settings.tells_in_place) PrintInPlaceNote();
   };
   const host::ChildOutcome outcome = host::RunWithFixedPaths(
       settings.device.Root(), [&] { return RunChild(settings, report.get(), body); }, tell);

@@ -45,8 +45,8 @@ struct Lifecycle {
 Lifecycle RunLifecycle(const HookSettings& settings, const std::filesystem::path& package,
                        const std::filesystem::path& upgrade);
 
+// The result as text, and as one JSON object.
 Lines DescribeLifecycle(const Lifecycle& lifecycle);
-// One JSON object.
 std::string ToJson(const Lifecycle& lifecycle);
 
 }  // namespace orvelbox

@@ -69,8 +69,8 @@ void CallInstallHooks(const Session& session, const std::string& main_hook, cons
     call(result == -1 ? "UNDO" : "CLEAN", manifest.document.get(), manifest.package.id);
   };
   change.effects = WithRollback([&] { return EffectsOf(session.settings(), call_hooks); }, take_back);
-  change.taken_back = !change.Done();
-  if (change.taken_back) {
+  change.undone = !change.Done();
+  if (change.undone) {
     take_back();
   } else {
     keep();
@@ -113,7 +113,7 @@ Change Install(const Session& session, const std::filesystem::path& directory) {
   session.trees().Add(directory, change.package);
   CallInstallHooks(
       session, "INSTALL", manifest, [&] { session.trees().KeepAddition(); },
-      [&] { session.trees().TakeBackAddition(change.package); }, change);
+      [&] { session.trees().UndoAddition(change.package); }, change);
   return change;
 }
 
@@ -137,7 +137,7 @@ Change Uninstall(const Session& session, const std::string& package_id) {
   Change change{session.Installed(package_id), {}, {}};
   session.trees().BeginRemoval(package_id);
   const auto call_hooks = [&] { return CallHooksFor(session, change.package, {"UNINSTALL", "CLEAN"}); };
-  change.effects = WithRollback(call_hooks, [&] { session.trees().TakeBackRemoval(); });
+  change.effects = WithRollback(call_hooks, [&] { session.trees().UndoRemoval(); });
   if (change.Done()) {
     session.trees().Remove(change.package);
   } else {

@@ -47,7 +47,7 @@ struct Change {
   host::Package package;                  // with its path on the device, also when the installation failed
   std::optional<host::Package> previous;  // the version that an upgrade replaces
   Effects effects;
-  bool taken_back = false;  // a hook failed, and the device is unchanged
+  bool undone = false;  // a hook failed, and the device is unchanged
 
   bool Done() const { return effects.hooks.Succeeded(); }
 };

@@ -121,7 +121,7 @@ Lines DescribeChange(const Change& change) {
   Lines lines;
   const auto append = [&](const Lines& more) { lines.insert(lines.end(), more.begin(), more.end()); };
   if (!hooks.results.empty()) lines.push_back("    " + DescribeHooks(hooks));
-  if (!change.taken_back) append(DescribeEffects(change.effects, change.package.root));
+  if (!change.undone) append(DescribeEffects(change.effects, change.package.root));
   if (!change.Done()) append(ExplainDebuggingFailure(change.effects, change.package.root));
   return lines;
 }

@@ -66,14 +66,14 @@ ChildOutcome RunInNamespace(FixedPathsMethod method, const fs::path& root, const
   const bool with_user = method == FixedPathsMethod::kUserNamespace;
   const auto set_up = [&] {
     EnterMountNamespace(with_user);
-    LayFixedPathsOver(root);
+    MountFixedPaths(root);
     if (with_user) DropNamespacePrivileges();
   };
   return RunChild(signals, set_up, body);
 }
 
 ChildOutcome RunInPlace(const fs::path& root, const std::function<int()>& body) {
-  const UniqueFd turn = TakeTurnInPlace();  // may wait for other processes; a signal can interrupt that
+  const UniqueFd turn = LockFixedPaths();  // may wait for other processes; a signal can interrupt that
   const HeldSignals signals;
   const InPlaceLinks links(turn, root);
   return RunChild(

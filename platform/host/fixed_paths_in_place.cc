@@ -125,7 +125,7 @@ std::optional<std::string> ObstacleInPlace() try {
   return error.what();
 }
 
-UniqueFd TakeTurnInPlace() {
+UniqueFd LockFixedPaths() {
   UniqueFd lock = OpenLockFile();
   while (flock(lock.get(), LOCK_EX) != 0) {
     if (errno != EINTR) ThrowFileError(LockFilePath(), "lock", errno);

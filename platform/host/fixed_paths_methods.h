@@ -17,7 +17,7 @@ void EnterMountNamespace(bool with_user);
 
 // In such a namespace: shows the content of `root` at the fixed paths. A fixed path that `root` does not have is
 // missing there. The working directory stays the same. Throws DeviceError.
-void LayFixedPathsOver(const std::filesystem::path& root);
+void MountFixedPaths(const std::filesystem::path& root);
 
 // Tests whether mounting works, in such a namespace, which is unusable afterwards. Throws DeviceError.
 void TryMounting();
@@ -28,9 +28,9 @@ void DropNamespacePrivileges();
 // Why this process cannot work in place, in a few words; nothing when it can. Removes the links of a killed run.
 std::optional<std::string> ObstacleInPlace();
 
-// Takes the lock on the fixed paths. It is released when the last copy of the descriptor is closed, a child's included.
-// Waits for other processes, then removes the links of a killed run. Throws DeviceError.
-UniqueFd TakeTurnInPlace();
+// Locks the fixed paths for this process. The lock is released when the last copy of the descriptor is closed, a
+// child's included. Waits for other processes, then removes the links of a killed run. Throws DeviceError.
+UniqueFd LockFixedPaths();
 
 // Links at the fixed paths to those of `root`. The destructor removes them and the directories made for them. They are
 // recorded in the lock file first, so that the next run can remove them if this one is killed.

@@ -139,7 +139,7 @@ Overlay OpenOverlay(const fs::path& root, const fs::path& target) {
 }
 
 // Mirrors the nearest existing directory above the target and adds the device's entry to it, if there is one.
-void LayIntoMirror(const Overlay& overlay) {
+void MountIntoMirror(const Overlay& overlay) {
   fs::path parent = overlay.target.parent_path();
   std::error_code error;
   while (!fs::is_directory(parent, error)) parent = parent.parent_path();
@@ -151,10 +151,10 @@ void LayIntoMirror(const Overlay& overlay) {
 }
 
 // Does not mount on a link: it may belong to a process that works in place, and disappear.
-void Lay(const Overlay& overlay) {
+void MountOverlay(const Overlay& overlay) {
   std::error_code error;
   const fs::file_status status = fs::symlink_status(overlay.target, error);
-  if (fs::is_symlink(status) || fs::exists(status) != static_cast<bool>(overlay.source)) LayIntoMirror(overlay);
+  if (fs::is_symlink(status) || fs::exists(status) != static_cast<bool>(overlay.source)) MountIntoMirror(overlay);
   if (overlay.source && !Bind(PathOf(overlay.source), overlay.target)) {
     ThrowSystemError("mount at " + overlay.target.string(), errno);
   }
@@ -203,12 +203,12 @@ void EnterMountNamespace(bool with_user) {
   WriteProcFile("/proc/self/gid_map", SameId(gid));
 }
 
-void LayFixedPathsOver(const fs::path& root) {
+void MountFixedPaths(const fs::path& root) {
   const WorkingDirectory working_directory;
   std::vector<Overlay> overlays;
   for (const char* target : kFixedPaths) overlays.push_back(OpenOverlay(root, target));
   MakeMountsPrivate();
-  for (const auto& overlay : overlays) Lay(overlay);
+  for (const auto& overlay : overlays) MountOverlay(overlay);
   working_directory.GoBack();
 }
 

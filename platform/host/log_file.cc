@@ -42,7 +42,7 @@ std::string RecordLine(char priority, std::string_view tag, std::string_view tex
 
 // Truncates a record that was written partially for lack of space, so that the next record starts on its own line. Does
 // nothing when another writer has appended to it.
-void TakeBack(int fd, off_t length) {
+void RemovePartialRecord(int fd, off_t length) {
   struct stat status {};
   const off_t end = lseek(fd, 0, SEEK_CUR);
   if (end < length || fstat(fd, &status) != 0 || status.st_size != end) return;
@@ -91,7 +91,7 @@ bool AppendLogRecord(const std::filesystem::path& file, char priority, std::stri
   if (!fd) return false;
   const ssize_t written = write(fd.get(), line.data(), line.size());
   if (written == static_cast<ssize_t>(line.size())) return true;
-  if (written > 0) TakeBack(fd.get(), written);
+  if (written > 0) RemovePartialRecord(fd.get(), written);
   return false;
 } catch (const std::exception&) {
   return false;

@@ -63,8 +63,8 @@ const Difference kForgotten = {" hides ",
 const Difference kUnguarded = {" has a new name on its list, ",
                                ", whose prototype is not kept. Mention it in tests/abi", false};
 
-std::string Tell(const Names& names, const std::string& library, const Difference& difference,
-                 const Versions& versions) {
+std::string Describe(const Names& names, const std::string& library, const Difference& difference,
+                     const Versions& versions) {
   const std::string raise = std::string(", and raise the ") + (difference.breaks ? "first" : "second") +
                             " number of \"# interface\" in plugin/exported_symbols.txt (" + versions.now + " -> " +
                             (difference.breaks ? versions.after_break : versions.after_addition) + ").\n";

@@ -36,8 +36,8 @@ extern const Difference kForgotten;
 extern const Difference kUnguarded;
 
 // The differences, each name with the correction; one paragraph per name.
-std::string Tell(const Names& names, const std::string& library, const Difference& difference,
-                 const Versions& versions);
+std::string Describe(const Names& names, const std::string& library, const Difference& difference,
+                     const Versions& versions);
 
 // The members of `path_manager` (AotPathManager or a subclass) that tools use, tables included.
 Names PathManagerMembers(const std::string& path_manager);

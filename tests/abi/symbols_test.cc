@@ -35,8 +35,8 @@ class Interface : public testing::TestWithParam<Library> {
  protected:
   const Library& library() const { return GetParam(); }
   const Versions& versions() const { return versions_; }
-  std::string Told(const Names& names, const Difference& difference) const {
-    return Tell(names, library().name, difference, versions_);
+  std::string Explained(const Names& names, const Difference& difference) const {
+    return Describe(names, library().name, difference, versions_);
   }
 
   // Everything that was released in the library.
@@ -60,33 +60,33 @@ TEST_P(Interface, has_a_version) {
 
 TEST_P(Interface, the_library_shows_all_that_is_listed) {
   const Names lost = Lost(Listed(library()), support::Exports(library().file));
-  EXPECT_TRUE(lost.empty()) << Told(lost, kLost);
+  EXPECT_TRUE(lost.empty()) << Explained(lost, kLost);
 }
 
 TEST_P(Interface, the_library_shows_nothing_that_is_not_listed) {
   const Names added = Without(support::Exports(library().file), Listed(library()));
-  EXPECT_TRUE(added.empty()) << Told(added, kAdded);
+  EXPECT_TRUE(added.empty()) << Explained(added, kAdded);
 }
 
 TEST_P(Interface, nothing_that_the_sources_export_was_forgotten_in_the_list) {
   const Names forgotten = Without(Defined(library()).strong, Listed(library()));
-  EXPECT_TRUE(forgotten.empty()) << Told(forgotten, kForgotten);
+  EXPECT_TRUE(forgotten.empty()) << Explained(forgotten, kForgotten);
 }
 
 TEST_P(Interface, the_sources_export_all_that_is_listed) {
   const Definitions defined = Defined(library());
   const Names lost = Lost(Without(Listed(library()), defined.strong), defined.weak);
-  EXPECT_TRUE(lost.empty()) << Told(lost, kLost);
+  EXPECT_TRUE(lost.empty()) << Explained(lost, kLost);
 }
 
 TEST_P(Interface, every_released_prototype_is_there_under_its_name) {
   const Names lost = Lost(Released(), support::Exports(library().file));
-  EXPECT_TRUE(lost.empty()) << Told(lost, kLost);
+  EXPECT_TRUE(lost.empty()) << Explained(lost, kLost);
 }
 
 TEST_P(Interface, everything_listed_has_its_prototype_kept) {
   const Names unguarded = Without(Listed(library()), Released());
-  EXPECT_TRUE(unguarded.empty()) << Told(unguarded, kUnguarded);
+  EXPECT_TRUE(unguarded.empty()) << Explained(unguarded, kUnguarded);
 }
 
 // One list serves 32 and 64 bits, but the mangled names of std::size_t, std::uint64_t and similar types differ.

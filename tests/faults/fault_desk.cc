@@ -105,14 +105,14 @@ void ExpectRightAfterNextRun(const CacheChange& change) {
   ExpectRight(found.coba, left.coba, change.after.coba);
 }
 
-void ExpectSoundCaches(const CacheChange& change) {
+void ExpectIntactCaches(const CacheChange& change) {
   const CacheTexts found = ReadCaches();
   EXPECT_THAT(found.tpa, testing::AnyOf(change.before.tpa, std::nullopt, change.after.tpa));
   EXPECT_THAT(found.coba, testing::AnyOf(change.before.coba, std::nullopt, change.after.coba));
   ExpectRightAfterNextRun(change);
 }
 
-void ExpectSoundDuplicate() {
+void ExpectConsistentDuplicate() {
   const Text dll = ReadIfThere(kDll);
   const Text told = ReadIfThere(kInformationFile);
   if (dll) {

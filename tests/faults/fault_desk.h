@@ -68,11 +68,11 @@ CacheChange Removing();
 void ExpectRightAfterNextRun(const CacheChange& change);
 
 // Expects that each cache file is as before, missing or as after the event, and correct after the next run.
-void ExpectSoundCaches(const CacheChange& change);
+void ExpectIntactCaches(const CacheChange& change);
 
 // Expects that the DLL exists, or is removed and its information file is complete, partial or missing, and that the
 // next INSTALL completes the work.
-void ExpectSoundDuplicate();
+void ExpectConsistentDuplicate();
 
 }  // namespace fault_desk
 

@@ -66,8 +66,8 @@ void FlushOutput() {
   std::fflush(nullptr);
 }
 
-// Runs the body in a child. Returns the child's exit status.
-int Live(const std::function<void()>& body) {
+// The code of the child process. Returns its exit status.
+int RunAsChild(const std::function<void()>& body) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   setpgid(0, 0);
   try {
@@ -129,7 +129,7 @@ Outcome Run(const Plan& plan, const std::function<void()>& body) {
   Adopt(plan);
   FlushOutput();
   const pid_t child = fork();
-  if (child == 0) _exit(Live(body));
+  if (child == 0) _exit(RunAsChild(body));
   int status = kUnhandled;
   if (child < 0 || waitpid(child, &status, 0) != child) ADD_FAILURE() << "no child process could be run";
   Shared().counting = false;

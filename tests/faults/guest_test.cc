@@ -33,14 +33,14 @@ constexpr const char* kHooks[] = {"INSTALL", "UPGRADE",          "REMOVED", "CLE
 const std::string kOddIds[] = {"", "%s%n", "../../..", "\xff\n\x1b[31m", std::string(100000, 'x')};
 
 int looks = 0;
-guest_watch::Belongings before;
+guest_watch::ProcessState before;
 std::set<int> inheritable_before;
 int threads_before = 0;  // an emulator adds threads of its own
 
 // Checks the process. `moment` is the platform's function that the plug-in is calling.
-void LookAround(const char* moment) {
+void ExpectNoChange(const char* moment) {
   ++looks;
-  EXPECT_EQ("", guest_watch::Differences(before, guest_watch::Look())) << moment;
+  EXPECT_EQ("", guest_watch::Differences(before, guest_watch::ReadState())) << moment;
   EXPECT_EQ(threads_before, guest_watch::Threads()) << moment;
   EXPECT_EQ(inheritable_before, guest_watch::InheritableDescriptors()) << moment;
 }
@@ -48,7 +48,7 @@ void LookAround(const char* moment) {
 void SwallowError(void*, const char*, ...) {}
 
 // Gives the process an unusual state.
-void HaveOwnWays() {
+void SetUnusualState() {
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGUSR1, [](int) {});
   std::setlocale(LC_ALL, "C.UTF-8");
@@ -77,16 +77,16 @@ void CallEveryHook(const LoadedPlugin& plugin) {
 
 void OnWatchedDevice(const std::function<void(const LoadedPlugin&)>& body) {
   fault_desk::OnDevice([&] {
-    HaveOwnWays();
-    before = guest_watch::Look();
+    SetUnusualState();
+    before = guest_watch::ReadState();
     threads_before = guest_watch::Threads();
     const LoadedPlugin plugin;
     support::StandardErrorOf([&] {
       inheritable_before = guest_watch::InheritableDescriptors();
-      small_platform::Now().watcher = LookAround;
+      small_platform::Now().watcher = ExpectNoChange;
       body(plugin);
       small_platform::Now().watcher = nullptr;
-      LookAround("at the end");
+      ExpectNoChange("at the end");
     });
   });
 }

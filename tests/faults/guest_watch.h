@@ -10,11 +10,11 @@ namespace guest_watch {
 
 // The state by name, as texts: signal dispositions and mask, locale, umask, working directory, environment, resource
 // limits, timers, libxml2's global state.
-using Belongings = std::map<std::string, std::string>;
-Belongings Look();
+using ProcessState = std::map<std::string, std::string>;
+ProcessState ReadState();
 
 // The differences between two states, with both values.
-std::string Differences(const Belongings& before, const Belongings& after);
+std::string Differences(const ProcessState& before, const ProcessState& after);
 
 // The number of threads of this process.
 int Threads();

@@ -32,24 +32,24 @@ void ExpectAllocationsOfBothKinds(const std::vector<std::string>& calls) {
   EXPECT_THAT(calls, Contains(StartsWith("xmlM")));
 }
 
-void ExpectSoundCachesWithoutMemory(const fault_desk::CacheChange& change) {
+void ExpectIntactCachesWithoutMemory(const fault_desk::CacheChange& change) {
   fault_desk::OnDevice([&] {
     const auto calls = faults::MeetEveryCall(
         kOutOfMemory, [&] { fault_desk::LayOutCaches(change.before); }, [&] { CallShortOfMemory(change.event); },
-        [&](const faults::Outcome&) { fault_desk::ExpectSoundCaches(change); });
+        [&](const faults::Outcome&) { fault_desk::ExpectIntactCaches(change); });
     ExpectAllocationsOfBothKinds(calls);
   });
 }
 
-TEST(MemoryFailure, during_an_add_breaks_no_cache_file) { ExpectSoundCachesWithoutMemory(fault_desk::Adding()); }
+TEST(MemoryFailure, during_an_add_breaks_no_cache_file) { ExpectIntactCachesWithoutMemory(fault_desk::Adding()); }
 
-TEST(MemoryFailure, during_a_removal_breaks_no_cache_file) { ExpectSoundCachesWithoutMemory(fault_desk::Removing()); }
+TEST(MemoryFailure, during_a_removal_breaks_no_cache_file) { ExpectIntactCachesWithoutMemory(fault_desk::Removing()); }
 
 TEST(MemoryFailure, during_an_install_loses_no_dll_unsaid) {
   fault_desk::OnDevice([] {
     const auto calls = faults::MeetEveryCall(
         kOutOfMemory, fault_desk::LayOutDuplicate, [] { CallShortOfMemory({"INSTALL"}); },
-        [](const faults::Outcome&) { fault_desk::ExpectSoundDuplicate(); });
+        [](const faults::Outcome&) { fault_desk::ExpectConsistentDuplicate(); });
     ExpectAllocationsOfBothKinds(calls);
   });
 }

@@ -118,7 +118,7 @@ TEST_F(InPlace, is_refused_where_a_fixed_path_exists) {
 
 TEST_F(InPlace, what_appeared_since_the_check_is_not_touched) {
   OnMachine([this] {
-    const UniqueFd turn = host::TakeTurnInPlace();
+    const UniqueFd turn = host::LockFixedPaths();
     WriteFile("/opt/usr", "mine");
     EXPECT_EQ("cannot work in place: /opt/usr exists already; move it away, or allow namespaces",
               ErrorOf([&] { host::InPlaceLinks(turn, root()); }));

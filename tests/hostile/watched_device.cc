@@ -14,7 +14,7 @@ constexpr const char* kWatched[] = {"/usr/share/dotnet.orvel", "/opt/usr"};
 using Snapshot = std::map<std::string, std::string>;
 
 // Directories whose own metadata changes when a cache file or the package's root is replaced.
-bool HoldsWhatIsForTheTaking(const fs::path& path) {
+bool ContainsChangeable(const fs::path& path) {
   return path / "" == fs::path(support::kCacheDirectory) || path == fs::path(kRoot).parent_path();
 }
 
@@ -24,14 +24,14 @@ std::string Description(const fs::directory_entry& entry) {
   if (lstat(entry.path().c_str(), &status) != 0) return "cannot be examined";
   std::string text = std::to_string(status.st_mode) + " of " + std::to_string(status.st_uid) + ":" +
                      std::to_string(status.st_gid) + ", inode " + std::to_string(status.st_ino);
-  if (!HoldsWhatIsForTheTaking(entry.path())) {
+  if (!ContainsChangeable(entry.path())) {
     text += ", changed " + std::to_string(status.st_mtim.tv_sec) + "." + std::to_string(status.st_mtim.tv_nsec);
   }
   if (S_ISLNK(status.st_mode)) return text + ", to " + fs::read_symlink(entry.path()).string();
   return S_ISREG(status.st_mode) ? text + ", holds " + ReadFile(entry.path()) : text;
 }
 
-bool IsForTheTaking(const fs::path& path) {
+bool IsChangeable(const fs::path& path) {
   return path == kRoot || path == kTpaFile || path == kCobaFile || path == kTemporaryTpa || path == kTemporaryCoba;
 }
 
@@ -39,7 +39,7 @@ Snapshot Everything() {
   Snapshot snapshot;
   for (const char* area : kWatched) {
     for (auto entry = fs::recursive_directory_iterator(area); entry != fs::recursive_directory_iterator(); ++entry) {
-      if (IsForTheTaking(entry->path())) {
+      if (IsChangeable(entry->path())) {
         entry.disable_recursion_pending();
       } else {
         snapshot[entry->path().string()] = Description(*entry);

@@ -106,7 +106,7 @@ bool GiveUpPrivileges() {
   return syscall(SYS_capset, &header, nothing) == 0;
 }
 
-void LeaveNoRoomInFiles() {
+void MakeFileWritesFail() {
   std::signal(SIGXFSZ, SIG_IGN);
   const rlimit none{0, RLIM_INFINITY};
   ASSERT_EQ(0, setrlimit(RLIMIT_FSIZE, &none));

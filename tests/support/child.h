@@ -26,7 +26,7 @@ std::string InPlaceNoticeHere();
 bool GiveUpPrivileges();
 
 // Makes all writes of this process to files fail as on a full disk. For a child process.
-void LeaveNoRoomInFiles();
+void MakeFileWritesFail();
 
 // Fails the test when memory was leaked. For a child process, in which the sanitizer's own leak check does not run.
 void ExpectNoLeaks();

@@ -97,7 +97,7 @@ TEST(Duplicates, a_disk_without_room_leaves_an_empty_information_file_silently) 
   const std::string dll = package / "A.dll";
   WriteFile(dll, "MZ");
   support::InFreshProcess([&] {
-    support::LeaveNoRoomInFiles();
+    support::MakeFileWritesFail();
     Platform& platform = doubles::Reset();
     removeFileAndLeaveInformationFile(kOrigin, dll);
     EXPECT_TRUE(Holds(platform, {RemovalFrame()}));

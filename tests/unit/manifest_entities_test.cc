@@ -47,9 +47,9 @@ TEST(ManifestEntities, those_of_an_attribute_are_expanded) {
 
 TEST(ManifestEntities, an_attribute_may_stand_for_a_hundred_thousand_bytes_and_no_more) {
   const std::string rest = "dotnet-";
-  const std::size_t room = kMost - rest.size() - 1;
-  ExpectRead(WithType(Entity("a", Filler(room)), "&a;" + rest));
-  ExpectRefused(WithType(Entity("a", Filler(room + 1)), "&a;" + rest));
+  const std::size_t length = kMost - rest.size() - 1;
+  ExpectRead(WithType(Entity("a", Filler(length)), "&a;" + rest));
+  ExpectRefused(WithType(Entity("a", Filler(length + 1)), "&a;" + rest));
 }
 
 TEST(ManifestEntities, a_reference_counts_alone_and_behind_text) {
@@ -67,9 +67,9 @@ FRESH_TEST(ManifestEntities, an_attribute_that_never_got_a_value_is_no_trouble) 
 
 TEST(ManifestEntities, entities_of_entities_count_as_often_as_they_are_named) {
   const std::string rest = "dotnet-";
-  const std::size_t room = (kMost - rest.size() - 3) / 2;  // the reference to b, and two to a
-  ExpectRead(WithType(Entity("a", Filler(room)) + Entity("b", "&a;&a;"), "&b;" + rest));
-  ExpectRefused(WithType(Entity("a", Filler(room + 1)) + Entity("b", "&a;&a;"), "&b;" + rest));
+  const std::size_t length = (kMost - rest.size() - 3) / 2;  // the reference to b, and two to a
+  ExpectRead(WithType(Entity("a", Filler(length)) + Entity("b", "&a;&a;"), "&b;" + rest));
+  ExpectRefused(WithType(Entity("a", Filler(length + 1)) + Entity("b", "&a;&a;"), "&b;" + rest));
 }
 
 // A type that expands to "dotnet-" through that many nested entities.

@@ -118,7 +118,7 @@ const Row kDotnetRows[] = {
      Answer::kDotnet},
 };
 
-Steps Told(Answer answer) {
+Steps DecisionLines(Answer answer) {
   const Source walk = Plugin("isAppDotnetInhouse");
   if (answer == Answer::kOther) return Names({"manifest"});  // the end tag
   return answer == Answer::kDotnet ? walk.Info("App is dotnet-*") : walk.Info("### Is sample app ###");
@@ -128,14 +128,14 @@ TEST(Manifest, the_first_application_element_that_decides_makes_it_dotnet_inhous
   for (const Row& row : kDotnetRows) {
     Fresh([&](Platform& platform) {
       EXPECT_EQ(row.answer == Answer::kDotnet, isAppDotnetInhouse(ManifestOf(row.elements).get())) << row.what;
-      EXPECT_TRUE(Holds(platform, {Names({"manifest"}), Names(row.nodes), Told(row.answer)})) << row.what;
+      EXPECT_TRUE(Holds(platform, {Names({"manifest"}), Names(row.nodes), DecisionLines(row.answer)})) << row.what;
     });
   }
 }
 
 FRESH_TEST(Manifest, the_root_element_may_be_the_application_itself) {
   EXPECT_TRUE(isAppDotnetInhouse(Parse("<ui-application type='dotnet-inhouse'/>").get()));
-  EXPECT_TRUE(Holds(platform, {Names({"ui-application"}), Told(Answer::kDotnet)}));
+  EXPECT_TRUE(Holds(platform, {Names({"ui-application"}), DecisionLines(Answer::kDotnet)}));
 }
 
 FRESH_TEST(Manifest, a_null_manifest_is_not_dotnet_inhouse) {
