@@ -67,8 +67,7 @@ int RemoveDuplicates(const std::string& packageRoot) {
   }
   int result = 0;
   VisitPackage(packageRoot, [&](const ListedFile& file) {
-    // For a name that no catalogue holds, the directory listing is enough: isUniqueDll would examine the file and keep
-    // it.
+    // For a name in no catalogue the directory listing is enough: isUniqueDll would examine the file and keep it.
     if (!IsAssemblyName(file.name) || (file.regular && !catalogued.MayHold(file.name))) return;
     if (isUniqueDll(file) == 0) result = -1;
   });

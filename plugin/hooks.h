@@ -39,8 +39,7 @@ ORVEL_EXPORT int PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL(xmlDocPtr doc, const char
 // Gated. Ends an operation: adds a CoBA package to the cache files; removes any other package that was upgraded from
 // them. Does not touch a package that is being uninstalled.
 ORVEL_EXPORT int PKGMGR_PARSER_PLUGIN_CLEAN(xmlDocPtr doc, const char* pkgId);
-// Marks a package that has a root directory as upgraded, dotnet or not, then does what CLEAN does. Otherwise does
-// nothing.
+// Without a root directory does nothing. Marks the package as upgraded, dotnet or not, then does what CLEAN does.
 ORVEL_EXPORT int PKGMGR_PARSER_PLUGIN_CLEANUP(xmlDocPtr doc, const char* pkgId);
 // Gated. Changes nothing.
 ORVEL_EXPORT int PKGMGR_PARSER_PLUGIN_UNDO(xmlDocPtr doc, const char* pkgId);

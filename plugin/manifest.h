@@ -9,8 +9,7 @@
 #include "morvath/export.h"
 
 // The kind of the first application whose type contains "apitest" (sample) or else "dotnet-" (dotnet); kOther when
-// there is none. No result for a document that cannot be walked, and for null, which is logged as an error. Keeps no
-// state.
+// there is none. No result for a document that cannot be walked, and for null, with an error line. Keeps no state.
 enum class ApplicationKind { kDotnet, kSample, kOther };
 std::optional<ApplicationKind> DeclaredKind(xmlDocPtr doc);
 

@@ -41,8 +41,7 @@ void RunOnSession(Command& command, const std::function<int(const Session& sessi
 void RunOnPackage(Command& command,
                   const std::function<int(const Session& session, const std::filesystem::path& directory)>& change);
 
-// Prints the result of `command` below the headline `done` or `failed`, and the error of a failure. Returns the exit
-// status.
+// Prints the result of `command` below the headline `done` or `failed`, and any error. Returns the exit status.
 int PrintChange(const std::string& command, const Change& change, const std::string& done, const std::string& failed);
 
 // A command that calls hooks for an installed package. Its headline is "`done` PACKAGE`after`".

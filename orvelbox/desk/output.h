@@ -55,8 +55,7 @@ void Remark(std::string_view line);
 // Flushes standard output. Returns false when it did not accept everything (a full disk, for example).
 bool FlushOutput();
 
-// Should standard output be coloured? Yes on a terminal when `no_color` (the value of NO_COLOR or null) is unset or
-// empty.
+// Is standard output a terminal that may show colours? `no_color`: the value of NO_COLOR or null; non-empty: no colours.
 bool ColourWanted(const char* no_color);
 
 }  // namespace orvelbox

@@ -12,8 +12,7 @@ namespace orvelbox {
 // The hooks' results, one line per hook, with its package.
 Lines DescribeHooksByPackage(const HookRun& hooks);
 
-// What the operation changed: DLLs, cache files, loader, errors. Paths below `root` (may be empty) are shown relative
-// to it.
+// What the operation changed: DLLs, cache files, loader, errors. Paths below `root` (if not empty) are relative to it.
 Lines DescribeEffects(const Effects& seen, const std::string& root);
 
 // Why the install of a package under debugging failed, and what must be removed from the package. Empty when the
