@@ -55,7 +55,7 @@ void Remark(std::string_view line);
 // Flushes standard output. Returns false when it did not accept everything (a full disk, for example).
 bool FlushOutput();
 
-// Is standard output a terminal that may show colours? Not with a non-empty `no_color`, the value of NO_COLOR (or null).
+// May standard output show colours? Only on a terminal with `no_color` (the value of NO_COLOR or null) unset or empty.
 bool ColourWanted(const char* no_color);
 
 }  // namespace orvelbox
