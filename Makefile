@@ -1,11 +1,11 @@
-# The commands of everyday work. Each installs what is missing first; CMakePresets.json holds the builds.
+# The everyday commands. Each first installs missing packages. CMakePresets.json defines the builds.
 .PHONY: build tests test test-heavy test-container test-distributions test-devices demo bench bench-compare bench-check \
   bench-programs coverage mutation fuzz lint format sanitize valgrind clean packages lint-packages package package-test \
   reproducible package-tools pictures
 
 JOBS ?= $(shell nproc)
 
-# Warnings stop our own builds (.ci/run), not those of somebody with a newer compiler.
+# Warnings are errors only in our own builds (.ci/run): other compilers may be newer.
 WERROR ?= OFF
 
 build: packages
@@ -28,12 +28,12 @@ test-container: tests
 	scripts/test-container.sh build/release
 
 # The demo and the tests in fresh Debian 12 and 13 root file systems, or in copies of the directories ROOTS, as root and
-# as an ordinary user (as root; half an hour or so).
+# as an ordinary user (needs root; about half an hour).
 test-distributions:
 	@scripts/install-packages.sh scripts/test-distributions-packages.txt
 	scripts/test-distributions.sh $(ROOTS)
 
-# Builds for the devices' processors and passes the tests under qemu (most of an hour).
+# Builds for the devices' processors and runs the tests under qemu (almost an hour).
 test-devices: packages
 	JOBS=$(JOBS) CMAKE_BUILD_PARALLEL_LEVEL=$(JOBS) scripts/test-devices.sh
 
@@ -46,34 +46,34 @@ sanitize: packages
 	cmake --build --preset sanitize --parallel $(JOBS)
 	ctest --preset sanitize --parallel $(JOBS)
 
-# The unit and integration tests under valgrind memcheck (some ten minutes).
+# The unit and integration tests under valgrind memcheck (about ten minutes).
 valgrind: packages
 	@scripts/install-packages.sh scripts/valgrind-packages.txt
 	cmake --preset valgrind
 	cmake --build --preset valgrind --parallel $(JOBS)
 	ctest --preset valgrind --parallel $(JOBS)
 
-# What the unit and hostile tests reach of plugin/ and util/.
+# The code of plugin/ and util/ that the unit and hostile tests execute.
 coverage: packages
 	@scripts/install-packages.sh scripts/coverage-packages.txt
 	cmake --preset coverage
 	cmake --build --preset coverage --parallel $(JOBS) --target unit_tests hostile_tests
 	scripts/coverage.sh build/coverage
 
-# What the unit and hostile tests notice of changes to plugin/ and util/ (half an hour or so).
+# The changes to plugin/ and util/ that the unit and hostile tests detect (about half an hour).
 mutation: packages
 	@scripts/install-packages.sh scripts/mutation-packages.txt
 	scripts/mutation.py
 
-# What the plug-in costs beside lean programs that do the same work (some ten minutes), and beside what a person would
-# use to find duplicates by name.
+# The plug-in's costs compared with minimal programs that do the same work (about ten minutes), and with common tools
+# that find duplicates by name.
 bench: bench-programs
 	bench/run.py build/release build/bench
 
 bench-compare: bench-programs
 	bench/compare.py build/release build/bench
 
-# What `orvelbox check` costs on a store of packages, beside programs that list them (some five minutes).
+# The costs of `orvelbox check` on a store of packages, compared with programs that list them (about five minutes).
 bench-check: bench-programs
 	bench/check.py build/release build/bench
 
@@ -82,7 +82,7 @@ bench-programs: packages
 	cmake --preset release
 	cmake --build --preset release --parallel $(JOBS) --target bench_programs
 
-# The fuzzers, FUZZ_SECONDS each; FUZZERS names some of them (fuzz/README.md).
+# The fuzzers, FUZZ_SECONDS each; FUZZERS selects some of them (fuzz/README.md).
 FUZZ_SECONDS ?= 60
 FUZZERS ?=
 fuzz: packages
@@ -101,11 +101,11 @@ package: packages package-tools
 	cmake --build --preset package --parallel $(JOBS)
 	scripts/package.sh build/package
 
-# Installs and runs them in a fresh root file system: a new one, or a copy of the directory ROOT (as root).
+# Installs and runs them in a root file system: a fresh one, or a copy of the directory ROOT (needs root).
 package-test: package
 	scripts/package-test.sh build/package/packages $(ROOT)
 
-# Makes them twice in different folders and compares the bytes.
+# Builds them twice in different folders and compares the bytes.
 reproducible: packages package-tools
 	scripts/reproducible.sh $(JOBS)
 

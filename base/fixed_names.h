@@ -1,12 +1,12 @@
-// Names that are fixed between the plug-in, the loader and whoever looks at a device: each stands here once. What is
-// done with them is elsewhere; the host platform's own files are not among them.
+// Names that the plug-in, the loader and readers of a device share. Each is defined once, here. The host platform's own
+// file names are not here.
 #ifndef BASE_FIXED_NAMES_H_
 #define BASE_FIXED_NAMES_H_
 
 #include <string_view>
 
-// The candidate loader's cache files, in kCacheDirectory. Their text is kStartMarker, entries with kEntrySeparator
-// between them, kEndMarker.
+// The cache files of the candidate loader, in kCacheDirectory. Their text is kStartMarker, the entries with
+// kEntrySeparator between them, kEndMarker.
 inline constexpr const char* kCacheDirectory = "/opt/usr/home/owner/share/dotnet/";
 inline constexpr const char* kTpaFile = "TPA.txt";
 inline constexpr const char* kCobaFile = "CoBA.txt";
@@ -16,10 +16,10 @@ inline constexpr std::string_view kEndMarker = "[END]";
 inline constexpr const char* kEmptyCache = "[START][END]";
 inline constexpr char kEntrySeparator = ':';
 
-// The information file that stands for a removed DLL has the DLL's name with this at its end.
+// The information file for a removed DLL has the DLL's name followed by this suffix.
 inline constexpr std::string_view kInformationFileSuffix = "_deleted";
 
-// Where the platform's assemblies lie.
+// The directory of the platform's assemblies.
 inline constexpr const char* kPlatformAssemblies = "/usr/share/dotnet.orvel";
 
 // A package's shared resource directory is its root directory followed by this.

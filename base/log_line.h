@@ -1,4 +1,4 @@
-// The format of a log line, and the one place that calls the platform's log. Message texts live where they are logged.
+// The format of a log line, and the only call of the platform's log. Message texts are at the place that logs them.
 #ifndef BASE_LOG_LINE_H_
 #define BASE_LOG_LINE_H_
 
@@ -13,10 +13,10 @@ struct LogSource {
 inline constexpr const char* kPluginTag = "NETCORE_INSTALLER_PLUGIN";
 inline constexpr const char* kUtilityTag = "QUARNEL";
 
-// One message of `kLogSource` under the name of the function that logs it. Macros, because the parts of the format
-// must be one literal for the compiler to check it against its arguments, and because of __func__ and __LINE__.
-// The _AT forms take the line field: log readers key on some lines, which stay the same wherever the statement goes.
-// The _IN forms take the function's name as well, for lambdas and helpers, whose own says nothing to log readers.
+// Logs one message with `kLogSource` and the name of the calling function. These are macros for two reasons: the format
+// must be one literal so that the compiler checks its arguments, and __func__ and __LINE__ must be the caller's.
+// The _AT forms also take the line field: log readers search for some line numbers, which must not change.
+// The _IN forms also take the function name, for lambdas and helpers whose own name means nothing to log readers.
 #define LOG_MESSAGE_(priority, colour, function, line, format, ...)                                             \
   __dlog_print(DLOG_MAIN, priority, kLogSource.tag, "%s: %s(%d) > " colour format "\033[0m\n", kLogSource.unit, \
                function, line, ##__VA_ARGS__)

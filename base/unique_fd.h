@@ -6,7 +6,7 @@
 
 #include <utility>
 
-// Closes the descriptor at its end; a negative one stands for none.
+// Closes the descriptor in its destructor. A negative descriptor means none.
 class UniqueFd {
  public:
   explicit UniqueFd(int fd = -1) : fd_(fd) {}
@@ -21,7 +21,7 @@ class UniqueFd {
 
   int get() const { return fd_; }
   explicit operator bool() const { return fd_ >= 0; }
-  // Closes early.
+  // Closes the descriptor now.
   void Reset() {
     if (fd_ >= 0) close(std::exchange(fd_, -1));
   }

@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""Times `orvelbox check` on a store of packages beside programs that only list names: bench/check.py BUILD OUT. Makes 200
-archives and 200 directories of 300 DLLs each (58 of them duplicates), one archive of 20,000 DLLs, the same with
-texts and empty files in the place of assemblies, and a platform list of 5,000 names below OUT/store. CPU seconds of whole processes, which take turns; medians. For the growth, 100
-archives of 20 DLLs are named up to 100 times. Prints a table and writes OUT/check.json."""
+"""bench/check.py BUILD OUT: measures `orvelbox check` on a store of packages, and programs that only list names. Creates
+200 archives and 200 directories of 300 DLLs each (58 of them duplicates), one archive of 20,000 DLLs, copies of these with
+texts or empty files instead of assemblies, and a platform list of 5,000 names below OUT/store. CPU seconds of whole
+processes, which run in turn; medians. For the growth, 100 archives of 20 DLLs are given up to 100 times. Prints a table
+and writes OUT/check.json."""
 import json
 import struct
 import sys
@@ -40,7 +41,7 @@ CONTENTS = [assembly(i) for i in range(1, 30)]
 
 
 def names(package, count):
-    """Every fifth one or so has a name of the platform's."""
+    """About every fifth DLL has a name from the platform."""
     for i in range(count):
         duplicates = i * DUPLICATES // DLLS
         duplicate = duplicates != (i + 1) * DUPLICATES // DLLS

@@ -1,8 +1,7 @@
 #!/usr/bin/env python3
-"""Times the plug-in's pass, removals and log lines included, against what a person would use to find the names only:
-bench/compare.py BUILD OUT. Seconds are of whole processes on packages of 100,000 files, without duplicates and with 1,000
-of them, beside them the CPU seconds of the same run, all processes of a pipeline together; fresh processes take turns,
-medians. Prints a table and writes OUT/compare.json."""
+"""bench/compare.py BUILD OUT: compares the plug-in's pass, including removals and log lines, with common tools that only
+find the names. Measures seconds of whole processes and CPU seconds of all their processes, on packages of 100,000 files
+without duplicates and with 1,000. New processes run in turn; medians. Prints a table and writes OUT/compare.json."""
 import json
 import subprocess
 import sys

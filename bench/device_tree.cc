@@ -1,4 +1,4 @@
-// Device trees for measuring.
+// Device trees for the benchmarks.
 #include "bench/device_tree.h"
 
 #include <algorithm>
@@ -15,7 +15,7 @@ constexpr unsigned kSeed = 20261121;
 
 struct PlatformDirectory {
   const char* path;
-  int percent;  // of the platform's assemblies
+  int percent;  // share of the platform's assemblies
 };
 constexpr PlatformDirectory kPlatform[] = {{"netcoreapp/", 42}, {"framework/", 46}, {"d.pc/", 2},
                                            {"d.pc/one/", 2},    {"d.pc/two/", 2},   {"tvappapi/", 6}};
@@ -27,7 +27,7 @@ std::string Numbered(const std::string& front, int number, const std::string& en
 
 std::string PlatformName(int number) { return Numbered("Orvel.Platform.Assembly", number, ".dll"); }
 
-// Files of one name have the same content, for those who compare that.
+// Files of the same name have the same content, for tools that compare contents.
 void WriteFile(const fs::path& path) { std::ofstream(path) << path.filename().string(); }
 
 fs::path Below(const fs::path& root, const std::string& device_path) { return root / device_path.substr(1); }
@@ -51,7 +51,7 @@ void MakeCobaPackages(const fs::path& root) {
   }
 }
 
-// The package's directories, without a "/" at the end: its root, lib, and others nested at random.
+// The package's directories, without a trailing "/": its root, lib, and others nested at random.
 std::vector<std::string> Directories(const TreeShape& shape) {
   struct Directory {
     std::string path;
@@ -72,7 +72,8 @@ std::vector<std::string> Directories(const TreeShape& shape) {
   return paths;
 }
 
-// The paths of the package's duplicates of platform assemblies, which catalogues of no other package hold.
+// The paths of the package's duplicates: names of platform assemblies that the catalogues of other packages do not
+// have.
 std::vector<std::string> Duplicates(const TreeShape& shape, const std::vector<std::string>& directories) {
   std::vector<std::string> paths;
   const int catalogued = shape.platform_assemblies * 88 / 100;

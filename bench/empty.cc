@@ -1,2 +1,2 @@
-// A shared library that does nothing and depends on what the plug-in depends on.
+// A shared library that does nothing and has the plug-in's dependencies.
 extern "C" __attribute__((visibility("default"))) int bench_empty() { return 0; }

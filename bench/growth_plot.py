@@ -1,4 +1,4 @@
-"""The growth series as a picture."""
+"""Draws the growth series."""
 import math
 
 WIDTH, HEIGHT, MARGIN = 560, 360, 56
@@ -24,7 +24,7 @@ def growth_svg(seconds):
         _, y = place(min(seconds), 10 ** power)
         parts.append(f'<path d="M{MARGIN} {y:.1f}H{WIDTH - MARGIN}" stroke="#ddd"/>')
         parts.append(f'<text x="{MARGIN - 6}" y="{y + 4:.1f}" text-anchor="end">{10 ** power * 1000:g} ms</text>')
-    # What growth in step with the number of files looks like.
+    # Linear growth, for comparison.
     first, last = min(seconds), max(seconds)
     (x1, y1), (x2, y2) = place(first, seconds[last] * first / last), place(last, seconds[last])
     parts.append(f'<path d="M{x1:.1f} {y1:.1f}L{x2:.1f} {y2:.1f}" stroke="#999" stroke-dasharray="4"/>')

@@ -1,4 +1,4 @@
-// bench_load LIBRARY: loading and unloading a shared library once, with all that it depends on.
+// bench_load LIBRARY: loads and unloads a shared library and its dependencies once.
 #include <dlfcn.h>
 
 #include <cstdio>

@@ -1,4 +1,4 @@
-// The measuring of one piece of work.
+// Measures one piece of work.
 #include "bench/measure.h"
 
 #include <sys/syscall.h>
@@ -21,7 +21,7 @@ double CpuSeconds() {
   return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
-// The kernel's quick counter is off by up to 256 KiB; the sum over all mappings is exact.
+// The kernel's fast counter is off by up to 256 KiB; the sum over all mappings is exact.
 long ResidentKib() {
   std::ifstream rollup("/proc/self/smaps_rollup");
   for (std::string word; rollup >> word;) {

@@ -1,4 +1,4 @@
-// One piece of work, measured in a process of its own.
+// Measures one piece of work in a separate process.
 #ifndef BENCH_MEASURE_H_
 #define BENCH_MEASURE_H_
 
@@ -6,9 +6,9 @@
 
 namespace bench {
 
-// Does the work and prints one line of JSON: the process's seconds of CPU time, allocations and growth of resident
-// memory (KiB) meanwhile, and what was logged. Two calls of getppid enclose the work for those who count system calls,
-// and it is called by `measured_work` for those who count instructions.
+// Runs the work and prints one line of JSON: CPU seconds, allocations and growth of resident memory (KiB) during it,
+// and the log counts. Two calls of getppid mark the work for tools that count system calls; the function
+// `measured_work` calls it, for tools that count instructions.
 void Measure(const std::function<void()>& work);
 
 }  // namespace bench

@@ -1,4 +1,4 @@
-"""What the two bench scripts share: device trees, measured programs in their sandbox, and counting."""
+"""Shared by the bench scripts: device trees, running the measured programs in their sandbox, and counting."""
 import json
 import re
 import resource
@@ -25,7 +25,7 @@ class Tree:
     def __init__(self, build, files, duplicates=0):
         self.tool, self.sandbox = build / "bench/bench_tree", build / "bench/bench_sandbox"
         self.shape = [str(files), str(duplicates)]
-        # In memory where that can be had: the disk's own work is not what is measured.
+        # In memory if possible, so that no disk is measured.
         self.root = Path(tempfile.mkdtemp(prefix="orvel-bench-", dir=SHARED_MEMORY if SHARED_MEMORY.is_dir() else None))
         text_of([self.tool, "make", *self.shape, self.root])
 
@@ -36,7 +36,7 @@ class Tree:
         shutil.rmtree(self.root)
 
     def restore(self):
-        """Puts back what a pass removed."""
+        """Restores what a pass removed."""
         text_of([self.tool, "restore", *self.shape, self.root])
 
     def put_caches(self, entries, percent):
@@ -53,11 +53,11 @@ class Tree:
         return [self.sandbox, self.root, *command]
 
     def measure(self, *command):
-        """What the program says of its work."""
+        """The program's report on its work."""
         return json.loads(text_of(self.command(*command), stderr=subprocess.DEVNULL))
 
     def instructions(self, *command):
-        """Those of the measured work alone."""
+        """Counts only the measured work."""
         valgrind = ["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null",
                     "--toggle-collect=measured_work"]
         result = subprocess.run([str(part) for part in self.command(*valgrind, *command)], check=True,
@@ -65,7 +65,7 @@ class Tree:
         return int(re.search(rb"Collected : (\d+)", result.stderr).group(1))
 
     def system_calls(self, *command):
-        """Those between the two marks around the measured work."""
+        """Counts only between the two marks around the measured work."""
         with tempfile.NamedTemporaryFile(mode="r", errors="replace") as log:
             subprocess.run([str(part) for part in self.command("strace", "-o", log.name, *command)], check=True,
                            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
@@ -93,7 +93,7 @@ def median(values):
 
 
 def interleaved(rounds, measurements):
-    """Runs all of the measurements in turn, `rounds` times; the median result of each, by its name."""
+    """Runs all measurements in turn, `rounds` times. Returns the median of each, by name."""
     results = {name: [] for name in measurements}
     for _ in range(rounds):
         for name, measure in measurements.items():

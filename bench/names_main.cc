@@ -1,5 +1,5 @@
-// bench_names ROOT PLATFORM…: prints the package's DLLs whose names occur below the platform's directories, as one
-// would write it with the standard library.
+// bench_names ROOT PLATFORM…: prints the package's DLLs whose names occur below the platform's directories, written
+// with the standard library only.
 #include <cstdio>
 #include <filesystem>
 #include <string>

@@ -1,4 +1,4 @@
-// The platform of the measured programs.
+// The platform for the measured programs.
 #include "bench/platform.h"
 
 #include <cstdarg>
@@ -16,7 +16,7 @@
 namespace {
 
 bench::LogCount logged;
-char record;  // what every handle points to, unless it is an application's root
+char record;  // every handle points to this, unless it is an application's root
 
 char* Writable(const char* text) { return const_cast<char*>(text); }
 
@@ -40,7 +40,7 @@ int __dlog_print(int, int, const char*, const char* format, ...) {
   return length;
 }
 
-// The header leaves callers unchecked; here the compiler may know.
+// The header does not let the compiler check formats for callers; here it may.
 void trace_begin(const char* name, ...) __attribute__((format(printf, 1, 2)));
 void trace_begin(const char* name, ...) {
   static char span[1024];
@@ -53,7 +53,7 @@ void trace_begin(const char* name, ...) {
 
 void trace_end() { ++logged.spans; }
 
-// The disk is not what is measured.
+// The disk is not measured.
 void sync() noexcept {}
 
 int aul_restart_loader(const char*) { return 0; }

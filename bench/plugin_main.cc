@@ -1,4 +1,4 @@
-// bench_plugin pass|remove|add|unconcerned: the plug-in itself, over the fixed paths.
+// bench_plugin pass|remove|add|unconcerned: runs the plug-in itself on the fixed paths.
 #include <libxml/parser.h>
 
 #include <cstdio>
@@ -14,7 +14,7 @@ namespace {
 
 constexpr const char* kPackage = "org.example.bench";
 
-// An install of a package of another kind.
+// An install of a package that is no dotnet package.
 void MeasureUnconcerned() {
   const char* const manifest = "<manifest><ui-application type=\"capp\"/></manifest>";
   const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> document(

@@ -1,18 +1,18 @@
-// What the plug-in's work costs at least: lean programs that do it for one package on known paths.
+// The minimal cost of the plug-in's work: programs that do it for one package with known paths.
 #ifndef BENCH_REFERENCE_H_
 #define BENCH_REFERENCE_H_
 
 namespace bench {
 
-// kFloor: the unavoidable calls to the kernel, an lstat for each DLL among them, and no log lines. kLimit: what the
-// plug-in has to do, with every log line and span formatted and the four catalogues filled, but an lstat only for what
-// no listing can tell: that a file with a catalogued name is still a regular one.
+// kFloor: only the unavoidable system calls, including an lstat for each DLL; no log lines. kLimit: what the plug-in
+// must do, with every log line and span formatted and the four catalogues filled, but an lstat only for files with a
+// catalogued name, because the listing does not show whether they are still regular files.
 enum class Reference { kFloor, kLimit };
 
-// The assembly cache pass over the package.
+// Does the assembly cache pass over the package.
 void ReferencePass(Reference reference);
 
-// The package taken out of both cache files.
+// Removes the package from both cache files.
 void ReferenceRemove(Reference reference);
 
 }  // namespace bench

@@ -1,4 +1,4 @@
-// The package taken out of both cache files: one read, one pass over the text, one write.
+// Removes the package from both cache files: one read, one pass over the text, one write.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -30,7 +30,7 @@ std::string ReadWhole(const char* path) {
   return text;
 }
 
-// Moves what stays to the front; entries begin behind ":" or "]". Returns whether anything went.
+// Moves the remaining text to the front. Entries begin after ":" or "]". Returns whether anything was removed.
 bool EraseEntries(std::string& text, const char* path, bool logs) {
   const std::string root = kPackageRoot;
   std::string span;
@@ -44,7 +44,7 @@ bool EraseEntries(std::string& text, const char* path, bool logs) {
       std::memmove(&text[kept], &text[begin], end - begin);
       kept += end - begin;
     } else {
-      // The first entry leaves the start marker behind, the last one the end marker.
+      // The start marker before the first entry and the end marker after the last one stay.
       const std::size_t stop = colon == std::string::npos ? text.find('[', entry) : end;
       if (logs) LogErased(span.assign(text, entry, stop - entry).c_str(), path);
       std::memmove(&text[kept], &text[begin], entry - begin);

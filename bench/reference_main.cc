@@ -1,4 +1,4 @@
-// bench_reference floor|limit pass|remove: the reference programs, over the fixed paths.
+// bench_reference floor|limit pass|remove: runs the reference programs on the fixed paths.
 #include <cstdio>
 #include <cstring>
 

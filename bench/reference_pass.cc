@@ -1,4 +1,4 @@
-// The assembly cache pass, done by one function after the other on paths that are known beforehand.
+// The assembly cache pass, written directly for paths that are known in advance.
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -47,7 +47,7 @@ class Pass {
   }
 
  private:
-  // Calls `file(path, name)` for the files of a directory and its subdirectories; `path` is shared by all of them.
+  // Calls `file(path, name)` for the files of a directory and its subdirectories. All calls share `path`.
   template <typename File>
   void Walk(std::string path, int depth, const File& file) {
     DIR* const listing = opendir(path.c_str());
@@ -169,8 +169,8 @@ class Pass {
 
   bool logs_;
   Catalogue core_, framework_, coba_, library_;
-  std::unordered_map<std::string, std::string> paths_;  // in place of the four on the floor
-  std::bitset<kBits> known_;                            // the names in all of them
+  std::unordered_map<std::string, std::string> paths_;  // used on the floor instead of the four catalogues
+  std::bitset<kBits> known_;                            // a filter for the names in all of them
   std::string name_;
 };
 

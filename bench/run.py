@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Measures the plug-in against lean programs that do the same work: bench/run.py BUILD OUT.
+"""bench/run.py BUILD OUT: compares the plug-in with minimal programs that do the same work.
 
-Prints a table and writes OUT/results.json and OUT/growth.svg. Times are CPU seconds of fresh processes that take turns,
-medians; next to them stand counts, which do not depend on the machine.
+Prints a table and writes OUT/results.json and OUT/growth.svg. Times are CPU seconds of new processes that run in turn,
+medians. Counts do not depend on the machine.
 """
 import json
 import math
@@ -32,7 +32,7 @@ class Bench:
         print(f"{figure:<58} {value:>8.3f}   {aim:<9} {detail}", flush=True)
 
     def pass_over(self, name, tree, time_reach, instructions_reach):
-        """The pass against floor and limit on one tree. All three must leave the same behind."""
+        """Compares the pass with floor and limit on one tree. All three must leave the same files."""
         programs = {"plug-in": [self.plugin, "pass"], "floor": [self.reference, "floor", "pass"],
                     "limit": [self.reference, "limit", "pass"]}
         lines, left = {}, {}
@@ -79,8 +79,8 @@ class Bench:
             for tree in trees.values():
                 tree.__exit__()
         (out / "growth.svg").write_text(growth_svg(seconds))
-        # From the first to the last size: the fixed part, the platform's catalogues, flattens it and is left out by
-        # beginning where the package outweighs them.
+        # The fixed cost of the platform's catalogues would lower the exponent, so it is computed from a size at which
+        # the package dominates.
         exponent = math.log(seconds[300000] / seconds[10000]) / math.log(30)
         self.row("growth exponent of the pass, 10k to 300k files", exponent, 1.03,
                  ", ".join(f"{files}: {value * 1e3:.1f} ms" for files, value in seconds.items()))
@@ -121,7 +121,7 @@ class Bench:
             self.row("system calls, install of another kind of package", calls, 2, "its line on standard error")
 
     def size(self):
-        """Of the plug-in, in this build and in those for the devices' processors beside it."""
+        """The size of the plug-in in this build and in those for the devices' processors."""
         for build in (self.build, self.build.parent / "armhf", self.build.parent / "arm64"):
             if not (build / "plugin/libmorvath.so").exists():
                 continue

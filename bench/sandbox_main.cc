@@ -1,4 +1,4 @@
-// bench_sandbox ROOT COMMAND…: runs a command with the fixed paths of the device directory ROOT.
+// bench_sandbox ROOT COMMAND…: runs a command in which the fixed paths show the device directory ROOT.
 #include <unistd.h>
 
 #include <cstdio>

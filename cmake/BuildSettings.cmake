@@ -1,4 +1,4 @@
-# What a platform's maker sets when building: the hosts of the key and privilege URIs and the guide page's address.
+# The settings of a platform's vendor: the hosts of the key and privilege URIs and the address of the guide page.
 set(ORVEL_NAMESPACE_HOST "orvel.example" CACHE STRING "Host of the platform namespace URIs")
 set(ORVEL_DEVELOPER_HOST "developer.orvel.example" CACHE STRING "Host of the vendor's developer URIs")
 set(ORVEL_TV_HOST "tv.orvel.example" CACHE STRING "Host of the vendor's TV URIs")

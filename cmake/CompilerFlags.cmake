@@ -1,14 +1,14 @@
-# Warnings and hardening of everything that is built here.
+# Warnings and hardening for everything that is built here.
 add_compile_options(-Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Wformat=2)
 if(ORVEL_WERROR)
   add_compile_options(-Werror)
 endif()
 
-# Sizes, inode numbers and times of 64 bits on 32-bit processors too, where the narrow functions fail on files that have
-# such numbers. None of the interfaces that are used here carries any of them.
+# 64-bit sizes, inode numbers and times on 32-bit processors too: the 32-bit functions fail on files with larger
+# numbers. No interface that is used here passes such a number.
 add_compile_definitions(_FILE_OFFSET_BITS=64 _TIME_BITS=64)
 
-# Programs may lie anywhere in memory, as shared libraries do.
+# Position-independent programs, like shared libraries.
 include(CheckPIESupported)
 check_pie_supported()
 add_compile_options(-fstack-protector-strong)
@@ -16,7 +16,7 @@ add_link_options(-Wl,-z,relro,-z,now,-z,noexecstack)
 if(ORVEL_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined)
-  # Under sanitizers GCC sees uninitialised values in the standard library that are none; valgrind looks for real ones.
+  # With sanitizers GCC reports wrong "maybe uninitialized" warnings in the standard library. valgrind finds real ones.
   add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
 else()
   add_compile_options($<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE> $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
@@ -31,13 +31,12 @@ if(ORVEL_COVERAGE)
   add_link_options(--coverage)
 endif()
 
-# A unique symbol keeps its library in memory for good, and dlclose must really unload the plug-in.
+# A unique symbol would keep the library loaded for ever, but dlclose must really unload the plug-in.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)
 endif()
 
-# The same sources make the same bytes in whatever folder: neither objects nor run paths name it. A build to debug keeps
-# the names, for the debugger.
+# Reproducible builds: neither objects nor run paths contain the folder's name. A debug build keeps it for the debugger.
 if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT ORVEL_COVERAGE)
   add_compile_options(-ffile-prefix-map=${PROJECT_BINARY_DIR}=build -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
 endif()

@@ -1,5 +1,5 @@
-# export_only(TARGET LIST): the shared library shows the symbols of the file LIST (one mangled name a line, "#" begins
-# a comment) and no other, templates of other libraries that were instantiated in it included.
+# export_only(TARGET LIST): the shared library exports only the symbols in the file LIST (one mangled name per line, "#"
+# begins a comment); templates of other libraries that it instantiates are hidden too.
 function(export_only target list)
   file(STRINGS ${list} symbols REGEX "^[^#]")
   string(JOIN ";\n    " symbols ${symbols})

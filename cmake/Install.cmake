@@ -1,5 +1,5 @@
-# What `cmake --install` lays down, in components: `plugin` (the two libraries), `development` (what building a tool
-# against them takes) and, on a desk, `host` (the host platform and orvelbox). All of it may be moved as a whole.
+# The installed files, in components: `plugin` (the two libraries), `development` (for building tools with them) and, on
+# a desk, `host` (the host platform and orvelbox). The installed tree can be moved as a whole.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -12,7 +12,7 @@ endforeach()
 install(TARGETS morvath quarnel_util LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT plugin)
 set_target_properties(morvath quarnel_util PROPERTIES INSTALL_RPATH "$ORIGIN")
 
-# The tool itself destroys the package records that it is given, so it links the package-info library as well.
+# The tool itself destroys package records, so it links the package-info library as well.
 set(MORVATH_PC_REQUIRES "")
 set(MORVATH_PC_PLATFORM_LIBS -lorvel_pkgmgr_info)
 if(TARGET PkgConfig::orvel_pkgmgr_info)

@@ -1,5 +1,5 @@
-# The Debian packages, one per component: `morvath` (the plug-in), `morvath-dev` (what building a tool takes) and
-# `orvelbox` (the host platform and the device on the command line). What the components hold is Install.cmake's.
+# The Debian packages, one per component: `morvath` (the plug-in), `morvath-dev` (for building tools) and `orvelbox`
+# (the host platform and the command-line device). Install.cmake defines the components.
 set(packaging ${PROJECT_SOURCE_DIR}/packaging)
 set(package_components plugin development host)
 set(package_of_plugin morvath)
@@ -12,7 +12,7 @@ if(NOT newest_entry MATCHES "^morvath \\(${PROJECT_VERSION}\\) ")
 endif()
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${packaging}/changelog)
 
-# What every package brings about itself. gzip -n notes neither name nor time.
+# The documentation files of every package. gzip -n stores neither name nor time.
 find_program(GZIP_PROGRAM gzip REQUIRED)
 configure_file(${packaging}/changelog ${PROJECT_BINARY_DIR}/package/changelog COPYONLY)
 execute_process(COMMAND ${GZIP_PROGRAM} -9nf ${PROJECT_BINARY_DIR}/package/changelog COMMAND_ERROR_IS_FATAL ANY)
@@ -39,8 +39,8 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PLUGIN_PACKAGE_CONTROL_EXTRA ${packaging}/triggers)
 set(CPACK_DEBIAN_HOST_PACKAGE_CONTROL_EXTRA ${packaging}/triggers)
 
-# dpkg-shlibdeps names the packages of Debian's libraries; those of our own have no entry there, hence the names below.
-# On a desk the plug-in and the host platform need each other.
+# dpkg-shlibdeps finds the packages of Debian's libraries. Our own libraries have no entry there, so they are named
+# below. On a desk the plug-in and the host platform depend on each other.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
   ${PROJECT_BINARY_DIR}/plugin ${PROJECT_BINARY_DIR}/quarnel_util ${PROJECT_BINARY_DIR}/platform/host)

@@ -1,12 +1,12 @@
-# The libraries that the build takes from the machine. Those that are missing are named by what they are, a line each,
-# because on machines without Debian's packages nothing else says so.
+# The libraries that the build needs. Each missing one is reported on a line with its ordinary name, because Debian's
+# package names do not help on other machines.
 
-# Boost describes itself; newer releases of CMake warn of their own description of it.
+# Boost has its own CMake configuration; newer CMake releases warn about CMake's module for it.
 if(POLICY CMP0167)
   cmake_policy(SET CMP0167 NEW)
 endif()
 
-# require(PACKAGE VERSION WORDS…): find_package(PACKAGE VERSION); WORDS name it. `COMPONENTS…` may follow.
+# require(PACKAGE VERSION WORDS…): find_package(PACKAGE VERSION). WORDS is its ordinary name. `COMPONENTS…` may follow.
 macro(require package version words)
   find_package(${package} ${version} QUIET ${ARGN})
   if(NOT ${package}_FOUND)

@@ -1,4 +1,4 @@
-// A launcher tool in small: what the plug-in's library tells about an installed package, and about a cache file.
+// A small launcher tool: shows what the plug-in's library knows about an installed package, and about a cache file.
 #include <morvath/assembly_files.h>
 #include <morvath/destination_paths.h>
 #include <morvath/install_location.h>
@@ -23,7 +23,7 @@ struct DestroyRecord {
 };
 using PackageRecord = std::unique_ptr<std::remove_pointer_t<pkgmgrinfo_pkginfo_h>, DestroyRecord>;
 
-// The record comes from the library, destroying it is the tool's.
+// The library creates the record; the tool destroys it.
 PackageRecord FindPackage(const std::string& package) {
   pkgmgrinfo_pkginfo_h record = nullptr;
   return PackageRecord(pkgmgrGetPkgInfo(package, &record) == 0 ? record : nullptr);
@@ -37,7 +37,7 @@ bool HasMetadata(const std::string& package, const std::string& key, bool (*matc
   return matcher(&metadata);
 }
 
-// Which kind of content a package has is the tool's decision, not the library's.
+// The tool decides which kind of content a package has, not the library.
 std::unique_ptr<AotPathManager> PathManagerOf(const std::string& package) {
   if (HasMetadata(package, MetadataKey::dpcType, isDpcKey)) return std::make_unique<DpcPath>();
   if (HasMetadata(package, MetadataKey::coBA, isCobaKey)) return std::make_unique<CoBAComponentPath>();
@@ -52,7 +52,7 @@ ExitStatus TellOfPackage(const std::string& package) {
     return kCannotTell;
   }
   const bool read_write = isRWInstalledApp(package);
-  const bool skip_aot = IsNeedToSkipAOT(package);  // may say on standard output where it runs
+  const bool skip_aot = IsNeedToSkipAOT(package);  // may print a line on standard output
   const std::string output = AotDestinationPathGetter(PathManagerOf(package).get());
   std::cout << "installed read-write: " << YesOrNo(read_write) << "\n";
   std::cout << "skip ahead-of-time compilation: " << YesOrNo(skip_aot) << "\n";

@@ -1,5 +1,4 @@
-// The archive reader: whatever the bytes are, only paths that stay inside come out of it, and never more than the
-// limits allow.
+// The archive reader: for any input, the resulting paths stay inside the package and the limits hold.
 #include "orvelbox/package/archive.h"
 
 #include <sys/mman.h>
@@ -34,7 +33,7 @@ ArchiveLimits SmallLimits() {
   return limits;
 }
 
-// The names of a path, with what is between its slashes as it is.
+// The names in a path: the texts between its slashes, unchanged.
 std::vector<std::string> NamesOf(const std::string& path) {
   std::vector<std::string> names = {""};
   for (const char c : path) {
@@ -47,7 +46,7 @@ std::vector<std::string> NamesOf(const std::string& path) {
   return names;
 }
 
-// Holds the reader to its promises.
+// Checks the properties that the reader must have.
 class Watch {
  public:
   explicit Watch(const ArchiveLimits& limits) : limits_(limits) {}
@@ -92,7 +91,7 @@ class Watch {
   std::uint64_t bytes_ = 0;
 };
 
-// The bytes as a file, whose name is the process's own.
+// The input as a file, whose name is unique to the process.
 class FileInMemory {
  public:
   FileInMemory(const std::uint8_t* data, std::size_t size) : file_(memfd_create("archive", MFD_CLOEXEC)) {

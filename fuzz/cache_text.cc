@@ -1,5 +1,5 @@
-// The editing of cache texts, held against its plainest form. The first byte says how long the root is, the second how
-// long the entries are that are appended; the rest is the text.
+// Editing cache texts, compared with the simplest model. The first byte is the length of the root, the second the
+// length of the appended entries; the rest is the text.
 #include <string>
 
 #include "fuzz/input.h"

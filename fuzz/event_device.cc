@@ -1,4 +1,4 @@
-// Files in memory where there is a place for that, and nothing forced to disk.
+// Keeps files in memory if possible, and never forces them to disk.
 #include "fuzz/event_device.h"
 
 #include <libxml/parser.h>
@@ -32,23 +32,23 @@ namespace {
 
 constexpr const char* kAreas[] = {"/usr/share/dotnet.orvel", "/opt/usr"};
 
-// Standard error, sent away while this lives: the plug-in tells people there what it does.
-class Silence {
+// Discards standard error during its lifetime: the plug-in prints messages there.
+class DiscardedErrors {
  public:
-  Silence() : original_(dup(STDERR_FILENO)) {
+  DiscardedErrors() : original_(dup(STDERR_FILENO)) {
     std::fflush(stderr);
     if (FILE* nowhere = std::fopen("/dev/null", "we")) {
       dup2(fileno(nowhere), STDERR_FILENO);
       std::fclose(nowhere);
     }
   }
-  ~Silence() {
+  ~DiscardedErrors() {
     std::fflush(stderr);
     dup2(original_, STDERR_FILENO);
     close(original_);
   }
-  Silence(const Silence&) = delete;
-  Silence& operator=(const Silence&) = delete;
+  DiscardedErrors(const DiscardedErrors&) = delete;
+  DiscardedErrors& operator=(const DiscardedErrors&) = delete;
 
  private:
   int original_;
@@ -116,14 +116,14 @@ bool EnterDevice() {
   static const MemoryDirectory root;
   for (const char* area : kAreas) fs::create_directories(root.path().string() + area);
   host::EnterMountNamespace(method == host::FixedPathsMethod::kUserNamespace);
-  host::LayFixedPathsOver(root.path());
+  host::MountFixedPaths(root.path());
   inside = true;
   return true;
 }
 
 EventDevice::EventDevice(const std::vector<std::string>& directories) {
   RemoveFiles();
-  static bool made = false;  // no event makes or removes a directory
+  static bool made = false;  // no event creates or removes a directory
   if (!made) {
     for (const std::string& directory : directories) fs::create_directories(directory);
   }
@@ -163,7 +163,7 @@ int EventDevice::Send(ModelEvent event, ModelManifest manifest, const std::strin
                               PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL, PKGMGR_PARSER_PLUGIN_CLEAN,
                               PKGMGR_PARSER_PLUGIN_CLEANUP,          PKGMGR_PARSER_PLUGIN_UNDO};
   const Document document = DocumentOf(manifest);
-  const Silence silence;
+  const DiscardedErrors discarded;
   return kHooks[static_cast<std::size_t>(event)](document.get(), id.c_str());
 }
 

@@ -1,4 +1,4 @@
-// The device of the event fuzzer: the real files that the model tells of, the doubles' packages, and the hooks.
+// The device of the event fuzzer: real files as in the model, the packages of the doubles, and the hooks.
 #ifndef FUZZ_EVENT_DEVICE_H_
 #define FUZZ_EVENT_DEVICE_H_
 
@@ -10,12 +10,13 @@
 
 namespace fuzz {
 
-// Gives this process fixed paths of its own, for good. False, with a line on standard error, where that is impossible.
+// Gives this process its own fixed paths until it ends. When that is impossible, prints a line on standard error and
+// returns false.
 bool EnterDevice();
 
 class EventDevice {
  public:
-  // An empty device with the directories, and a plug-in that remembers no more than it must.
+  // An empty device with the directories; the plug-in keeps only the state that cannot be reset.
   explicit EventDevice(const std::vector<std::string>& directories);
 
   void Put(const std::string& path, const ModelFile& file) const;
@@ -24,7 +25,7 @@ class EventDevice {
 
   int Send(ModelEvent event, ModelManifest manifest, const std::string& id);
 
-  // All files and links that there are.
+  // All existing files and links.
   std::map<std::string, ModelFile> Files() const;
   int restarts() const { return restarts_; }
 

@@ -1,4 +1,4 @@
-// The model's rules, each as short as it can be said.
+// The rules of the model, each as short as possible.
 #include "fuzz/event_model.h"
 
 #include "tests/support/device_root.h"

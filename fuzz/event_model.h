@@ -1,5 +1,5 @@
-// A plain model of the plug-in on a small device: what each event returns and what it leaves in the files. It knows
-// nothing of how the plug-in does it.
+// A simple model of the plug-in on a small device: the result of each event and the files after it. It is independent
+// of the plug-in's implementation.
 #ifndef FUZZ_EVENT_MODEL_H_
 #define FUZZ_EVENT_MODEL_H_
 
@@ -11,7 +11,7 @@
 namespace fuzz {
 
 inline constexpr const char* kReadWriteRoot = "/opt/usr/globalapps";
-// What every link leads to.
+// The target of every link.
 inline constexpr const char* kLinkTarget = "/opt/usr/store/target";
 
 struct ModelPackage {
@@ -19,8 +19,8 @@ struct ModelPackage {
   std::string root;
   bool installed = true;
   bool debugged = false;
-  bool platform = false;  // holds the platform privilege
-  bool coba = false;      // its application's record carries the CoBA key
+  bool platform = false;  // has the platform privilege
+  bool coba = false;      // its application's record has the CoBA key
 };
 
 enum class ModelManifest { kNone, kOther, kSample, kDotnet, kDotnetCoba };
@@ -36,7 +36,8 @@ struct ModelFile {
 
 class EventModel {
  public:
-  // What the process remembers beyond one input: that a dotnet manifest was seen, and the last pass's package.
+  // The state that the process keeps between inputs: whether it saw a dotnet manifest, and the package of the last
+  // pass.
   struct Memory {
     bool seen_dotnet = false;
     std::string last_pass;
@@ -45,10 +46,10 @@ class EventModel {
   explicit EventModel(Memory& memory) : memory_(memory) {}
 
   std::vector<ModelPackage> packages;      // in the order in which the platform lists them
-  std::map<std::string, ModelFile> files;  // by path, the cache files among them
+  std::map<std::string, ModelFile> files;  // by path, cache files included
   int restarts = 0;
 
-  // The result of the event for package `id`; files and restarts are then as they must be.
+  // The result of the event for package `id`. Afterwards files and restarts are as they must be.
   int Send(ModelEvent event, ModelManifest manifest, const std::string& id);
 
  private:
@@ -69,7 +70,7 @@ class EventModel {
   std::string RootOf(const std::string& id) const;
 
   Memory& memory_;
-  Catalogue catalogues_[4];  // core, framework, CoBA, libraries: in the order of precedence
+  Catalogue catalogues_[4];  // core, framework, CoBA, libraries: in order of precedence
   std::set<std::string> uninstalled_;
   std::set<std::string> upgraded_;
 };

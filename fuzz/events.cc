@@ -1,5 +1,5 @@
-// Whole sequences of events on a small device, held against the model. Each step of an input is two or three bytes: put
-// or remove a file, change a package, lay down a cache text, or send an event. After each event everything is compared.
+// Sequences of events on a small device, compared with the model. Each step of an input is two or three bytes: add or
+// remove a file, change a package, write a cache text, or send an event. Everything is compared after each event.
 #include <string>
 #include <vector>
 

@@ -1,4 +1,4 @@
-// Broken promises end the process, so that the input that broke them is kept.
+// A failed check ends the process, so that the input is kept.
 #include "fuzz/input.h"
 
 #include <cstdio>

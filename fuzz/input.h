@@ -1,4 +1,4 @@
-// What fuzz targets have in common: taking an input apart, and stopping at a broken promise.
+// Helpers for fuzz targets: splitting an input, and stopping at a failed check.
 #ifndef FUZZ_INPUT_H_
 #define FUZZ_INPUT_H_
 
@@ -8,7 +8,7 @@
 
 namespace fuzz {
 
-// The bytes of one input, taken from the front. What is asked beyond the end is zero or empty.
+// The bytes of one input, read from the front. Reads beyond the end return zero or an empty text.
 class Input {
  public:
   Input(const std::uint8_t* data, std::size_t size) : data_(reinterpret_cast<const char*>(data)), size_(size) {}
@@ -30,15 +30,15 @@ class Input {
   std::size_t at_ = 0;
 };
 
-// Ends the process, naming the promise, when it does not hold.
+// Ends the process and prints `promise` unless `holds`.
 void Require(bool holds, const char* promise);
 
-// The same with what was expected and what came instead.
+// The same, and also prints the expected and the actual text.
 void RequireEqual(const std::string& expected, const std::string& actual, const char* promise);
 
 }  // namespace fuzz
 
-// The target: each fuzzer defines it, and both libFuzzer and the test of the kept inputs call it. Always answers 0.
+// The target, which each fuzzer defines. libFuzzer and the test of the kept inputs call it. Always returns 0.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 #endif

@@ -1,4 +1,4 @@
-// Every seed and every input that once broke something, given to the fuzz target that this program is linked with.
+// Runs the fuzz target of this program on every seed and every input that once showed an error.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t kFewestSeeds = 3;
 
-// Prepares the target, where it wants that. False when it cannot run on this machine; it has said why.
+// Prepares the target if it needs that. When it cannot run on this machine, prints the reason and returns false.
 bool IsPrepared() {
   if (LLVMFuzzerInitialize == nullptr) return true;
   int count = 0;
@@ -26,7 +26,7 @@ bool IsPrepared() {
 
 using Bytes = std::vector<std::uint8_t>;
 
-// Gives one input to the target, in a process in which nothing has happened yet.
+// Runs the target on one input, in a new process.
 void Give(const Bytes& bytes) {
   support::InFreshProcess([&] { EXPECT_EQ(0, LLVMFuzzerTestOneInput(bytes.data(), bytes.size())); });
 }

@@ -1,5 +1,5 @@
-// The two manifest walks over whatever document a parser makes of the input, held against a plain search of the tree.
-// The first byte chooses how the rest is parsed.
+// The two manifest walks on any document that a parser makes of the input, compared with a plain search of the tree.
+// The first byte selects how the rest is parsed.
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 
@@ -20,7 +20,7 @@ struct FreeDocument {
 };
 using Document = std::unique_ptr<xmlDoc, FreeDocument>;
 
-// Is nothing to be fetched now?
+// True while nothing may be loaded.
 bool walking = false;
 
 xmlParserInputPtr FetchNothing(const char*, const char*, xmlParserCtxtPtr) {
@@ -72,11 +72,11 @@ bool IsCobaElement(xmlNode* element) {
          key.text == MetadataKey::viewPluginPage || key.text == MetadataKey::bpi;
 }
 
-// What the elements from `node` on, with all that is in them, say.
+// What the elements from `node` on, with their content, declare.
 struct Findings {
   Kind kind = Kind::kUndecided;
   bool coba = false;
-  bool ended = false;  // at something without a name, as a broken document type may be
+  bool ended = false;  // at a node without a name, such as a broken document type
 };
 
 void Search(xmlNode* node, Findings& findings) {
@@ -106,7 +106,7 @@ Document Parse(std::size_t choice, const std::string& text) {
   return Document(xmlReadMemory(text.data(), static_cast<int>(text.size()), "manifest", nullptr, options));
 }
 
-// What the walk for a dotnet application says in the log. Its answer alone tells nothing once it was true.
+// What the walk for a dotnet application logs. After the first true answer, the answer itself is always true.
 Kind KindToldOf(xmlDoc* document, bool& answer) {
   Kind kind = Kind::kUndecided;
   doubles::Current().on_event = [&kind](const doubles::Event& event) {
@@ -119,7 +119,7 @@ Kind KindToldOf(xmlDoc* document, bool& answer) {
 }
 
 void CheckWalks(xmlDoc* document) {
-  static bool seen_dotnet = false;  // as the walk's own: once it was, it stays
+  static bool seen_dotnet = false;  // like the walk's own: never reset
   Findings findings;
   Search(document->children, findings);
   const std::string before = Dump(document);

@@ -1,4 +1,4 @@
-// A place for files that are written anew for every input.
+// A directory for files that every input writes anew.
 #ifndef FUZZ_MEMORY_DIRECTORY_H_
 #define FUZZ_MEMORY_DIRECTORY_H_
 
@@ -6,7 +6,7 @@
 
 namespace fuzz {
 
-// A new directory, in memory where there is such a place, removed with all it holds at the end.
+// A new directory, in memory if possible. The destructor removes it with its content.
 class MemoryDirectory {
  public:
   MemoryDirectory();

@@ -1,4 +1,4 @@
-// Helpers for path lists and names, held against plain forms of them. The first byte says where the rest is cut in two.
+// Helpers for path lists and names, compared with simple versions. The first byte says where the rest is split.
 #include <strings.h>
 
 #include <algorithm>
@@ -26,7 +26,7 @@ std::string Joined(const Texts& texts) {
   return joined;
 }
 
-// The elements between colons, character by character.
+// The elements between colons, found character by character.
 Texts PlainSplit(const std::string& paths) {
   Texts elements = {""};
   for (const char c : paths) {

@@ -1,5 +1,5 @@
-// The manifest reader of the device: whatever stands in the file, it is refused in one line that names it, or described
-// so that the package can be installed.
+// The reader of package manifests: any file is either refused with one line that names it, or describes a package that
+// can be installed.
 #include <libxml/xmlerror.h>
 
 #include <filesystem>
@@ -49,7 +49,7 @@ void CheckPackage(const host::Package& package) {
   }
 }
 
-// Where the manifest is written.
+// The path of the manifest.
 const fs::path& Place() {
   static const fuzz::MemoryDirectory directory;
   return directory.path();

@@ -1,4 +1,4 @@
-// orvelbox: from the command line to the exit status.
+// orvelbox: runs the command line and returns the exit status.
 #include <exception>
 #include <string_view>
 

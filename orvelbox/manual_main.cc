@@ -1,4 +1,4 @@
-// Writes the manual page on standard output, while orvelbox is built.
+// Writes the manual page to standard output, during the build of orvelbox.
 #include <iostream>
 
 #include "orvelbox/cli/command_line.h"

@@ -25,8 +25,8 @@ constexpr unsigned int kDirectoryOnly = 1;
 constexpr unsigned int kWithSubdirectories = 2;
 constexpr unsigned int kWholePackage = 10;
 
-// Does insertItem for each file, but gives its strings away, and looks for the place beside that of the file before:
-// file systems of read-only images, and those in memory, list names in order.
+// Has the effect of insertItem for each file, but moves the strings and searches from the position of the file before:
+// read-only and in-memory file systems list names in order.
 void CatalogueFiles(const std::string& directory, Catalogue& catalogue, unsigned int depth, const Walk& walk) {
   const auto record = [&catalogue, place = catalogue.end()](const ListedFile& file) mutable {
     std::string name(file.name);
@@ -67,7 +67,7 @@ int RemoveDuplicates(const std::string& packageRoot) {
   }
   int result = 0;
   VisitPackage(packageRoot, [&](const ListedFile& file) {
-    // Of names that no catalogue holds the listing's word is enough: isUniqueDll would look, and keep them as well.
+    // For a name in no catalogue the directory listing is enough: isUniqueDll would examine the file and keep it.
     if (!IsAssemblyName(file.name) || (file.regular && !catalogued.MayHold(file.name))) return;
     if (isUniqueDll(file) == 0) result = -1;
   });
@@ -76,7 +76,7 @@ int RemoveDuplicates(const std::string& packageRoot) {
 
 int gac(const std::string& pkgId) {
   FunctionEntryExitTracker tracker("int gac(const std::string&)", kLogSource.unit, __LINE__);
-  // UPGRADE and REMOVED both end in INSTALL: the same package in a row has been dealt with.
+  // UPGRADE and REMOVED also call INSTALL. A second call in a row for the same package has nothing left to do.
   static std::string prevInstallPkgId;
   if (pkgId == prevInstallPkgId) {
     LOG_INFO("GAC already run for same pkgId (%s)", pkgId.c_str());
@@ -85,7 +85,7 @@ int gac(const std::string& pkgId) {
   }
   prevInstallPkgId = pkgId;
 
-  // The order counts: a name keeps the path under which it is catalogued first.
+  // The order matters: a name keeps the first path that is catalogued for it.
   const Catalogues catalogues = OwnCatalogues();
   const std::string platformRoot = std::string(kPlatformAssemblies) + "/";
   CataloguePlatform(catalogues, platformRoot);
@@ -132,7 +132,7 @@ void getPackageByMetadataTag(pkgmgrinfo_app_list_cb callback, const std::string&
     pkgmgrinfo_appinfo_metadata_filter_destroy(filter);
     return;
   }
-  // After a successful enumeration the filter is left as it is: the platform's contract here, not an oversight.
+  // After a successful enumeration the filter is not destroyed: the platform's contract here, not an oversight.
 }
 
 int cobaCallback(pkgmgrinfo_appinfo_h handle, void*) try {
@@ -142,5 +142,5 @@ int cobaCallback(pkgmgrinfo_appinfo_h handle, void*) try {
   CatalogueSharedResources(OwnCatalogues(), root);
   return 1;
 } catch (const std::exception&) {
-  return 1;  // what was catalogued so far stays; nothing may be thrown through the platform's enumeration
+  return 1;  // what is catalogued so far stays; no exception may pass through the platform's enumeration
 }

@@ -1,4 +1,4 @@
-// The cache files: the editing of their text, then the three operations on the files.
+// The cache files: editing their text, and the three operations on the files.
 #include "plugin/cache_files.h"
 
 #include <unistd.h>
@@ -18,7 +18,7 @@
 
 namespace {
 
-// Line fields of this file's messages and trackers: log readers key on them, so they stay wherever the statements go.
+// Line fields of this file's messages and trackers. Log readers search for them, so they do not follow the code.
 constexpr int kReadCacheTrackerLine = 381;
 constexpr int kAccessErrorLine = 392;
 constexpr int kAccessLine = 396;
@@ -29,14 +29,14 @@ constexpr int kRemoveWithoutRootLine = 426;
 constexpr int kAddTrackerLine = 448;
 constexpr int kAddWithoutRootLine = 452;
 
-// Looks for a root in a text; made once for all the places in which the text has it.
+// Searches a text for a root. Constructed once and used for all occurrences.
 class RootFinder {
  public:
   // `root` must outlive the finder.
   explicit RootFinder(const std::string& root) : empty_(root.empty()), searcher_(root.begin(), root.end()) {}
 
-  // Where the first entry of the root at or after `begin` begins; npos when there is none. `before` stands for the
-  // character before `begin`.
+  // The position of the first entry of the root at or after `begin`; npos when there is none. `before` is the character
+  // that precedes `begin`.
   std::size_t FindEntry(const std::string& text, std::size_t begin, char before) const {
     for (std::size_t from = begin; from <= text.size();) {
       const auto match = searcher_(text.begin() + static_cast<std::ptrdiff_t>(from), text.end()).first;
@@ -54,13 +54,13 @@ class RootFinder {
   std::boyer_moore_horspool_searcher<std::string::const_iterator> searcher_;
 };
 
-// Nothing when erasing would never come to an end: there is nothing to erase between an entry's place and the next "[".
+// No result when erasing would not terminate, because nothing stands between an entry and the next "[".
 std::optional<std::string> EraseAll(std::string text, const std::string& pkgRoot, const SpanReader& onErased) {
   const RootFinder root(pkgRoot);
   std::string erased;
-  std::size_t kept = 0;                     // in front of it is what stays,
-  std::size_t unread = 0;                   // from here on what is still to be searched, and nothing between the two
-  std::size_t separatorsEnd = text.size();  // no separator stands from here on
+  std::size_t kept = 0;                     // [0, kept): the text that stays
+  std::size_t unread = 0;                   // [unread, end): the text still to search; between the two is a gap
+  std::size_t separatorsEnd = text.size();  // no separator at or after this position
   const auto keepUpTo = [&](std::size_t end) {
     std::memmove(&text[kept], &text[unread], end - unread);
     kept += end - unread;
@@ -69,7 +69,7 @@ std::optional<std::string> EraseAll(std::string text, const std::string& pkgRoot
   while ((pos = root.FindEntry(text, unread, kept > 0 ? text[kept - 1] : '\0')) != std::string::npos) {
     keepUpTo(pos);
     const std::size_t separator = std::string_view(text.data(), separatorsEnd).find(kEntrySeparator, pos);
-    std::size_t separatorsBefore = 0;  // that go with the entry, because it is the last one
+    std::size_t separatorsBefore = 0;  // to erase with the entry, because it is the last one
     if (separator != std::string::npos) {
       unread = separator + 1;
     } else {
@@ -79,7 +79,7 @@ std::optional<std::string> EraseAll(std::string text, const std::string& pkgRoot
     }
     onErased(erased.assign(separatorsBefore, kEntrySeparator).append(text, pos, unread - pos));
     kept -= separatorsBefore;
-    // What comes together here may make an entry that was none before.
+    // Joining the two ends may form an entry that was none before.
     const std::size_t carried = std::min(kept, pkgRoot.size());
     kept -= carried;
     unread -= carried;
@@ -91,7 +91,7 @@ std::optional<std::string> EraseAll(std::string text, const std::string& pkgRoot
 }
 
 void ReplaceCacheFile(const char* fileName, std::string text) {
-  // The old file goes first: a failure to write leaves no cache file rather than an outdated one.
+  // The old file is removed first: after a failed write there is no cache file, instead of an outdated one.
   removeFile(std::string(kCacheDirectory) + fileName);
   writeStringToFile(kCacheDirectory, fileName, std::move(text));
 }
@@ -103,7 +103,7 @@ bool RemoveFromFile(const char* fileName, const std::string& pkgRoot) {
   return erased;
 }
 
-// The text of the cache file without the package's entries; empty when there is nothing to add to.
+// The text of the cache file without the package's entries; empty when the file is missing or empty.
 std::string TextWithoutPackage(const char* fileName, const std::string& pkgRoot) {
   std::string cacheText;
   readCacheAndRemovePkg(std::string(kCacheDirectory) + fileName, pkgRoot, cacheText);
@@ -115,7 +115,7 @@ void AddAssemblies(const std::string& pkgRoot, const std::string& sharedResource
   if (cacheText.empty()) return;
   std::string assemblies;
   addAssembliesFromDirectories({getAbsolutePath(sharedResources)}, assemblies);
-  // Without assemblies the file is not rewritten, and what it held of the package stays.
+  // Without assemblies the file is not rewritten and keeps the package's old entries.
   if (!assemblies.empty()) ReplaceCacheFile(kTpaFile, AppendEntries(std::move(cacheText), assemblies));
 }
 
@@ -127,7 +127,7 @@ void AddSharedResources(const std::string& pkgRoot, const std::string& sharedRes
 }  // namespace
 
 std::string EraseEntries(std::string text, const std::string& pkgRoot, const SpanReader& onErased) {
-  // Only where such a root may stand is there nothing before the next "[".
+  // Only for such a root can the text before the next "[" be empty.
   const bool mayNeverEnd = pkgRoot.empty() || pkgRoot.front() == kEndMarker.front();
   if (mayNeverEnd && !EraseAll(text, pkgRoot, [](const std::string&) {})) return text;
   return *EraseAll(std::move(text), pkgRoot, onErased);

@@ -1,5 +1,5 @@
-// The four catalogues of assemblies: which file names are already provided, and where. Filling them and judging by
-// them is done elsewhere.
+// The four catalogues of assemblies: which file names are already provided, and where. Filling them is in
+// assembly_cache.h, judging by them in duplicate_policy.h.
 #ifndef PLUGIN_CATALOGUES_H_
 #define PLUGIN_CATALOGUES_H_
 
@@ -11,13 +11,13 @@
 // Bare file name -> full path of the first file of that name.
 using Catalogue = std::map<std::string, std::string>;
 
-// The plug-in's own catalogues. They only grow while the library is loaded.
+// The plug-in's own catalogues. Entries are only added while the library is loaded.
 ORVEL_EXPORT extern Catalogue coreFX;   // the core runtime
 ORVEL_EXPORT extern Catalogue orvelFX;  // the platform framework
 ORVEL_EXPORT extern Catalogue coBA;     // CoBA components
 ORVEL_EXPORT extern Catalogue appLib;   // the packages' own lib directories
 
-// One set of catalogues, owned by somebody else.
+// One set of catalogues. It does not own them.
 struct Catalogues {
   Catalogue& core;
   Catalogue& framework;
@@ -26,10 +26,10 @@ struct Catalogues {
 };
 inline Catalogues OwnCatalogues() { return {coreFX, orvelFX, coBA, appLib}; }
 
-// Records `value` under `key`, unless the key is there already.
+// Adds `value` under `key`, unless the table has the key already.
 ORVEL_EXPORT void insertItem(Catalogue& table, const std::string& key, const std::string& value);
 
-// Tells whether `key` is in the table, and logs the path found under it.
+// Returns whether the table has `key`, and logs the path stored under it.
 ORVEL_EXPORT bool isExistInList(const Catalogue& table, const std::string& key);
 
 #endif

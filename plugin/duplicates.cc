@@ -1,4 +1,4 @@
-// What the plug-in does about duplicates, step by step as log readers know it, and the removal of one.
+// Handling duplicates, with the messages in the order that log readers know, and removing one.
 #include "plugin/duplicates.h"
 
 #include <fcntl.h>
@@ -25,9 +25,9 @@ UniqueFd OpenForWriting(const std::string& path, int more_flags) {
   return UniqueFd(open(path.c_str(), flags | more_flags, 0666));
 }
 
-// Opens the information file, empty; none when something that is no file keeps its name. The name may be taken by
-// whoever made the package: a link there, symbolic or hard, is removed and never written through, and a pipe must not
-// hold up the installer.
+// Opens the information file, empty. Returns none when something other than a file has its name. The author of the
+// package may have taken the name: a symbolic or hard link is removed and never written through, and opening must not
+// wait for the other end of a pipe.
 UniqueFd OpenInformationFile(const std::string& path) {
   UniqueFd made = OpenForWriting(path, O_EXCL);
   if (made.get() >= 0 || errno != EEXIST) return made;
@@ -54,7 +54,7 @@ bool WriteAll(int file, const std::string& text) {
   return true;
 }
 
-// Tells whoever looks into the package later what became of the DLL; without room for the text there is none.
+// Tells later readers of the package why the DLL is gone. When the text cannot be written, no file stays.
 void LeaveInformationFile(const std::string& origin, const std::string& duplicated) {
   const UniqueFd file = OpenInformationFile(duplicated + std::string(kInformationFileSuffix));
   if (!file) return;
@@ -86,7 +86,7 @@ bool isDuplicatedDll(const std::string& origin, const std::string& duplicated) {
   const Exemption exemption = FindExemption(origin, duplicated, isDPCDll);
   if (exemption == Exemption::kSamePath) return false;
   if (exemption != Exemption::kNone) {
-    // Said a second time, with its line break, as isDPCDll does: readers of the log count on both.
+    // isDPCDll logs the same text without the line break. Existing log readers expect both lines.
     LOG_DEBUG("Is DPC DLL %s\n", (exemption == Exemption::kOnDpcPath ? duplicated : origin).c_str());
     return false;
   }

@@ -1,5 +1,5 @@
-// The eight hooks, at the end of the file in the order of a package's life. Each decides whether the package concerns
-// the plug-in and hands over to the assembly cache pass or to the cache files.
+// The eight hooks, at the end of the file in the order of a package's lifecycle. Each decides whether the package
+// concerns the plug-in and calls the assembly cache pass or the cache file operations.
 #include "plugin/hooks.h"
 
 #include <cstdio>
@@ -19,7 +19,7 @@ namespace {
 
 constexpr const char* kCandidateLoader = "dotnet-loader-inhouse";
 
-// For lines that are printed before a null id raises.
+// For messages that are printed before a null id throws.
 const char* Printable(const char* pkgId) { return pkgId == nullptr ? "(null)" : pkgId; }
 
 void RemoveFromCacheAndRestart(const char* pkgId) {

@@ -1,4 +1,4 @@
-// The two manifest walks over libxml2's reader.
+// The two walks over a manifest with libxml2's reader.
 #include "plugin/manifest.h"
 
 #include <libxml/xmlreader.h>
@@ -23,13 +23,13 @@ using Text = std::unique_ptr<xmlChar, FreeText>;
 
 const char* AsChars(const xmlChar* text) { return reinterpret_cast<const char*>(text); }
 
-// The most that an attribute with entity references in it may stand for: far more than any type, key or value takes,
-// and little enough to be put together in no time. Nor does any of them need entities nested so deep.
+// The limit for the expanded length of an attribute with entity references: far more than any type, key or value needs,
+// and quick to build. The nesting limit below is as generous.
 constexpr std::size_t kMostExpanded = 100000;
 constexpr int kMostNested = 16;
 
-// What is left of `budget` when the nodes of an attribute's value or of an entity are taken from it, a reference
-// counting as at least one byte; nothing when it is not enough, or when entities are nested deeper than `levels`.
+// What remains of `budget` after the nodes of an attribute's value or of an entity; a reference counts as at least one
+// byte. No result when the budget is exceeded, or when entities are nested deeper than `levels`.
 std::optional<std::size_t> RemainingBudget(std::size_t budget, const xmlNode* nodes, int levels) {
   std::optional<std::size_t> left = budget;
   for (const xmlNode* node = nodes; node != nullptr && left; node = node->next) {
@@ -43,16 +43,16 @@ std::optional<std::size_t> RemainingBudget(std::size_t budget, const xmlNode* no
   return left;
 }
 
-// Entities can stand for entities, and a few lines of them for more text than there is memory.
+// Entities can refer to entities, so a few lines can expand to more text than there is memory.
 bool IsEntityBomb(const Reader& reader, const xmlChar* name) {
   const xmlAttr* attribute = xmlHasNsProp(xmlTextReaderCurrentNode(reader.get()), name, nullptr);
-  // The declaration of a default value, which may stand here in the attribute's stead, has no children.
+  // The declaration of a default value can stand in for the attribute. It has no children.
   const xmlNode* node = attribute == nullptr ? nullptr : attribute->children;
   while (node != nullptr && node->type != XML_ENTITY_REF_NODE) node = node->next;
   return node != nullptr && !RemainingBudget(kMostExpanded, attribute->children, kMostNested);
 }
 
-// The current node's attribute; null when it has none of that name, or one that is not to be expanded, as `walk` says.
+// The current node's attribute. Null when it does not exist or must not be expanded; the latter is logged for `walk`.
 Text Attribute(const Reader& reader, const char* walk, const char* attribute) {
   const auto* name = reinterpret_cast<const xmlChar*>(attribute);
   if (!IsEntityBomb(reader, name)) return Text(xmlTextReaderGetAttribute(reader.get(), name));
@@ -66,12 +66,12 @@ bool IsApplicationElement(std::string_view name) {
 
 bool Contains(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }
 
-// Is the current node a metadata element that holds a CoBA entry?
+// Is the current node a metadata element with a CoBA entry?
 bool HoldsCobaEntry(const Reader& reader, const char* walk, std::string_view name) {
   if (name != "metadata") return false;
   const Text key = Attribute(reader, walk, "key");
   const Text value = Attribute(reader, walk, "value");
-  // An attribute that is not there is a null text, which no key matches.
+  // A missing attribute is a null text, which no key matches.
   Metadata entry{AsChars(key.get()), AsChars(value.get())};
   return isCobaKey(&entry);
 }
@@ -110,7 +110,7 @@ std::optional<ApplicationKind> DeclaredKind(xmlDocPtr doc) {
 }
 
 bool isAppDotnetInhouse(xmlDocPtr doc) {
-  // Never reset: one dotnet-inhouse manifest decides for as long as the library is loaded.
+  // Never reset: after one dotnet-inhouse manifest the answer stays yes while the library is loaded.
   static bool isDotnetInhouseType = false;
   const std::optional<ApplicationKind> kind = DeclaredKind(doc);
   if (!kind) return false;

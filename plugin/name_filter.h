@@ -1,4 +1,4 @@
-// A quick answer to "is this name catalogued?" that is right whenever it is no.
+// A Bloom filter: a quick answer to "is this name catalogued?". The answer "no" is always right.
 #ifndef PLUGIN_NAME_FILTER_H_
 #define PLUGIN_NAME_FILTER_H_
 
@@ -7,22 +7,22 @@
 #include <cstring>
 #include <string_view>
 
-// Knows names by two bits of their hash: never wrong about a name that was added, wrong about one in 300 others when it
-// holds two thousand. Eight KiB, however many names it holds.
+// Stores two bits of each name's hash. Finds every name that was added; with 2,000 names added, it also reports about
+// one in 300 other names. Uses eight KiB, however many names it holds.
 class NameFilter {
  public:
   void Add(std::string_view name) {
     const std::uint64_t hash = Hash(name);
     bits_.set(hash >> 48).set(hash >> 32 & 0xffff);
   }
-  // False: `name` was not added. True: ask elsewhere.
+  // False: `name` was not added. True: it may have been.
   bool MayHold(std::string_view name) const {
     const std::uint64_t hash = Hash(name);
     return bits_.test(hash >> 48) && bits_.test(hash >> 32 & 0xffff);
   }
 
  private:
-  // Takes eight bytes at a time, which for names is less work than std::hash. The upper half of the answer is well
+  // Takes eight bytes at a time, which is less work than std::hash for names. The upper half of the result is well
   // mixed.
   static std::uint64_t Hash(std::string_view name) {
     std::uint64_t hash = name.size();

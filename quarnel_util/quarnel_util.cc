@@ -25,16 +25,16 @@ std::string WithoutTrailingSlash(std::string path) {
   return path;
 }
 
-// A name that holds a separator, or what begins the end marker of the loader's lists, would fall apart in them.
+// The loader's lists would split a name at a separator and end at the first character of the end marker.
 bool CanBeListed(const std::string& name) { return name.find_first_of(":[") == std::string::npos; }
 
-// Boost's library is not asked: it may have been built for dates of 32 bits and takes no file with a later one.
+// Does not use Boost's library: it may be built with 32-bit times and then fails on files with later dates.
 bool IsRegularFile(const fs::path& path) {
   struct stat status;
   return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
-// The names in `directory` that stand for assemblies, sorted by byte.
+// The names of the assemblies in `directory`, sorted by byte.
 std::vector<std::string> AssemblyNames(const fs::path& directory) {
   std::vector<std::string> names;
   boost::system::error_code error;

@@ -1,6 +1,6 @@
 #!/bin/sh
-# coverage.sh BUILD: runs the unit and hostile tests of a coverage build and reports what of plugin/ and util/ they
-# reach: an HTML report in BUILD/coverage and one line. Fails below the marks that the project holds.
+# coverage.sh BUILD: runs the unit and hostile tests of a coverage build and reports which code of plugin/ and util/
+# they execute: an HTML report in BUILD/coverage and one line. Fails below the project's limits.
 set -eu
 build=$1
 

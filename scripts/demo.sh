@@ -1,6 +1,6 @@
 #!/bin/sh
-# demo.sh BUILD: shows on a device of its own what the plug-in does to packages. BUILD is a build directory. Everything
-# is made in a temporary directory, which goes in the end. Fails as soon as something goes otherwise than told.
+# demo.sh BUILD: shows on a new device what the plug-in does to packages. BUILD is a build directory. Everything is
+# created in a temporary directory, which is removed at the end. Fails at the first unexpected result.
 set -eu
 
 build=$(cd "$1" && pwd)
@@ -16,7 +16,7 @@ platform_on_device=device/root/usr/share/dotnet.orvel
 cache_directory=device/root/opt/usr/home/owner/share/dotnet
 packages_on_device=device/root/opt/usr/globalapps
 
-# --- Saying and checking ---
+# --- Printing and checking ---
 
 heading() {
   printf '\n=== %s ===\n' "$1"
@@ -27,7 +27,7 @@ fail() {
   exit 1
 }
 
-# run STATUS COMMAND…: shows the command and its output; it must end with STATUS.
+# run STATUS COMMAND…: shows the command and its output; its exit status must be STATUS.
 run() {
   expected=$1
   shift
@@ -38,25 +38,25 @@ run() {
   [ "$status" -eq "$expected" ] || fail "\"$*\" ended with exit status $status instead of $expected"
 }
 
-# expect TEXT: the command that ran last must have printed TEXT.
+# expect TEXT: the last command must have printed TEXT.
 expect() {
   grep -qF -- "$1" "$work/output" || fail "the output above lacks \"$1\""
 }
 
-# show_cache TPA COBA: shows both cache files; they must hold these entries, byte by byte.
+# show_cache TPA COBA: shows both cache files; their entries must be exactly these.
 show_cache() {
   run 0 orvelbox cache
   printf '%s' "[START]$1[END]" | cmp -s - "$cache_directory/TPA.txt" || fail "TPA.txt holds something else"
   printf '%s' "[START]$2[END]" | cmp -s - "$cache_directory/CoBA.txt" || fail "CoBA.txt holds something else"
 }
 
-# --- The material: assemblies, laid out as assembly-names.txt says ---
+# --- The assemblies, in the layout of assembly-names.txt ---
 
 entries() {
   grep -v '^#' "$1"
 }
 
-# Unpacks the Debian packages into "$work/debian"; they are not installed.
+# Unpacks the Debian packages into "$work/debian" without installing them.
 fetch_assemblies() {
   mkdir "$work/archives" "$work/debian"
   # shellcheck disable=SC2046  # one argument per package is meant
@@ -67,7 +67,7 @@ fetch_assemblies() {
   done
 }
 
-# put_assembly PATH: a real assembly of that name where there is one, else a small file that holds the name.
+# put_assembly PATH: a real assembly of that name if there is one, otherwise a small file that contains the name.
 put_assembly() {
   name=$(basename "$1")
   mkdir -p "$(dirname "$1")"
@@ -80,7 +80,7 @@ put_assembly() {
   cp "$found" "$1"
 }
 
-# setting NAME: the value that the build was made with.
+# setting NAME: the value of a build setting.
 setting() {
   sed -n "s/^$1:STRING=//p" "$build/CMakeCache.txt"
 }

@@ -1,7 +1,7 @@
 #!/bin/sh
-# fuzz.sh BUILD SECONDS [NAME…]: runs the fuzzers (all, or those named) one after the other, SECONDS each, beginning with
-# their seeds. Inputs that are new stay in BUILD/corpus/NAME; one that breaks something is put beside the seeds, so that
-# the tests give it to the target from then on.
+# fuzz.sh BUILD SECONDS [NAME…]: runs all fuzzers, or those named, one after the other, SECONDS each, starting from
+# their seeds. New inputs stay in BUILD/corpus/NAME. An input that shows an error is added to the seeds, so that the
+# tests use it.
 set -eu
 build=$1
 seconds=$2

@@ -1,14 +1,14 @@
 #!/bin/sh
-# install-packages.sh LIST: installs the Debian packages of the file LIST (packages.txt tells what its lines hold) that are
-# missing, with sudo where the caller is not root. Says nothing and needs no network when none is. Where there is no dpkg
-# it installs nothing, and only names the programs that are missing.
+# install-packages.sh LIST: installs the missing Debian packages of the file LIST (packages.txt explains its format),
+# with sudo unless run as root. When none is missing, it prints nothing and needs no network. Without dpkg it installs
+# nothing and only lists the missing programs.
 set -eu
 
 lines() {
   grep -v '^#' "$list"
 }
 
-# Fails where a program is missing.
+# Fails if a program is missing.
 name_missing_programs() {
   missing=0
   while read -r _ program words; do
@@ -27,7 +27,7 @@ if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
 fi
 
 missing=
-# shellcheck disable=SC2013  # the names of packages have no blanks
+# shellcheck disable=SC2013  # names of packages have no spaces
 for package in $(lines | cut -d ' ' -f 1); do
   status=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null || true)
   [ "$status" = installed ] || missing="$missing $package"

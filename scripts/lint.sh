@@ -1,6 +1,6 @@
 #!/bin/sh
-# lint.sh BUILD: format, rooms, shellcheck, cppcheck and clang-tidy over the sources, and the product built in BUILD,
-# which holds the compile commands.
+# lint.sh BUILD: checks the sources with clang-format, components.py, shellcheck, cppcheck and clang-tidy, and builds the
+# product in BUILD, which has the compile commands.
 set -eu
 build=$1
 jobs=$(nproc)
@@ -12,8 +12,8 @@ sources() {
 echo "clang-format"
 sources '*.cc' '*.h' | xargs clang-format --dry-run -Werror
 
-echo "rooms"
-scripts/rooms.py
+echo "components"
+scripts/components.py
 
 echo "shellcheck"
 sources '*.sh' '*.bash' .ci/run | xargs shellcheck

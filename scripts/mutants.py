@@ -1,4 +1,4 @@
-"""The changes that mutation.py tries: what a mutant is, and where in a C++ source there is one to make."""
+"""The changes that mutation.py tries: what a mutant is, and where a C++ source allows one."""
 import collections
 import hashlib
 import re
@@ -14,7 +14,7 @@ class Mutant:
         self.path, self.line = path, text.count("\n", 0, begin) + 1
         self.mutated_text = text[:begin] + replacement + text[end:]
         change = f"{kind}: {squeeze(text[begin:end])} -> {squeeze(replacement) or 'nothing'}"
-        # With the line's text, so that the title means this place and stays the same when other lines come and go.
+        # The line's text identifies the place and does not change when other lines do.
         self.title = f"{path}: {change} | {squeeze(text.splitlines()[self.line - 1])}"
 
     def digest(self):
@@ -36,8 +36,8 @@ STRING = r'"(?:\\.|[^"\\])*"|\'(?:\\.|[^\'\\])+\''
 
 
 def code_only(text):
-    """The text, offsets kept, with everything blanked out that does not run: comments, preprocessor lines other than
-    the bodies of macros, and the declarations of functions."""
+    """The text with everything blanked out that is not executed: comments, preprocessor lines except macro bodies, and
+    function declarations. Offsets stay the same."""
     text = re.sub(STRING + r"|//[^\n]*", lambda found: blank(found) if found[0][0] == "/" else found[0], text)
     text = re.sub(r"^#(?!define)[^\n]*", blank, text, flags=re.M)
     return re.sub(r"^\w[^;{}=()]*\([^;{}]*\);|^.*= delete;", blank, text, flags=re.M)

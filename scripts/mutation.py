@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Measures the unit and hostile tests: changes one thing at a time in plugin/ and util/ and looks whether a test fails.
+"""Measures the unit and hostile tests: changes one thing at a time in plugin/ and util/ and checks whether a test fails.
 
 Usage: scripts/mutation.py [--only PATH…] [--every N] [--jobs N] [--resume]
 
 Works in copies of the tree below build/mutation. A mutant that does not compile does not count; one that fails a
-test, crashes or runs into a limit is killed. Survivors are listed in build/mutation/survivors.txt. Those that
-scripts/mutation-equivalents.txt names, with the reason why no test can tell them apart, are told separately.
+test, crashes or exceeds a limit is killed. Survivors are listed in build/mutation/survivors.txt, except those in
+scripts/mutation-equivalents.txt, which no test can distinguish from the code.
 """
 import argparse
 import collections
@@ -25,9 +25,9 @@ VERDICTS = WORK / "verdicts.txt"
 EQUIVALENTS = ROOT / "scripts" / "mutation-equivalents.txt"
 SOURCES = ["base", "plugin", "util"]
 TEST_PROGRAMS = ["tests/unit/unit_tests", "tests/hostile/hostile_tests"]  # the second only for what the first lets pass
-# Enough for several runs of all tests. A mutant that never ends is told by its processor time, whatever else the
-# machine does; one that collects without end by its memory; one that waits for ever only by the clock, whose limit is
-# wide, because a busy machine must not kill a mutant.
+# Enough for several runs of all tests. A mutant in an endless loop exceeds the processor time, whatever else the machine
+# does. One that allocates without end exceeds the memory. One that waits for ever exceeds only the wall-clock time, whose
+# limit is high, because a busy machine must not kill a mutant.
 PROCESSOR_SECONDS, MEMORY_KB, CLOCK_SECONDS = 5, 4_000_000, 300
 
 
@@ -74,7 +74,7 @@ class Worker:
                               stderr=subprocess.DEVNULL).returncode == 0
 
     def run_tests(self, program, names=("*",)):
-        """Do these tests pass, and if not: which was the first to fail (None when the program did not get to say)?"""
+        """Whether these tests pass, and the first that failed (None when the program did not report one)."""
         environment = dict(os.environ, GTEST_BRIEF="1", GTEST_FAIL_FAST="1", GTEST_FILTER=":".join(names))
         limited = f'ulimit -t {PROCESSOR_SECONDS} && ulimit -v {MEMORY_KB} && exec "$0"'
         try:
@@ -87,7 +87,7 @@ class Worker:
         return result.returncode == 0, failure and failure.group(1).decode()
 
     def tests_pass(self, program, path):
-        """Those that have told mutants of this file before go first: most mutants need no others."""
+        """Tests that killed mutants of this file before run first: most mutants need no others."""
         killers = self.killers[program, path]
         if killers and not self.run_tests(program, killers)[0]:
             return False
@@ -130,7 +130,7 @@ def judge_all(mutants, jobs):
 
 
 def earlier_verdicts():
-    """What an unfinished or earlier run found out of mutants that need no second look, by digest."""
+    """The verdicts of an unfinished or earlier run that are still valid, by digest."""
     if not VERDICTS.exists():
         return {}
     verdicts = dict(line.split() for line in VERDICTS.read_text().splitlines())
@@ -138,7 +138,7 @@ def earlier_verdicts():
 
 
 def verdicts_of(mutants, resume, jobs):
-    """The verdict on every mutant, by digest. Those found now are written down at once."""
+    """The verdict on every mutant, by digest. New ones are saved at once."""
     verdicts = earlier_verdicts() if resume else {}
     open_mutants = [mutant for mutant in mutants if mutant.digest() not in verdicts]
     WORK.mkdir(parents=True, exist_ok=True)
@@ -154,14 +154,14 @@ def verdicts_of(mutants, resume, jobs):
 
 
 def equivalents():
-    """Titles of mutants that no test can tell apart, each under a comment that says why."""
+    """Titles of mutants that no test can distinguish from the code, each under a comment that says why."""
     if not EQUIVALENTS.exists():
         return set()
     return {line.strip() for line in EQUIVALENTS.read_text().splitlines() if line.strip() and line[0] != "#"}
 
 
 def report(mutants, verdicts, known):
-    """Prints a line for each file and one for all, writes the survivors down; answers the share of mutants killed."""
+    """Prints a line for each file and one for all, and saves the survivors. Returns the share of mutants killed."""
     survivors = []
     counts = collections.defaultdict(collections.Counter)
     for mutant in mutants:
@@ -185,7 +185,7 @@ def report(mutants, verdicts, known):
 
 
 def stale_equivalents(mutants, verdicts, known):
-    """What is wrong with the list of equivalents: entries that name no mutant, or one that a test does tell apart."""
+    """The faults of the list of equivalents: entries without a mutant, or whose mutant a test kills."""
     existing = {mutant.title for mutant in all_mutants(*SOURCES)}
     killed = {mutant.title for mutant in mutants if verdicts[mutant.digest()] != "survived"}
     return [f"{EQUIVALENTS.name}: no such mutant: {title}" for title in sorted(known - existing)] + \

@@ -1,7 +1,7 @@
 #!/bin/sh
 # package-test.sh PACKAGES [ROOT]: installs the Debian packages in the directory PACKAGES in a fresh root file system,
-# lets orvelbox work there, and removes them again. The root file system is of this machine's release, or is a copy of
-# the directory ROOT; fresh-root/run.sh tells what that needs.
+# runs orvelbox there, and removes them again. The root file system is of this machine's release, or a copy of the
+# directory ROOT; fresh-root/run.sh lists the requirements.
 set -eu
 
 packages=$(cd "$1" && pwd)

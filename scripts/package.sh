@@ -1,7 +1,7 @@
 #!/bin/sh
-# package.sh BUILD: makes the Debian packages of the build directory BUILD (preset "package") in BUILD/packages, and lets
-# lintian judge them. Every time in them is that of the changelog's newest entry, so that the same sources make the same
-# bytes.
+# package.sh BUILD: builds the Debian packages of the build directory BUILD (preset "package") in BUILD/packages, and
+# checks them with lintian. All times in them are that of the changelog's newest entry, so that the packages are
+# reproducible.
 set -eu
 
 build=$(cd "$1" && pwd)

@@ -1,6 +1,6 @@
 #!/bin/sh
-# reproducible.sh JOBS: makes the Debian packages twice, from copies of the sources in folders of different names and
-# depths, at different times and under different settings of the caller, and compares the bytes.
+# reproducible.sh JOBS: builds the Debian packages twice and compares the bytes: from copies of the sources in folders
+# of different names and depths, at different times and with different settings of the environment.
 set -eu
 
 jobs=$1
@@ -16,7 +16,7 @@ copy_sources() {
     tar -x -C "$1"
 }
 
-# make_packages FOLDER: as `make package` does.
+# make_packages FOLDER: like `make package`.
 make_packages() {
   (cd "$1" && cmake --preset package && cmake --build --preset package --parallel "$jobs" &&
     scripts/package.sh build/package) >"$work/output" 2>&1 || { cat "$work/output"; exit 1; }

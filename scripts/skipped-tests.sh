@@ -1,11 +1,11 @@
 #!/bin/sh
-# skipped-tests.sh LOG [ALLOWED]: tells how many tests a run of CTest skipped, under the reasons and by suites. LOG is the
-# log that it left (Testing/Temporary/LastTest.log in the build). With a file ALLOWED, which holds a regular expression of
-# test names a line ("#" begins a comment), fails where none matches a test that was skipped.
+# skipped-tests.sh LOG [ALLOWED]: counts the tests that a run of CTest skipped, by reason and suite. LOG is CTest's log
+# (Testing/Temporary/LastTest.log in the build). ALLOWED is a file with a regular expression of test names per line ("#"
+# begins a comment); a skipped test that none of them matches is an error.
 set -eu
 log=$1
 
-# Lines of "reason<tab>test": GoogleTest puts the reason in the line after the place of the skip.
+# Lines of "reason<tab>test". GoogleTest prints the reason in the line after the location of the skip.
 skipped=$(awk '/^[0-9]+\/[0-9]+ Testing: / { test = $3 } /: Skipped$/ { getline; print $0 "\t" test }' "$log" | sort -u)
 count=$(grep -c '^Skip regular expression found' "$log" || true)
 told=$(printf '%s' "$skipped" | cut -f 2 | sort -u | grep -c . || true)

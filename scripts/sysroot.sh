@@ -1,7 +1,7 @@
 #!/bin/sh
-# sysroot.sh ARCHITECTURE DIRECTORY: unpacks into DIRECTORY what Debian has for that architecture of the libraries that
-# packages.txt names, with all that they need. apt-get works on files of its own below DIRECTORY: the machine's own list
-# of packages and architectures stays as it is, and no root is needed. Does nothing where all of it is there already.
+# sysroot.sh ARCHITECTURE DIRECTORY: unpacks into DIRECTORY the libraries of packages.txt and their dependencies from
+# Debian for that architecture. apt-get uses its own files below DIRECTORY, so the machine's package lists and
+# architectures do not change and no root is needed. Does nothing when everything exists already.
 set -eu
 
 architecture=$1
@@ -13,7 +13,7 @@ made=$sysroot/packages.txt
 rm -rf --one-file-system "$sysroot"
 mkdir -p "$sysroot/usr/lib"
 sysroot=$(cd "$sysroot" && pwd)
-# Programs and libraries lie below /usr, and the old places lead there.
+# Programs and libraries are below /usr; the old directories are links to it.
 ln -s usr/lib "$sysroot/lib"
 
 apt=$sysroot/apt

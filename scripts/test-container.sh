@@ -1,7 +1,8 @@
 #!/bin/sh
-# test-container.sh BUILD: shows the demo and passes the tests as in a container without special rights, where the kernel
-# refuses namespaces and mounts: as root, who works in place, and as an ordinary user, who cannot and has to be told so.
-# Ends with what was skipped and why. Root's part takes root, and for the other one root needs a mount namespace.
+# test-container.sh BUILD: runs the demo and the tests as in a container without special rights, where the kernel refuses
+# namespaces and mounts: as root, which works in place, and as an ordinary user, which cannot and must get a clear error.
+# Ends with a list of the skipped tests and the reasons. The first part needs root; when root runs the second one, it
+# needs a mount namespace.
 set -eu
 
 cd "$(dirname "$0")/.."
@@ -29,7 +30,7 @@ as_root() {
   "$contained" ctest --preset release --parallel "$(nproc)"
 }
 
-# The tree with what is built, for an ordinary user.
+# Copies the tree with its build for the ordinary user.
 copy_tree() {
   mkdir -p "$work/tree/build"
   find . -mindepth 1 -maxdepth 1 ! -name build ! -name .git -exec cp -a -t "$work/tree" {} +
@@ -38,7 +39,7 @@ copy_tree() {
   chown -R 65534:65534 "$work/tree"
 }
 
-# as_ordinary_user COMMAND…: COMMAND makes root one with a tree of its own.
+# as_ordinary_user COMMAND…: COMMAND is a prefix that runs a command as the ordinary user.
 as_ordinary_user() {
   if "$@" "$contained" make demo >"$work/demo" 2>&1; then fail "the demo passes, without any way to the fixed paths"; fi
   cat "$work/demo"
@@ -58,7 +59,7 @@ else
   if unshare --mount true; then
     copy_tree
     user_log=$work/tree/$log
-    as_ordinary_user unshare --mount "$scripts/test-container/lend.sh" "$work/tree"
+    as_ordinary_user unshare --mount "$scripts/test-container/as-ordinary-user.sh" "$work/tree"
     expect_nothing_left
   else
     user_log=
@@ -75,6 +76,6 @@ echo "=== As an ordinary user ==="
 if [ -n "$user_log" ]; then
   "$scripts/skipped-tests.sh" "$user_log"
 else
-  echo "left out: there is no mount namespace to lend one this tree in"
+  echo "left out: this needs a mount namespace"
 fi
 echo "test-container: passed; nothing is left at the fixed paths"

@@ -1,11 +1,11 @@
 #!/bin/sh
-# test-devices.sh: builds for each processor of the devices, with the commands that docs/device-build.md shows, and
-# passes under qemu those tests that it can run. Tells in the end what was skipped, and why.
+# test-devices.sh: builds for each processor of the devices with the commands in docs/device-build.md, and runs the
+# tests that work under qemu. Ends with a list of the skipped tests and the reasons.
 set -eu
 
 processors="armhf arm64"
 programs="unit_tests integration_tests hostile_tests hardening_tests abi_tests fault_tests orvelbox_tests"
-# They start programs that were built.
+# These start programs of the build.
 starters='^integration_tests\.(CacheEvents\.|Loading\.a_programs_own_platform_functions)'
 
 # The indented lines of docs/device-build.md.
@@ -28,7 +28,7 @@ pass_tests() {
   fi
 }
 
-# "TEST: REASON" for each test that did not run; once only, for CTest empties its log when it lists the tests.
+# "TEST: REASON" for each test that did not run. Call it only once: CTest empties its log when it lists the tests.
 skipped() {
   log=build/$processor/LastTest.log
   mv "build/$processor/Testing/Temporary/LastTest.log" "$log"

@@ -1,8 +1,8 @@
 #!/bin/sh
-# test-distributions.sh [ROOT…]: builds the tree as it stands, shows the demo and passes the tests in fresh Debian root
-# file systems, in each as root and then as an ordinary user. ROOT is the code name of a release or a directory with a
-# root file system (fresh-root/run.sh tells what that needs); otherwise it is Debian 12 and 13. A root takes as long as
-# a whole build and two runs of the tests.
+# test-distributions.sh [ROOT…]: builds the current tree and runs the demo and the tests in fresh Debian root file
+# systems, in each as root and then as an ordinary user. ROOT is the code name of a release or a directory with a root
+# file system (fresh-root/run.sh lists the requirements); the default is Debian 12 and 13. Each ROOT takes a whole build
+# and two runs of the tests.
 set -eu
 
 cd "$(dirname "$0")/.."

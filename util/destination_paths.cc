@@ -1,7 +1,7 @@
 // Destination path managers.
 #include "morvath/destination_paths.h"
 
-// All of these are defined here, not in the header, so that the library holds them and their tables for its users.
+// All of these are defined here and not in the header, so that the library exports them and the vtables.
 AotPathManager::AotPathManager() = default;
 AotPathManager::~AotPathManager() = default;
 

@@ -1,4 +1,4 @@
-// The function tracer, and with it the log line format, which lives in base.
+// The function tracer. The format of log lines is in base/log_line.h.
 #ifndef UTIL_LOG_H_
 #define UTIL_LOG_H_
 
@@ -7,13 +7,13 @@
 #include "base/log_line.h"
 #include "morvath/export.h"
 
-// Frames a function: a local at its top writes the entry line and opens a trace span, and its end, by whichever path
-// the function is left, writes the exit line and closes the span.
+// Traces a function. As a local variable at its top, the constructor writes the entry line and opens a trace span, and
+// the destructor writes the exit line and closes the span, on every way out of the function.
 class ORVEL_EXPORT FunctionEntryExitTracker {
  public:
-  // `signature` is the function's full signature, spelled out because compilers differ in theirs; `filePath`
-  // its source file or unit, of which the part after the last "/" is shown; `line` its line. The texts are copied. A
-  // null text raises std::logic_error before anything is logged.
+  // `signature`: the full signature, spelled out because compilers print it differently. `filePath`: the source file or
+  // unit; the part after the last "/" is shown. `line`: its line field. The texts are copied. Throws std::logic_error
+  // for a null text, before anything is logged.
   FunctionEntryExitTracker(const char* signature, const char* filePath, int line);
   ~FunctionEntryExitTracker();
 

@@ -35,7 +35,7 @@ const std::string metadataValueDpcorvelfxtv = "orvelfxtv";
 
 bool isMetadataInfoHasKey(Metadata* md, std::string key) {
   if (!IsComplete(md)) return false;
-  // The arguments do not follow the wording; log readers know them in this order.
+  // The order of the arguments does not match the wording. Log readers rely on this order.
   LOG_DEBUG("%s compare to %s, value : %s", md->key, md->value, key.c_str());
   if (md->key != key || md->value != metadataValueTrue) return false;
   LOG_DEBUG("%s matched", key.c_str());

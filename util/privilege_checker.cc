@@ -1,4 +1,4 @@
-// The privilege look-up over the package information service.
+// Queries of privileges through the package information service.
 #include "util/privilege_checker.h"
 
 #include <cstring>

@@ -1,4 +1,4 @@
-// Does a package declare a privilege? What follows from the answer is decided by the callers.
+// Whether a package declares a privilege.
 #ifndef UTIL_PRIVILEGE_CHECKER_H_
 #define UTIL_PRIVILEGE_CHECKER_H_
 
@@ -6,24 +6,24 @@
 
 #include "morvath/export.h"
 
-// Privileges that the plug-in asks for, as full URIs.
+// The privileges that the plug-in checks, as full URIs.
 inline constexpr const char* kAppDebuggingPrivilege = "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/appdebugging";
 inline constexpr const char* kPlatformPrivilege = "http://" ORVEL_NAMESPACE_HOST "/privilege/internal/default/platform";
 
-// User data of privilege_info_cb.
+// The user data of privilege_info_cb.
 struct PrivilegeSearch {
   bool found = false;
-  const char* privilege = nullptr;  // the URI searched for, borrowed
+  const char* privilege = nullptr;  // the wanted URI; not owned
 };
 
-// Tells whether package `pkgId` declares `privilege`; false, with an error line, when the package is not known.
+// Returns whether package `pkgId` declares `privilege`. For an unknown package, logs an error and returns false.
 ORVEL_EXPORT bool HasPrivilege(const std::string& privilege, const std::string& pkgId);
 
-// Tells whether the package declares the app-debugging privilege.
+// Returns whether the package declares the app-debugging privilege.
 ORVEL_EXPORT bool isInDebuggingState(const std::string& pkgId);
 
-// Iteration callback: notes in `record`, a PrivilegeSearch, whether `name` is the privilege searched for. Always
-// answers true, so that the iteration goes on to the last privilege.
+// Iteration callback: records in `record`, a PrivilegeSearch, whether `name` is the wanted privilege. Always returns
+// true, so that the iteration continues.
 ORVEL_EXPORT bool privilege_info_cb(const char* name, void* record);
 
 #endif

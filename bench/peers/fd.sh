@@ -1,5 +1,5 @@
 #!/bin/sh
-# fd, with as many threads as it is given: the package's DLLs whose names the platform has.
+# fd, with the given number of threads: the package's DLLs whose names the platform has.
 export LC_ALL=C
 {
   fdfind --unrestricted --threads "$3" --type file . "$2" --exec-batch printf 'P %s\n'

@@ -1,5 +1,5 @@
-// Where, inside a package, the output of ahead-of-time compilation goes. Which class stands for a package is the
-// launcher tools' decision.
+// Where the output of ahead-of-time compilation goes inside a package. The launcher's tools decide which class applies
+// to a package.
 #ifndef MORVATH_DESTINATION_PATHS_H_
 #define MORVATH_DESTINATION_PATHS_H_
 
@@ -12,7 +12,7 @@ class ORVEL_EXPORT AotPathManager {
  public:
   AotPathManager();
   virtual ~AotPathManager();
-  // The output directory relative to the package root: a leading "/", none at the end.
+  // The output directory relative to the package root, with a leading "/" and without a trailing one.
   virtual std::string GetDestinationPath() = 0;
 };
 
@@ -40,7 +40,7 @@ class ORVEL_EXPORT DpcPath : public AotPathManager {
   std::string GetDestinationPath() override;
 };
 
-// What `manager`, which must not be null, answers.
+// Returns manager->GetDestinationPath(). `manager` must not be null.
 ORVEL_EXPORT std::string AotDestinationPathGetter(AotPathManager* manager);
 
 #endif

@@ -1,4 +1,4 @@
-// Marks what the libraries built here make visible; everything else is hidden.
+// Marks the symbols that the libraries built here export; all others are hidden.
 #ifndef MORVATH_EXPORT_H_
 #define MORVATH_EXPORT_H_
 

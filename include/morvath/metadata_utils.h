@@ -1,5 +1,5 @@
-// The metadata vocabulary: keys, values and the matchers that compare an entry with them. Reading entries out of a
-// manifest is the plug-in's business.
+// Metadata keys, metadata values, and the matchers that compare an entry with them. The plug-in reads the entries from
+// the manifest (plugin/manifest.h).
 #ifndef MORVATH_METADATA_UTILS_H_
 #define MORVATH_METADATA_UTILS_H_
 
@@ -7,7 +7,7 @@
 
 #include "morvath/export.h"
 
-// One metadata entry; both texts are borrowed.
+// One metadata entry. It does not own its texts.
 struct Metadata {
   const char* key;
   const char* value;
@@ -26,8 +26,8 @@ ORVEL_EXPORT extern const std::string preferDotnetAot;
 ORVEL_EXPORT extern const std::string metadataValueTrue;
 ORVEL_EXPORT extern const std::string metadataValueDpcorvelfxtv;
 
-// The matchers compare exactly, byte for byte, and log what they compare. An entry that is null, or has a null key or
-// value, matches nothing and is not logged.
+// The matchers compare byte for byte and log what they compare. An entry that is null, or that has a null key or value,
+// does not match and is not logged.
 
 // True when the entry's key is `key` and its value is "true".
 ORVEL_EXPORT bool isMetadataInfoHasKey(Metadata* md, std::string key);

@@ -1,4 +1,4 @@
-// The way from a file's first bytes to the row of the Assembly table.
+// Parses an assembly from the file's first bytes to the row of the Assembly table.
 #include "orvelbox/assembly/version.h"
 
 #include <algorithm>
@@ -10,8 +10,8 @@ using namespace std::string_view_literals;  // texts with zero bytes
 namespace orvelbox {
 namespace {
 
-// The PE file: a DOS header that says where the PE header stands, behind it the COFF and the optional header, then the
-// section headers. All places are offsets from the beginning of the header in question.
+// The PE file: a DOS header with the offset of the PE header, the COFF header, the optional header, the section
+// headers. All offsets are relative to the start of their header.
 constexpr std::uint64_t kPeHeaderPlaceAt = 0x3c;
 constexpr std::uint64_t kCoffHeaderAt = 4;
 constexpr std::uint64_t kSectionCountAt = kCoffHeaderAt + 2;
@@ -31,10 +31,10 @@ constexpr std::string_view kMetadataSignature = "BSJB";
 constexpr std::uint64_t kVersionLengthAt = 12;
 constexpr std::uint64_t kVersionAt = 16;
 constexpr std::uint64_t kLongestStreamName = 32;
-// In a row of the Assembly table, behind the hash algorithm.
+// In a row of the Assembly table, after the hash algorithm.
 constexpr std::uint64_t kVersionNumbersAt = 4;
 
-// What lies at the address `address` of the loaded image, up to the end of its section in the file.
+// The bytes at the address `address` of the loaded image, to the end of its section in the file.
 ByteView AtAddress(const ByteView& file, const ByteView& pe, std::uint32_t address) {
   const std::uint64_t sections = kOptionalHeaderAt + pe.U16(kOptionalHeaderSizeAt);
   const std::uint16_t count = pe.U16(kSectionCountAt);
@@ -48,7 +48,7 @@ ByteView AtAddress(const ByteView& file, const ByteView& pe, std::uint32_t addre
   throw BeyondBytes();
 }
 
-// The metadata root; nothing for a file that is no managed PE file.
+// The metadata root; nothing when the file is no managed PE file.
 std::optional<ByteView> FindMetadata(const ByteView& file) {
   if (!file.BeginsWith("MZ")) return std::nullopt;
   const ByteView pe = file.From(file.U32(kPeHeaderPlaceAt));
@@ -66,7 +66,7 @@ std::optional<ByteView> FindMetadata(const ByteView& file) {
 
 constexpr std::uint64_t RoundedUp(std::uint64_t length) { return (length + 3) / 4 * 4; }
 
-// The stream of tables, compressed or not; nothing when there is none.
+// The stream of tables, compressed or uncompressed; nothing when there is none.
 std::optional<ByteView> FindTableStream(const ByteView& metadata) {
   if (!metadata.BeginsWith(kMetadataSignature)) return std::nullopt;
   const std::uint64_t flags = kVersionAt + RoundedUp(metadata.U32(kVersionLengthAt));
@@ -79,7 +79,7 @@ std::optional<ByteView> FindTableStream(const ByteView& metadata) {
   return std::nullopt;
 }
 
-// The stream of tables ("#~"): its head says how wide the heaps' indexes are, which tables there are, and how many rows
+// The stream of tables ("#~"). Its header has the widths of the heap indexes, which tables exist, and how many rows
 // each has.
 constexpr std::uint64_t kHeapSizesAt = 6;
 constexpr std::uint64_t kPresentAt = 8;
@@ -87,14 +87,14 @@ constexpr std::uint64_t kRowCountsAt = 24;
 constexpr std::uint8_t kExtraData = 0x40;
 constexpr unsigned kAssemblyTable = 0x20;
 
-using RowCounts = std::array<std::uint32_t, 64>;  // by the numbers of the tables
+using RowCounts = std::array<std::uint32_t, 64>;  // by table number
 
-// A column of a table: a number, an index into a heap, or an index into one of several tables, whose lowest bits say
-// which.
+// A column of a table: a number, an index into a heap, or an index into one of several tables, selected by its lowest
+// bits.
 struct Column {
-  std::uint64_t bytes = 0;       // of a number
-  std::uint8_t wide_heap = 0;    // of an index into a heap: the flag that makes it wide
-  std::string_view tables = {};  // the numbers of the tables
+  std::uint64_t bytes = 0;       // size of a number
+  std::uint8_t wide_heap = 0;    // for an index into a heap: the flag that says that it is wide
+  std::string_view tables = {};  // the numbers of the tables that an index refers to
   unsigned tag_bits = 0;
 };
 constexpr Column kTwo{2};
@@ -116,7 +116,7 @@ constexpr Column kMemberForwarded = Index("\x04\x06", 1);
 constexpr Column kCustomAttributeType = Index("\x06\x0a", 3);
 constexpr Column kResolutionScope = Index("\x00\x1a\x23\x01"sv, 2);
 
-// The columns of the tables that stand before the Assembly table, by number.
+// The columns of the tables before the Assembly table, by table number.
 constexpr Column kTables[kAssemblyTable][6] = {
     {kTwo, kString, kGuid, kGuid, kGuid},                                    // 00 Module
     {kResolutionScope, kString, kString},                                    // 01 TypeRef
@@ -161,7 +161,7 @@ std::uint64_t WidthOf(const Column& column, std::uint8_t heap_sizes, const RowCo
   return narrow ? 2 : 4;
 }
 
-// The first row of the Assembly table and all that follows; nothing for a module of an assembly, which has none.
+// The first row of the Assembly table and everything after it; nothing for a module, which has no such row.
 std::optional<ByteView> FindAssemblyRow(const ByteView& stream) {
   const std::uint8_t heap_sizes = stream.U8(kHeapSizesAt);
   const std::uint64_t present = stream.U64(kPresentAt);

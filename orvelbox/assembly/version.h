@@ -11,11 +11,11 @@
 
 namespace orvelbox {
 
-// Major, minor, build and revision number; compares as versions do.
+// Major, minor, build and revision number. Compares like versions.
 using AssemblyVersion = std::array<std::uint16_t, 4>;
 
-// The version that the assembly in `file`, of `size` bytes, declares. Nothing when that is no assembly, or a damaged
-// one. No more is read than headers and metadata. Throws what `file` throws, but for BeyondBytes.
+// The version that the assembly in `file`, of `size` bytes, declares. Nothing when it is no assembly or damaged. Reads
+// headers and metadata only. Throws the exceptions of `file`, except BeyondBytes.
 std::optional<AssemblyVersion> ReadAssemblyVersion(ByteSource& file, std::uint64_t size);
 
 // "1.2.3.4".

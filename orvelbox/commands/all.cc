@@ -1,4 +1,4 @@
-// The one list that names every command.
+// The list of all commands.
 #include "orvelbox/commands/all.h"
 
 namespace orvelbox {

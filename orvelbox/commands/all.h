@@ -6,7 +6,7 @@
 
 namespace orvelbox {
 
-// Every command, in the order of the help.
+// All commands, in the order of the help.
 Commands AllCommands();
 
 }  // namespace orvelbox

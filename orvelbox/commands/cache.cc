@@ -1,4 +1,4 @@
-// cache: the candidate loader's cache files, shown and verified.
+// cache: shows and verifies the candidate loader's cache files.
 #include "base/fixed_names.h"
 #include "orvelbox/commands/shared.h"
 #include "orvelbox/desk/output.h"

@@ -1,4 +1,4 @@
-// init: makes a device.
+// init: creates a device.
 #include "orvelbox/check/platform_set.h"
 #include "orvelbox/commands/shared.h"
 #include "orvelbox/desk/output.h"
@@ -10,7 +10,7 @@ namespace fs = std::filesystem;
 namespace orvelbox {
 namespace {
 
-// Takes back a device that could not be completed.
+// Removes a device that could not be completed.
 void RemoveDevice(const fs::path& directory, bool keep_directory) {
   if (!keep_directory) return RemoveTree(directory);
   for (const fs::directory_entry& entry : fs::directory_iterator(directory)) RemoveTree(entry.path());

@@ -1,4 +1,4 @@
-// install: puts a package on the device.
+// install: installs a package on the device.
 #include "orvelbox/commands/shared.h"
 
 namespace orvelbox {
@@ -8,7 +8,8 @@ Command MakeInstall() {
   RunOnPackage(command, [](const Session& session, const std::filesystem::path& directory) {
     const Change change = Install(session, directory);
     const std::string name = WithVersion(change.package.id, change.package.version);
-    return Tell("install", change, "installed " + name + " (" + change.package.root + ")", "not installed: " + name);
+    return PrintChange("install", change, "installed " + name + " (" + change.package.root + ")",
+                       "not installed: " + name);
   });
   return command;
 }

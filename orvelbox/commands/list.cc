@@ -1,4 +1,4 @@
-// list: the installed packages.
+// list: lists the installed packages.
 #include "orvelbox/commands/shared.h"
 #include "orvelbox/desk/output.h"
 #include "orvelbox/device/listings.h"

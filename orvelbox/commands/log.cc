@@ -1,4 +1,4 @@
-// log: the device's log.
+// log: shows the device's log.
 #include "orvelbox/history/log.h"
 
 #include <cstdlib>

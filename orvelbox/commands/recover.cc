@@ -1,4 +1,4 @@
-// recover: tells the plug-in that an uninstall failed.
+// recover: notifies the plug-in that an uninstall failed.
 #include "orvelbox/commands/shared.h"
 
 namespace orvelbox {

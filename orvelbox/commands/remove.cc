@@ -1,4 +1,4 @@
-// remove: tells the plug-in that an update was taken back.
+// remove: notifies the plug-in that an update was undone.
 #include "orvelbox/commands/shared.h"
 
 namespace orvelbox {

@@ -1,4 +1,4 @@
-// From options and environment to a device, the change on it, and the report of the outcome.
+// Choosing a device, changing it, and printing the result.
 #include "orvelbox/commands/shared.h"
 
 #include <cstdlib>
@@ -16,8 +16,8 @@ namespace {
 
 bool IsSet(const char* value) { return value != nullptr && *value != '\0'; }
 
-// The plug-in that belongs to this program. Installed, it lies among the libraries; built, its directory lies beside
-// this program's.
+// The plug-in that belongs to this program: when installed, in the library directory; when built, in the directory
+// plugin/ beside this program's directory.
 fs::path OwnPlugin() {
   const fs::path programs = fs::read_symlink("/proc/self/exe").parent_path();
   const fs::path installed = (programs / ORVELBOX_INSTALLED_PLUGIN).lexically_normal();
@@ -29,7 +29,7 @@ fs::path OwnPlugin() {
 fs::path ChooseDevice(const std::string& option, const Environment& environment) {
   if (!option.empty()) return option;
   if (const char* device = environment(host::kDeviceVariable); IsSet(device)) return device;
-  // A relative XDG directory counts as none.
+  // A relative XDG directory is ignored.
   if (const char* state = environment("XDG_STATE_HOME"); IsSet(state) && *state == '/') {
     return fs::path(state) / "orvelbox/device";
   }
@@ -95,7 +95,7 @@ void RunOnPackage(Command& command, const std::function<int(const Session&, cons
   });
 }
 
-int Tell(const std::string& command, const Change& change, const std::string& done, const std::string& failed) {
+int PrintChange(const std::string& command, const Change& change, const std::string& done, const std::string& failed) {
   Say(change.Done() ? done : failed);
   SayAll(DescribeChange(change));
   if (change.Done()) return kDone;
@@ -110,7 +110,7 @@ Command MakePackageEvent(const std::string& name, const std::string& description
   RunOnSession(command, [=, &id](const Session& session) {
     const Change change = CallHooks(session, hooks, id);
     const std::string package = WithVersion(change.package.id, change.package.version);
-    return Tell(name, change, done + " " + package + after, "not done: " + name + " " + package);
+    return PrintChange(name, change, done + " " + package + after, "not done: " + name + " " + package);
   });
   return command;
 }

@@ -1,5 +1,4 @@
-// What the commands share: the device that they work on, the plug-in that is called on it, and how a change is made and
-// told.
+// What the commands share: choosing the device, calling the plug-in on it, and printing the result of a change.
 #ifndef ORVEL_ORVELBOX_COMMANDS_SHARED_H_
 #define ORVEL_ORVELBOX_COMMANDS_SHARED_H_
 
@@ -19,15 +18,17 @@ namespace orvelbox {
 using Environment = std::function<const char*(const char* name)>;
 
 // The directory of the device: `option`, else ORVELBOX_DEVICE, else "orvelbox/device" in the XDG state directory.
-// Throws host::DeviceError when none of them is there.
+// Throws host::DeviceError when none of them is set.
 std::filesystem::path ChooseDevice(const std::string& option, const Environment& environment);
 
 // With this process's environment.
 std::filesystem::path ChooseDevice(const GlobalOptions& global);
 host::Device OpenChosenDevice(const GlobalOptions& global);
 
+// Opens the package database for reading.
 host::PackageStore ReadStore(const host::Device& device);
 
+// The settings from the global options; without --plugin, the plug-in that belongs to this program.
 HookSettings HookSettingsFor(const GlobalOptions& global, const host::Device& device);
 
 // The ids of the packages on the chosen device, with their versions.
@@ -38,17 +39,17 @@ Option IdArgument();
 // Throws std::invalid_argument when both are named.
 void RequireOneOf(const std::string& platform, const GlobalOptions& global);
 
-// Makes `command` run `change` on the opened device.
+// Makes `command` open the device and run `change` on it.
 void RunOnSession(Command& command, const std::function<int(const Session& session)>& change);
 
-// Gives `command` a package as its argument and makes it run `change` with the package's directory.
+// Adds a package argument to `command` and makes it run `change` with the package's directory.
 void RunOnPackage(Command& command,
                   const std::function<int(const Session& session, const std::filesystem::path& directory)>& change);
 
-// Says what `command` did, below the headline `done` or `failed`, and complains of a failure. Returns the exit status.
-int Tell(const std::string& command, const Change& change, const std::string& done, const std::string& failed);
+// Prints the result of `command` below the headline `done` or `failed`, and any error. Returns the exit status.
+int PrintChange(const std::string& command, const Change& change, const std::string& done, const std::string& failed);
 
-// A command that only calls hooks for an installed package; it was "`done` PACKAGE`after`".
+// A command that calls hooks for an installed package. Its headline is "`done` PACKAGE`after`".
 Command MakePackageEvent(const std::string& name, const std::string& description, const std::string& done,
                          const std::string& after, HookNames hooks);
 

@@ -1,4 +1,4 @@
-// show: what is registered about a package.
+// show: shows the record of a package.
 #include "orvelbox/commands/shared.h"
 #include "orvelbox/desk/output.h"
 #include "orvelbox/device/installed_trees.h"

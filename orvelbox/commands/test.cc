@@ -1,4 +1,4 @@
-// test: the whole lifecycle of a package on a throw-away device.
+// test: runs the whole lifecycle of a package on a temporary device.
 #include "orvelbox/check/platform_set.h"
 #include "orvelbox/commands/shared.h"
 #include "orvelbox/desk/output.h"
@@ -10,9 +10,9 @@
 namespace orvelbox {
 namespace {
 
-// A device like the one that is asked for, without its packages; or one with the platform that is asked for.
-host::Device MakeThrowAway(const GlobalOptions& global, const std::string& platform,
-                           const std::filesystem::path& directory) {
+// A device like the selected one, without its packages; or one with the platform given by the option.
+host::Device MakeTemporaryDevice(const GlobalOptions& global, const std::string& platform,
+                                 const std::filesystem::path& directory) {
   if (!platform.empty()) {
     RequirePlatform(platform);
     host::Device device = host::CreateDevice(directory);
@@ -27,10 +27,10 @@ host::Device MakeThrowAway(const GlobalOptions& global, const std::string& platf
 
 Lifecycle Test(const GlobalOptions& global, const std::string& platform, const std::string& package,
                const std::string& upgrade) {
-  const host::HeldSignals signals;  // so that an interruption leaves no device behind
-  const ScratchDirectory scratch;
+  const host::HeldSignals signals;  // blocks interruptions, which would leave the device behind
+  const TemporaryDirectory temporary;
   const Activity activity("test", !global.quiet);
-  HookSettings settings = HookSettingsFor(global, MakeThrowAway(global, platform, scratch.path() / "device"));
+  HookSettings settings = HookSettingsFor(global, MakeTemporaryDevice(global, platform, temporary.path() / "device"));
   settings.quiet = true;
   return RunLifecycle(settings, package, upgrade.empty() ? package : upgrade);
 }

@@ -1,4 +1,4 @@
-// trace: draws what --trace wrote.
+// trace: draws the spans that --trace recorded.
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 namespace orvelbox {
 namespace {
 
-// The columns of the terminal that standard output is; 0 when it is none.
+// The width of the terminal on standard output; 0 when it is no terminal.
 std::size_t TerminalColumns() {
   winsize size{};
   return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;

@@ -1,4 +1,4 @@
-// uninstall: takes a package off the device.
+// uninstall: removes a package from the device.
 #include "orvelbox/commands/shared.h"
 
 namespace orvelbox {
@@ -9,7 +9,7 @@ Command MakeUninstall() {
   RunOnSession(command, [&id](const Session& session) {
     const Change change = Uninstall(session, id);
     const std::string name = WithVersion(change.package.id, change.package.version);
-    return Tell("uninstall", change, "uninstalled " + name, "not uninstalled: " + name + "; it stays installed");
+    return PrintChange("uninstall", change, "uninstalled " + name, "not uninstalled: " + name + "; it stays installed");
   });
   return command;
 }

@@ -1,4 +1,4 @@
-// upgrade: replaces an installed package by another version.
+// upgrade: replaces an installed package with another version.
 #include "orvelbox/commands/shared.h"
 
 namespace orvelbox {
@@ -9,8 +9,8 @@ Command MakeUpgrade() {
     const Change change = Upgrade(session, directory);
     const std::string versions =
         WithVersion(change.previous->id, change.previous->version) + " to " + change.package.version;
-    return Tell("upgrade", change, "upgraded " + versions + " (" + change.package.root + ")",
-                "not upgraded: " + versions + "; the version before is in place again");
+    return PrintChange("upgrade", change, "upgraded " + versions + " (" + change.package.root + ")",
+                       "not upgraded: " + versions + "; the version before is in place again");
   });
   return command;
 }

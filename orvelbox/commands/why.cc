@@ -1,4 +1,4 @@
-// why: what happened to the DLLs of an installed package, and because of what.
+// why: shows what happened to the DLLs of an installed package, and why.
 #include "orvelbox/history/why.h"
 
 #include "orvelbox/check/package_checker.h"

@@ -1,4 +1,4 @@
-// The window of a file.
+// The buffer of FileBytes.
 #include "orvelbox/desk/bytes.h"
 
 #include <unistd.h>

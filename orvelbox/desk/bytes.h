@@ -1,5 +1,4 @@
-// Numbers and texts out of bytes that are not to be trusted, read piece by piece from wherever they stand. What they
-// mean is the readers' business.
+// Reads numbers and texts from untrusted bytes, piece by piece, with checked bounds. The callers know the formats.
 #ifndef ORVEL_ORVELBOX_DESK_BYTES_H_
 #define ORVEL_ORVELBOX_DESK_BYTES_H_
 
@@ -12,24 +11,24 @@
 
 namespace orvelbox {
 
-// Something is asked for that lies beyond the bytes.
+// A read beyond the end of the bytes.
 class BeyondBytes : public std::runtime_error {
  public:
   BeyondBytes() : std::runtime_error("beyond the end of the bytes") {}
 };
 
-// Bytes that are read where they stand.
+// Bytes that are read on demand.
 class ByteSource {
  public:
   virtual ~ByteSource() = default;
-  // The bytes from `at` on, `length` of them; good until the next call. Throws BeyondBytes when there are fewer.
+  // Reads `length` bytes at `at`; valid until the next call. Throws BeyondBytes when there are fewer.
   virtual std::string_view Read(std::uint64_t at, std::size_t length) = 0;
 };
 
-// The bytes of an open file, borrowed, of which a window is kept in memory.
+// The bytes of an open file, which it does not own, with a buffer in memory.
 class FileBytes : public ByteSource {
  public:
-  // `window`: how many bytes are read at a time at least.
+  // `window`: the minimum number of bytes per read.
   FileBytes(int file, std::size_t window) : file_(file), window_(window) {}
   // Throws std::system_error when the file cannot be read.
   std::string_view Read(std::uint64_t at, std::size_t length) override;
@@ -41,7 +40,7 @@ class FileBytes : public ByteSource {
   std::string bytes_;
 };
 
-// The number whose bytes stand at `at`, the lowest first; they have to be there.
+// The little-endian number at `at`. `bytes` must be long enough.
 inline std::uint64_t Number(std::string_view bytes, std::size_t at, unsigned count) {
   std::uint64_t number = 0;
   for (unsigned i = 0; i < count; ++i) {
@@ -50,7 +49,7 @@ inline std::uint64_t Number(std::string_view bytes, std::size_t at, unsigned cou
   return number;
 }
 
-// A part of a source, which it borrows. Every function throws BeyondBytes.
+// A part of a source, which it does not own. Every function throws BeyondBytes.
 class ByteView {
  public:
   ByteView(ByteSource& source, std::uint64_t size) : source_(&source), size_(size) {}
@@ -60,7 +59,7 @@ class ByteView {
   std::uint32_t U32(std::uint64_t at) const { return static_cast<std::uint32_t>(NumberAt(at, 4)); }
   std::uint64_t U64(std::uint64_t at) const { return NumberAt(at, 8); }
 
-  // The bytes from `at` on, `length` of them.
+  // The `length` bytes at `at`.
   ByteView Part(std::uint64_t at, std::uint64_t length) const {
     if (at > size_ || length > size_ - at) throw BeyondBytes();
     ByteView part = *this;
@@ -73,7 +72,7 @@ class ByteView {
   bool BeginsWith(std::string_view text) const {
     return text.size() <= size_ && source_->Read(begin_, text.size()) == text;
   }
-  // The text up to the first NUL, which is among the first `most` bytes.
+  // The text up to the first NUL, which must be among the first `most` bytes.
   std::string Text(std::uint64_t most) const {
     std::string text;
     const ByteView within = Part(0, std::min(most, size_));

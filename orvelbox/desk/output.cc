@@ -1,4 +1,4 @@
-// Printing, and the escaping of what is printed.
+// Printing, and escaping what is printed.
 #include "orvelbox/desk/output.h"
 
 #include <unistd.h>
@@ -25,8 +25,8 @@ std::string Escaped(char byte) {
   return text.data();
 }
 
-// Does it turn the direction of a line around?
-constexpr bool TurnsLineAround(char32_t code) {
+// Is it a bidirectional control character, which can reorder a line?
+constexpr bool IsBidirectionalControl(char32_t code) {
   return (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
 }
 
@@ -51,7 +51,7 @@ std::string Printable(std::string_view text) {
   while (!text.empty()) {
     const auto character = host::FirstCharacter(text);
     const std::string_view bytes = text.substr(0, character ? character->size : 1);
-    if (character && !host::IsControl(character->code) && !TurnsLineAround(character->code)) {
+    if (character && !host::IsControl(character->code) && !IsBidirectionalControl(character->code)) {
       printable += bytes;
     } else {
       for (const char byte : bytes) printable += Escaped(byte);

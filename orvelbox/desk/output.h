@@ -1,5 +1,5 @@
-// Lines of text for people, and the one place that prints them: standard output for results, standard error for
-// complaints. What is said is decided elsewhere.
+// Text lines for people, and their output: results on standard output, messages on standard error. All output of
+// orvelbox goes through here.
 #ifndef ORVEL_ORVELBOX_DESK_OUTPUT_H_
 #define ORVEL_ORVELBOX_DESK_OUTPUT_H_
 
@@ -13,7 +13,7 @@ namespace orvelbox {
 
 using Lines = std::vector<std::string>;
 
-// `text` filled with blanks to `width`.
+// `text` padded with spaces to `width`.
 inline std::string Padded(std::string text, std::size_t width) {
   if (text.size() < width) text.resize(width, ' ');
   return text;
@@ -24,14 +24,14 @@ inline std::string Counted(std::size_t number, const std::string& singular, cons
   return std::to_string(number) + " " + (number == 1 ? singular : plural);
 }
 
-// The id of a package with its version, if it has one.
+// The package's id, followed by the version if there is one.
 inline std::string WithVersion(const std::string& id, const std::string& version) {
   return version.empty() ? id : id + " " + version;
 }
 
-// `text` with every control character, every mark that turns a line around and every byte that is no UTF-8 escaped as
-// in C ("\n", "\x1b"), so that no name can control a terminal or forge a line. A backslash stays as it is: the result
-// cannot be read back.
+// `text` with control characters, bidirectional control characters and bytes that are not UTF-8 escaped as in C ("\n",
+// "\x1b"), so that no name can control a terminal or forge a line. Backslashes are not escaped, so the result cannot be
+// parsed back.
 std::string Printable(std::string_view text);
 
 // Rows as lines with aligned columns, without blanks at their ends. A column without cells below its heading is left
@@ -51,7 +51,7 @@ class TextTable {
   std::vector<std::size_t> widths_;
 };
 
-// Whether nothing but complaints is printed from here on.
+// With `quiet`, only errors are printed from now on.
 void SetQuiet(bool quiet);
 
 // Takes lines that are still to be made printable.
@@ -59,15 +59,15 @@ using TakeLine = std::function<void(const std::string& line)>;
 // Prints `line`, made printable, and a line feed on standard output.
 void Say(std::string_view line);
 void SayAll(const Lines& lines);
-// What a command lists, in words or as JSON.
+// Prints a listing, as text or as JSON.
 void SayListing(bool json, const std::string& as_json, const Lines& in_words);
-// As Say, for a line that is safe already and may hold colour sequences.
+// Like Say, for a line that is already printable and may contain colour sequences.
 void SayColoured(std::string_view safe_line);
 // A part of such a line, without the line feed.
 void SayPart(std::string_view safe_part);
 // Prints "orvelbox: ", `line` made printable, and a line feed on standard error.
 void Complain(std::string_view line);
-// The same for what is no complaint: work that is being told of goes on.
+// Like Complain, for a note that is not an error. A running Activity continues below it.
 void Remark(std::string_view line);
 
 // Prints `line`, made printable, on standard error: more about what was complained of.
@@ -76,7 +76,7 @@ void Elaborate(std::string_view line);
 // Writes out what is still buffered. False when standard output did not take everything (a full disk, say).
 bool FlushOutput();
 
-// Whether standard output wants colour: a terminal, and `no_color` (the value of NO_COLOR, may be null) unset or empty.
+// May standard output show colours? Only on a terminal with `no_color` (the value of NO_COLOR or null) unset or empty.
 bool ColourWanted(const char* no_color);
 
 }  // namespace orvelbox

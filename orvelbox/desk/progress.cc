@@ -27,7 +27,7 @@ void Draw(const std::string& line) { Write("\r" + line + "\x1b[K"); }
 
 void Erase() { Write(kErase); }
 
-// Runs `start` with all signals held back: a thread that it starts leaves them to the others for good.
+// Runs `start` with all signals blocked, so that a thread that it starts never receives any.
 template <typename Start>
 void WithoutSignals(const Start& start) {
   sigset_t all;
@@ -66,10 +66,10 @@ Activity::Activity(std::string action, bool wanted) : action_(std::move(action))
   if (!wanted || isatty(STDERR_FILENO) != 1) return;
   WithoutSignals([&] {
     try {
-      thread_ = std::thread([this] { Tell(); });
+      thread_ = std::thread([this] { ShowWhileRunning(); });
       current = this;
     } catch (const std::system_error&) {
-      // Without the thread the work goes on, only the line is missing.
+      // Without the thread the work continues, but shows no line.
     }
   });
 }
@@ -86,7 +86,7 @@ void Activity::End() {
 
 void Activity::PutLineAbove(const std::string& line) { Write((current == nullptr ? "" : kErase) + line + "\n"); }
 
-void Activity::Tell() {
+void Activity::ShowWhileRunning() {
   std::unique_lock lock(mutex_);
   long seconds = 0;
   while (!stop_.wait_for(lock, kSecond, [&] { return stopped_; })) {

@@ -1,4 +1,4 @@
-// The progress of long work, on a terminal.
+// Displays the progress of long work on a terminal.
 #ifndef ORVEL_ORVELBOX_DESK_PROGRESS_H_
 #define ORVEL_ORVELBOX_DESK_PROGRESS_H_
 
@@ -15,7 +15,7 @@ namespace orvelbox {
 // A bar of text: "checking [#####     ] 5 of 10".
 std::string ProgressBar(const std::string& action, std::size_t done, std::size_t total);
 
-// Shows the bar on standard error while that is a terminal and `wanted`; otherwise it does nothing.
+// Shows the bar on standard error if that is a terminal and `wanted` is true; otherwise does nothing.
 class Progress {
  public:
   Progress(std::string action, std::size_t total, bool wanted);
@@ -23,9 +23,9 @@ class Progress {
   Progress& operator=(const Progress&) = delete;
   ~Progress() { Clear(); }
 
-  // Shows that `done` pieces are finished; at most ten times a second.
+  // Shows that `done` pieces are finished. Redraws at most ten times a second.
   void Show(std::size_t done);
-  // Takes the bar away, so that something else can be printed.
+  // Erases the bar, so that something else can be printed.
   void Clear();
 
  private:
@@ -36,25 +36,25 @@ class Progress {
   std::chrono::steady_clock::time_point last_{};
 };
 
-// A piece of work of unknown length: once it has taken a second, a line on standard error says that it goes on,
-// for how long and how many files it has written, while that is a terminal and `wanted`. One at a time.
+// Work of unknown length. After one second, a line on standard error shows that it continues, for how long, and how
+// many files it has written, if that is a terminal and `wanted` is true. Only one object may exist at a time.
 class Activity {
  public:
-  // `action`: "install". Short, so that the line fits in a terminal.
+  // `action`: a short word such as "install", so that the line fits the terminal.
   Activity(std::string action, bool wanted);
   Activity(const Activity&) = delete;
   Activity& operator=(const Activity&) = delete;
   ~Activity();
 
-  // One more file is written.
+  // Counts one more written file.
   static void CountFile();
-  // Takes the line away for good, so that something else can be printed.
+  // Erases the line for good, so that something else can be printed.
   static void End();
-  // Writes another line on standard error, which an activity goes on below.
+  // Writes a line on standard error above the activity's line.
   static void PutLineAbove(const std::string& line);
 
  private:
-  void Tell();
+  void ShowWhileRunning();
   void Stop();
 
   std::string action_;

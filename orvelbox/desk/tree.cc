@@ -1,4 +1,4 @@
-// Directory trees: copy, removal, move, temporary ones.
+// Directory trees: copying, removing, moving, temporary ones.
 #include "orvelbox/desk/tree.h"
 
 #include <fcntl.h>
@@ -19,12 +19,12 @@ namespace fs = std::filesystem;
 namespace orvelbox {
 namespace {
 
-// The permissions that a copy takes over: no set-user-id and the like.
+// The permissions that are copied: not set-user-id and the like.
 constexpr fs::perms kPlainPermissions = fs::perms::all;
 
 void CopyEntry(const fs::path& from, const fs::path& to);
 
-// The standard library's own copy tells a full disk as an "Input/output error".
+// The standard library's own copy reports a full disk as an "Input/output error".
 void CopyContent(const fs::path& from, const fs::path& to) {
   const UniqueFd source(open(from.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
   if (!source) host::ThrowFileError(from, "read", errno);
@@ -105,7 +105,7 @@ bool IsThere(const fs::path& path) {
   return fs::symlink_status(path, ignored).type() != fs::file_type::not_found;
 }
 
-ScratchDirectory::ScratchDirectory() {
+TemporaryDirectory::TemporaryDirectory() {
   std::error_code ignored;
   const fs::path temporary = fs::temp_directory_path(ignored);
   std::string name = ((ignored ? fs::path("/tmp") : fs::canonical(temporary)) / "orvelbox-XXXXXX").string();
@@ -113,7 +113,7 @@ ScratchDirectory::ScratchDirectory() {
   path_ = name;
 }
 
-ScratchDirectory::~ScratchDirectory() {
+TemporaryDirectory::~TemporaryDirectory() {
   std::error_code ignored;
   fs::remove_all(path_, ignored);
 }

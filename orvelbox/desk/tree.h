@@ -1,4 +1,4 @@
-// Copies, moves and removes whole directory trees, and takes back what was half done when an error comes up.
+// Copies, moves and removes whole directory trees, and undoes partial work after an error.
 #ifndef ORVEL_ORVELBOX_DESK_TREE_H_
 #define ORVEL_ORVELBOX_DESK_TREE_H_
 
@@ -10,30 +10,30 @@
 
 namespace orvelbox {
 
-// Copies the directory `from` to `to`, which may exist already (files of the same name are replaced). Files are
-// copied byte by byte with their permissions, symbolic links as links; a directory stays writable for its owner,
-// so that the copy can be removed again. Throws host::DeviceError for a device, socket or pipe in the tree, for
-// a `to` inside of `from`, and when the system refuses; what was copied until then stays.
+// Copies the directory `from` to `to`, which may exist; files of the same name are replaced. Files are copied with
+// their permissions, symbolic links as links. A directory stays writable for its owner, so that the copy can be
+// removed. Throws host::DeviceError for a device, socket or pipe in the tree, for a `to` inside `from`, and when a
+// system call fails; what was copied before then stays.
 void CopyTree(const std::filesystem::path& from, const std::filesystem::path& to);
 
-// Removes what lies at `path`, whole; nothing there is no error. Links are removed, never followed. Throws
-// host::DeviceError when the system refuses.
+// Removes everything at `path`; it may be missing. Links are removed, not followed. Throws host::DeviceError when a
+// system call fails.
 void RemoveTree(const std::filesystem::path& path);
 
-// Moves `from` to `to` on one file system, in one step. Throws host::DeviceError when the system refuses.
+// Renames `from` to `to` on one file system, atomically. Throws host::DeviceError when the system call fails.
 void Move(const std::filesystem::path& from, const std::filesystem::path& to);
 
-// Whether something lies at `path`, be it a dangling link.
+// Does `path` exist? A dangling link exists too.
 bool IsThere(const std::filesystem::path& path);
 
-// A new directory below $TMPDIR (or /tmp) for this user alone, removed with all it holds at the end.
-class ScratchDirectory {
+// A new directory below $TMPDIR (or /tmp) for this user alone. The destructor removes it with its content.
+class TemporaryDirectory {
  public:
   // Throws host::DeviceError.
-  ScratchDirectory();
-  ScratchDirectory(const ScratchDirectory&) = delete;
-  ScratchDirectory& operator=(const ScratchDirectory&) = delete;
-  ~ScratchDirectory();
+  TemporaryDirectory();
+  TemporaryDirectory(const TemporaryDirectory&) = delete;
+  TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+  ~TemporaryDirectory();
 
   const std::filesystem::path& path() const { return path_; }
 
@@ -41,8 +41,8 @@ class ScratchDirectory {
   std::filesystem::path path_;
 };
 
-// Does `work` and gives its result. When it throws, does `undo` and lets the error go on; when `undo` fails too,
-// host::DeviceError tells of both.
+// Calls `work` and returns its result. When it throws, calls `undo` and rethrows; when `undo` fails too, throws a
+// host::DeviceError with both errors.
 template <typename Work, typename Undo>
 auto WithRollback(const Work& work, const Undo& undo) {
   try {

@@ -1,4 +1,4 @@
-// Texts of libxml2: owned, read and escaped.
+// Ownership, conversion and escaping of libxml2's texts.
 #ifndef ORVEL_ORVELBOX_DESK_XML_H_
 #define ORVEL_ORVELBOX_DESK_XML_H_
 
@@ -16,11 +16,11 @@ struct FreeXmlText {
 };
 using XmlText = std::unique_ptr<xmlChar, FreeXmlText>;
 
-// Empty where there is none.
+// The empty string for a null text.
 inline std::string ToString(const XmlText& text) { return text ? reinterpret_cast<const char*>(text.get()) : ""; }
 inline const xmlChar* ToXml(const char* text) { return reinterpret_cast<const xmlChar*>(text); }
 
-// `text` as it is written in the text or an attribute of a document.
+// `text` escaped for element content or an attribute value.
 inline std::string XmlEscaped(const std::string& text) {
   const XmlText escaped(xmlEncodeSpecialChars(nullptr, ToXml(text.c_str())));
   if (!escaped) throw std::bad_alloc();

@@ -1,4 +1,4 @@
-// Cache files compared entry by entry, and their faults.
+// Compares cache files entry by entry and finds their faults.
 #include "orvelbox/device/cache_text.h"
 
 #include <algorithm>
@@ -15,7 +15,7 @@
 namespace orvelbox {
 namespace {
 
-// What of `entries` is not in `others`; an entry that is there twice counts twice.
+// The elements of `entries` that are not in `others`; repeated elements are counted.
 std::vector<std::string> Without(const std::vector<std::string>& entries, std::vector<std::string> others) {
   std::vector<std::string> rest;
   for (const std::string& entry : entries) {
@@ -31,7 +31,7 @@ std::vector<std::string> Without(const std::vector<std::string>& entries, std::v
 
 std::string Place(const std::string& name) { return std::string(kCacheDirectory) + name; }
 
-// The package below whose root the entry lies; the one with the longest root, should there be several.
+// The package whose root contains the entry; if there are several, the one with the longest root.
 const host::Package* OwnerOf(const std::string& entry, const std::vector<host::Package>& packages) {
   const host::Package* owner = nullptr;
   for (const host::Package& package : packages) {

@@ -1,4 +1,4 @@
-// Package trees and records, in an order of steps that a killed run cannot spoil.
+// Package trees and records, changed in steps between which the process may be killed.
 #include "orvelbox/device/installed_trees.h"
 
 #include <unistd.h>
@@ -15,7 +15,7 @@ namespace {
 // In the staging area; no package id begins with ".".
 constexpr const char* kUnpacked = ".unpacked";
 
-// The names of what lies in `directory`; none when there is no such directory.
+// The names of the entries of `directory`; none when it does not exist.
 std::vector<std::string> NamesIn(const fs::path& directory) {
   std::vector<std::string> names;
   std::error_code error;
@@ -25,7 +25,7 @@ std::vector<std::string> NamesIn(const fs::path& directory) {
   return names;
 }
 
-// Drops a directory that holds nothing any more.
+// Removes the directory if it is empty.
 void RemoveIfEmpty(const fs::path& directory) { rmdir(directory.c_str()); }
 
 }  // namespace
@@ -48,7 +48,7 @@ void InstalledTrees::Stage(const fs::path& source, const std::string& package_id
   WithRollback([&] { stage(source, Staging(package_id)); }, [&] { RemoveStaged(package_id); });
 }
 
-// Takes the tree out of its place in one step; RemoveStaged then takes its time.
+// Moves the tree to the staging area in one step; RemoveStaged then deletes it, which takes longer.
 void InstalledTrees::MoveAside(const host::Package& package) const {
   RemoveTree(Staging(package.id));
   host::MakeDirectory(StagingArea());
@@ -67,16 +67,16 @@ void InstalledTrees::Add(const fs::path& source, const host::Package& package) c
     Move(Staging(package.id), Place(package));
     RemoveStaged(package.id);
   };
-  WithRollback(put_in_place, [&] { TakeBackAddition(package); });
+  WithRollback(put_in_place, [&] { UndoAddition(package); });
 }
 
-void InstalledTrees::TakeBackAddition(const host::Package& package) const {
+void InstalledTrees::UndoAddition(const host::Package& package) const {
   Discard(package);
   journal_.RestoreCaches();
   journal_.End();
 }
 
-// Takes the package's tree and record away.
+// Removes the package's tree and record.
 void InstalledTrees::Discard(const host::Package& package) const {
   MoveAside(package);
   RemoveStaged(package.id);
@@ -131,11 +131,11 @@ void InstalledTrees::BeginRemoval(const std::string& package_id) const {
   try {
     journal_.Begin(Operation::kUninstall, package_id);
   } catch (const host::DeviceError&) {
-    // Uninstalling frees a full disk: it goes on without the journal.
+    // Uninstalling frees a full disk, so it continues without the journal.
   }
 }
 
-void InstalledTrees::TakeBackRemoval() const {
+void InstalledTrees::UndoRemoval() const {
   journal_.RestoreCaches();
   journal_.End();
 }
@@ -146,7 +146,7 @@ void InstalledTrees::Remove(const host::Package& package) const {
   journal_.End();
 }
 
-// Does what was left to do of an operation that was decided.
+// Finishes an operation that was decided.
 std::string InstalledTrees::Complete(const Pending& pending) const {
   if (pending.operation == Operation::kUpgrade) {
     DropPrevious(pending.package_id);
@@ -156,8 +156,8 @@ std::string InstalledTrees::Complete(const Pending& pending) const {
   return "an uninstall was interrupted at its end; it is done now";
 }
 
-// Undoes what was done to trees and records in an operation that was not decided.
-std::string InstalledTrees::TakeBack(const Pending& pending) const {
+// Undoes the changes of trees and records by an operation that was not decided.
+std::string InstalledTrees::Undo(const Pending& pending) const {
   const std::string& id = pending.package_id;
   switch (pending.operation) {
     case Operation::kInstall: {
@@ -177,7 +177,7 @@ std::string InstalledTrees::TakeBack(const Pending& pending) const {
 std::vector<std::string> InstalledTrees::Mend() const {
   std::vector<std::string> mended;
   if (const auto pending = journal_.Read()) {
-    const std::string outcome = pending->decided ? Complete(*pending) : TakeBack(*pending);
+    const std::string outcome = pending->decided ? Complete(*pending) : Undo(*pending);
     if (!pending->decided) journal_.RestoreCaches();
     mended.push_back("mended " + pending->package_id + ": " + outcome);
   }

@@ -1,12 +1,11 @@
-// The packages in the read-write application root of a device: adds, replaces and removes trees and their records in
-// steps after each of which a killed run can be mended. Hooks are called elsewhere.
-//
-// Beside the packages lie two directories of orvelbox's own, there only while a command works:
-//   .staging/ID    a tree that is being installed or removed: discarded after a killed run
-//   .previous/ID   the version that an upgrade replaces: put back after a killed run
-// Which operation was under way, and the cache files from before its hooks, are recorded in the device's journal. A
-// record without a tree has lost its files and is forgotten. Of the steps of a removal, those that need disk space come
-// after those that free some.
+// The packages in the read-write application root of a device: adds, replaces and removes trees and their records. A
+// process may be killed after any step; Mend then repairs the device. Hooks are called elsewhere.
+// During an operation, two directories lie beside the packages:
+//   .staging/ID    a tree that is being installed or removed; deleted after a killed run
+//   .previous/ID   the version that an upgrade replaces; restored after a killed run
+// The device's journal records the pending operation and the cache files as they were before its hooks. A record
+// without a tree has lost its files and is deleted. A removal first frees disk space, then takes the steps that need
+// some.
 #ifndef ORVEL_ORVELBOX_DEVICE_INSTALLED_TREES_H_
 #define ORVEL_ORVELBOX_DEVICE_INSTALLED_TREES_H_
 
@@ -26,39 +25,39 @@ class InstalledTrees {
  public:
   InstalledTrees(host::Device device, const host::DeviceConfig& config);
 
-  // Where the tree of a new package is to stand on the device.
+  // The root path on the device for a new package.
   std::string RootOnDevice(const std::string& package_id) const { return root_ + "/" + package_id; }
-  // Where the package's tree stands on the desk.
+  // The path of the package's tree on the desk.
   std::filesystem::path Place(const host::Package& package) const { return device_.OnDesk(package.root); }
 
-  // Where a package may be unpacked before Add or Replace take it from there. After a killed run Mend clears it. Must
-  // not outlive this object.
+  // Where a package may be unpacked; Add or Replace then move it. Mend clears it after a killed run. Must not outlive
+  // this object.
   UnpackPlace PlaceToUnpack() const;
 
-  // Puts a copy of `source` in place and registers `package` (PlacedAt its root). The package is there for good with
-  // KeepAddition and gone, the cache files as before, with TakeBackAddition. Leaves nothing when it fails.
+  // Copies `source` into place and registers `package` (PlacedAt its root). KeepAddition makes this permanent;
+  // UndoAddition undoes it and restores the cache files. When Add fails, it leaves nothing behind.
   void Add(const std::filesystem::path& source, const host::Package& package) const;
   void KeepAddition() const { journal_.End(); }
-  void TakeBackAddition(const host::Package& package) const;
+  void UndoAddition(const host::Package& package) const;
 
-  // Puts a copy of `source` in the place of the installed package and registers `package`; the replaced version is
-  // kept until KeepUpgrade or RestorePrevious. Both have the same root. Leaves the installed version as it was when it
-  // fails.
+  // Replaces the tree of the installed package by a copy of `source` and registers `package`. Keeps the replaced
+  // version until KeepUpgrade or RestorePrevious. Both have the same root. When Replace fails, the installed version is
+  // unchanged.
   void Replace(const std::filesystem::path& source, const host::Package& package, const host::Package& installed) const;
   void KeepUpgrade(const std::string& package_id) const;
-  // Puts the version that Replace kept, `previous`, back, and the cache files as they were.
+  // Restores the version that Replace kept, `previous`, and the cache files.
   void RestorePrevious(const host::Package& previous) const;
 
-  // Before the hooks of a removal: a run that is killed from now on, and before Remove, is taken back.
+  // To be called before the hooks of a removal: until Remove, a killed run is undone.
   void BeginRemoval(const std::string& package_id) const;
-  // The package stays, and the cache files are left as they are.
+  // Keeps the package, and the cache files as they are now.
   void AbandonRemoval() const { journal_.End(); }
-  // The package stays, and the cache files become what they were.
-  void TakeBackRemoval() const;
-  // Takes the package's tree and record away.
+  // Keeps the package and restores the cache files.
+  void UndoRemoval() const;
+  // Removes the package's tree and record.
   void Remove(const host::Package& package) const;
 
-  // Mends what a killed run left behind. Returns one line for people per package that was mended.
+  // Repairs the device after a killed run. Returns one line for people per repaired package.
   std::vector<std::string> Mend() const;
 
  private:
@@ -74,7 +73,7 @@ class InstalledTrees {
   void DropPrevious(const std::string& package_id) const;
   void PutPreviousBack(const host::Package& previous) const;
   std::string Complete(const Pending& pending) const;
-  std::string TakeBack(const Pending& pending) const;
+  std::string Undo(const Pending& pending) const;
   void RemoveStaged(const std::string& package_id) const;
 
   host::Device device_;

@@ -1,4 +1,4 @@
-// The record of the pending operation.
+// The record of the pending operation on disk.
 #include "orvelbox/device/journal.h"
 
 #include <algorithm>
@@ -48,7 +48,7 @@ void Journal::Decide() const {
   if (IsThere(Directory())) Move(Directory() / kBegun, Directory() / kDecided);
 }
 
-// The copies themselves are moved: that takes one step each, and no disk space. One that is gone was restored already.
+// Renames the copies, which is atomic and needs no disk space. A missing copy was restored already.
 void Journal::RestoreCaches() const {
   for (const char* name : kCacheFiles) {
     const fs::path copy = Directory() / name;

@@ -1,9 +1,7 @@
-// The journal of the operation that is under way on a device, for the next run in case this one is killed: which
-// operation on which package, whether it is decided, and the cache files from before. Mending is done in
-// installed_trees.
-//
-// The record is the directory "pending" of the device; it is put there and removed in one step each. It holds the file
-// "begun", renamed "decided" later, with the operation and the package, and copies of the cache files.
+// The journal of the pending operation on a device: which operation on which package, whether it is decided, and the
+// cache files as they were before. The next run uses it when this one is killed; installed_trees.h repairs the device.
+// The journal is the directory "pending" of the device, which is created and removed in one step each. It holds the
+// file "begun", later renamed "decided", with the operation and the package, and copies of the cache files.
 #ifndef ORVEL_ORVELBOX_DEVICE_JOURNAL_H_
 #define ORVEL_ORVELBOX_DEVICE_JOURNAL_H_
 
@@ -18,10 +16,11 @@ namespace orvelbox {
 
 enum class Operation { kInstall, kUpgrade, kUninstall };
 
+// An operation that has begun and not ended.
 struct Pending {
   Operation operation;
   std::string package_id;
-  bool decided;  // to be completed; else to be taken back
+  bool decided;  // to be completed; otherwise to be undone
 };
 
 // Every function throws host::DeviceError.
@@ -29,13 +28,13 @@ class Journal {
  public:
   explicit Journal(host::Device device) : device_(std::move(device)) {}
 
-  // Records that the operation begins. Leaves nothing when it fails.
+  // Records that the operation begins. Leaves nothing behind when it fails.
   void Begin(Operation operation, const std::string& package_id) const;
-  // Records that the operation is to be completed. Takes no disk space; without a record nothing is done.
+  // Records that the operation is to be completed. Needs no disk space. Does nothing without a record.
   void Decide() const;
-  // Gives the cache files their texts from the beginning; without a record nothing is done.
+  // Restores the cache files to their recorded texts. Does nothing without a record.
   void RestoreCaches() const;
-  // Removes the record, and what is left of one that was never completed.
+  // Removes the record, also an incomplete one.
   void End() const;
 
   // The record; nothing when there is none. Throws also when it is damaged.
@@ -43,7 +42,7 @@ class Journal {
 
  private:
   std::filesystem::path Directory() const { return device_.directory / "pending"; }
-  // Where the record is made, and taken apart.
+  // Where the record is created, and where it is moved before it is removed.
   std::filesystem::path Temporary() const { return device_.directory / "pending.new"; }
 
   host::Device device_;

@@ -1,4 +1,4 @@
-// Packages and cache files, listed.
+// Listings of packages and cache files.
 #include "orvelbox/device/listings.h"
 
 #include <algorithm>
@@ -32,7 +32,7 @@ host::Json Whole(const CacheText& text) {
   return {{"state", name}, {"entries", EntriesOf(text)}};
 }
 
-// The line about a cache file and the lines of its entries.
+// Adds the line about a cache file and the lines of its entries.
 void AddCache(const std::string& name, const CacheText& text, Lines& lines) {
   const std::vector<std::string> entries = EntriesOf(text);
   const std::string state = StateInWords(StateOf(text));

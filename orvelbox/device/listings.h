@@ -1,5 +1,5 @@
-// What the listings list, in words for people and as JSON for programs. The words are still to be made printable
-// (output.h); JSON is on one line.
+// The listings, as text for people and as JSON for programs. The text must still be made printable (output.h). JSON is
+// one line.
 #ifndef ORVEL_ORVELBOX_DEVICE_LISTINGS_H_
 #define ORVEL_ORVELBOX_DEVICE_LISTINGS_H_
 
@@ -16,7 +16,7 @@ namespace orvelbox {
 Lines DescribePackages(const std::vector<host::Package>& packages);
 std::string PackagesJson(const std::vector<host::Package>& packages);
 
-// All about one package.
+// All details of one package.
 Lines DescribePackage(const host::Package& package);
 std::string PackageJson(const host::Package& package);
 

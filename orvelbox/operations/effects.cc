@@ -19,9 +19,9 @@ std::uintmax_t LogSize(const host::Device& device) {
   return error ? 0 : size;
 }
 
-// What the loader's record says; a damaged one says nothing.
+// The loader's record; the defaults when it is damaged.
 struct LoaderState {
-  long starts = 0;    // how often it was started
+  long starts = 0;    // number of starts
   std::string error;  // why the last start failed; empty otherwise
 };
 

@@ -1,4 +1,4 @@
-// What hooks did to a device: its log, cache files, loader and DLLs before and after. Described in report.
+// What hooks changed on a device: its log, cache files, loader and DLLs. report.h describes it.
 #ifndef ORVEL_ORVELBOX_OPERATIONS_EFFECTS_H_
 #define ORVEL_ORVELBOX_OPERATIONS_EFFECTS_H_
 
@@ -12,11 +12,11 @@
 
 namespace orvelbox {
 
-// What became of a DLL that was taken for a duplicate.
+// What happened to a DLL that was reported as a duplicate.
 struct DllFate {
   Duplicate duplicate;
-  bool there = false;             // the package's copy is still there
-  bool information_file = false;  // "…_deleted" beside it
+  bool there = false;             // the package's copy still exists
+  bool information_file = false;  // "…_deleted" exists beside it
 };
 
 struct Effects {
@@ -26,10 +26,10 @@ struct Effects {
   CacheChange tpa;
   CacheChange coba;
   bool loader_restarted = false;
-  std::string loader_error;  // of the last start, when log.restart_failed
+  std::string loader_error;  // of the last start, if log.restart_failed
 };
 
-// Runs hooks (RunHooks) and tells what they did to the device of `settings`.
+// Runs hooks (RunHooks) and returns what they changed on the device of `settings`.
 Effects EffectsOf(const HookSettings& settings, const std::function<void(const HookCaller&)>& calls);
 
 }  // namespace orvelbox

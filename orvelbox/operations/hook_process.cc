@@ -1,4 +1,4 @@
-// The child process in which hooks run, and its report to the parent.
+// The child process that runs hooks, and its report to the parent.
 #include "orvelbox/operations/hook_process.h"
 
 #include <dlfcn.h>
@@ -25,15 +25,15 @@ namespace {
 
 using Hook = int (*)(xmlDoc* document, const char* package_id);
 
-// A report in memory: no other process can fill it up, no reader has to keep up with it, no disk can be full.
+// A report in memory: it has no size limit like a pipe, needs no concurrent reader, and no disk space.
 UniqueFd MakeReport() {
   UniqueFd report(memfd_create("orvelbox-report", MFD_CLOEXEC));
   if (!report) host::ThrowFileError("the report of the hooks", "create", errno);
   return report;
 }
 
-// One line, written at once so that it survives a crash of the hook that follows. Names never hold a line feed;
-// in a message it becomes a blank.
+// Writes one line at once, so that it survives a crash of the next hook. A line feed in a message becomes a space;
+// names have none.
 void Report(int report, std::string line) {
   std::replace(line.begin(), line.end(), '\n', ' ');
   line += '\n';
@@ -47,7 +47,7 @@ Hook FindHook(void* library, const std::filesystem::path& plugin, const std::str
   return reinterpret_cast<Hook>(address);
 }
 
-// A hook threw: reported already, nothing more is to be called.
+// A hook threw. That is already reported; no further hook is called.
 struct HookThrew {};
 
 int CallHook(int report, Hook hook, xmlDoc* document, const std::string& package_id) {
@@ -73,7 +73,7 @@ void DropOutput() {
   for (const int output : {STDOUT_FILENO, STDERR_FILENO}) dup2(nowhere.get(), output);
 }
 
-// What the child does. The library stays loaded until the process ends, as in the package manager.
+// The body of the child. The library stays loaded until the process ends, as in the package manager.
 void CallHooks(const HookSettings& settings, int report, const std::function<void(const HookCaller&)>& body) {
   SetEnvironment(settings);
   if (settings.quiet) DropOutput();
@@ -97,8 +97,8 @@ int RunChild(const HookSettings& settings, int report, const std::function<void(
   return 0;
 }
 
-// Said once, however many operations the command has.
-void TellWorkingInPlace() {
+// Printed once per command, however many operations it has.
+void PrintInPlaceNote() {
   static bool told = false;
   if (!std::exchange(told, true)) {
     Remark(std::string("no namespaces here: working in place on ") + host::kPlatformAssemblies + " and " +
@@ -111,7 +111,7 @@ std::string InWords(const host::ChildOutcome& outcome) {
   return "was killed by signal " + std::to_string(outcome.code) + " (" + strsignal(outcome.code) + ")";
 }
 
-// Takes `prefix` off the front of `line`; false when it is not there.
+// Removes `prefix` from the front of `line`; returns false when it is not there.
 bool Take(std::string_view& line, std::string_view prefix) {
   if (!HasPrefix(line, prefix)) return false;
   line.remove_prefix(prefix.size());
@@ -170,7 +170,7 @@ HookRun RunHooks(const HookSettings& settings, const std::function<void(const Ho
   const UniqueFd report = MakeReport();
   FlushOutput();
   const auto tell = [&] {
-    if (settings.tells_in_place) TellWorkingInPlace();
+    if (settings.tells_in_place) PrintInPlaceNote();
   };
   const host::ChildOutcome outcome = host::RunWithFixedPaths(
       settings.device.Root(), [&] { return RunChild(settings, report.get(), body); }, tell);

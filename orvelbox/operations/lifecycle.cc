@@ -1,4 +1,4 @@
-// The steps, and what each may change.
+// The steps of the lifecycle, and what each may change.
 #include "orvelbox/operations/lifecycle.h"
 
 #include <algorithm>
@@ -37,15 +37,15 @@ class LifecycleRun {
  public:
   LifecycleRun(const HookSettings& settings, const fs::path& package) : session_(settings), id_(IdOf(package)) {}
 
-  // The steps up to the one that fails.
+  // Runs the steps up to the first that fails.
   void Run(const fs::path& package, const fs::path& upgrade) {
     const DeviceState empty = State();
-    if (!PutIn("install", package, empty, Install)) return;
-    if (!StaysAsItIs({{"clean", kCleanHooks}, {"undo", kUndoHooks}, {"recover", kRecoverHooks}})) return;
+    if (!InstallOrUpgrade("install", package, empty, Install)) return;
+    if (!SendEvents({{"clean", kCleanHooks}, {"undo", kUndoHooks}, {"recover", kRecoverHooks}})) return;
     const DeviceState installed = State();
-    if (!PutIn("upgrade", upgrade, installed, Upgrade)) return;
-    if (!StaysAsItIs({{"clean", kCleanHooks}, {"recover", kRecoverHooks}})) return;
-    Do("uninstall", [&] { return Uninstall(session_, id_); });
+    if (!InstallOrUpgrade("upgrade", upgrade, installed, Upgrade)) return;
+    if (!SendEvents({{"clean", kCleanHooks}, {"recover", kRecoverHooks}})) return;
+    AddStep("uninstall", [&] { return Uninstall(session_, id_); });
     Compare(empty);
   }
 
@@ -60,8 +60,8 @@ class LifecycleRun {
 
   DeviceState State() const { return StateOf(session_.device()); }
 
-  // Adds the step; false when it fails.
-  bool Do(const std::string& name, const std::function<Change()>& operation) {
+  // Adds the step; returns false when it fails.
+  bool AddStep(const std::string& name, const std::function<Change()>& operation) {
     LifecycleStep step{name, "", "", {}};
     try {
       const Change change = operation();
@@ -76,13 +76,13 @@ class LifecycleRun {
     return steps_.back().problem.empty();
   }
 
-  // After the last step the device is to be as `expected`.
+  // After the last step, the device must be as `expected`.
   void Compare(const DeviceState& expected) { steps_.back().differences = Differences(expected, State()); }
 
-  // Puts the package in; when that fails, the device is to be as `before`.
-  bool PutIn(const std::string& name, const fs::path& package, const DeviceState& before,
-             Change (*change)(const Session&, const fs::path&)) {
-    const bool done = Do(name, [&] {
+  // Installs or upgrades the package. When that fails, the device must be as `before`.
+  bool InstallOrUpgrade(const std::string& name, const fs::path& package, const DeviceState& before,
+                        Change (*change)(const Session&, const fs::path&)) {
+    const bool done = AddStep(name, [&] {
       Change result;
       WithPackage(package, session_.trees().PlaceToUnpack(),
                   [&](const fs::path& directory) { result = change(session_, directory); });
@@ -93,11 +93,11 @@ class LifecycleRun {
     return false;
   }
 
-  // The package, told of these events, is to stay as it is.
-  bool StaysAsItIs(const std::vector<Event>& events) {
+  // Sends the events, which must not change the package.
+  bool SendEvents(const std::vector<Event>& events) {
     const DeviceState state = State();
     return std::all_of(events.begin(), events.end(), [&](const Event& event) {
-      const bool done = Do(event.first, [&] { return CallHooks(session_, event.second, id_); });
+      const bool done = AddStep(event.first, [&] { return CallHooks(session_, event.second, id_); });
       Compare(state);
       return done;
     });

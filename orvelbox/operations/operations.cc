@@ -24,7 +24,7 @@ UniqueFd OpenLockFile(const host::Device& device) {
   return file;
 }
 
-// What the lock file says about its holder, as " (process N)"; empty when it says nothing sensible.
+// The holder's process from the lock file, as " (process N)"; empty when the file has no valid id.
 std::string Holder(int descriptor) {
   std::array<char, 24> text{};
   const ssize_t length = pread(descriptor, text.data(), text.size() - 1, 0);
@@ -33,7 +33,7 @@ std::string Holder(int descriptor) {
   return " (process " + digits + ")";
 }
 
-// A full disk keeps the name of the holder away, but not the lock.
+// On a full disk the holder's id cannot be written; the lock still works.
 void NameHolder(int descriptor) {
   const std::string digits = std::to_string(getpid());
   if (ftruncate(descriptor, 0) != 0) return;
@@ -61,7 +61,7 @@ void RequireOwnApplications(const host::PackageStore& store, const host::Package
   }
 }
 
-// The hooks of an installation, after which it is kept or taken back: after a refusal the plug-in is told so.
+// Runs the hooks of an installation, then keeps or undoes it. When the plug-in rejects it, calls UNDO.
 void CallInstallHooks(const Session& session, const std::string& main_hook, const Manifest& manifest,
                       const std::function<void()>& keep, const std::function<void()>& take_back, Change& change) {
   const auto call_hooks = [&](const HookCaller& call) {
@@ -69,15 +69,15 @@ void CallInstallHooks(const Session& session, const std::string& main_hook, cons
     call(result == -1 ? "UNDO" : "CLEAN", manifest.document.get(), manifest.package.id);
   };
   change.effects = WithRollback([&] { return EffectsOf(session.settings(), call_hooks); }, take_back);
-  change.taken_back = !change.Done();
-  if (change.taken_back) {
+  change.undone = !change.Done();
+  if (change.undone) {
     take_back();
   } else {
     keep();
   }
 }
 
-// Calls `hooks` for an installed package, with the manifest that it was installed with.
+// Calls `hooks` for an installed package, with the manifest from its installation.
 Effects CallHooksFor(const Session& session, const host::Package& package, HookNames hooks) {
   const Manifest manifest = ReadManifest(session.trees().Place(package));
   return EffectsOf(session.settings(), [&](const HookCaller& call) {
@@ -113,7 +113,7 @@ Change Install(const Session& session, const std::filesystem::path& directory) {
   session.trees().Add(directory, change.package);
   CallInstallHooks(
       session, "INSTALL", manifest, [&] { session.trees().KeepAddition(); },
-      [&] { session.trees().TakeBackAddition(change.package); }, change);
+      [&] { session.trees().UndoAddition(change.package); }, change);
   return change;
 }
 
@@ -137,7 +137,7 @@ Change Uninstall(const Session& session, const std::string& package_id) {
   Change change{session.Installed(package_id), {}, {}};
   session.trees().BeginRemoval(package_id);
   const auto call_hooks = [&] { return CallHooksFor(session, change.package, {"UNINSTALL", "CLEAN"}); };
-  change.effects = WithRollback(call_hooks, [&] { session.trees().TakeBackRemoval(); });
+  change.effects = WithRollback(call_hooks, [&] { session.trees().UndoRemoval(); });
   if (change.Done()) {
     session.trees().Remove(change.package);
   } else {

@@ -1,6 +1,6 @@
-// The operations on packages: what each does, which hooks it calls, and when it takes everything back. An operation
-// prints nothing; it returns what happened, also when a hook failed. It throws host::DeviceError for what it refuses;
-// then device and database are as before.
+// The operations on packages: what each does, which hooks it calls, and when it is undone. An operation prints nothing.
+// It returns what happened, also when a hook failed. It throws host::DeviceError when it refuses to run; device and
+// database are then unchanged.
 #ifndef ORVEL_ORVELBOX_OPERATIONS_OPERATIONS_H_
 #define ORVEL_ORVELBOX_OPERATIONS_OPERATIONS_H_
 
@@ -18,17 +18,17 @@
 
 namespace orvelbox {
 
-// What operations work with: the opened device, held against other changing commands and mended. Readers take no lock.
+// An opened device, locked against other changing commands and repaired. Commands that only read take no lock.
 class Session {
  public:
-  // Takes the device's lock, refuses a package database that it cannot write, and mends what a killed run left. Throws
-  // host::DeviceError; when the lock is held already, at once and naming the other process.
+  // Locks the device, checks that the package database is writable, and repairs the device after a killed run. Throws
+  // host::DeviceError; when another process holds the lock, at once and with that process's id.
   explicit Session(HookSettings settings);
 
   const host::Device& device() const { return settings_.device; }
   const HookSettings& settings() const { return settings_; }
   const InstalledTrees& trees() const { return trees_; }
-  // A line per package that was mended.
+  // One line per repaired package.
   const Lines& mended() const { return mended_; }
 
   host::PackageStore OpenStore() const;
@@ -37,31 +37,31 @@ class Session {
 
  private:
   HookSettings settings_;
-  UniqueFd lock_;  // the lock file, which stays and names the process that took it last
+  UniqueFd lock_;  // the lock file remains and names the last process that locked it
   InstalledTrees trees_;
   Lines mended_;
 };
 
 // What an operation did to a package.
 struct Change {
-  host::Package package;                  // with its place on the device, also when it was not let in
+  host::Package package;                  // with its path on the device, also when the installation failed
   std::optional<host::Package> previous;  // the version that an upgrade replaces
   Effects effects;
-  bool taken_back = false;  // a hook failed, and the device is as before
+  bool undone = false;  // a hook failed, and the device is unchanged
 
   bool Done() const { return effects.hooks.Succeeded(); }
 };
 
-// INSTALL, then CLEAN (UNDO after -1). The package is taken away again when that fails.
+// INSTALL, then CLEAN (UNDO after -1). On failure the package is removed again.
 Change Install(const Session& session, const std::filesystem::path& directory);
 
-// UPGRADE, then CLEAN (UNDO after -1). The version before is put back when that fails.
+// UPGRADE, then CLEAN (UNDO after -1). On failure the previous version is restored.
 Change Upgrade(const Session& session, const std::filesystem::path& directory);
 
-// UNINSTALL, then CLEAN; then the package goes. It stays when a hook fails.
+// UNINSTALL, then CLEAN, then the package is removed. It stays when a hook fails.
 Change Uninstall(const Session& session, const std::string& package_id);
 
-// The hooks of the events that change nothing but what the hooks do.
+// Hooks of an event that changes nothing beyond what the hooks do.
 using HookNames = std::initializer_list<const char*>;
 inline constexpr HookNames kRemoveHooks = {"REMOVED", "CLEAN"};
 inline constexpr HookNames kRecoverHooks = {"RECOVERUNINSTALL", "CLEAN"};
@@ -77,9 +77,9 @@ struct RawEvent {
   std::string hook;
   std::string package_id;
 };
-// Reads "EVENT:PKG". Throws std::invalid_argument, with a line for people, when it is none.
+// Parses "EVENT:PKG". Throws std::invalid_argument, with a line for people, for other texts.
 RawEvent ParseRawEvent(const std::string& text);
-// Calls the hooks of all events in one process. Nothing but what the hooks do is changed.
+// Calls the hooks of all events in one process. Changes nothing beyond what the hooks do.
 Effects CallRawEvents(const Session& session, const std::vector<RawEvent>& events);
 
 }  // namespace orvelbox

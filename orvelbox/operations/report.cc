@@ -1,4 +1,4 @@
-// The words for what an operation did.
+// Texts for the result of an operation.
 #include "orvelbox/operations/report.h"
 
 #include <algorithm>
@@ -10,12 +10,12 @@ namespace {
 
 constexpr std::size_t kLabelWidth = 8;
 
-// "    label    text": the label's column is kept where `label` is empty.
+// "    label    text". An empty `label` still takes its column.
 std::string Line(const std::string& label, const std::string& text) {
   return "    " + Padded(label, kLabelWidth) + " " + text;
 }
 
-// Why a DLL is a duplicate: who has the copy that counts.
+// Why a DLL is a duplicate: whose copy decides.
 std::string Because(const Duplicate& duplicate, const std::string& root) {
   if (host::IsBelow(duplicate.origin, host::kPlatformAssemblies)) return "the platform has " + duplicate.origin;
   if (host::IsBelow(duplicate.origin, root))
@@ -55,7 +55,7 @@ std::string DescribeHook(const HookResult& result) {
   return result.message;
 }
 
-// What hooks returned on one line ("INSTALL returned 0, CLEAN returned 0").
+// What hooks returned, on one line ("INSTALL returned 0, CLEAN returned 0").
 std::string DescribeHooks(const HookRun& hooks) {
   std::string text;
   for (const HookResult& result : hooks.results) {
@@ -121,7 +121,7 @@ Lines DescribeChange(const Change& change) {
   Lines lines;
   const auto append = [&](const Lines& more) { lines.insert(lines.end(), more.begin(), more.end()); };
   if (!hooks.results.empty()) lines.push_back("    " + DescribeHooks(hooks));
-  if (!change.taken_back) append(DescribeEffects(change.effects, change.package.root));
+  if (!change.undone) append(DescribeEffects(change.effects, change.package.root));
   if (!change.Done()) append(ExplainDebuggingFailure(change.effects, change.package.root));
   return lines;
 }

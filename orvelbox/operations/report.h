@@ -1,4 +1,4 @@
-// The words for what an operation did. Pure; the lines are still to be made printable (output.h).
+// Texts for the result of an operation. No side effects. The lines must still be made printable (output.h).
 #ifndef ORVEL_ORVELBOX_OPERATIONS_REPORT_H_
 #define ORVEL_ORVELBOX_OPERATIONS_REPORT_H_
 
@@ -9,22 +9,22 @@
 
 namespace orvelbox {
 
-// What the hooks returned, one line per hook, with its package.
+// The hooks' results, one line per hook, with its package.
 Lines DescribeHooksByPackage(const HookRun& hooks);
 
-// What the operation did: DLLs, cache files, loader, errors. Paths below `root` (may be empty) are shown from there.
+// What the operation changed: DLLs, cache files, loader, errors. Paths below `root` (if not empty) are relative to it.
 Lines DescribeEffects(const Effects& seen, const std::string& root);
 
-// Why the install of a package under debugging failed, and what has to leave the package. Empty when the plug-in did
-// not fail it for its duplicates.
+// Why the install of a package under debugging failed, and what must be removed from the package. Empty when the
+// plug-in did not reject the package for its duplicates.
 Lines ExplainDebuggingFailure(const Effects& seen, const std::string& root);
 
-// In a few words why an operation failed; empty when it did not.
+// A short reason why an operation failed; empty when it did not fail.
 std::string ReasonOfFailure(const Effects& seen);
 
-// What the operation did and why it failed, below its headline: hooks, effects unless they were taken back, reasons.
+// The lines below the headline of a change: hooks, effects unless they were undone, reasons.
 Lines DescribeChange(const Change& change);
-// The whole line about the failed operation `command`.
+// The error line for the failed operation `command`.
 std::string ComplaintAbout(const std::string& command, const Change& change);
 
 }  // namespace orvelbox

@@ -1,4 +1,4 @@
-// Boxes and their labels. The page for a browser draws its own.
+// Draws boxes with labels. The page for a browser draws its own.
 #include <algorithm>
 
 #include "orvelbox/desk/output.h"
@@ -8,7 +8,7 @@
 namespace orvelbox {
 namespace {
 
-// All in pixels.
+// All values in pixels.
 constexpr std::int64_t kWidth = 1200;
 constexpr std::int64_t kMargin = 10;
 constexpr std::int64_t kRow = 20;
@@ -29,7 +29,7 @@ std::string Times(const Span& span) {
          (span.closed ? "" : ", never ended");
 }
 
-// As much of the name as there is room for.
+// As much of the name as fits the box.
 std::string Label(const Span& span, std::int64_t x, std::int64_t y, std::int64_t width) {
   const auto room = static_cast<std::size_t>(std::max<std::int64_t>(0, (width - 6) / kCharacter));
   if (room < 3) return "";

@@ -1,4 +1,4 @@
-// From events to spans, and what a file for a trace has to be.
+// Converts events to spans, and checks a trace file before it is written.
 #include "orvelbox/trace/spans.h"
 
 #include <unistd.h>
@@ -17,14 +17,14 @@ namespace fs = std::filesystem;
 namespace orvelbox {
 namespace {
 
-// The format does not demand the array's closing bracket, and who writes event by event never writes it.
+// The format does not require the closing bracket, and a writer that appends events never writes it.
 host::Json ReadArray(std::string_view text) {
   host::Json array = host::ParseJson(text);
   if (array.is_discarded()) array = host::ParseJson(std::string(text) + "]");
   return array.is_array() ? array : throw std::invalid_argument("no array");
 }
 
-// A lane that is being read.
+// A lane during parsing.
 class OpenLane {
  public:
   OpenLane(std::int64_t process, std::int64_t thread, std::int64_t start, std::size_t place)
@@ -42,7 +42,7 @@ class OpenLane {
     }
   }
 
-  // The lane, its open spans ended at the last event. Nothing is to be added from here on.
+  // The finished lane. Its open spans end at the last event. Nothing may be added afterwards.
   Lane Finish() {
     for (const std::size_t open : open_) lane_.spans[open].end = last_;
     return std::move(lane_);
@@ -54,7 +54,7 @@ class OpenLane {
   std::vector<std::size_t> open_;  // the spans that are open, the innermost last
   std::int64_t start_;
   std::int64_t last_ = 0;
-  std::size_t place_;  // among the lanes
+  std::size_t place_;  // index of the lane
 };
 
 std::vector<Lane> ReadLanes(const host::Json& events) {

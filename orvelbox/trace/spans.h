@@ -1,5 +1,5 @@
-// Trace files: the spans in them (which function ran inside which, when, and for how long) and how these are drawn. How
-// the files are written is not known here (platform/host/libraries/trace.cc).
+// Trace files: the spans in them (which function ran inside which, when, and for how long) and drawings of them. The
+// writer is platform/host/libraries/trace.cc.
 #ifndef ORVEL_ORVELBOX_TRACE_SPANS_H_
 #define ORVEL_ORVELBOX_TRACE_SPANS_H_
 
@@ -17,31 +17,30 @@ struct Span {
   std::string name;
   std::int64_t begin = 0;  // microseconds after the first span of the lane
   std::int64_t end = 0;
-  std::size_t depth = 0;  // how many spans it lies in
-  bool closed = false;    // false: its process ended first; `end` is the last time that is known
+  std::size_t depth = 0;  // the number of enclosing spans
+  bool closed = false;    // false: its process ended first; `end` is the last known time
 };
 
-// What one thread did. An operation calls its hooks in a process of its own.
+// The spans of one thread. Each operation calls its hooks in a new process.
 struct Lane {
   std::int64_t process = 0;
   std::int64_t thread = 0;
-  std::vector<Span> spans;  // as they began; never empty
+  std::vector<Span> spans;  // in order of their begin; never empty
 
   std::int64_t Duration() const;
-  std::size_t Depth() const;  // how many levels of spans there are
+  std::size_t Depth() const;  // the number of nested levels
 };
 
-// The lanes in the text of trace file `file`, as they began; an end without a span is left out. Throws
-// host::DeviceError when the text is no trace.
+// The lanes in the text of trace file `file`, in order of their begin. An end event without an open span is ignored.
+// Throws host::DeviceError when the text is no trace.
 std::vector<Lane> ReadTrace(std::string_view text, const std::string& file);
 
 // Microseconds as milliseconds with three decimals.
 std::string Milliseconds(std::int64_t microseconds);
-// "process 7, thread 8", the thread only where it is not the process's first.
+// "process 7, thread 8"; the thread is omitted when it is the process's first.
 std::string Title(const Lane& lane);
 
-// The lines of a timeline, every lane on a scale of its own. Lines are at most `width` columns wide; 0: as wide as they
-// need.
+// The lines of a timeline; each lane has its own scale. A line has at most `width` columns; 0 means no limit.
 std::vector<std::string> DrawTimeline(const std::vector<Lane>& lanes, std::size_t width);
 
 // Light enough for black letters.
@@ -57,8 +56,7 @@ std::string TraceSvg(const std::vector<Lane>& lanes);
 // Everything is in it; nothing is fetched.
 std::string TraceHtml(const std::vector<Lane>& lanes, const std::string& title);
 
-// Refuses, before anything is done, a file that no trace can be written to, and one that holds something else. Throws
-// host::DeviceError.
+// Throws host::DeviceError when `file` cannot be written to or has content that is no trace. Call before any work.
 void RequireTraceable(const std::filesystem::path& file);
 
 }  // namespace orvelbox

@@ -1,4 +1,4 @@
-// Bars out of characters that every terminal has.
+// Draws bars with ASCII characters, which every terminal has.
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -12,12 +12,12 @@ namespace {
 constexpr std::int64_t kBarColumns = 40;
 constexpr const char* kCut = "...";
 
-// Where on the bar `time` of `duration` lies.
+// The column of `time` on a bar of length `duration`.
 std::int64_t Column(std::int64_t time, std::int64_t duration) {
   return duration == 0 ? 0 : time * kBarColumns / duration;
 }
 
-// At least one column is filled; an open span ends in ">".
+// At least one column is filled. An open span ends in ">".
 std::string Bar(const Span& span, std::int64_t duration) {
   const std::int64_t begin = std::min(Column(span.begin, duration), kBarColumns - 1);
   const std::int64_t end = std::max(Column(span.end, duration), begin + 1);
@@ -31,7 +31,7 @@ std::string RightAligned(const std::string& text, std::size_t columns) {
   return std::string(columns - std::min(columns, text.size()), ' ') + text;
 }
 
-// Names are the compiler's spelling of functions, so a byte is a column.
+// Names are function signatures in ASCII, so a byte is a column.
 std::string Cut(const std::string& line, std::size_t width) {
   const std::size_t mark = std::string_view(kCut).size();
   if (width <= mark || line.size() <= width) return line;

@@ -1,4 +1,4 @@
-// What every library with a C interface needs: no exception leaves it.
+// Helpers for libraries with a C interface: no exception may leave it.
 #ifndef ORVEL_PLATFORM_HOST_C_BOUNDARY_H_
 #define ORVEL_PLATFORM_HOST_C_BOUNDARY_H_
 
@@ -22,7 +22,7 @@ Result AnswerOr(Result failure, const Action& action) noexcept {
   }
 }
 
-// Leaves errno as it was: logging and tracing stand between a failed call and the look at its error.
+// Restores errno in its destructor: logging and tracing must not change the error of the call before them.
 class KeepErrno {
  public:
   KeepErrno() = default;
@@ -34,7 +34,7 @@ class KeepErrno {
   int saved_ = errno;
 };
 
-// The text that printf would write, of any length. Throws std::runtime_error when it cannot be formatted.
+// The text that printf would write, of any length. Throws std::runtime_error when formatting fails.
 __attribute__((format(printf, 1, 0))) inline std::string FormatText(const char* format, va_list arguments) {
   char* text = nullptr;
   const int length = vasprintf(&text, format, arguments);

@@ -25,7 +25,7 @@ void FlushOutput() {
   std::fflush(nullptr);
 }
 
-// Runs `action`; the text of the exception that leaves it, or nothing.
+// Runs `action`. Returns the text of the exception that it throws, or nothing.
 template <typename Action>
 std::string FaultOf(const Action& action) {
   try {
@@ -58,7 +58,7 @@ int WaitPassingSignalsOn(pid_t child, const sigset_t& held) {
     const pid_t ended = waitpid(child, &status, WNOHANG);
     if (ended == child) return status;
     if (ended < 0 && errno != EINTR) throw DeviceError("cannot wait for the child process: " + ErrorText(errno));
-    // Another thread may receive SIGCHLD, so waitpid is asked now and then all the same.
+    // Another thread may receive the SIGCHLD, so waitpid is also called at intervals.
     const timespec patience{0, 100'000'000};
     const int signal = sigtimedwait(&held, nullptr, &patience);
     if (signal > 0 && signal != SIGCHLD) kill(child, signal);
@@ -71,7 +71,7 @@ HeldSignals::HeldSignals() {
   sigemptyset(&held_);
   for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGCHLD}) sigaddset(&held_, signal);
   struct sigaction wait_for_children {};
-  wait_for_children.sa_handler = SIG_DFL;  // where it is ignored, children leave no status
+  wait_for_children.sa_handler = SIG_DFL;  // children of a process that ignores SIGCHLD leave no status
   sigaction(SIGCHLD, &wait_for_children, &child_action_before_);
   pthread_sigmask(SIG_BLOCK, &held_, &mask_before_);
 }

@@ -1,4 +1,4 @@
-// A child process that runs a function, supervised to its end.
+// A child process that runs a function, and the wait for its end.
 #ifndef ORVEL_PLATFORM_HOST_CHILD_PROCESS_H_
 #define ORVEL_PLATFORM_HOST_CHILD_PROCESS_H_
 
@@ -7,8 +7,8 @@
 
 namespace host {
 
-// Holds back SIGINT, SIGTERM and SIGHUP while it lives, so that this process can clean up first; what arrived and was
-// not passed on to a child then takes effect.
+// Blocks SIGINT, SIGTERM and SIGHUP during its lifetime, so that this process can clean up first. A signal that arrived
+// and was not passed on to a child takes effect afterwards.
 class HeldSignals {
  public:
   HeldSignals();
@@ -16,7 +16,7 @@ class HeldSignals {
   HeldSignals& operator=(const HeldSignals&) = delete;
   ~HeldSignals() { Restore(); }
 
-  // Gives the calling process the signal state from before.
+  // Restores the earlier signal state in the calling process.
   void Restore() const;
   const sigset_t& held() const { return held_; }
 
@@ -32,10 +32,9 @@ struct ChildOutcome {
   int code = 0;
 };
 
-// Forks; the child runs `set_up`, then `body`, and ends with the latter's result as its exit status, all its output
-// flushed. An exception that leaves `body` becomes one line on standard error and exit status 1. Meanwhile the signals
-// of `signals` are passed on to the child. Throws DeviceError when the child cannot be made, or with the text of the
-// exception that left `set_up`.
+// Forks. The child runs `set_up` and `body`, flushes its output and exits with the result of `body`. An exception from
+// `body` becomes one line on standard error and exit status 1. Until the child ends, the signals in `signals` are
+// passed on to it. Throws DeviceError when the child cannot be started, or with the text of an exception from `set_up`.
 ChildOutcome RunChild(const HeldSignals& signals, const std::function<void()>& set_up,
                       const std::function<int()>& body);
 

@@ -1,4 +1,4 @@
-// Devices: their directory and their configuration. One is made whole or not at all.
+// The device directory and its configuration. A device is created completely or not at all.
 #include "platform/host/device.h"
 
 #include <cstdlib>
@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The "format" of device.json that this program writes and reads.
+// The "format" that this program writes to device.json and accepts from it.
 constexpr unsigned long kDeviceFormat = 1;
 
 [[noreturn]] void ThrowDamaged(const Device& device, const std::string& what) {
@@ -43,7 +43,7 @@ fs::path AbsoluteDirectory(const fs::path& directory) {
   return absolute.has_filename() || absolute == absolute.root_path() ? absolute : absolute.parent_path();
 }
 
-// What is wrong with a read-write application root, or nothing.
+// What is wrong with a read-write application root; nothing when it is valid.
 std::optional<std::string> FaultOfReadWriteRoot(const std::string& root) {
   const fs::path path = root;
   const bool plain = path.lexically_normal().native() == root && path.has_filename();
@@ -67,7 +67,7 @@ void RequireNothingIn(const fs::path& directory) {
                     "; name a new or empty directory");
 }
 
-// The directories at and above `directory` that are not there, the innermost first.
+// The missing directories among `directory` and those above it, the innermost first.
 std::vector<fs::path> MissingDirectories(const fs::path& directory) {
   std::error_code ignored;
   std::vector<fs::path> missing;
@@ -88,7 +88,7 @@ void FillDevice(const Device& device, const DeviceConfig& config) {
   MakeDirectory(device.OnDesk(config.read_write_root));
   CreateFile(device.Log(), "");
   { const PackageStore database(device.Database(), PackageStore::Mode::kCreate); }
-  // Last: a directory without it is no device.
+  // Written last: a directory without this file is no device.
   CreateFile(device.ConfigFile(),
              JsonText({{"format", kDeviceFormat}, {"read_write_root", config.read_write_root}}, 2) + "\n");
 }
@@ -100,16 +100,16 @@ Device CreateDevice(const fs::path& directory, const DeviceConfig& config) {
   if (const auto fault = FaultOfReadWriteRoot(config.read_write_root)) throw DeviceError(*fault);
   RequireNothingIn(device.directory);
   const std::vector<fs::path> made = MissingDirectories(device.directory);
-  bool owned = false;  // everything in the directory is ours
+  bool owned = false;  // this call created everything in the directory
   try {
     MakeDirectory(device.directory);
-    CreateFile(device.LockFile(), "");  // fails when another process makes a device here at the same time
+    CreateFile(device.LockFile(), "");  // fails when another process creates a device here at the same time
     owned = true;
     FillDevice(device, config);
   } catch (...) {
     if (owned) RemoveAllIn(device.directory);
     std::error_code ignored;
-    for (const fs::path& path : made) fs::remove(path, ignored);  // only when empty
+    for (const fs::path& path : made) fs::remove(path, ignored);  // removes empty directories only
     throw;
   }
   return device;
@@ -143,7 +143,7 @@ std::optional<Device> DeviceOfEnvironment() {
   try {
     return Device{AbsoluteDirectory(directory)};
   } catch (const std::exception&) {
-    return std::nullopt;  // no name, or a relative one in a working directory that is gone
+    return std::nullopt;  // no name, or a relative one and a deleted working directory
   }
 }
 

@@ -1,5 +1,5 @@
-// A device directory: where its parts lie and what its configuration says. No packages (package_store), no mounts
-// (fixed_paths).
+// A device directory: the paths of its parts and its configuration. Packages are in package_store.h, mounts in
+// fixed_paths.h.
 #ifndef ORVEL_PLATFORM_HOST_DEVICE_H_
 #define ORVEL_PLATFORM_HOST_DEVICE_H_
 
@@ -12,12 +12,12 @@
 
 namespace host {
 
-// The environment variable through which the platform's libraries learn their device.
+// The environment variable that names the device for the platform's libraries.
 inline constexpr const char* kDeviceVariable = "ORVELBOX_DEVICE";
-// The environment variable that asks for a trace file, and names it.
+// The environment variable that names the trace file; unset: no trace.
 inline constexpr const char* kTraceVariable = "ORVEL_TRACE";
 
-// The layout of a device directory. Nothing here touches the disk.
+// The layout of a device directory. No function here accesses the disk.
 struct Device {
   std::filesystem::path directory;  // absolute
 
@@ -26,9 +26,9 @@ struct Device {
   std::filesystem::path Log() const { return directory / "log"; }
   std::filesystem::path LoaderRecord() const { return directory / "loader.json"; }
   std::filesystem::path LockFile() const { return directory / "lock"; }
-  // The device's own "/": what lies below it appears at the fixed paths while the plug-in runs.
+  // The device's own "/". While the plug-in runs, its content is visible at the fixed paths.
   std::filesystem::path Root() const { return directory / "root"; }
-  // Where the device's absolute path `path` lies on the desk, e.g. "/opt/usr/x" -> DIR/root/opt/usr/x.
+  // The desk's path for the device's absolute path `path`, e.g. "/opt/usr/x" -> DIR/root/opt/usr/x.
   std::filesystem::path OnDesk(const std::filesystem::path& path) const { return Root() / path.relative_path(); }
 };
 
@@ -37,28 +37,28 @@ using ::kPlatformAssemblies;
 inline constexpr const char* kPlatformAssemblyDirectories[] = {"netcoreapp", "framework", "d.pc", "tvappapi"};
 inline constexpr const char* kUserArea = "/opt/usr";
 inline constexpr const char* kReleaseMarker = "/etc/release";
-// Those under which everything else lies: what a device brings and a desk does not have.
+// The paths that contain all others. A device provides them; a desk does not have them.
 inline constexpr const char* kFixedPaths[] = {kPlatformAssemblies, kUserArea, kReleaseMarker};
 inline constexpr const char* kDefaultReadWriteRoot = "/opt/usr/globalapps";
 
-// What device.json holds. Its "format" is checked when it is read.
+// The content of device.json. Its "format" is checked when the file is read.
 struct DeviceConfig {
   std::string read_write_root = kDefaultReadWriteRoot;  // absolute, below kUserArea
 };
 
-// Makes a new device in `directory` (which must not exist, or be empty): configuration, the four platform assembly
+// Creates a new device in `directory`, which must be missing or empty: configuration, the four platform assembly
 // directories, the cache directory with both cache files ("[START][END]"), the read-write application root, an empty
-// package database and log. Throws DeviceError; leaves nothing behind when it fails.
+// package database and log. On failure throws DeviceError and leaves nothing behind.
 Device CreateDevice(const std::filesystem::path& directory, const DeviceConfig& config = {});
 
-// Opens the device in `directory`. Throws DeviceError when there is none, or when it was made by a newer version.
+// Opens the device in `directory`. Throws DeviceError when there is none, or when a newer version created it.
 Device OpenDevice(const std::filesystem::path& directory);
 
-// Reads the configuration. Throws DeviceError when it is damaged, or written by a newer version.
+// Reads the configuration. Throws DeviceError when it is damaged, or when a newer version wrote it.
 DeviceConfig ReadConfig(const Device& device);
 
-// The device that the environment names, or nothing when kDeviceVariable is unset or empty. Used by the platform's
-// libraries; never throws, does not look at the disk.
+// The device that the environment names; nothing when kDeviceVariable is unset or empty. The platform's libraries use
+// it. Never throws, does not access the disk.
 std::optional<Device> DeviceOfEnvironment();
 
 }  // namespace host

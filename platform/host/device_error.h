@@ -1,4 +1,4 @@
-// The error of everything that works on a device.
+// The exception type of all code that works on a device.
 #ifndef ORVEL_PLATFORM_HOST_DEVICE_ERROR_H_
 #define ORVEL_PLATFORM_HOST_DEVICE_ERROR_H_
 
@@ -6,7 +6,7 @@
 
 namespace host {
 
-// What a person did wrong or has to mend: the text is one line that names the thing and the way out.
+// An error that a user can correct. The text is one line that names the thing and the way out.
 class DeviceError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

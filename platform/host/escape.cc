@@ -27,7 +27,7 @@ void AppendEscaped(char byte, std::string* out) {
   *out += {'x', kHexDigits[value >> 4], kHexDigits[value & 15]};
 }
 
-// The number of bytes of the printable character at the front of `text`; 0 when none stands there.
+// The number of bytes of the printable character at the front of `text`; 0 when there is none.
 size_t PrintableLength(std::string_view text) {
   const auto character = FirstCharacter(text);
   return character && !IsControl(character->code) ? character->size : 0;
@@ -44,7 +44,7 @@ std::string EscapeAll(std::string_view text, std::string_view also) {
   return out;
 }
 
-// Reads the escape at the front of `text` (after its backslash) and cuts it off.
+// Removes the escape at the front of `text` (after its backslash) and returns its character.
 std::optional<char> ReadEscape(std::string_view& text) {
   if (text.empty()) return std::nullopt;
   const char letter = text[0];

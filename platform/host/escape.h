@@ -1,5 +1,5 @@
-// UTF-8 read character by character, and the escaped form of a log text: printable UTF-8 on one line, from which the
-// text comes back byte by byte.
+// Reading UTF-8 by character, and escaping log texts: the escaped form is one line of printable UTF-8 that unescapes to
+// the same bytes.
 #ifndef ORVEL_PLATFORM_HOST_ESCAPE_H_
 #define ORVEL_PLATFORM_HOST_ESCAPE_H_
 
@@ -15,18 +15,18 @@ struct Character {
   char32_t code;
 };
 
-// The character that `text`, which is not empty, begins with. Nothing when it begins with no UTF-8: overlong forms,
-// surrogates and what lies beyond U+10FFFF are none.
+// The first character of `text`, which is not empty. Nothing when it is not valid UTF-8; overlong forms, surrogates and
+// values above U+10FFFF are invalid.
 std::optional<Character> FirstCharacter(std::string_view text);
 
-// Is it a control character: one of C0 or C1, or DEL?
+// Is it a control character (C0, C1 or DEL)?
 constexpr bool IsControl(char32_t code) { return code < 0x20 || (code >= 0x7F && code < 0xA0); }
 
-// Escapes backslashes, control characters (those of a terminal's upper range too) and bytes that are no UTF-8.
+// Escapes backslashes, control characters (C0, C1, DEL) and bytes that are not UTF-8.
 std::string EscapeText(std::string_view text);
-// As EscapeText, and spaces too.
+// Like EscapeText, and escapes spaces too.
 std::string EscapeWord(std::string_view word);
-// Undoes either. Nothing when `text` holds an escape that they do not write.
+// The inverse of both. Nothing when `text` has an escape that they do not write.
 std::optional<std::string> UnescapeText(std::string_view text);
 
 }  // namespace host

@@ -15,7 +15,7 @@
 namespace host {
 namespace {
 
-// Makes the file; `sync` waits until it is on the disk.
+// Creates the file; with `sync`, waits until it is on the disk.
 void CreateWith(const std::filesystem::path& file, std::string_view content, bool sync) {
   const UniqueFd fd(open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
   if (!fd) ThrowFileError(file, "create", errno);
@@ -95,7 +95,7 @@ void MakeDirectory(const std::filesystem::path& path) {
 void ReplaceFile(const std::filesystem::path& file, std::string_view content) {
   std::filesystem::path fresh = file;
   fresh += ".new-" + std::to_string(getpid());
-  unlink(fresh.c_str());  // of an earlier process with our id
+  unlink(fresh.c_str());  // left by an earlier process with the same id
   CreateWith(fresh, content, true);
   if (rename(fresh.c_str(), file.c_str()) == 0) return;
   const int error = errno;

@@ -1,4 +1,4 @@
-// Whole files, read and written, with every error as a DeviceError.
+// Reading and writing whole files. Every error is a DeviceError.
 #ifndef ORVEL_PLATFORM_HOST_FILES_H_
 #define ORVEL_PLATFORM_HOST_FILES_H_
 
@@ -11,14 +11,14 @@ namespace host {
 // The system's text for `error`.
 std::string ErrorText(int error);
 
-// What usually helps against `error`, as the end of a sentence ("; free some space and try again"), or nothing.
+// The usual remedy for `error` as the end of a sentence ("; free some space and try again"); empty when there is none.
 std::string_view UsualWayOut(int error);
 
-// Throws a DeviceError "FILE: cannot ACTION: TEXT OF ERROR", followed by the way out where there is a usual one.
+// Throws a DeviceError "FILE: cannot ACTION: ERROR TEXT", followed by the usual remedy if there is one.
 [[noreturn]] void ThrowFileError(const std::filesystem::path& file, std::string_view action, int error);
 
-// Does `work` and gives its result; an error of the standard library becomes one of ThrowFileError. `path` is named
-// where the library names none.
+// Calls `work` and returns its result. Turns an error of the standard library into ThrowFileError's, with `path` when
+// the library names no path.
 template <typename Work>
 auto WithFileErrors(const std::filesystem::path& path, std::string_view action, const Work& work) {
   try {
@@ -31,23 +31,23 @@ auto WithFileErrors(const std::filesystem::path& path, std::string_view action, 
 // Reads the whole file. Throws DeviceError.
 std::string ReadFile(const std::filesystem::path& file);
 
-// Appends what is still to be read to `content`. Returns 0, or the error number of the read that failed.
+// Appends the unread rest to `content`. Returns 0, or the error number of the failed read.
 int ReadToEnd(int fd, std::string& content);
-// What an open file holds from its beginning on, as far as it can be read.
+// The content of an open file from its start, as far as it can be read.
 std::string ReadFromStart(int fd);
 
-// Writes all of `data`, in as many writes as it takes. Returns 0, or the error number of the write that failed.
+// Writes all of `data`, with several writes if necessary. Returns 0, or the error number of the failed write.
 int WriteAll(int fd, std::string_view data);
 
-// Makes a new file holding `content`. Throws DeviceError, also when the file exists already; a file that could not be
-// completed is removed again.
+// Creates a file with `content`. Throws DeviceError, also when the file exists already. Removes a file that could not
+// be completed.
 void CreateFile(const std::filesystem::path& file, std::string_view content);
 
-// Makes the directory `path` and those above it. Throws DeviceError.
+// Creates the directory `path` and its missing parents. Throws DeviceError.
 void MakeDirectory(const std::filesystem::path& path);
 
-// Puts `content` in the place of the file in one step: a reader sees the old file or the new one, also after a crash.
-// Throws DeviceError and then leaves the old file.
+// Replaces the file in one step: a reader sees the old content or the new, also after a crash. On failure throws
+// DeviceError and keeps the old file.
 void ReplaceFile(const std::filesystem::path& file, std::string_view content);
 
 }  // namespace host

@@ -1,4 +1,4 @@
-// Choosing the way to the fixed paths and running a child with it.
+// Chooses the method for the fixed paths and runs a child with it.
 #include "platform/host/fixed_paths.h"
 
 #include <unistd.h>
@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 constexpr const char* kHowToAllow =
     "allow user namespaces (sysctl user.max_user_namespaces; in a container, its security options)";
 
-// Why `method` does not work here, or nothing.
+// Why `method` does not work here; nothing when it works.
 std::optional<std::string> ObstacleTo(FixedPathsMethod method) {
   try {
     const HeldSignals signals;
@@ -66,14 +66,14 @@ ChildOutcome RunInNamespace(FixedPathsMethod method, const fs::path& root, const
   const bool with_user = method == FixedPathsMethod::kUserNamespace;
   const auto set_up = [&] {
     EnterMountNamespace(with_user);
-    LayFixedPathsOver(root);
+    MountFixedPaths(root);
     if (with_user) DropNamespacePrivileges();
   };
   return RunChild(signals, set_up, body);
 }
 
 ChildOutcome RunInPlace(const fs::path& root, const std::function<int()>& body) {
-  const UniqueFd turn = TakeTurnInPlace();  // waits, and may be interrupted while it does
+  const UniqueFd turn = LockFixedPaths();  // may wait for other processes; a signal can interrupt that
   const HeldSignals signals;
   const InPlaceLinks links(turn, root);
   return RunChild(

@@ -1,4 +1,4 @@
-// Working in place. The lock file holds what is made at the fixed paths, as JSON; it is empty between runs.
+// The in-place method. The lock file lists, as JSON, what is made at the fixed paths; it is empty between runs.
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -19,7 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// What a run makes: links (fixed path to target) and the directories above them, the outermost first.
+// What a run creates: links (fixed path to target) and the directories above them, the outermost first.
 struct Made {
   std::vector<std::pair<std::string, std::string>> links;
   std::vector<std::string> directories;
@@ -30,7 +30,7 @@ fs::path LockFilePath() {
   return access("/run/lock", W_OK) == 0 ? fs::path("/run/lock") / kName : fs::path("/tmp") / kName;
 }
 
-// Opens the lock file, which lies where everybody may write: one of another user is refused. Throws DeviceError.
+// Opens the lock file in a directory that all users can write to; refuses a file of another user. Throws DeviceError.
 UniqueFd OpenLockFile() {
   const fs::path path = LockFilePath();
   UniqueFd fd(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
@@ -44,7 +44,7 @@ Made ReadRecord(int lock_file) try {
   const Json json = ParseJson(ReadFromStart(lock_file));
   return {json.at("links"), json.at("directories")};
 } catch (const Json::exception&) {
-  return {};  // empty, or cut short before anything was made
+  return {};  // empty, or incomplete because nothing was made yet
 }
 
 void WriteRecord(int lock_file, const Made& made) {
@@ -60,7 +60,7 @@ bool IsFixedPath(const std::string& path) {
   return std::find(std::begin(kFixedPaths), std::end(kFixedPaths), path) != std::end(kFixedPaths);
 }
 
-// Removes what the lock file lists, provided that it still is what was made, and empties the file.
+// Removes what the lock file lists, if it is still what was made, and empties the file.
 void RemoveRecorded(int lock_file) {
   const Made made = ReadRecord(lock_file);
   std::error_code ignored;
@@ -87,7 +87,7 @@ std::optional<std::string> ObstacleAtFixedPaths() {
   return std::nullopt;
 }
 
-// What has to be made for `root`.
+// What must be created for `root`.
 Made Plan(const fs::path& root) {
   Made made;
   std::error_code ignored;
@@ -117,7 +117,7 @@ void Make(const Made& made) {
 
 std::optional<std::string> ObstacleInPlace() try {
   const UniqueFd lock = OpenLockFile();
-  // Another run has its turn: it got past the obstacles, and will have removed what it made when ours comes.
+  // Another run holds the lock. It passed these checks and removes its links before it releases the lock.
   if (flock(lock.get(), LOCK_EX | LOCK_NB) != 0) return std::nullopt;
   RemoveRecorded(lock.get());
   return ObstacleAtFixedPaths();
@@ -125,7 +125,7 @@ std::optional<std::string> ObstacleInPlace() try {
   return error.what();
 }
 
-UniqueFd TakeTurnInPlace() {
+UniqueFd LockFixedPaths() {
   UniqueFd lock = OpenLockFile();
   while (flock(lock.get(), LOCK_EX) != 0) {
     if (errno != EINTR) ThrowFileError(LockFilePath(), "lock", errno);

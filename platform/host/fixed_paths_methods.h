@@ -1,5 +1,5 @@
-// The two ways to the fixed paths: a private mount namespace (fixed_paths_mounts.cc), for a child process that will not
-// go back, and symbolic links on the machine itself, for one process at a time (fixed_paths_in_place.cc).
+// The two methods for the fixed paths: a private mount namespace (fixed_paths_mounts.cc), which the child process keeps
+// to its end, and symbolic links on the machine (fixed_paths_in_place.cc), for one process at a time.
 #ifndef ORVEL_PLATFORM_HOST_FIXED_PATHS_METHODS_H_
 #define ORVEL_PLATFORM_HOST_FIXED_PATHS_METHODS_H_
 
@@ -11,32 +11,32 @@
 
 namespace host {
 
-// Gives the calling process, which must have one thread, a mount namespace of its own in which it may mount; an
-// ordinary user gets a user namespace with it (`with_user`), root needs none. Throws DeviceError.
+// Puts the calling process, which must have one thread, into a new mount namespace in which it may mount. `with_user`
+// adds a user namespace, which an ordinary user needs and root does not. Throws DeviceError.
 void EnterMountNamespace(bool with_user);
 
-// In such a namespace: lays the fixed paths of `root` over the machine's; those that `root` does not have are not there
-// afterwards. The working directory stays the same directory. Throws DeviceError.
-void LayFixedPathsOver(const std::filesystem::path& root);
+// In such a namespace: shows the content of `root` at the fixed paths. A fixed path that `root` does not have is
+// missing there. The working directory stays the same. Throws DeviceError.
+void MountFixedPaths(const std::filesystem::path& root);
 
-// Finds out whether mounting works at all, in such a namespace that is of no use afterwards. Throws DeviceError.
+// Tests whether mounting works, in such a namespace, which is unusable afterwards. Throws DeviceError.
 void TryMounting();
 
-// Gives up the privileges that a user namespace brought to an ordinary user; root keeps them.
+// Drops the privileges that a user namespace gave to an ordinary user. Root keeps its own.
 void DropNamespacePrivileges();
 
-// Why this process cannot work in place, in a few words, or nothing. Removes what a killed run left behind.
+// Why this process cannot work in place, in a few words; nothing when it can. Removes the links of a killed run.
 std::optional<std::string> ObstacleInPlace();
 
-// This process's turn at the fixed paths, until the descriptor is closed. A child process shares it: the turn ends with
-// the last one. Waits until other processes are done, then removes what a killed one left behind. Throws DeviceError.
-UniqueFd TakeTurnInPlace();
+// Locks the fixed paths for this process. The lock is released when the last copy of the descriptor is closed, a
+// child's included. Waits for other processes, then removes the links of a killed run. Throws DeviceError.
+UniqueFd LockFixedPaths();
 
-// Links at the fixed paths to those of `root`, removed at the object's end together with the directories made for
-// them. They are noted in the lock file first, so that the next run can remove them if this one is killed.
+// Links at the fixed paths to those of `root`. The destructor removes them and the directories made for them. They are
+// recorded in the lock file first, so that the next run can remove them if this one is killed.
 class InPlaceLinks {
  public:
-  // `turn` must outlive the links. Throws DeviceError when a fixed path exists or a link cannot be made.
+  // `turn` must outlive this object. Throws DeviceError when a fixed path exists or a link cannot be made.
   InPlaceLinks(const UniqueFd& turn, const std::filesystem::path& root);
   InPlaceLinks(const InPlaceLinks&) = delete;
   InPlaceLinks& operator=(const InPlaceLinks&) = delete;

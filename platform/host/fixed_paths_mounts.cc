@@ -1,4 +1,4 @@
-// Mounting a device's directories at the fixed paths.
+// Mounts a device's directories at the fixed paths.
 #include <dirent.h>
 #include <fcntl.h>
 #include <linux/capability.h>
@@ -39,7 +39,7 @@ void WriteProcFile(const char* file, const std::string& content) {
 
 std::string SameId(unsigned id) { return std::to_string(id) + " " + std::to_string(id) + " 1"; }
 
-// The file behind a descriptor, also where its path now leads elsewhere.
+// A path to the file behind a descriptor, valid even when the file's own path now leads elsewhere.
 std::string PathOf(const UniqueFd& fd) { return "/proc/self/fd/" + std::to_string(fd.get()); }
 
 bool Bind(const std::string& source, const fs::path& target) {
@@ -75,7 +75,7 @@ void CopyLink(const UniqueFd& directory, const std::string& name, const fs::path
 
 bool MakeEmptyFile(const fs::path& file) { return mknod(file.c_str(), S_IFREG | 0644, 0) == 0; }
 
-// Shows the entry `name` of `directory` at `copy` as well. What cannot be shown is left out.
+// Makes the entry `name` of `directory` visible at `copy` as well. Skips what cannot be mounted.
 void MirrorEntry(const UniqueFd& directory, const std::string& name, const fs::path& copy) {
   struct stat status {};
   if (fstatat(directory.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return;
@@ -93,15 +93,15 @@ void MountTmpfs(const fs::path& target, mode_t mode) {
   }
 }
 
-// Replaces a directory of the machine by one of ours that shows the same entries but `omitted`, and to which entries
-// can be added.
+// Mounts over a directory of the machine a new one that has the same entries except `omitted`, and to which entries can
+// be added.
 void Mirror(const fs::path& directory, const std::string& omitted) {
   const UniqueFd original(open(directory.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
   struct stat status {};
   if (!original || fstat(original.get(), &status) != 0) ThrowSystemError("open " + directory.string(), errno);
   const auto names = EntriesOf(original, directory);
   MountTmpfs(directory, status.st_mode);
-  // What is mounted over "/" is its ".."; "/" itself stays what it was until this process moves there.
+  // The ".." of "/" is what is mounted over it; "/" itself is unchanged until this process moves there.
   const bool is_root = directory == "/";
   for (const auto& name : names) {
     if (name != omitted) MirrorEntry(original, name, (is_root ? "/.." : directory) / fs::path(name));
@@ -109,7 +109,7 @@ void Mirror(const fs::path& directory, const std::string& omitted) {
   if (is_root && (chdir("/..") != 0 || chroot(".") != 0)) ThrowSystemError("change to the mirrored \"/\"", errno);
 }
 
-// Closes a mirrored directory: what a program writes beside the fixed paths fails there instead of vanishing.
+// Makes a mirrored directory read-only: a program that writes beside the fixed paths fails instead of losing its files.
 void CloseMirror(const fs::path& directory) {
   const unsigned long flags = MS_REMOUNT | MS_BIND | MS_RDONLY | MS_NOSUID | MS_NODEV;
   if (mount(nullptr, directory.c_str(), nullptr, flags, nullptr) != 0) {
@@ -124,10 +124,10 @@ void MakeMountPoint(const fs::path& path, bool is_directory) {
   if (!is_directory && !MakeEmptyFile(path)) ThrowSystemError("make " + path.string(), errno);
 }
 
-// A fixed path and what of the device belongs there, opened before any mount hides it.
+// A fixed path and the device's file or directory for it, opened before a mount can hide it.
 struct Overlay {
   fs::path target;
-  UniqueFd source;  // none: the device has nothing there
+  UniqueFd source;  // none: the device does not have it
   bool is_directory = false;
 };
 
@@ -138,8 +138,8 @@ Overlay OpenOverlay(const fs::path& root, const fs::path& target) {
   return overlay;
 }
 
-// Mirrors the nearest directory above the target that exists, with the device's thing in it, or nothing.
-void LayIntoMirror(const Overlay& overlay) {
+// Mirrors the nearest existing directory above the target and adds the device's entry to it, if there is one.
+void MountIntoMirror(const Overlay& overlay) {
   fs::path parent = overlay.target.parent_path();
   std::error_code error;
   while (!fs::is_directory(parent, error)) parent = parent.parent_path();
@@ -150,22 +150,22 @@ void LayIntoMirror(const Overlay& overlay) {
   CloseMirror(parent);
 }
 
-// A link is not mounted upon: it may be that of a process that works in place, and go meanwhile.
-void Lay(const Overlay& overlay) {
+// Does not mount on a link: it may belong to a process that works in place, and disappear.
+void MountOverlay(const Overlay& overlay) {
   std::error_code error;
   const fs::file_status status = fs::symlink_status(overlay.target, error);
-  if (fs::is_symlink(status) || fs::exists(status) != static_cast<bool>(overlay.source)) LayIntoMirror(overlay);
+  if (fs::is_symlink(status) || fs::exists(status) != static_cast<bool>(overlay.source)) MountIntoMirror(overlay);
   if (overlay.source && !Bind(PathOf(overlay.source), overlay.target)) {
     ThrowSystemError("mount at " + overlay.target.string(), errno);
   }
 }
 
-// Keeps the process in its working directory while mounts change what its path leads to.
+// Restores the working directory after mounts changed what its path leads to.
 class WorkingDirectory {
  public:
   WorkingDirectory() : directory_(open(".", O_PATH | O_DIRECTORY | O_CLOEXEC)), path_(Path()) {}
 
-  // Goes back by the path where it still leads there, so that ".." leads on within the new mounts.
+  // Returns by path if the path still leads there, so that ".." continues within the new mounts.
   void GoBack() const {
     const UniqueFd by_path(open(path_.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     const UniqueFd& target = by_path && SameFile(by_path, directory_) ? by_path : directory_;
@@ -173,7 +173,7 @@ class WorkingDirectory {
   }
 
  private:
-  // Empty when the directory is gone.
+  // Empty when the directory was deleted.
   static fs::path Path() {
     std::error_code gone;
     return fs::current_path(gone);
@@ -193,22 +193,22 @@ class WorkingDirectory {
 void EnterMountNamespace(bool with_user) {
   const unsigned uid = geteuid();
   const unsigned gid = getegid();
-  prctl(PR_SET_DUMPABLE, 1);  // a process that has changed its user may write in its own /proc only then
+  prctl(PR_SET_DUMPABLE, 1);  // after a change of user, a process may write in its own /proc only when it is dumpable
   if (unshare(CLONE_NEWNS | (with_user ? CLONE_NEWUSER : 0)) != 0) {
     ThrowSystemError(with_user ? "make a user namespace" : "make a mount namespace", errno);
   }
   if (!with_user) return;
-  WriteProcFile("/proc/self/setgroups", "deny");  // the kernel asks for it before it takes a group
+  WriteProcFile("/proc/self/setgroups", "deny");  // the kernel requires this before it accepts a group
   WriteProcFile("/proc/self/uid_map", SameId(uid));
   WriteProcFile("/proc/self/gid_map", SameId(gid));
 }
 
-void LayFixedPathsOver(const fs::path& root) {
+void MountFixedPaths(const fs::path& root) {
   const WorkingDirectory working_directory;
   std::vector<Overlay> overlays;
   for (const char* target : kFixedPaths) overlays.push_back(OpenOverlay(root, target));
   MakeMountsPrivate();
-  for (const auto& overlay : overlays) Lay(overlay);
+  for (const auto& overlay : overlays) MountOverlay(overlay);
   working_directory.GoBack();
 }
 

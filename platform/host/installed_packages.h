@@ -1,5 +1,5 @@
-// The packages of the device that the environment names, as the platform's libraries ask for them, and the records that
-// these hand out by an untyped handle.
+// The packages of the device that the environment names, for the platform's libraries, and the records that these
+// return as untyped handles.
 #ifndef ORVEL_PLATFORM_HOST_INSTALLED_PACKAGES_H_
 #define ORVEL_PLATFORM_HOST_INSTALLED_PACKAGES_H_
 
@@ -13,14 +13,14 @@
 
 namespace host {
 
-// An application together with what its record tells of its package.
+// An application and the parts of its package's record that its own record includes.
 struct InstalledApplication {
   Application application;
   std::string package_id;
   std::string package_root;
 };
 
-// Nothing when there is no such package, or no device. The functions throw DeviceError when the database refuses.
+// Nothing when there is no such package, or no device. These functions throw DeviceError when the database fails.
 std::optional<Package> FindInstalledPackage(const std::string& package_id);
 
 // Nothing when there is no such application, or no device.
@@ -30,7 +30,7 @@ std::optional<InstalledApplication> FindInstalledApplication(const std::string& 
 // there is no device.
 std::vector<InstalledApplication> FindInstalledApplications(const std::vector<MetadataEntry>& entries);
 
-// Makes a record of what `find` gives for `id`, and a handle to it. Returns 0, or -1.
+// Creates a record from what `find` returns for `id`, and a handle to it. Returns 0, or -1.
 template <typename Find>
 int MakeRecord(const char* id, void** handle, const Find& find) {
   if (id == nullptr || handle == nullptr) return -1;

@@ -1,4 +1,4 @@
-// The library's parser and writer.
+// Parsing and writing JSON.
 #include "platform/host/json.h"
 
 #include <nlohmann/json.hpp>

@@ -1,4 +1,4 @@
-// JSON as it is read and written here, in one source, because the parser and writer take long to compile.
+// Parsing and writing JSON, in one source file, because nlohmann's parser and writer take long to compile.
 #ifndef PLATFORM_HOST_JSON_H_
 #define PLATFORM_HOST_JSON_H_
 
@@ -10,12 +10,12 @@ namespace host {
 
 using Json = nlohmann::ordered_json;
 
-// The document; when the text is none, a value that is neither object nor array.
+// The parsed document. For invalid text, a value that is neither object nor array.
 Json ParseJson(std::string_view text);
 
-// In one line, or over several when an indentation is given. What is no UTF-8 becomes U+FFFD.
+// On one line, or indented when an indentation is given. Bytes that are not UTF-8 become U+FFFD.
 std::string JsonText(const Json& json, int indentation = -1);
-// As JsonText, in ASCII without control characters, which is safe on a terminal.
+// Like JsonText, but ASCII without control characters, which is safe on a terminal.
 std::string AsciiJson(const Json& json, int indentation = -1);
 
 }  // namespace host

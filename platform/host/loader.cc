@@ -26,7 +26,7 @@ void Load(const fs::path& file, std::vector<std::string>* entries) {
   for (const auto& entry : *entries) CheckEntry(file, entry);
 }
 
-// How often a loader was started before; a record that is missing or damaged counts nothing.
+// How often a loader was started before; 0 when the record is missing or damaged.
 unsigned long EarlierStarts(const fs::path& record) {
   std::error_code error;
   if (!fs::exists(record, error)) return 0;

@@ -1,4 +1,4 @@
-// dotnet-loader-inhouse: the candidate loader of a desk. It loads nothing; it finds out whether a loader could.
+// dotnet-loader-inhouse: the desk's candidate loader. It loads nothing and checks whether a loader could.
 #include <cstdio>
 
 #include "platform/host/loader.h"

@@ -1,4 +1,4 @@
-// Writing and reading the device's log.
+// Writes and reads the device's log.
 #include "platform/host/log_file.h"
 
 #include <fcntl.h>
@@ -40,9 +40,9 @@ std::string RecordLine(char priority, std::string_view tag, std::string_view tex
   return line;
 }
 
-// Truncates a record that was written in part, for want of space, so that the next record gets a line of its own. Does
-// nothing once another writer has appended to it.
-void TakeBack(int fd, off_t length) {
+// Truncates a record that was written partially for lack of space, so that the next record starts on its own line. Does
+// nothing when another writer has appended to it.
+void RemovePartialRecord(int fd, off_t length) {
   struct stat status {};
   const off_t end = lseek(fd, 0, SEEK_CUR);
   if (end < length || fstat(fd, &status) != 0 || status.st_size != end) return;
@@ -58,7 +58,7 @@ bool HasShape(std::string_view text, std::string_view shape) {
   return true;
 }
 
-// Cuts the text up to the next space off the front of `rest`. Nothing when there is no space.
+// Removes the text up to the next space from the front of `rest` and returns it. Nothing when there is no space.
 std::optional<std::string_view> NextField(std::string_view& rest) {
   const size_t end = rest.find(' ');
   if (end == std::string_view::npos) return std::nullopt;
@@ -91,7 +91,7 @@ bool AppendLogRecord(const std::filesystem::path& file, char priority, std::stri
   if (!fd) return false;
   const ssize_t written = write(fd.get(), line.data(), line.size());
   if (written == static_cast<ssize_t>(line.size())) return true;
-  if (written > 0) TakeBack(fd.get(), written);
+  if (written > 0) RemovePartialRecord(fd.get(), written);
   return false;
 } catch (const std::exception&) {
   return false;

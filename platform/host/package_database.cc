@@ -1,4 +1,4 @@
-// Opening the package database, making its tables, and errors.
+// Opens the package database, creates its tables, and reports errors.
 #include "platform/host/package_database.h"
 
 #include <sqlite3.h>
@@ -70,8 +70,8 @@ std::string ImmutableUri(const std::filesystem::path& file) {
   return "file:" + PercentEncoded(file.native(), plain) + "?immutable=1";
 }
 
-// A write-ahead log needs an index file beside it. Who cannot make one, for want of rights or space, can still read a
-// database without a log: it is complete in itself.
+// A write-ahead log needs an index file beside it. A process that cannot create one, for lack of rights or space, can
+// still read a database without a log, because that is complete in one file.
 bool IsOnlyReadableAsImmutable(SQLite::Database& database, const std::filesystem::path& file) {
   const int kind = database.tryExec("PRAGMA schema_version") & 0xFF;
   std::error_code ignored;
@@ -84,10 +84,10 @@ int SchemaVersion(SQLite::Database& database) { return database.execAndGet("PRAG
 
 void CreateTables(SQLite::Database& database) {
   if (SchemaVersion(database) != 0) return;
-  // Not every file system can hold a write-ahead log; SQLite then stays with its rollback journal.
+  // Some file systems do not support a write-ahead log; SQLite then keeps its rollback journal.
   database.exec("PRAGMA journal_mode = WAL");
   SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
-  if (SchemaVersion(database) == 0) {  // unless another process was quicker
+  if (SchemaVersion(database) == 0) {  // unless another process created the tables first
     database.exec(kTables);
     database.exec("PRAGMA user_version = " + std::to_string(kSchemaVersion));
   }

@@ -1,4 +1,4 @@
-// The package database: its changes and its questions.
+// Changes and queries of the package database.
 #include "platform/host/package_store.h"
 
 #include <SQLiteCpp/VariadicBind.h>
@@ -70,7 +70,7 @@ void InsertPackage(const Database& database, const Package& package) {
   }
 }
 
-// Calls `take` with every row that `sql` gives for `id`.
+// Calls `take` for every row that `sql` returns for `id`.
 template <typename Take>
 void ForEachRow(const Database& database, const char* sql, const std::string& id, const Take& take) {
   Statement row(database, sql);
@@ -78,7 +78,7 @@ void ForEachRow(const Database& database, const char* sql, const std::string& id
   while (row.executeStep()) take(row);
 }
 
-// The package of a row (id, version, type, root, main_app_id).
+// The package in a row (id, version, type, root, main_app_id).
 Package ReadPackage(const Database& database, Statement& own) {
   Package package{Text(own, 0), Text(own, 1), Text(own, 2), Text(own, 3), Text(own, 4), {}, {}};
   ForEachRow(database, "SELECT id, kind, type, exec FROM applications WHERE package_id = ?1 ORDER BY position",
@@ -151,7 +151,7 @@ std::optional<Package> PackageStore::FindByApplication(const std::string& app_id
   return First(Select("id = (SELECT package_id FROM applications WHERE id = ?1)", app_id));
 }
 
-// No id is smaller than the empty one.
+// The empty id is the smallest.
 std::vector<Package> PackageStore::List() const { return Select("id >= ?1 ORDER BY id", ""); }
 
 std::vector<std::pair<std::string, std::string>> PackageStore::ApplicationsWithMetadata(

@@ -1,4 +1,4 @@
-// Percent encoding, as URIs and project files have it.
+// Percent encoding for URIs and project files.
 #ifndef ORVEL_PLATFORM_HOST_PERCENT_ENCODING_H_
 #define ORVEL_PLATFORM_HOST_PERCENT_ENCODING_H_
 
@@ -7,7 +7,7 @@
 
 namespace host {
 
-// `text` with "%" and two digits in the place of every byte that is not `plain`.
+// `text` with "%" and two hexadecimal digits in place of every byte that is not `plain`.
 template <typename IsPlain>
 std::string PercentEncoded(const std::string& text, const IsPlain& plain) {
   static constexpr std::string_view kDigits = "0123456789ABCDEF";

@@ -1,6 +1,6 @@
 #!/bin/sh
-# enter.sh ROOT COMMAND…: runs COMMAND in /material of the root file system in the directory ROOT. To be started in mount
-# and pid namespaces of its own.
+# enter.sh ROOT COMMAND…: runs COMMAND in /material of the root file system in the directory ROOT. Start it in new mount
+# and pid namespaces.
 set -eu
 
 root=$1

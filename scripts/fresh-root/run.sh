@@ -1,8 +1,8 @@
 #!/bin/sh
-# run.sh ROOT COMMAND…: runs COMMAND as root in a fresh Debian root file system, in the directory /material, which holds
-# what the tar archive on standard input brings. ROOT is the code name of a release, which debootstrap makes (from the
-# mirror $DEBIAN_MIRROR where that is set), or a directory with a root file system, which is copied. Needs root and, for
-# packages, a mirror; changes nothing but a temporary directory, which goes in the end.
+# run.sh ROOT COMMAND…: runs COMMAND as root in a fresh Debian root file system, in the directory /material, into which
+# it unpacks the tar archive on standard input. ROOT is the code name of a release, which debootstrap installs (from the
+# mirror $DEBIAN_MIRROR if set), or a directory with a root file system, which is copied. Needs root and, for packages,
+# a mirror. Changes only a temporary directory, which is removed at the end.
 set -eu
 
 if [ "$(id -u)" -ne 0 ]; then
@@ -28,5 +28,5 @@ cp -L /etc/resolv.conf "$root/etc/resolv.conf"
 mkdir "$root/material"
 tar -x --no-same-owner -C "$root/material"
 
-# The mounts and the processes live in namespaces of their own, and end with them.
+# The mounts and processes are in new namespaces and end with them.
 unshare --mount --pid --fork --kill-child "$here/enter.sh" "$root" "$@" </dev/null

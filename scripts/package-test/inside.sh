@@ -1,6 +1,6 @@
 #!/bin/sh
-# inside.sh: what is tried in the fresh root file system; the working directory holds the packages. Ends at the first
-# thing that goes otherwise than told.
+# inside.sh: the test inside the fresh root file system; the working directory has the packages. Fails at the first
+# unexpected result.
 set -eu
 
 fail() {

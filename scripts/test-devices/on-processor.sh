@@ -1,10 +1,10 @@
 #!/bin/sh
-# on-processor.sh PROCESSOR SYSROOT COMMAND…: runs the command where the kernel starts programs for that processor like
-# any others: by qemu, through a table of its own in a user namespace of its own (Linux 6.7 and later). The machine's own
-# table stays as it is. Users and groups are those of the caller.
+# on-processor.sh PROCESSOR SYSROOT COMMAND…: runs the command where the kernel starts programs for that processor with
+# qemu, through a binfmt_misc table in a new user namespace (Linux 6.7 and later). The machine's own table does not
+# change. Users and groups are those of the caller.
 set -eu
 
-# The first 20 bytes of a program: 1 or 2 stands for its width, 28 or B7 for ARM of 32 or 64 bits.
+# The first 20 bytes of a program: 1 or 2 is its word size, 28 or B7 means 32-bit or 64-bit ARM.
 rule() {
   case $processor in
     armhf) width=01 machine=28 qemu=qemu-arm ;;
@@ -16,7 +16,7 @@ rule() {
     "$ones\x00\x00$ones\xfe\xff\xff\xff:$(command -v "$qemu"):F"
 }
 
-# As the namespace's root, once its users and groups are known.
+# Runs as the namespace's root, after its users and groups are mapped.
 inside() {
   mount -t binfmt_misc binfmt_misc /proc/sys/fs/binfmt_misc
   rule >/proc/sys/fs/binfmt_misc/register
@@ -26,7 +26,7 @@ inside() {
   exec unshare --user --map-user="$user" --map-group="$group" "$@"
 }
 
-# Root keeps all users and groups that it has here; anybody else becomes root and has no others.
+# Root keeps all its users and groups; any other user becomes root and has no others.
 tell_ids() {
   if [ "$user" -eq 0 ]; then
     awk '{ print $1, $1, $3 }' "/proc/self/$1"

@@ -1,6 +1,6 @@
 #!/bin/sh
-# inside.sh: what is tried in the fresh root file system, where the working directory holds the tree. The ordinary user
-# can install no packages, and goes on with what root has built.
+# inside.sh: the test inside the fresh root file system; the working directory has the tree. The ordinary user cannot
+# install packages and uses root's build.
 set -eu
 
 try() {

@@ -1,4 +1,5 @@
-// Sizes, members and slots of the classes that tools create and derive from, in the headers and in the built library.
+// Sizes, members and vtable slots of the classes that tools create and derive from, in the headers and the built
+// library.
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -43,7 +44,7 @@ class Layout : public testing::Test {
  protected:
   Layout() : library_(dlopen(MORVATH_LIBRARY, RTLD_NOW | RTLD_LOCAL)) {
     if (library_ == nullptr) throw std::runtime_error(dlerror());
-    // The library must not log to somebody's device.
+    // The library must not log to a real device.
     unsetenv("ORVELBOX_DEVICE");
     unsetenv("ORVEL_TRACE");
   }
@@ -55,7 +56,7 @@ class Layout : public testing::Test {
     return address;
   }
 
-  // How many pointers the table at `address` has.
+  // The number of pointers in the table at `address`.
   static std::size_t Length(const void* address) {
     Dl_info info{};
     void* symbol = nullptr;
@@ -63,7 +64,7 @@ class Layout : public testing::Test {
     return static_cast<const ElfW(Sym)*>(symbol)->st_size / sizeof(void*);
   }
 
-  // `type` is the class's name with its length before it. `answer` is what its last slot holds.
+  // `type` is the mangled class name: its length, then the name. `answer` is the function in its last slot.
   void ExpectReleasedTable(const std::string& type, const void* answer) const {
     void** const table = static_cast<void**>(Find("_ZTV" + type));
     EXPECT_EQ(Length(table), 5u) << type << ": virtual functions were added or lost; tools know three slots";
@@ -75,7 +76,7 @@ class Layout : public testing::Test {
   }
 
  private:
-  // No object is destroyed through the abstract base's own table, so some compilers leave those slots empty.
+  // The abstract base's own table destroys no object, so some compilers leave those slots empty.
   testing::Matcher<const void*> DestructorOf(const std::string& type, const std::string& kind) const {
     const testing::Matcher<const void*> destructor = testing::Eq(Find("_ZN" + type + kind));
     return type == kBase ? testing::AnyOf(testing::IsNull(), destructor) : destructor;

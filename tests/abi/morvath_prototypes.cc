@@ -1,4 +1,4 @@
-// What libmorvath.so was released with, but for the members of its classes.
+// The released functions and objects of libmorvath.so, except the members of its classes.
 #include <cstdint>
 #include <functional>
 #include <map>

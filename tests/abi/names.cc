@@ -1,4 +1,4 @@
-// Names and what is to be said of them.
+// Sets of symbol names, and messages about them.
 #include "tests/abi/names.h"
 
 #include <cxxabi.h>
@@ -30,7 +30,7 @@ Names Without(const Names& all, const Names& others) {
 }
 
 std::string InWords(const std::string& name) {
-  if (name.rfind("_Z", 0) != 0) return name;  // the demangler takes single letters for types
+  if (name.rfind("_Z", 0) != 0) return name;  // the demangler would read single letters as types
   int failed = 0;
   const std::unique_ptr<char, decltype(&std::free)> words(abi::__cxa_demangle(name.c_str(), nullptr, nullptr, &failed),
                                                           std::free);
@@ -63,8 +63,8 @@ const Difference kForgotten = {" hides ",
 const Difference kUnguarded = {" has a new name on its list, ",
                                ", whose prototype is not kept. Mention it in tests/abi", false};
 
-std::string Tell(const Names& names, const std::string& library, const Difference& difference,
-                 const Versions& versions) {
+std::string Describe(const Names& names, const std::string& library, const Difference& difference,
+                     const Versions& versions) {
   const std::string raise = std::string(", and raise the ") + (difference.breaks ? "first" : "second") +
                             " number of \"# interface\" in plugin/exported_symbols.txt (" + versions.now + " -> " +
                             (difference.breaks ? versions.after_break : versions.after_addition) + ").\n";

@@ -1,4 +1,4 @@
-// Names of symbols: which ones there should be, how they differ, and that in words. No files are read here.
+// Symbol names: the expected ones, differences between sets, and messages about differences. No files are read here.
 #ifndef TESTS_ABI_NAMES_H_
 #define TESTS_ABI_NAMES_H_
 
@@ -13,10 +13,10 @@ using support::Names;
 // The names in `all` that are not in `others`.
 Names Without(const Names& all, const Names& others);
 
-// The declaration behind a mangled name, as a person would write it; a name of C as it is.
+// The declaration for a mangled name, as it is written in source code; a C name unchanged.
 std::string InWords(const std::string& name);
 
-// The interface's version in the text of a list, and the versions that follow a break and an addition.
+// The interface's version in a list, and the next versions after a break and after an addition.
 struct Versions {
   std::string now;
   std::string after_break;
@@ -24,7 +24,7 @@ struct Versions {
 };
 Versions ReadVersions(const std::string& list);
 
-// A way in which a library and its list differ: what the library did, the way out, and whether tools break.
+// A way in which a library and its list differ: what the library did, how to correct it, and whether tools break.
 struct Difference {
   const char* verb;
   const char* way_out;
@@ -35,13 +35,13 @@ extern const Difference kAdded;
 extern const Difference kForgotten;
 extern const Difference kUnguarded;
 
-// What differs, each name with the way out; one paragraph per name.
-std::string Tell(const Names& names, const std::string& library, const Difference& difference,
-                 const Versions& versions);
+// The differences, each name with the correction; one paragraph per name.
+std::string Describe(const Names& names, const std::string& library, const Difference& difference,
+                     const Versions& versions);
 
-// The members of `path_manager` (a subclass of AotPathManager, or it itself) that tools use, tables included.
+// The members of `path_manager` (AotPathManager or a subclass) that tools use, tables included.
 Names PathManagerMembers(const std::string& path_manager);
-// Those of FunctionEntryExitTracker.
+// The same for FunctionEntryExitTracker.
 Names TrackerMembers();
 
 }  // namespace abi_guard

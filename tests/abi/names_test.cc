@@ -1,4 +1,4 @@
-// What is said about a difference.
+// The messages about differences.
 #include "tests/abi/names.h"
 
 #include <gtest/gtest.h>
@@ -31,10 +31,10 @@ TEST(Names, a_list_without_a_version_has_none) {
 }
 
 TEST(Names, each_that_differs_is_told_with_the_way_out_and_the_version_after_it) {
-  EXPECT_EQ(Tell({"_Z1fv"}, "lib.so", {" did ", ", which is bad. Mend it", true}, kVersions),
+  EXPECT_EQ(Describe({"_Z1fv"}, "lib.so", {" did ", ", which is bad. Mend it", true}, kVersions),
             "lib.so did f() [_Z1fv], which is bad. Mend it, and raise the first number of \"# interface\" in "
             "plugin/exported_symbols.txt (1.4 -> 2.0).\n");
-  EXPECT_EQ(Tell({"g", "h"}, "lib.so", {" did ", "", false}, kVersions),
+  EXPECT_EQ(Describe({"g", "h"}, "lib.so", {" did ", "", false}, kVersions),
             "lib.so did g [g], and raise the second number of \"# interface\" in plugin/exported_symbols.txt (1.4 -> "
             "1.5).\nlib.so did h [h], and raise the second number of \"# interface\" in plugin/exported_symbols.txt "
             "(1.4 -> 1.5).\n");

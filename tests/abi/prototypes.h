@@ -1,5 +1,5 @@
-// Lets a file mention released functions and objects by their exact types, so that the names which the compiler makes
-// of them are the undefined symbols of its object file.
+// Refers to released functions and objects by their exact types, so that their mangled names are undefined symbols of
+// the object file.
 #ifndef TESTS_ABI_PROTOTYPES_H_
 #define TESTS_ABI_PROTOTYPES_H_
 
@@ -7,7 +7,7 @@ namespace abi_guard {
 
 inline const volatile void* volatile last_mentioned;
 
-// Mentions `entity`; compiles only when its type, results included, is exactly `Type`.
+// Refers to `entity`. Compiles only if its type, including the result type, is exactly `Type`.
 template <typename Type>
 void Mention(Type& entity) {
   last_mentioned = reinterpret_cast<const volatile void*>(&entity);

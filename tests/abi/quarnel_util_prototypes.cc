@@ -1,4 +1,4 @@
-// What libquarnel_util.so was released with.
+// The released functions of libquarnel_util.so.
 #include "quarnel_util/quarnel_util.h"
 #include "tests/abi/prototypes.h"
 

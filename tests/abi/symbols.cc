@@ -1,4 +1,4 @@
-// Names out of lists and objects.
+// Reads names from lists and object files.
 #include "tests/abi/symbols.h"
 
 #include <cctype>
@@ -13,7 +13,8 @@ using support::Symbols;
 
 namespace {
 
-// The hooks, what lies in no namespace, and the metadata keys: anything else is a library's that the headers use.
+// The hooks, functions outside of namespaces, and the metadata keys. All other symbols come from other libraries'
+// headers.
 bool IsOwn(const std::string& name) {
   const bool global = name.rfind("_Z", 0) == 0 && name.size() > 2 && std::isdigit(static_cast<unsigned char>(name[2]));
   return global || name.rfind("PKGMGR_PARSER_PLUGIN_", 0) == 0 || name.rfind("_ZN11MetadataKey", 0) == 0;

@@ -1,4 +1,4 @@
-// The built libraries against their lists, and the lists against the released prototypes.
+// Compares the built libraries with their lists, and the lists with the released prototypes.
 #include "tests/abi/symbols.h"
 
 #include <gmock/gmock.h>
@@ -8,7 +8,7 @@
 
 namespace abi_guard {
 
-// How a failing test names its library.
+// How GoogleTest prints a library.
 static void PrintTo(const Library& library, std::ostream* stream) { *stream << library.name; }
 
 namespace {
@@ -17,7 +17,7 @@ const Library kMorvath = {"libmorvath.so", MORVATH_LIBRARY, MORVATH_LIST, OBJECT
 const Library kQuarnelUtil = {"libquarnel_util.so", QUARNEL_UTIL_LIBRARY, QUARNEL_UTIL_LIST,
                               OBJECT_LISTS "/quarnel_util_objects.txt"};
 
-// Nobody can call the complete constructor of an abstract class, so clang makes none.
+// Nobody can call the complete constructor of an abstract class, so clang omits it.
 Names LeftOutByTheCompiler() {
 #ifdef __clang__
   return {"_ZN14AotPathManagerC1Ev"};
@@ -26,7 +26,7 @@ Names LeftOutByTheCompiler() {
 #endif
 }
 
-// The names in `expected` that should be in `present` and are not.
+// The names in `expected` that are missing in `present`.
 Names Lost(const Names& expected, const Names& present) {
   return Without(Without(expected, present), LeftOutByTheCompiler());
 }
@@ -35,8 +35,8 @@ class Interface : public testing::TestWithParam<Library> {
  protected:
   const Library& library() const { return GetParam(); }
   const Versions& versions() const { return versions_; }
-  std::string Told(const Names& names, const Difference& difference) const {
-    return Tell(names, library().name, difference, versions_);
+  std::string Explained(const Names& names, const Difference& difference) const {
+    return Describe(names, library().name, difference, versions_);
   }
 
   // Everything that was released in the library.
@@ -60,36 +60,36 @@ TEST_P(Interface, has_a_version) {
 
 TEST_P(Interface, the_library_shows_all_that_is_listed) {
   const Names lost = Lost(Listed(library()), support::Exports(library().file));
-  EXPECT_TRUE(lost.empty()) << Told(lost, kLost);
+  EXPECT_TRUE(lost.empty()) << Explained(lost, kLost);
 }
 
 TEST_P(Interface, the_library_shows_nothing_that_is_not_listed) {
   const Names added = Without(support::Exports(library().file), Listed(library()));
-  EXPECT_TRUE(added.empty()) << Told(added, kAdded);
+  EXPECT_TRUE(added.empty()) << Explained(added, kAdded);
 }
 
 TEST_P(Interface, nothing_that_the_sources_export_was_forgotten_in_the_list) {
   const Names forgotten = Without(Defined(library()).strong, Listed(library()));
-  EXPECT_TRUE(forgotten.empty()) << Told(forgotten, kForgotten);
+  EXPECT_TRUE(forgotten.empty()) << Explained(forgotten, kForgotten);
 }
 
 TEST_P(Interface, the_sources_export_all_that_is_listed) {
   const Definitions defined = Defined(library());
   const Names lost = Lost(Without(Listed(library()), defined.strong), defined.weak);
-  EXPECT_TRUE(lost.empty()) << Told(lost, kLost);
+  EXPECT_TRUE(lost.empty()) << Explained(lost, kLost);
 }
 
 TEST_P(Interface, every_released_prototype_is_there_under_its_name) {
   const Names lost = Lost(Released(), support::Exports(library().file));
-  EXPECT_TRUE(lost.empty()) << Told(lost, kLost);
+  EXPECT_TRUE(lost.empty()) << Explained(lost, kLost);
 }
 
 TEST_P(Interface, everything_listed_has_its_prototype_kept) {
   const Names unguarded = Without(Listed(library()), Released());
-  EXPECT_TRUE(unguarded.empty()) << Told(unguarded, kUnguarded);
+  EXPECT_TRUE(unguarded.empty()) << Explained(unguarded, kUnguarded);
 }
 
-// One list serves 32 and 64 bits: the compiler gives std::size_t, std::uint64_t and their like different letters there.
+// One list serves 32 and 64 bits, but the mangled names of std::size_t, std::uint64_t and similar types differ.
 TEST_P(Interface, no_name_differs_by_processor) {
   for (const std::string& name : Listed(library())) {
     EXPECT_EQ(std::string::npos, InWords(name).find("long"))
@@ -101,7 +101,7 @@ INSTANTIATE_TEST_SUITE_P(Libraries, Interface, testing::Values(kMorvath, kQuarne
   return test.param.name == kMorvath.name ? "morvath" : "quarnel_util";
 });
 
-// The platform's functions and the launcher utility library's are for others to define.
+// Other libraries define the platform's functions and those of the launcher utility library.
 TEST(Symbols, the_platform_and_the_utility_library_are_left_to_others) {
   const Names imports = support::Imports(MORVATH_LIBRARY);
   EXPECT_THAT(imports, testing::IsSupersetOf(

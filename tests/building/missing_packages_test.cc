@@ -1,4 +1,4 @@
-// Machines without Debian's package tools: nothing is installed, and what is missing is named by what it is.
+// Machines without Debian's package tools: nothing is installed, and missing programs and libraries are reported.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -23,27 +23,27 @@ constexpr const char* kMake = "make -s -C '" SOURCE_DIRECTORY "' ";
 
 class MissingPackages : public testing::Test {
  protected:
-  // What the command prints where Debian's package tools are not there, nor are the `hidden` programs.
+  // The output of the command on a machine without Debian's package tools and the `hidden` programs.
   std::string OutputOf(const std::string& command, std::set<std::string> hidden = {}) const {
     hidden.insert({"apt-get", "dpkg", "dpkg-query"});
     return support::OutputOf("PATH='" + PathWithout(hidden) + "'; " + command + " 2>&1");
   }
 
-  // Lets CMake look for what the build takes, without the library that find_package calls so.
+  // Runs CMake's search for the build's libraries, without the one that find_package calls `library`.
   std::string ConfigureWithout(const std::string& library) const {
     return OutputOf("cmake -S '" SOURCE_DIRECTORY "' -B '" + (directory_ / "build") +
                     "' -DCMAKE_DISABLE_FIND_PACKAGE_" + library + "=ON");
   }
 
  private:
-  // The search path, with a double in place of every directory that has one of the programs. They stay apart, because
-  // a compiler cache looks further on for the name that it was called by.
+  // The search path, in which every directory with one of these programs is replaced by a copy without it. The
+  // directories stay separate, because a compiler cache searches the later ones for the compiler.
   std::string PathWithout(const std::set<std::string>& hidden) const {
     std::istringstream machine(std::getenv("PATH"));
     std::string path;
     std::set<fs::path> seen;
     for (std::string directory; std::getline(machine, directory, ':');) {
-      const bool usable = access(directory.c_str(), X_OK) == 0;  // root's directories may stand in a user's path
+      const bool usable = access(directory.c_str(), X_OK) == 0;  // a user's path may contain directories of root
       if (!usable || !seen.insert(fs::weakly_canonical(directory)).second) continue;
       const auto has = [&](const std::string& name) { return support::IsThere(fs::path(directory) / name); };
       const bool whole = std::none_of(hidden.begin(), hidden.end(), has);

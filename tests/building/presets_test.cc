@@ -1,5 +1,5 @@
-// Whose builds are stopped by warnings: those of who works on the code, and of nobody else, whose compiler may be
-// newer.
+// In which builds warnings are errors: those of this project's developers, but no others, because other compilers may
+// be newer.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@ using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;
 
-// The commands of `make`, not carried out.
+// The commands that `make` would run.
 std::string CommandsOf(const std::string& make) {
   return support::OutputOf("cd '" SOURCE_DIRECTORY "' && env -u MAKEFLAGS -u WERROR make -n " + make);
 }

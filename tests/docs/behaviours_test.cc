@@ -1,4 +1,4 @@
-// docs/behaviours.md against the tests that there are, and how the table is read.
+// Compares docs/behaviours.md with the existing tests, and tests the reader of the table.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@ using Tests = std::set<std::string>;  // "program: Suite.case"
 constexpr const char* kHeader = "| behaviour | test |";
 constexpr const char* kDelimiter = "|---|---|";
 
-// Reads the table line by line and notes what is wrong with it. Each subject has a header, a delimiter and rows.
+// Reads the table line by line and collects its errors. Each subject has a header, a delimiter and rows.
 class Reader {
  public:
   explicit Reader(const Tests& there) : there_(there) {}
@@ -75,10 +75,10 @@ class Reader {
   std::set<std::string> behaviours_;
   std::string previous_ = " ";
   std::size_t number_ = 0;
-  bool rows_ = true;  // what comes before the first subject needs none
+  bool rows_ = true;  // the text before the first subject needs no rows
 };
 
-// The tests that a program lists, disabled ones left out.
+// The tests that a program lists, without disabled ones.
 Tests TestsOf(const std::string& program) {
   const std::string name = std::filesystem::path(program).filename().string();
   Tests tests;

@@ -1,4 +1,4 @@
-// Reading line by line.
+// Reads documents line by line.
 #include "tests/docs/sessions.h"
 
 #include <regex>
@@ -21,7 +21,7 @@ int StatusOf(const std::string& command) {
   return std::regex_search(command, match, std::regex("#.*exit status ([0-9]+)")) ? std::stoi(match[1]) : 0;
 }
 
-// The word that ends the text which the command line reads from the lines after it; empty for none.
+// The word that ends the here-document of the command line; empty when there is none.
 std::string EndOfInput(const std::string& command) {
   std::smatch match;
   return std::regex_search(command, match, std::regex("<<'([A-Z]+)'")) ? match[1].str() : "";
@@ -92,7 +92,7 @@ class Reader {
   bool first_ = false;
 };
 
-// A regular expression for exactly this text.
+// A regular expression that matches exactly this text.
 std::string Literal(const std::string& text) {
   return std::regex_replace(text, std::regex(R"([.^$|()\[\]{}*+?\\])"), R"(\$&)");
 }

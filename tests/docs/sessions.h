@@ -1,9 +1,9 @@
-// The sessions in a document: its fenced "console" blocks, with the commands after "$ " and what they print. How
-// commands are run is the test's.
+// The sessions in a document: its fenced "console" blocks, with the commands after "$ " and their output. sessions_test
+// runs the commands.
 //
-// Of a command whose output is shown, every line is shown; "…" stands for anything within a line, and a line "…" for
-// any lines. A command ends with status 0, or with N where its comment says "exit status N". What a session needs
-// before it stands in comments that readers do not see: <!-- before: COMMAND -->.
+// If the output of a command is shown, it is complete; "…" stands for any text within a line, and a line "…" for any
+// lines. A command ends with status 0, or with N if its comment says "exit status N". Hidden comments prepare a
+// session: <!-- before: COMMAND -->.
 #ifndef TESTS_DOCS_SESSIONS_H_
 #define TESTS_DOCS_SESSIONS_H_
 
@@ -21,11 +21,11 @@ struct Command {
   std::string output;
 };
 
-// The commands of all sessions in the text, in order. Throws std::runtime_error, naming the line, for a session that
-// does not begin with a command, and for a fenced block that is neither a session nor named as something to read.
+// The commands of all sessions in the text, in order. Throws a std::runtime_error with the line for a session that does
+// not begin with a command, and for a fenced block that is neither a session nor in a language without commands.
 std::vector<Command> ReadSessions(const std::string& markdown);
 
-// Whether `output` is what `shown` says.
+// Does `output` match `shown`?
 bool Matches(const std::string& output, const std::string& shown);
 
 }  // namespace docs

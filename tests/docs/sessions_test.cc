@@ -31,7 +31,7 @@ std::string Text(const std::string& document) { return support::ReadFile(SOURCE_
 
 class DocumentSessions : public testing::TestWithParam<std::string> {
  protected:
-  // Runs all commands in one shell, in a directory where the build lies as beside the sources.
+  // Runs all commands in one shell, in a directory with a link to the build as in the sources.
   void Run(const std::vector<Command>& commands) const {
     fs::create_directories(directory_ / "desk/build");
     fs::create_directory_symlink(BUILD_DIRECTORY, directory_ / "desk/build/release");
@@ -41,7 +41,7 @@ class DocumentSessions : public testing::TestWithParam<std::string> {
                       "' TMPDIR='" + directory_.path().string() + "' timeout 100 bash --norc ../script 2>&1");
   }
 
-  // What the command at `place` left in a file of this kind. Documents show it as it is on a machine with namespaces.
+  // The output of the command at `place` of this kind. Documents show it as it is on a machine with namespaces.
   std::string Result(std::size_t place, const std::string& kind) const {
     const fs::path file = directory_ / ("results/" + std::to_string(place) + kind);
     return fs::exists(file) ? Without(support::InPlaceNoticeHere(), support::ReadFile(file)) : "it was not run";
@@ -89,7 +89,7 @@ std::string NameOf(const testing::TestParamInfo<std::string>& info) {
 
 INSTANTIATE_TEST_SUITE_P(Documents, DocumentSessions, testing::ValuesIn(Documents()), NameOf);
 
-// What the targets after "make " in the document are called.
+// The names of the targets after "make " in the document.
 std::vector<std::string> MakeTargets(const std::string& text) {
   std::vector<std::string> targets;
   const std::regex pattern("(?:`|    )make ([a-z][a-z-]*)");
@@ -111,7 +111,7 @@ TEST(DocumentCommands, every_make_target_that_is_named_is_there) {
   EXPECT_GT(named, 5U);
 }
 
-// What all sources of the plug-in and its utilities hold.
+// The text of all sources of the plug-in and its utilities.
 std::string Sources() {
   std::string text;
   for (const char* folder : {"base", "plugin", "util", "quarnel_util"}) {

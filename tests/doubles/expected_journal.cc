@@ -1,4 +1,4 @@
-// Comparison of a journal with what is expected: both as texts, event by event.
+// Compares a journal with the expected one, event by event, as texts.
 #include "tests/doubles/expected_journal.h"
 
 #include <algorithm>
@@ -12,7 +12,7 @@ namespace {
 constexpr const char* kEntryMark = " +DotNETLog:";
 constexpr const char* kExitMark = "-DotNETLog:";
 constexpr const char* kCallStep = "call ";
-constexpr char kAnyNumber = '\x1a';  // in the text of a step; no text of the tests holds it
+constexpr char kAnyNumber = '\x1a';  // in the text of a step; does not occur in the tests' texts
 
 const char* TagOf(const std::string& unit) { return unit == "morvath" ? "NETCORE_INSTALLER_PLUGIN" : "QUARNEL"; }
 
@@ -51,7 +51,7 @@ std::string TextOf(const Event& event) {
   return "";
 }
 
-// Is it the expected text, with a number above zero where any may stand?
+// Is it the expected text, with any positive number where one is allowed?
 bool Meets(const std::string& text, const std::string& expected) {
   std::size_t at = 0;
   for (const char c : expected) {
@@ -66,7 +66,7 @@ bool Meets(const std::string& text, const std::string& expected) {
   return at == text.size();
 }
 
-// The label that the tracker's line ends in, or nothing ("") when the message does not begin with `mark`.
+// The label at the end of the tracker's line; empty when the message does not begin with `mark`.
 std::string LabelOf(const LogLine& line, const std::string& mark) {
   const std::string message = MessageOf(line);
   return StartsWith(message, mark) ? message.substr(mark.size()) : "";
@@ -78,7 +78,7 @@ std::string Listing(const std::vector<Event>& journal) {
   return listing;
 }
 
-// The first place where entry lines, spans and exit lines do not pair up; empty when they all do.
+// The first place where entry lines, spans and exit lines do not match; empty when they all match.
 std::string NestingFault(const std::vector<Event>& journal) {
   std::vector<std::string> open;
   const Event* previous = nullptr;

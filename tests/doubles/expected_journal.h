@@ -1,4 +1,4 @@
-// What a journal should hold, written as the call tree reads, and its comparison with what was recorded:
+// The expected content of a journal, written like the call tree, and its comparison with the recorded one, for example:
 //
 //   const Source kGac("morvath", "gac");
 //   Difference(Current().journal,
@@ -19,19 +19,19 @@ namespace doubles {
 // Stands for any line number above zero.
 inline constexpr int kAnyLine = 0;
 
-// The events that are expected, as texts in which any line number may be left open.
+// The expected events, as texts in which a line number may be open.
 using Steps = std::vector<std::string>;
 
 // The text that printf would make.
 std::string Formatted(const char* format, ...);
 
-// The function that logs, within its unit; the tag follows from the unit. A message is given by its own format and
-// arguments, and both the format and the text must be those of the line.
+// The function that logs, and its unit, which implies the tag. A message is given by its format and arguments; both the
+// format and the text must match.
 class Source {
  public:
   Source(std::string unit, std::string function) : unit_(std::move(unit)), function_(std::move(function)) {}
 
-  // The same function, logging at that very line.
+  // The same function with this line number.
   Source At(int line) const {
     Source source = *this;
     source.line_ = line;
@@ -73,8 +73,8 @@ class Source {
   int line_ = kAnyLine;
 };
 
-// A traced function of the unit: the entry line and the span's begin, what happens inside, the exit line and the
-// span's end. `line` is the line in the label.
+// A traced function: the entry line and the span's begin, the steps inside, the exit line and the span's end. `line` is
+// the line in the label.
 Steps Traced(const std::string& unit, const std::string& signature, std::initializer_list<Steps> inside,
              int line = kAnyLine);
 Steps Traced(const std::string& unit, const std::string& signature, const Steps& inside, int line = kAnyLine);
@@ -88,8 +88,8 @@ Steps Call(const std::string& text);
 // All steps in order.
 Steps Join(std::initializer_list<Steps> parts);
 
-// Compares a journal with what is expected; kCall events count only when calls are expected. Also checks that labels
-// pair up and spans nest. Returns an empty text when all is as expected, else what differs with the whole journal.
+// Compares a journal with the expected steps; kCall events count only when calls are expected. Also checks that labels
+// match and spans nest. Returns an empty text, or the difference and the whole journal.
 std::string Difference(const std::vector<Event>& journal, const Steps& expected);
 
 }  // namespace doubles

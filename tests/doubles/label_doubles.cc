@@ -1,4 +1,4 @@
-// Doubles of the security-label library: labels are kept by path, a link has the label of its own path.
+// Doubles of the security-label library: labels are stored by path; a link's own label is stored under the link's path.
 #include <cstring>
 #include <string>
 
@@ -9,7 +9,7 @@ namespace {
 
 using doubles::Current;
 
-// Only access labels are known here, as their name says in the platform's interface.
+// Only access labels are supported.
 int SetLabel(const std::string& function, const std::string& path, const std::string& label, smack_label_type type) {
   Current().RecordCall(function + "(" + path + ", " + label + ")");
   if (type != SMACK_LABEL_ACCESS) return -1;

@@ -8,7 +8,7 @@ namespace doubles {
 
 namespace {
 
-// Takes `start` off the text's front, if that is there.
+// Removes `start` from the front of `text` if it is there.
 bool TakeOff(std::string& text, const std::string& start) {
   if (text.rfind(start, 0) != 0) return false;
   text.erase(0, start.size());

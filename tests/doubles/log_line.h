@@ -1,4 +1,4 @@
-// A log line as it was recorded, and its parts.
+// A recorded log line and its parts.
 #ifndef TESTS_DOUBLES_LOG_LINE_H_
 #define TESTS_DOUBLES_LOG_LINE_H_
 
@@ -7,9 +7,9 @@
 
 namespace doubles {
 
-// What the format of every log line begins with.
+// The start of every log line's format.
 inline constexpr const char* kLineStart = "%s: %s(%d) > ";
-// What its text ends in.
+// The end of its text.
 inline constexpr const char* kReset = "\033[0m\n";
 
 // A kind of message.
@@ -22,8 +22,8 @@ inline constexpr MessageKind kInfo{4, "\033[36m"};
 inline constexpr MessageKind kError{6, "\033[31m"};
 inline constexpr MessageKind kTrace{3, "\033[90m"};
 
-// One call of __dlog_print. The three fields at the end are read from the arguments; they are empty (the line 0) when
-// the format does not begin with kLineStart.
+// One call of __dlog_print. The last three fields are read from the arguments; they are empty (the line 0) when the
+// format does not begin with kLineStart.
 struct LogLine {
   int log_id = 0;
   int priority = 0;
@@ -35,7 +35,7 @@ struct LogLine {
   int line = 0;
 };
 
-// What a log line's text begins with: "UNIT: FUNCTION(LINE) > ".
+// The start of a log line's text: "UNIT: FUNCTION(LINE) > ".
 std::string PositionOf(const LogLine& line);
 
 // The message of a log line: its text without position, colour and the closing reset.

@@ -1,4 +1,4 @@
-// The handles of the package libraries' doubles: who is alive, who was destroyed, who was misused.
+// The handles of the package libraries' doubles: which are alive, destroyed or misused.
 #include <algorithm>
 #include <utility>
 

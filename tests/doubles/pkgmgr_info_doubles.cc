@@ -34,7 +34,7 @@ std::vector<Application> Select(const std::vector<MetadataEntry>& demands) {
   return selected;
 }
 
-// Hands each application to the callback under a handle that lives until the callback returns.
+// Calls the callback for each application, with a handle that lives until the callback returns.
 void Enumerate(const std::vector<Application>& applications, pkgmgrinfo_app_list_cb callback, void* user_data) {
   for (const Application& application : applications) {
     void* handle = Current().Create({Record::Kind::kApplication, {}, application, {}});
@@ -44,7 +44,7 @@ void Enumerate(const std::vector<Application>& applications, pkgmgrinfo_app_list
   }
 }
 
-// Gives out a text of a record of the kind; `text` picks it, null where the record has none.
+// Returns a text of a record of the kind; `text` selects it, null where the record has none.
 template <typename Pick>
 int GetText(const std::string& function, void* handle, Record::Kind kind, char** text, Pick pick) {
   Current().RecordCall(function + "()");

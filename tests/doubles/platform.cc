@@ -1,4 +1,4 @@
-// The doubles' one state and its journal.
+// The state of the doubles and its journal.
 #include "tests/doubles/platform.h"
 
 #include <memory>

@@ -1,5 +1,5 @@
-// The state of the platform's doubles: what they answer, and the journal of what was asked of them. How a journal is
-// compared with what was expected stands in expected_journal.h.
+// The state of the platform's doubles: their answers, and the journal of the calls. expected_journal.h compares
+// journals.
 #ifndef TESTS_DOUBLES_PLATFORM_H_
 #define TESTS_DOUBLES_PLATFORM_H_
 
@@ -42,10 +42,10 @@ struct Event {
   enum class Kind { kLog, kSpanBegin, kSpanEnd, kRestart, kCall };
   Kind kind;
   std::string text;  // the span's name, the loader's name, or the call: "function(argument, argument)"
-  LogLine log;       // of kLog only
+  LogLine log;       // only for kLog
 };
 
-// What a handle of the package libraries stands for.
+// What a handle of the package libraries refers to.
 struct Record {
   enum class Kind { kPackageInfo, kFilter, kApplication, kPackage };
   Kind kind;
@@ -57,31 +57,31 @@ struct Record {
 
 class Platform {
  public:
-  // What the platform answers.
+  // The platform's answers.
   std::vector<Package> packages;
   std::optional<std::string> read_write_root = "/opt/usr/globalapps";
   std::map<std::string, std::string> labels;  // by path
   uid_t target_uid = 0;
 
-  // Everything that was asked, in order. While `keeps_journal` is false, nothing: for whoever asks without end.
+  // All calls in order. Not recorded while `keeps_journal` is false, for tests with very many calls.
   std::vector<Event> journal;
   bool keeps_journal = true;
-  // Called (if set) with every event before its caller goes on: the moment to change things in the
-  // middle of what is tested. It may set itself anew.
+  // Called (if set) with every event before the caller continues, so that a test can change things in the middle of a
+  // call. It may replace itself.
   std::function<void(const Event&)> on_event;
-  // Every misuse of a handle: one that is null, of another kind, destroyed before or a negative descriptor.
+  // Every misuse: a handle that is null, of another kind or destroyed, or a negative descriptor.
   std::vector<std::string> misuses;
 
-  // Makes the next call of `function` answer `code` and do nothing else.
+  // Makes the next call of `function` return `code` and do nothing else.
   void FailNext(const std::string& function, int code);
-  // Makes the next call of `function` answer success with a null handle.
+  // Makes the next call of `function` succeed with a null handle.
   void GiveNullNext(const std::string& function);
 
-  // Records of the kind that were handed out and not destroyed.
+  // The number of records of the kind that exist.
   int Alive(Record::Kind kind) const;
-  // Records of the kind that were handed out.
+  // The number of records of the kind that were created.
   int Created(Record::Kind kind) const;
-  // Records of any kind that were handed out and not destroyed.
+  // The number of records of any kind that exist.
   int Alive() const;
 
   // The texts of the kCall events that begin with `prefix`, in order.
@@ -97,9 +97,9 @@ class Platform {
   const Package* FindPackage(const std::string& id) const;
   const Application* FindApplication(const std::string& id) const;
   Record* Create(Record record);
-  // The living record behind `handle`, or null after noting a misuse of `function`.
+  // The existing record for `handle`, or null after recording a misuse by `function`.
   Record* Use(const std::string& function, void* handle, Record::Kind kind);
-  // Destroys the record: its texts are overwritten, so that nobody reads them by luck. Returns 0, or -1 for a misuse.
+  // Destroys the record and overwrites its texts, so that a later read is noticed. Returns 0, or -1 for a misuse.
   int Destroy(const std::string& function, void* handle, Record::Kind kind);
 
  private:
@@ -111,7 +111,7 @@ class Platform {
 // The platform as it is now.
 Platform& Current();
 
-// Starts afresh: no packages, an empty journal.
+// Resets everything: no packages, an empty journal.
 Platform& Reset();
 
 }  // namespace doubles

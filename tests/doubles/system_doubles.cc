@@ -18,7 +18,7 @@ using doubles::LogLine;
 
 std::string Text(const char* text) { return text == nullptr ? "(null)" : text; }
 
-// The first three arguments of a line of the common format.
+// Reads the first three arguments of a line of the common format.
 void ReadPosition(LogLine& line, va_list arguments) {
   if (line.format.rfind(doubles::kLineStart, 0) != 0) return;
   line.unit = Text(va_arg(arguments, const char*));
@@ -49,7 +49,7 @@ int __dlog_print(int log_id, int priority, const char* tag, const char* format, 
   return Current().TakeFailure("__dlog_print").value_or(static_cast<int>(line.text.size()));
 }
 
-// The name is kept as it was passed, not as a format.
+// The name is recorded as passed, not used as a format.
 void trace_begin(const char* name, ...) { Current().RecordEvent({Event::Kind::kSpanBegin, Text(name), {}}); }
 
 void trace_end(void) { Current().RecordEvent({Event::Kind::kSpanEnd, "", {}}); }

@@ -1,4 +1,4 @@
-// Archives where packages are asked for: installed, upgraded, and refused without a trace.
+// Archives as packages: installed, upgraded, and refused without any change.
 #include <sys/stat.h>
 
 #include "tests/support/orvelbox_desk.h"
@@ -28,7 +28,7 @@ TEST_F(ArchiveE2e, is_installed_and_upgraded_like_a_directory) {
   EXPECT_EQ(support::ReadFile(root + "/org.example.a/bin/Own.dll"), "own");
 }
 
-// None of these gets as far as calling a hook.
+// None of these calls a hook.
 class BadArchiveE2e : public ArchiveE2e {
  protected:
   void SetUp() override {}

@@ -1,4 +1,4 @@
-// What cannot be done: one clear line on standard error, the right exit status, and a device left as it was.
+// Invalid requests: one clear line on standard error, the right exit status, and an unchanged device.
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -11,7 +11,7 @@
 namespace e2e {
 namespace {
 
-// No case here gets as far as calling a hook, so none needs the fixed paths.
+// No case here calls a hook, so none needs the fixed paths.
 class BadInputE2e : public Desk {
  protected:
   void Register(const std::string& id, const std::string& app_id) const {
@@ -142,7 +142,7 @@ TEST_F(BadInputE2e, a_device_of_a_newer_version_is_left_alone) {
 TEST_F(BadInputE2e, a_database_of_a_newer_version_is_left_alone) {
   std::string database = support::ReadFile(device_.Database());
   ASSERT_GT(database.size(), 64U);
-  database[62] = 77;  // in the file's header, the number of the schema
+  database[62] = 77;  // the schema version in the file's header
   support::WriteFile(device_.Database(), database);
   support::WriteFile(OnDesk("/opt/usr/globalapps/.staging/a/rest"), "of a killed run");
   ExpectRefusal({"install", MakePackage("a", ManifestText("a", "1"))}, {device_.Database().string(), "newer"});

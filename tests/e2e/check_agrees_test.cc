@@ -1,4 +1,4 @@
-// What orvelbox check says is what an install or upgrade then does.
+// The verdicts of orvelbox check agree with the results of an install or upgrade.
 #include <nlohmann/json.hpp>
 #include <random>
 
@@ -10,18 +10,18 @@
 namespace e2e {
 namespace {
 
-// A package, and what the device has.
+// A package, and the content of the device.
 struct Case {
   const char* name;
   std::vector<std::string> platform;
   std::map<std::string, std::string> files;
   std::string application;  // elements for the application
-  std::string package;      // and for the manifest
+  std::string package;      // elements for the manifest
 };
 
 class CheckAgreesE2e : public HookDesk, public testing::WithParamInterface<Case> {
  protected:
-  // What check foretells of each DLL.
+  // The verdict of check on each DLL.
   std::map<std::string, std::string> Foretold(const std::string& package, host::Json& checked) const {
     const Result check = Run({"check", "--format", "json", package});
     checked = host::ParseJson(check.out);
@@ -38,7 +38,7 @@ class CheckAgreesE2e : public HookDesk, public testing::WithParamInterface<Case>
     return dir_ / "shop.opk";
   }
 
-  // The verdicts that the install's outcome amounts to.
+  // The verdicts that follow from the result of the install.
   std::map<std::string, std::string> Outcome(const Result& install, const host::Json& checked) const {
     const std::string root = OnDesk("/opt/usr/globalapps/org.example.shop/");
     std::map<std::string, std::string> verdicts;
@@ -60,7 +60,7 @@ TEST_P(CheckAgreesE2e, with_what_an_install_does) {
   for (const std::string& file : GetParam().platform) AddPlatformFile(file);
   const std::string manifest = ManifestText("org.example.shop", "1", GetParam().application, GetParam().package);
   const std::string package = MakePackage("shop", manifest, GetParam().files);
-  // By its name the link would be a duplicate, but links are left alone.
+  // By its name the link would be a duplicate, but links are kept.
   AddPlatformFile("framework/Linked.dll");
   std::filesystem::create_symlink("orvel-manifest.xml", package + "/Linked.dll");
 
@@ -114,7 +114,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"under_debugging_without_duplicates", {}, {{"bin/Own.dll", ""}}, "", DebuggingPrivileges()}),
     [](const auto& parameters) { return parameters.param.name; });
 
-// Any tree whose names have something to do with the rules.
+// A random tree with names that matter to the rules.
 Case RandomTree(unsigned seed) {
   std::mt19937 random(seed);
   const auto any = [&](const std::vector<std::string>& all) { return all[random() % all.size()]; };
@@ -139,7 +139,7 @@ INSTANTIATE_TEST_SUITE_P(random, CheckAgreesE2e,
 
 class CheckLinksE2e : public HookDesk {};
 
-// The plug-in opens these directories by their paths, and so through links.
+// The plug-in opens these directories by path, so links are followed.
 TEST_F(CheckLinksE2e, linked_directories_provide_what_they_lead_to) {
   AddPlatformFile("real/C.dll");
   const std::string core = OnDesk("/usr/share/dotnet.orvel/netcoreapp");
@@ -172,7 +172,7 @@ TEST_F(CheckUpgradeE2e, an_installed_package_is_checked_as_its_upgrade) {
                                         {{"shared/res/A.dll", "a"}, {"bin/A.dll", "a"}});
   const std::string second = MakePackage("second", ManifestText("org.example.a", "2"), {{"bin/A.dll", "a"}});
   RunExpecting(0, {"install", first});
-  RunExpecting(0, {"check", second});  // what the version before shared no longer counts
+  RunExpecting(0, {"check", second});  // the shared assemblies of the replaced version do not count
   EXPECT_THAT(RunExpecting(0, {"upgrade", second}).out, Not(HasSubstr("duplicates")));
 }
 

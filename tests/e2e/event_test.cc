@@ -1,4 +1,4 @@
-// The commands that only tell the plug-in of an event, uninstalling, and raw events.
+// The commands that only send an event to the plug-in, uninstalling, and raw events.
 #include "tests/support/orvelbox_desk.h"
 
 namespace e2e {

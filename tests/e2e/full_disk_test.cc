@@ -1,4 +1,4 @@
-// A device on a disk that is full. The disk is a tiny tmpfs on a machine of its own.
+// A device on a full disk. The disk is a tiny tmpfs in a separate namespace.
 #include <sys/mount.h>
 
 #include <fstream>
@@ -11,7 +11,7 @@ namespace {
 
 class FullDiskE2e : public MachineDesk {
  protected:
-  // Runs `body` in a process in which the desk's device, new, lies on a disk of `size`. To be the last statement.
+  // Runs `body` in a process with a new device on a disk of `size`. Must be the last statement.
   void OnSmallDisk(const std::string& size, const std::function<void()>& body) {
     const std::string directory = device_.directory.string();
     std::filesystem::remove_all(directory);
@@ -49,7 +49,7 @@ TEST_F(FullDiskE2e, an_upgrade_that_does_not_fit_keeps_the_version_before) {
   });
 }
 
-// The files fit to the last block; then the database has no room for the record.
+// The files fit exactly; then there is no space for the record in the database.
 TEST_F(FullDiskE2e, an_install_whose_record_does_not_fit_leaves_nothing) {
   const std::string package = MakePackage("a", ManifestText("a", "1"));
   OnSmallDisk("2m", [&] {

@@ -1,4 +1,4 @@
-// Installing and upgrading through the real plug-in: DLLs, cache files, rollback, and what is told about them.
+// Installing and upgrading through the real plug-in: DLLs, cache files, rollback, and the output.
 #include "tests/support/orvelbox_desk.h"
 
 namespace e2e {
@@ -10,7 +10,7 @@ class InstallE2e : public HookDesk {
 
   bool IsOnDevice(const std::string& path) const { return support::IsThere(OnDesk(kRoot + path)); }
 
-  // A package that serves others, with one assembly.
+  // A package that shares one assembly.
   std::string Component(const std::string& version = "1.0") const {
     return MakePackage("component-" + version, ManifestText("org.example.component", version, CobaMetadata()),
                        {{"shared/res/Component.dll", "component"}});

@@ -1,4 +1,4 @@
-// A store spread over machines as docs/orvelbox.md shows it, one of which dies amid the work.
+// A store checked over several machines as in docs/orvelbox.md; one of them fails during the run.
 #include <gmock/gmock.h>
 
 #include <nlohmann/json.hpp>
@@ -14,7 +14,7 @@ namespace {
 
 class MachinesE2e : public Desk {};
 
-// The one that dies never ends the job that it has begun.
+// The machine that fails never finishes its job.
 constexpr const char* kCheck = R"('[ "$MACHINE" = one ] || { touch begun; sleep 60; exit 9; }; )" ORVELBOX_PROGRAM
                                R"( check --platform tv.txt --format json --jobs 1 {} || [ $? = 1 ]')";
 

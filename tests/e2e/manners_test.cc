@@ -1,4 +1,4 @@
-// What every command does alike: help with an example, JSON from every listing, silence on request.
+// What all commands have in common: help with an example, JSON from every listing, quiet on request.
 #include <nlohmann/json.hpp>
 
 #include "platform/host/json.h"
@@ -108,7 +108,7 @@ TEST_F(QuietHooksE2e, quiet_drops_what_the_plug_in_prints) {
 // A machine where the kernel refuses namespaces, so that root works in place.
 class InPlaceE2e : public MachineDesk {
  protected:
-  // What the command writes to standard error there; it must succeed.
+  // Checks what the command writes to standard error there. It must succeed.
   void ExpectErrors(const std::string& expected, const std::vector<std::string>& arguments) const {
     support::InFreshProcess([&] {
       machine::EnterEmptied();

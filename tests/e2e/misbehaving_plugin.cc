@@ -1,6 +1,6 @@
-// A parser plug-in for tests whose hooks do what the package id asks for: "….crash", "….throw", "….exit", "….wait",
-// "….spoil" (CLEAN spoils the cache file and crashes), "….stay" (UNINSTALL fails), "….litter" (INSTALL makes a file
-// outside of the package), "….meddle" (UNDO changes a cache file) or, for any other id, return 0.
+// A plug-in for tests. The package id selects what its hooks do: "….crash", "….throw", "….exit", "….wait", "….spoil"
+// (CLEAN damages the cache file and crashes), "….stay" (UNINSTALL fails), "….litter" (INSTALL creates a file outside of
+// the package), "….meddle" (UNDO changes a cache file). For other ids they return 0.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -22,7 +22,7 @@ void Crash() {
   raise(SIGSEGV);
 }
 
-// Says through one pipe that the hook runs, then waits for a byte out of the other one.
+// Reports through one pipe that the hook runs, then waits for a byte from the other one.
 void Wait() {
   char byte = 0;
   const int started = open(std::getenv("TEST_STARTED"), O_WRONLY);

@@ -1,4 +1,4 @@
-// Plug-ins that crash, throw, end the process or spoil what they touch; and orvelbox killed while one runs.
+// Plug-ins that crash, throw, end the process or damage files; and orvelbox killed while one runs.
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/stat.h>
@@ -27,7 +27,7 @@ class MisbehavingPluginE2e : public HookDesk {
     return MakePackage(id + "-" + version, ManifestText(id, version), {{"bin/Main.dll", version}});
   }
 
-  // Installing must fail with `reason` and leave the device as it was.
+  // The install must fail with `reason` and leave the device unchanged.
   void ExpectFailedInstall(const std::string& id, const std::string& reason) const {
     const auto before = DeviceState();
     const Result result = RunPlugin(1, {"install", Package(id)});
@@ -89,14 +89,14 @@ TEST_F(MisbehavingPluginE2e, events_end_with_the_first_crash) {
   EXPECT_THAT(result.err, HasSubstr("(2 of the events were not told to the plug-in)\n"));
 }
 
-// A pipe with a name, of which both ends stay open.
+// A named pipe, of which both ends stay open.
 class NamedPipe {
  public:
   explicit NamedPipe(const std::string& path) : path_(path), ends_(Open(path)) {}
 
   const std::string& path() const { return path_; }
   void Send() const { ASSERT_EQ(write(ends_.get(), "!", 1), 1); }
-  // False when nothing comes.
+  // False when nothing arrives.
   bool Receive() const {
     constexpr int kPatienceInMilliseconds = 20000;
     pollfd waiting{ends_.get(), POLLIN, 0};
@@ -114,14 +114,14 @@ class NamedPipe {
   UniqueFd ends_;
 };
 
-// A hook that waits: the pipes tell when it runs, and let it go on.
+// A hook that waits: one pipe reports that it runs, the other lets it continue.
 class WaitingHookE2e : public MisbehavingPluginE2e {
  protected:
   WaitingHookE2e() : started_(dir_ / "started"), go_on_(dir_ / "go-on") {
     environment_ = {{"TEST_STARTED", started_.path()}, {"TEST_GO_ON", go_on_.path()}};
   }
 
-  // Starts orvelbox, its process set up by `before`, and comes back when its hook runs.
+  // Starts orvelbox in a process prepared by `before`, and returns when its hook runs.
   pid_t StartUntilHookRuns(
       const std::vector<std::string>& arguments, const std::function<void()>& before = [] {}) const {
     std::vector<std::string> all = {"--plugin", MISBEHAVING_PLUGIN};
@@ -154,7 +154,7 @@ TEST_F(WaitingHookE2e, the_version_before_is_put_back_after_a_killed_upgrade) {
   EXPECT_EQ(WaitFor(upgrade).status, 128 + SIGKILL);
   LetHookGoOn();
   Result next = Run({"clean", "b"});
-  while (next.err.find("in use by") != std::string::npos) next = Run({"clean", "b"});  // the hook's process ends
+  while (next.err.find("in use by") != std::string::npos) next = Run({"clean", "b"});  // until the hook ends
   EXPECT_THAT(next.out,
               HasSubstr("mended a.wait: an upgrade was interrupted; the version before it is in place again\n"));
   EXPECT_EQ(support::ReadFile(OnDesk("/opt/usr/globalapps/a.wait/bin/Main.dll")), "1");
@@ -176,7 +176,7 @@ TEST_F(WaitingHookE2e, on_a_terminal_what_takes_longer_than_a_second_says_so_and
   const Terminal terminal;
   if (!terminal) GTEST_SKIP() << "this machine has no pseudo-terminals";
   const pid_t install = StartUntilHookRuns({"install", Package("a.wait")}, [&] { terminal.PutAt(STDERR_FILENO); });
-  // In two steps: on a busy machine the files may come after the second second.
+  // In two parts: on a busy machine the files may be written after the first two seconds.
   const std::string duration = "\rinstall: 2 s, ";
   EXPECT_THAT(terminal.ReadUntil(duration), EndsWith(duration));
   const std::string files = "files written: 2\x1b[K";
@@ -196,7 +196,7 @@ TEST_F(WaitingHookE2e, quiet_is_quiet_on_a_terminal_as_well) {
   std::this_thread::sleep_for(std::chrono::milliseconds(1500));
   LetHookGoOn();
   EXPECT_EQ(WaitFor(install).status, 0);
-  // What comes last, so that there is an end to read to.
+  // This output comes last and ends the reading.
   WaitFor(Start({"show", "no.such"}, show_errors_there));
   EXPECT_THAT(terminal.ReadUntil("\n"), StartsWith("orvelbox: "));
 }

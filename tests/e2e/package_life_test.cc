@@ -1,4 +1,4 @@
-// orvelbox test: packages that leave nothing behind, plug-ins that do, and what both leave of the desk.
+// orvelbox test: packages that leave nothing behind, plug-ins that do, and what remains on the desk.
 #include <nlohmann/json.hpp>
 
 #include "platform/host/json.h"
@@ -10,7 +10,7 @@ namespace {
 
 class PackageLifeE2e : public HookDesk {
  protected:
-  // Tests a package in a temporary directory of its own, of which nothing may be left, nor of anything on the device.
+  // Tests a package with a separate temporary directory, which must be empty afterwards. The device must be unchanged.
   Result Test(int status, std::vector<std::string> arguments) const {
     std::filesystem::create_directory(dir_ / "tmp");
     arguments.insert(arguments.begin(), "test");

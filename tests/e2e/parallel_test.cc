@@ -1,4 +1,4 @@
-// Checks spread by GNU parallel, as docs/orvelbox.md shows it: two workers, every package once, one line each.
+// Checks run by GNU parallel as in docs/orvelbox.md: two workers, every package once, one line each.
 #include <nlohmann/json.hpp>
 #include <set>
 
@@ -19,7 +19,7 @@ TEST_F(ParallelE2e, two_workers_check_every_package_once) {
     MakePackage(name, ManifestText(name, "1"), {{i % 2 == 0 ? "Json.dll" : "Own.dll", ""}});
     expected.insert(name + (i % 2 == 0 ? " 1" : " 0"));
   }
-  // The exit status is how many of the jobs found something: here, with two packages a job, all five.
+  // The exit status is the number of jobs that found something: here all five, of two packages each.
   const std::string output =
       support::OutputOf("ls -d " + (dir_ / "packages") + "/* | PARALLEL_HOME=" + (dir_ / "home") +
                         " parallel --will-cite -j 2 -N 2 " ORVELBOX_PROGRAM " --device " + device_.directory.string() +

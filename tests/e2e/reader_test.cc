@@ -1,4 +1,4 @@
-// The commands that only read, and making a device.
+// The commands that only read, and creating a device.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -96,7 +96,7 @@ TEST_F(ReaderE2e, a_log_that_goes_into_a_file_has_no_colours_and_no_control_char
   EXPECT_THAT(RunExpecting(0, {"log"}).out, EndsWith(" red \\x1b]0;title\\x07\n"));
 }
 
-// What orvelbox prints on a terminal.
+// The output of orvelbox on a terminal.
 class TerminalE2e : public ReaderE2e {
  protected:
   void SetUp() override {
@@ -104,7 +104,7 @@ class TerminalE2e : public ReaderE2e {
     if (!terminal_) GTEST_SKIP() << "this machine has no pseudo-terminals";
   }
 
-  // The first line of it.
+  // The first line of that output.
   std::string OnTerminal(const std::vector<std::string>& arguments) const {
     const pid_t process = Start(arguments, [&] { terminal_.PutAt(STDOUT_FILENO); });
     EXPECT_EQ(WaitFor(process).status, 0);

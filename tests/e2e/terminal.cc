@@ -1,4 +1,4 @@
-// The pseudo-terminal of the system.
+// A pseudo-terminal of the system.
 #include "tests/e2e/terminal.h"
 
 #include <fcntl.h>
@@ -15,7 +15,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::seconds kPatience{20};
+constexpr std::chrono::seconds kTimeout{20};
 
 int MillisecondsUntil(Clock::time_point end) {
   const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now());
@@ -39,7 +39,7 @@ Terminal::Terminal()
 void Terminal::PutAt(int descriptor) const { dup2(program_end_.get(), descriptor); }
 
 std::string Terminal::ReadUntil(const std::string& ending) const {
-  const Clock::time_point end = Clock::now() + kPatience;
+  const Clock::time_point end = Clock::now() + kTimeout;
   std::string text;
   std::array<char, 1> byte{};
   pollfd waiting{reading_end_.get(), POLLIN, 0};

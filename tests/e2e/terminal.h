@@ -1,4 +1,4 @@
-// A pseudo-terminal, to see what orvelbox prints on one.
+// A pseudo-terminal, to see the output of orvelbox on a terminal.
 #ifndef ORVEL_TESTS_E2E_TERMINAL_H_
 #define ORVEL_TESTS_E2E_TERMINAL_H_
 
@@ -12,12 +12,12 @@ class Terminal {
  public:
   Terminal();
 
-  // False where the machine has none.
+  // False on a machine without pseudo-terminals.
   explicit operator bool() const { return static_cast<bool>(program_end_); }
 
-  // Puts the terminal in the place of the calling process's `descriptor`.
+  // Replaces the calling process's `descriptor` by the terminal.
   void PutAt(int descriptor) const;
-  // What was printed, up to and with `ending`; all that came within some twenty seconds when that does not come.
+  // The output up to and including `ending`; all output of about twenty seconds if `ending` does not come.
   std::string ReadUntil(const std::string& ending) const;
 
  private:

@@ -1,4 +1,4 @@
-// Traces of operations, written and drawn.
+// Recording and drawing traces of operations.
 #include "tests/support/orvelbox_desk.h"
 
 namespace e2e {

@@ -1,7 +1,8 @@
 #!/bin/sh
-# two_machines.sh DIRECTORY COMMAND…: runs COMMAND, a line for the shell, with the ssh hosts "one" and "two", two servers
-# on loopback addresses with keys and settings of their own in DIRECTORY. As soon as the file DIRECTORY/begun is there,
-# "two" dies with all it runs. SSH_CONFIG names the hosts to ssh. Only root can run a server for several sessions.
+# two_machines.sh DIRECTORY COMMAND…: runs COMMAND, a line for the shell, with the ssh hosts "one" and "two": two
+# servers on loopback addresses with their keys and settings in DIRECTORY. When the file DIRECTORY/begun appears, "two"
+# is killed with all its processes. SSH_CONFIG is the ssh configuration. Needs root, which alone can run a server for
+# several sessions.
 set -eu
 
 directory=$1
@@ -28,7 +29,7 @@ Host $1
   UserKnownHostsFile /dev/null
   LogLevel ERROR
 END
-  # A machine of its own, as far as its processes go; the server wants a directory for itself in /run.
+  # Separate process and mount namespaces; the server needs its own directory in /run.
   unshare --mount --pid --fork --kill-child --mount-proc sh -c \
     "mount -t tmpfs none /run && mkdir /run/sshd && exec $(command -v sshd) -D -e -f '$directory/$1.conf'" \
     >"$directory/$1.log" 2>&1 &

@@ -1,4 +1,4 @@
-// orvelbox why and cache verify on a device where things happened.
+// orvelbox why and cache verify on a device with a history.
 #include <nlohmann/json.hpp>
 
 #include "platform/host/json.h"

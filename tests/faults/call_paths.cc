@@ -1,4 +1,4 @@
-// Paths of calls and the count of openings, without any memory but the stack's.
+// Paths of calls and the count of openings, without dynamic memory.
 #include "tests/faults/call_paths.h"
 
 #include <fcntl.h>

@@ -1,5 +1,5 @@
-// What an interposed function needs: the function that it hides, the paths that its call is about, and its fate; and
-// a note of what gets opened.
+// Helpers for interposed functions: the function that they hide, the paths that the call concerns, whether it must
+// fail, and a count of opened descriptors.
 #ifndef TESTS_FAULTS_CALL_PATHS_H_
 #define TESTS_FAULTS_CALL_PATHS_H_
 
@@ -12,13 +12,13 @@
 
 namespace faults {
 
-// The function of that name which this program's definition hides.
+// The function that this program's definition of that name hides.
 template <typename Function>
 Function* Next(const char* name) {
   return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
-// Paths of calls, in plain memory.
+// Paths of calls, without dynamic memory.
 struct Path {
   char text[4352] = {};
 };
@@ -27,16 +27,16 @@ struct Path {
 Path PathOf(int file);
 Path PathAt(int directory, const char* name);
 
-// Whether the call is to fail; sets errno.
+// Must the call fail? If so, sets errno.
 bool Fails(unsigned kind, const char* call, const char* path);
 bool FailsOn(unsigned kind, const char* call, int file);
 
-// Notes a descriptor, stream or directory that was opened, and returns it; -1 or null for one that was not.
+// Counts a descriptor, stream or directory and returns it; -1 or null when opening failed.
 int Opened(int file);
 FILE* Opened(FILE* file);
 DIR* Opened(DIR* directory);
 
-// How many descriptors were opened in this process, and how many of them would have stayed open across an exec.
+// How many descriptors this process opened, and how many of them an exec would keep open.
 struct Openings {
   long all = 0;
   long inheritable = 0;

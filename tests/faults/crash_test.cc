@@ -1,5 +1,5 @@
-// The process ends at every call that changes files, one after the other: what each leaves, and what the next run of
-// the same event makes of it.
+// The process ends at every call that changes files, one after the other. Checks the files afterwards, and after the
+// next run of the same event.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -18,10 +18,10 @@ using support::ReadFile;
 using testing::ElementsAreArray;
 using testing::IsSubsetOf;
 
-// A process that ends before a call and one that ends amid a write.
+// The process ends before a call, or in the middle of a write.
 constexpr Fate kEnds[] = {Fate::kEnd, Fate::kEndHalfWritten};
 
-// The calls of a file's replacement, in order.
+// The calls that replace a file, in order.
 std::vector<std::string> ReplacementOf(const std::string& name) {
   const std::string directory = support::kCacheDirectory;
   const std::string temporary = directory + "temp_" + name;
@@ -35,7 +35,7 @@ std::vector<std::string> ReplacementOfBoth() {
   return calls;
 }
 
-void ExpectSoundCachesAfterEveryEnd(const fault_desk::CacheChange& change) {
+void ExpectIntactCachesAfterEveryEnd(const fault_desk::CacheChange& change) {
   fault_desk::OnDevice([&] {
     const std::vector<std::string> known = {"TPA.txt", "CoBA.txt", "temp_TPA.txt", "temp_CoBA.txt"};
     for (const Fate end : kEnds) {
@@ -44,7 +44,7 @@ void ExpectSoundCachesAfterEveryEnd(const fault_desk::CacheChange& change) {
           [&] { fault_desk::Call(change.event); },
           [&](const faults::Outcome&) {
             EXPECT_THAT(support::NamesIn(support::kCacheDirectory), IsSubsetOf(known));
-            fault_desk::ExpectSoundCaches(change);
+            fault_desk::ExpectIntactCaches(change);
           });
       EXPECT_THAT(calls, ElementsAreArray(ReplacementOfBoth()));
     }
@@ -52,11 +52,11 @@ void ExpectSoundCachesAfterEveryEnd(const fault_desk::CacheChange& change) {
 }
 
 TEST(Crash, an_add_that_ends_early_leaves_each_cache_file_old_absent_or_new) {
-  ExpectSoundCachesAfterEveryEnd(fault_desk::Adding());
+  ExpectIntactCachesAfterEveryEnd(fault_desk::Adding());
 }
 
 TEST(Crash, a_removal_that_ends_early_leaves_each_cache_file_old_absent_or_new) {
-  ExpectSoundCachesAfterEveryEnd(fault_desk::Removing());
+  ExpectIntactCachesAfterEveryEnd(fault_desk::Removing());
 }
 
 TEST(Crash, a_removal_of_a_duplicate_that_ends_early_leaves_the_dll_or_its_information_as_far_as_it_came) {
@@ -64,7 +64,7 @@ TEST(Crash, a_removal_of_a_duplicate_that_ends_early_leaves_the_dll_or_its_infor
     for (const Fate end : kEnds) {
       const auto calls = faults::MeetEveryCall(
           {faults::kChanges, end}, fault_desk::LayOutDuplicate, [] { fault_desk::Call({"INSTALL"}); },
-          [&](const faults::Outcome&) { fault_desk::ExpectSoundDuplicate(); });
+          [&](const faults::Outcome&) { fault_desk::ExpectConsistentDuplicate(); });
       ASSERT_GE(calls.size(), 3u);
       EXPECT_EQ(std::string("unlink ") + fault_desk::kDll, calls[0]);
       EXPECT_EQ(std::string("open ") + fault_desk::kInformationFile, calls[1]);

@@ -1,5 +1,5 @@
-// Every call that an event makes fails once, one after the other: the files then are what the failure leaves of them,
-// everything was given back (fault_desk's Call expects that), and the next run ends right.
+// Every call of an event fails once, one after the other. Checks the files afterwards, that all resources were released
+// (fault_desk's Call expects that), and that the next run succeeds.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -39,19 +39,19 @@ bool IsOneOf(const std::string& name, const std::vector<std::string>& names) {
   return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-// What tells the root of a package.
+// The calls that find the root of a package.
 bool AsksForRoot(const std::string& call) {
   return IsOneOf(call, {"pkgmgrinfo_pkginfo_get_pkginfo", "pkgmgrinfo_pkginfo_get_mainappid",
                         "pkgmgrinfo_appinfo_get_appinfo", "pkgmgrinfo_appinfo_get_root_path"});
 }
 
-// A cache file whose own call failed.
+// A cache file after a call on it failed.
 Text CacheAfterFailure(const std::string& call, const Text& before, const Text& after) {
   const std::string function = FunctionOf(call);
-  if (IsOneOf(function, {"access", "open", "read"})) return before;  // it reads as empty, and is left alone
+  if (IsOneOf(function, {"access", "open", "read"})) return before;  // it reads as empty and is not changed
   if (IsOneOf(function, {"lstat", "fopen", "rename"})) return std::nullopt;
-  if (function == "fputs") return "";  // the short file takes the place, unnoticed
-  return after;                        // unlink, fflush, fsync, fclose: made up for, or of no consequence
+  if (function == "fputs") return "";  // the short file replaces the old one without an error
+  return after;                        // unlink, fflush, fsync, fclose: compensated or without effect
 }
 
 Text Expected(const std::string& call, const std::string& name, const Text& before, const Text& after) {
@@ -62,14 +62,15 @@ Text Expected(const std::string& call, const std::string& name, const Text& befo
 void ExpectCache(const std::string& call, const std::string& name, const Text& before, const Text& after,
                  const Text& found) {
   if (call.rfind("lstat ", 0) == 0 && Concerns(call, "temp_" + name)) {
-    // Asked twice: whether it is a link, which must be known, and whether it is in the way, which need not.
+    // lstat is called twice: to see whether it is a link, which must succeed, and whether it blocks the name, which may
+    // fail.
     EXPECT_THAT(found, AnyOf(Eq(std::nullopt), Eq(after)));
   } else {
     EXPECT_EQ(Expected(call, name, before, after), found);
   }
 }
 
-// Of the assemblies none, some or all were found; without one the file is left alone.
+// None, some or all assemblies were found; without one the file is unchanged.
 void ExpectListOfSomeAssemblies(const fault_desk::CacheChange& change, const Text& found) {
   const std::string& whole = *change.after.tpa;
   const std::string end = "[END]";
@@ -117,7 +118,7 @@ TEST(Failure, of_any_call_of_a_removal_leaves_the_cache_files_as_specified) {
 
 // --- Duplicates ---
 
-// What is left of the package's DLL.
+// The state of the package's DLL.
 struct Duplicate {
   bool there;
   Text information;
@@ -149,7 +150,7 @@ void ExpectDuplicateAfterFailure(const std::string& call) {
   } else if (function == "ovplatform_getenv" || call == std::string("lstat ") + fault_desk::kDll) {
     EXPECT_EQ(untouched, found);
   } else if (IsOneOf(function, {"opendir", "readdir", "open", "lstat", "stat"}) || AsksForRoot(call)) {
-    EXPECT_THAT(found, AnyOf(untouched, removed));  // as the directory was seen, or not
+    EXPECT_THAT(found, AnyOf(untouched, removed));  // depends on whether the directory could be read
   } else {
     EXPECT_EQ(removed, found);
   }
@@ -157,7 +158,7 @@ void ExpectDuplicateAfterFailure(const std::string& call) {
 
 constexpr const char* kResult = "/opt/usr/result";
 
-// The event, in a process that notes the hook's result.
+// The event, in a process that records the hook's result.
 void Install() {
   const auto result = fault_desk::Call({"INSTALL"});
   support::WriteFile(kResult, result ? std::to_string(*result) : "bad_alloc");
@@ -189,7 +190,7 @@ TEST(Failure, of_any_call_of_an_install_fails_no_install) {
   });
 }
 
-// The install of a package under debugging is let through only where the duplicate or the privilege was not seen.
+// An install under debugging may succeed only if the duplicate or the privilege was not seen.
 TEST(Failure, of_any_call_of_a_debugged_install_refuses_it_whenever_duplicate_and_privilege_were_seen) {
   fault_desk::OnDevice([] {
     small_platform::Now().packages[0].privilege = support::kDebuggingPrivilege;

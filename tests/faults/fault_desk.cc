@@ -46,7 +46,7 @@ std::optional<int> CallCounted(const LoadedPlugin& plugin, const Event& event, x
 
 std::string ListOf(const std::string& entries) { return "[START]" + entries + "[END]"; }
 
-// A file that is there, and whole, becomes what it should be; a missing or empty one stays so.
+// A complete file becomes correct; a missing or empty one stays as it is.
 void ExpectRight(const Text& found, const Text& left, const Text& after) {
   EXPECT_EQ(left && !left->empty() ? after : left, found);
 }
@@ -105,14 +105,14 @@ void ExpectRightAfterNextRun(const CacheChange& change) {
   ExpectRight(found.coba, left.coba, change.after.coba);
 }
 
-void ExpectSoundCaches(const CacheChange& change) {
+void ExpectIntactCaches(const CacheChange& change) {
   const CacheTexts found = ReadCaches();
   EXPECT_THAT(found.tpa, testing::AnyOf(change.before.tpa, std::nullopt, change.after.tpa));
   EXPECT_THAT(found.coba, testing::AnyOf(change.before.coba, std::nullopt, change.after.coba));
   ExpectRightAfterNextRun(change);
 }
 
-void ExpectSoundDuplicate() {
+void ExpectConsistentDuplicate() {
   const Text dll = ReadIfThere(kDll);
   const Text told = ReadIfThere(kInformationFile);
   if (dll) {

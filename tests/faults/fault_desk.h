@@ -1,5 +1,5 @@
-// What the fault tests work on: a device with one package, as files at the fixed paths and as records of the small
-// platform, and the plug-in's events upon it.
+// The device of the fault tests: one package, as files at the fixed paths and as records of the small platform, and the
+// plug-in's events for it.
 #ifndef TESTS_FAULTS_FAULT_DESK_H_
 #define TESTS_FAULTS_FAULT_DESK_H_
 
@@ -22,14 +22,14 @@ inline constexpr const char* kInformationFile = "/opt/usr/apps/org.pkg/bin/Dup.d
 using Text = std::optional<std::string>;
 Text ReadIfThere(const std::string& file);
 
-// What belongs into the information file.
+// The expected content of the information file.
 std::string Information();
 
-// Runs `body` in a process with a new device: the package has two shared assemblies and one DLL that the platform has
-// as well; the cache files are missing. To be the last statement of a test.
+// Runs `body` in a process with a new device: the package has two shared assemblies and one DLL that the platform also
+// has; the cache files are missing. Must be the last statement of a test.
 void OnDevice(const std::function<void()>& body);
 
-// Takes care that the package's DLL is there and its information file is not.
+// Restores the package's DLL and removes its information file.
 void LayOutDuplicate();
 
 // The texts of the cache files; nothing for a missing one.
@@ -38,21 +38,20 @@ struct CacheTexts {
   Text coba;
 };
 CacheTexts ReadCaches();
-// Makes these the only files of the cache directory.
+// Replaces the content of the cache directory by these files.
 void LayOutCaches(const CacheTexts& texts);
 
-// An event of a package's life.
+// An event in a package's lifecycle.
 struct Event {
   const char* hook;
   bool coba = false;  // the manifest is a CoBA package's
 };
 
-// The manifest with which the event comes.
+// The manifest for the event.
 support::Document ManifestFor(const Event& event);
 
-// Loads the plug-in and calls the hook for the package while calls are counted. Standard error is swallowed.
-// Expects that the hook gave everything back: descriptors, records, spans. Returns the hook's result, or nothing when
-// std::bad_alloc left it.
+// Loads the plug-in and calls the hook for the package while calls are counted. Discards standard error. Expects that
+// the hook released everything: descriptors, records, spans. Returns the hook's result; nothing after std::bad_alloc.
 std::optional<int> Call(const Event& event);
 
 // The cache texts before and after an event.
@@ -65,15 +64,15 @@ struct CacheChange {
 CacheChange Adding();
 CacheChange Removing();
 
-// Expects that the next run of the event makes the cache files right, but for those that are missing or empty.
+// Expects that the next run of the event corrects the cache files, except missing or empty ones.
 void ExpectRightAfterNextRun(const CacheChange& change);
 
-// Expects that each cache file is as before, missing or as after the event, and right after the next run.
-void ExpectSoundCaches(const CacheChange& change);
+// Expects that each cache file is as before, missing or as after the event, and correct after the next run.
+void ExpectIntactCaches(const CacheChange& change);
 
-// Expects that the DLL is whole, or gone and its information file whole, begun or missing; and that the next INSTALL
-// goes on from there.
-void ExpectSoundDuplicate();
+// Expects that the DLL exists, or is removed and its information file is complete, partial or missing, and that the
+// next INSTALL completes the work.
+void ExpectConsistentDuplicate();
 
 }  // namespace fault_desk
 

@@ -1,4 +1,4 @@
-// The plan and its counter. They lie in memory that a process shares with its children.
+// The plan and its counter, in memory shared with child processes.
 #include "tests/faults/fault_points.h"
 
 #include <gtest/gtest.h>
@@ -21,13 +21,13 @@ namespace {
 constexpr int kMostDirectories = 8;
 constexpr int kUnhandled = 99;
 
-// Both with a slash at the end.
+// Both with a trailing slash.
 struct Directory {
   char path[256];
   char shown[256];
 };
 
-// Plain memory: it is looked at from inside operator new.
+// No dynamic memory: it is read inside operator new.
 struct State {
   bool counting = false;
   unsigned kinds = 0;
@@ -66,8 +66,8 @@ void FlushOutput() {
   std::fflush(nullptr);
 }
 
-// The body as a child's whole life; answers its exit status.
-int Live(const std::function<void()>& body) {
+// The code of the child process. Returns its exit status.
+int RunAsChild(const std::function<void()>& body) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   setpgid(0, 0);
   try {
@@ -79,7 +79,7 @@ int Live(const std::function<void()>& body) {
   return testing::Test::HasFailure() ? 1 : 0;
 }
 
-// An end by the plan is SIGKILL after the call was met.
+// The plan ends the process by SIGKILL after the call was reached.
 void ExpectGoodEnd(int status) {
   const State& state = Shared();
   const bool planned = state.met && state.fate != Fate::kFail;
@@ -93,7 +93,7 @@ bool EndsWith(const char* text, const char* end) {
   return length >= std::strlen(end) && std::strcmp(text + length - std::strlen(end), end) == 0;
 }
 
-// The watched directory that the path lies below, or null.
+// The watched directory that contains the path, or null.
 const Directory* DirectoryOf(const char* path) {
   const State& state = Shared();
   for (int i = 0; i < state.directories; ++i) {
@@ -102,7 +102,7 @@ const Directory* DirectoryOf(const char* path) {
   return nullptr;
 }
 
-// Notes the call that was met. A path that counts lies below a watched directory.
+// Records the call that was reached. The path lies below a watched directory.
 void Note(const char* call, const char* path) {
   State& state = Shared();
   if (path == nullptr) {
@@ -129,7 +129,7 @@ Outcome Run(const Plan& plan, const std::function<void()>& body) {
   Adopt(plan);
   FlushOutput();
   const pid_t child = fork();
-  if (child == 0) _exit(Live(body));
+  if (child == 0) _exit(RunAsChild(body));
   int status = kUnhandled;
   if (child < 0 || waitpid(child, &status, 0) != child) ADD_FAILURE() << "no child process could be run";
   Shared().counting = false;

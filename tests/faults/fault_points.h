@@ -1,5 +1,5 @@
-// Counts the calls that the code under test makes, and lets one of them end the process or fail. Which calls there are:
-// file_calls.cc, memory_calls.cc, small_platform.cc. What is right afterwards is the tests' business.
+// Counts the calls of the code under test, and makes one of them end the process or fail. The calls are defined in
+// file_calls.cc, memory_calls.cc and small_platform.cc. The tests check the results.
 #ifndef TESTS_FAULTS_FAULT_POINTS_H_
 #define TESTS_FAULTS_FAULT_POINTS_H_
 
@@ -8,38 +8,37 @@
 
 namespace faults {
 
-// Kinds of calls, to be added up.
-inline constexpr unsigned kChanges = 1;   // what changes files: open for writing, write, fsync, rename, unlink, …
-inline constexpr unsigned kReads = 2;     // what only looks at them: open, read, opendir, readdir, stat, lstat, access
+// Kinds of calls; values can be added.
+inline constexpr unsigned kChanges = 1;  // calls that change files: open for writing, write, fsync, rename, unlink, …
+inline constexpr unsigned kReads = 2;    // calls that only read: open, read, opendir, readdir, stat, lstat, access
 inline constexpr unsigned kPlatform = 4;  // the platform's functions
 inline constexpr unsigned kMemory = 8;    // operator new and libxml2's allocations
 
 enum class Fate {
   kEnd,             // the process ends before the call
-  kEndHalfWritten,  // the same, but half of what a write was to write is in the file
-  kFail,            // the call fails, EIO where it has an errno
+  kEndHalfWritten,  // the same, but half of the data of a write is in the file
+  kFail,            // the call fails, with EIO if it sets errno
 };
 
 struct Plan {
   unsigned kinds = kChanges;
   Fate fate = Fate::kEnd;
-  int at = 0;  // which of the counted calls, from 1; 0: none
+  int at = 0;  // the number of the counted call, from 1; 0: none
 };
 
 struct Outcome {
-  bool met = false;  // there was a call of that number
+  bool met = false;  // a call with that number was made
   std::string call;  // that call: "rename /opt/usr/…"
 };
 
-// File calls count when they concern what lies below one of the watched directories. The platform's fixed paths are
-// watched from the beginning; a file called "log" never counts. What lies below `directory` is told as below `shown`.
+// File calls count when they concern a path below a watched directory. The platform's fixed paths are always watched; a
+// file called "log" never counts. Paths below `directory` are reported as below `shown`.
 void Watch(const std::string& directory, const std::string& shown);
 
-// Runs `body` in a child process under the plan. Failed expectations and unexpected ends of the body are failures of
-// this test.
+// Runs `body` in a child process under the plan. Failed expectations and unexpected ends of the body fail this test.
 Outcome Run(const Plan& plan, const std::function<void()>& body);
 
-// In the body: calls count while one of these lives.
+// In the body: calls are counted during its lifetime.
 class Counting {
  public:
   Counting();
@@ -48,28 +47,29 @@ class Counting {
   Counting& operator=(const Counting&) = delete;
 };
 
-// Runs `body` once for each call that it makes, the plan's fate meeting the first, the second, …, and after each run
-// `check`; the last run meets none. `prepare` comes before every run. Returns the calls that were met, in order.
+// Runs `body` once for each call that it makes, with the plan's fate for the first, the second, … call, and `check`
+// after each run; the last run reaches none. `prepare` runs before every run. Returns the calls, in order.
 std::vector<std::string> MeetEveryCall(Plan plan, const std::function<void()>& prepare,
                                        const std::function<void()>& body,
                                        const std::function<void(const Outcome&)>& check);
 
-// Puts this process and its children under the plan for good; the fates that end end its whole process group.
+// Applies the plan to this process and its children until they end; the fates that end the process end its process
+// group.
 void PutUnder(const Plan& plan);
 
-// Lets libxml2's allocations count as memory calls, which operator new's are anyway. To be called before this process
-// uses libxml2. False when that fails.
+// Makes libxml2's allocations count as memory calls, like those of operator new. Call it before this process uses
+// libxml2. Returns false on failure.
 bool MakeXmlAllocationsFail();
 
 // --- For the calls ---
 
 enum class Verdict { kGoOn, kFail, kWriteHalf };
 
-// Counts a call and says what is to become of it; ends the process where the plan says so. `path` may be null for a
-// call that concerns none. Only who passes `can_be_half` gets kWriteHalf, writes half and calls End.
+// Counts a call and returns what must happen to it; ends the process if the plan says so. `path` is null for a call
+// without one. Only with `can_be_half` may it return kWriteHalf; the caller then writes half and calls End.
 Verdict Meet(unsigned kind, const char* call, const char* path, bool can_be_half = false);
 
-// Whether a call on this path would count at all.
+// Does a call on this path count?
 bool Counts(const char* path);
 
 [[noreturn]] void End();

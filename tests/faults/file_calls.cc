@@ -1,6 +1,7 @@
-// The C library's functions about files, as this program defines them: each asks its fate and then does what the real
-// one does, except that nothing is forced to disk. They are visible, so that shared libraries call them as well.
-// The C library's own checked forms of these functions would stand in the way.
+// The C library's file functions as this program defines them: each asks what must happen to the call, then does the
+// same as the real one, except that nothing is forced to disk. They are exported, so that shared libraries call them
+// too.
+// The checked variants of these functions in the C library must not be used.
 #undef _FORTIFY_SOURCE
 
 #include <dirent.h>
@@ -56,8 +57,8 @@ Verdict MeetWrite(const char* call, int file, const void* data, size_t size) {
 #pragma GCC visibility push(default)
 extern "C" {
 
-// Begins the definition of the C library's function `symbol`. Its declaration in the headers, which name one function
-// or another of those that do the same by the widths that the including file wants, stays out of it.
+// Begins the definition of the C library's function `symbol`. The headers' declaration is not used, because it names
+// different functions for different widths.
 #define DEFINE(result, symbol, ...)              \
   result Own_##symbol(__VA_ARGS__) asm(#symbol); \
   result Own_##symbol(__VA_ARGS__)
@@ -159,7 +160,7 @@ ssize_t write(int file, const void* data, size_t size) {
   return MeetWrite("write", file, data, size) == Verdict::kFail ? -1 : next(file, data, size);
 }
 
-// SQLite writes in pages; a half one lies at its place.
+// SQLite writes pages; half a page is written at its own offset.
 ssize_t pwrite64(int file, const void* data, size_t size, off64_t offset) {
   static auto* const next = Next<ssize_t(int, const void*, size_t, off64_t)>("pwrite64");
   const Verdict verdict = faults::Meet(kChanges, "pwrite", PathOf(file).text, true);
@@ -172,7 +173,7 @@ ssize_t pwrite64(int file, const void* data, size_t size, off64_t offset) {
   return -1;
 }
 
-// The stream's own buffer dies with the process, so half of the text goes into the file directly.
+// The stream's own buffer is lost with the process, so half of the text is written to the file directly.
 int fputs(const char* text, FILE* file) {
   static auto* const next = Next<int(const char*, FILE*)>("fputs");
   return MeetWrite("fputs", fileno(file), text, std::strlen(text)) == Verdict::kFail ? EOF : next(text, file);
@@ -184,7 +185,7 @@ int fflush(FILE* file) {
   return next(file);
 }
 
-// A failing fclose closes all the same.
+// A failing fclose still closes the stream.
 int fclose(FILE* file) {
   static auto* const next = Next<int(FILE*)>("fclose");
   const bool fails = FailsOn(kChanges, "fclose", fileno(file));

@@ -1,5 +1,5 @@
-// The plug-in as a guest: it leaves everything of the process as it found it, at every moment at which the process
-// could look, and tells nothing on standard output.
+// The plug-in does not change the state of the installer's process, at any moment at which the process could check it,
+// and prints nothing on standard output.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -33,22 +33,22 @@ constexpr const char* kHooks[] = {"INSTALL", "UPGRADE",          "REMOVED", "CLE
 const std::string kOddIds[] = {"", "%s%n", "../../..", "\xff\n\x1b[31m", std::string(100000, 'x')};
 
 int looks = 0;
-guest_watch::Belongings before;
+guest_watch::ProcessState before;
 std::set<int> inheritable_before;
-int threads_before = 0;  // an emulator has threads beside the program's one
+int threads_before = 0;  // an emulator adds threads of its own
 
-// The process looks around; `moment` is the platform's function that the plug-in is calling.
-void LookAround(const char* moment) {
+// Checks the process. `moment` is the platform's function that the plug-in is calling.
+void ExpectNoChange(const char* moment) {
   ++looks;
-  EXPECT_EQ("", guest_watch::Differences(before, guest_watch::Look())) << moment;
+  EXPECT_EQ("", guest_watch::Differences(before, guest_watch::ReadState())) << moment;
   EXPECT_EQ(threads_before, guest_watch::Threads()) << moment;
   EXPECT_EQ(inheritable_before, guest_watch::InheritableDescriptors()) << moment;
 }
 
 void SwallowError(void*, const char*, ...) {}
 
-// A process with habits of its own.
-void HaveOwnWays() {
+// Gives the process an unusual state.
+void SetUnusualState() {
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGUSR1, [](int) {});
   std::setlocale(LC_ALL, "C.UTF-8");
@@ -60,7 +60,8 @@ void HaveOwnWays() {
   xmlLoadExtDtdDefaultValue = XML_DETECT_IDS;
 }
 
-// Every hook for a CoBA package with a duplicate, for an ordinary one, for another kind, and for no manifest.
+// Calls every hook for a CoBA package with a duplicate, for an ordinary one, for one that is no dotnet package, and
+// without a manifest.
 void CallEveryHook(const LoadedPlugin& plugin) {
   const support::Document manifests[] = {fault_desk::ManifestFor({"", true}), fault_desk::ManifestFor({""}),
                                          support::OtherManifest(), nullptr};
@@ -76,16 +77,16 @@ void CallEveryHook(const LoadedPlugin& plugin) {
 
 void OnWatchedDevice(const std::function<void(const LoadedPlugin&)>& body) {
   fault_desk::OnDevice([&] {
-    HaveOwnWays();
-    before = guest_watch::Look();
+    SetUnusualState();
+    before = guest_watch::ReadState();
     threads_before = guest_watch::Threads();
     const LoadedPlugin plugin;
     support::StandardErrorOf([&] {
       inheritable_before = guest_watch::InheritableDescriptors();
-      small_platform::Now().watcher = LookAround;
+      small_platform::Now().watcher = ExpectNoChange;
       body(plugin);
       small_platform::Now().watcher = nullptr;
-      LookAround("at the end");
+      ExpectNoChange("at the end");
     });
   });
 }

@@ -1,4 +1,4 @@
-// Looking at a process.
+// Reads the state of a process.
 #include "tests/faults/guest_watch.h"
 
 #include <dirent.h>
@@ -21,7 +21,7 @@
 namespace guest_watch {
 namespace {
 
-// The bytes of a plain value, or of a function's address.
+// The bytes of a trivially copyable value, or of a function's address.
 template <typename Value>
 std::string Bytes(const Value& value) {
   const auto* bytes = reinterpret_cast<const unsigned char*>(&value);
@@ -30,7 +30,7 @@ std::string Bytes(const Value& value) {
   return text.str();
 }
 
-void LookAtSignals(Belongings& seen) {
+void ReadSignals(ProcessState& seen) {
   for (int signal = 1; signal < NSIG; ++signal) {
     struct sigaction action {};
     if (sigaction(signal, nullptr, &action) != 0) continue;
@@ -54,7 +54,7 @@ std::string Environment() {
   return all;
 }
 
-void LookAtLimitsAndTimers(Belongings& seen) {
+void ReadLimitsAndTimers(ProcessState& seen) {
   for (int resource = 0; resource < static_cast<int>(RLIMIT_NLIMITS); ++resource) {
     rlimit limit{};
     if (getrlimit(static_cast<__rlimit_resource>(resource), &limit) != 0) continue;
@@ -66,7 +66,7 @@ void LookAtLimitsAndTimers(Belongings& seen) {
   seen["timer"] = Bytes(timer);
 }
 
-// Setting one of libxml2's defaults returns the one before.
+// Setting one of libxml2's defaults returns its old value.
 template <typename Setter>
 int DefaultOf(const Setter& set) {
   const int value = set(0);
@@ -74,7 +74,7 @@ int DefaultOf(const Setter& set) {
   return value;
 }
 
-void LookAtXml(Belongings& seen) {
+void ReadXmlState(ProcessState& seen) {
   seen["xml error handler"] = Bytes(xmlGenericError) + Bytes(xmlGenericErrorContext);
   seen["xml structured error handler"] = Bytes(xmlStructuredError) + Bytes(xmlStructuredErrorContext);
   seen["xml entity loader"] = Bytes(xmlGetExternalEntityLoader());
@@ -95,11 +95,11 @@ void LookAtXml(Belongings& seen) {
 
 }  // namespace
 
-Belongings Look() {
-  Belongings seen;
-  LookAtSignals(seen);
-  LookAtLimitsAndTimers(seen);
-  LookAtXml(seen);
+ProcessState ReadState() {
+  ProcessState seen;
+  ReadSignals(seen);
+  ReadLimitsAndTimers(seen);
+  ReadXmlState(seen);
   seen["locale"] = std::setlocale(LC_ALL, nullptr);
   seen["locale of the thread"] = Bytes(uselocale(nullptr));
   seen["umask"] = std::to_string(Umask());
@@ -108,7 +108,7 @@ Belongings Look() {
   return seen;
 }
 
-std::string Differences(const Belongings& before, const Belongings& after) {
+std::string Differences(const ProcessState& before, const ProcessState& after) {
   std::string text;
   for (const auto& [name, value] : before) {
     const auto now = after.find(name);

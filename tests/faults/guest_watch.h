@@ -1,4 +1,4 @@
-// What belongs to the process that a plug-in is a guest in, and must be left as it is.
+// The state of the installer's process, which a plug-in must not change.
 #ifndef TESTS_FAULTS_GUEST_WATCH_H_
 #define TESTS_FAULTS_GUEST_WATCH_H_
 
@@ -8,18 +8,18 @@
 
 namespace guest_watch {
 
-// Everything of the process by name, in words: signal dispositions and mask, locale, umask, working directory,
-// environment, resource limits, timers, libxml2's global state.
-using Belongings = std::map<std::string, std::string>;
-Belongings Look();
+// The state by name, as texts: signal dispositions and mask, locale, umask, working directory, environment, resource
+// limits, timers, libxml2's global state.
+using ProcessState = std::map<std::string, std::string>;
+ProcessState ReadState();
 
-// What differs between the two looks, with both values.
-std::string Differences(const Belongings& before, const Belongings& after);
+// The differences between two states, with both values.
+std::string Differences(const ProcessState& before, const ProcessState& after);
 
-// How many threads this process has.
+// The number of threads of this process.
 int Threads();
 
-// The descriptors that an exec would leave open.
+// The descriptors that an exec would keep open.
 std::set<int> InheritableDescriptors();
 
 }  // namespace guest_watch

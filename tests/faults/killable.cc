@@ -1,4 +1,4 @@
-// Makes a program killable at one of its calls: what the environment asks for is planned before its main().
+// Makes a program killable at one of its calls: reads the plan from the environment before main().
 #include "tests/faults/killable.h"
 
 #include <cstdlib>

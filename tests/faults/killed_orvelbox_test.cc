@@ -1,5 +1,5 @@
-// orvelbox and its hooks, killed at every call that changes files, those of the package database included: the next
-// command finds the operation not begun, finished, or takes it back.
+// orvelbox and its hooks are killed at every call that changes files, including those of the package database. The next
+// command finds the operation not begun or finished, or undoes it.
 #include <csignal>
 
 #include "tests/faults/killable.h"
@@ -10,7 +10,7 @@ namespace {
 
 using State = std::map<std::string, std::string>;
 
-// What was there to be killed at must be about as much as this: less would mean that calls are missed.
+// At least this many calls are expected; fewer would mean that calls are not counted.
 constexpr int kFewestCalls = 60;
 constexpr int kFewestCallsOfMending = 15;
 
@@ -27,7 +27,7 @@ class KilledOrvelbox : public HookDesk, public testing::WithParamInterface<bool>
     return arguments;
   }
 
-  // A package that shares an assembly and brings a DLL that the platform has.
+  // A package that shares an assembly and contains a DLL that the platform has.
   std::string Component(const std::string& id, const std::string& version) const {
     return MakePackage(id + version, ManifestText(id, version, CobaMetadata()),
                        {{"shared/res/" + id + version + ".dll", "shared"}, {"bin/Dup.dll", "twice"}});
@@ -35,7 +35,7 @@ class KilledOrvelbox : public HookDesk, public testing::WithParamInterface<bool>
 
   Result Succeed(const std::vector<std::string>& arguments) const { return RunExpecting(0, WithPlugin(arguments)); }
 
-  // Runs orvelbox until it is killed at its call of that number. False when it ended before.
+  // Runs orvelbox until it is killed at the call of that number. Returns false when it ended before.
   bool KilledAt(int call, const std::vector<std::string>& arguments) {
     environment_ = {{killable::kAt, std::to_string(call)}, {killable::kDirectory, device_.directory.string()}};
     if (GetParam()) environment_[killable::kHalfWritten] = "yes";
@@ -45,7 +45,7 @@ class KilledOrvelbox : public HookDesk, public testing::WithParamInterface<bool>
     return result.status == 128 + SIGKILL;
   }
 
-  // Lets the next command mend the device; it changes nothing on its own. The killed hooks may still be about to end.
+  // Runs a command that repairs the device and changes nothing else. The killed hooks may still be ending.
   Result RunNextCommand() const {
     const std::vector<std::string> command = WithPlugin({"undo", "org.other"});
     Result next = Run(command);
@@ -54,8 +54,7 @@ class KilledOrvelbox : public HookDesk, public testing::WithParamInterface<bool>
     return next;
   }
 
-  // The device's state without the temporary cache files: the plug-in leaves them when it is killed, and uses them
-  // again.
+  // The device's state without the temporary cache files, which a killed plug-in leaves and its next run overwrites.
   State Found() const {
     State state = DeviceState();
     for (const char* name : {"temp_TPA.txt", "temp_CoBA.txt"}) {
@@ -75,7 +74,7 @@ class KilledOrvelbox : public HookDesk, public testing::WithParamInterface<bool>
     fs::copy(saved, device_.directory, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
   }
 
-  // Kills the operation at every call; the device is put back each time.
+  // Kills the operation at every call. The device is restored each time.
   void ExpectWholeOperation(const std::vector<std::string>& operation) {
     const fs::path saved = dir_.path() / "saved";
     fs::copy(device_.directory, saved, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
@@ -110,7 +109,7 @@ TEST_P(KilledOrvelbox, an_uninstall_is_whole_or_not_at_all) {
   ExpectWholeOperation({"uninstall", "org.pkg"});
 }
 
-// A run that is killed while it mends is mended by the one after it.
+// When a repair is killed, the next run completes it.
 TEST_P(KilledOrvelbox, mending_may_be_killed_too) {
   const State before = DeviceState();
   const std::vector<std::string> install = {"install", Component("org.pkg", "1")};

@@ -1,5 +1,5 @@
-// Allocations that can be made to fail: this program's operator new, which libstdc++ and the plug-in use too, and
-// libxml2's functions once they are set.
+// Allocations that can fail: this program's operator new, which libstdc++ and the plug-in also use, and libxml2's
+// functions when they are set.
 #include <libxml/xmlmemory.h>
 
 #include <cstdlib>

@@ -1,4 +1,4 @@
-// Hooks called ten thousand times: neither memory nor descriptors grow.
+// Calls the hooks ten thousand times: neither memory nor descriptors grow.
 #include <gtest/gtest.h>
 #include <malloc.h>
 
@@ -11,7 +11,7 @@
 #include "tests/support/standard_error.h"
 
 #if defined(__SANITIZE_ADDRESS__)
-// GCC ships the function without the header that declares it.
+// GCC provides the function without a header.
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 #endif
 
@@ -29,8 +29,9 @@ std::size_t AllocatedBytes() {
 #endif
 }
 
-// One round: a life of the package. The install of another one between two rounds makes the pass run every time.
-void Live(const LoadedPlugin& plugin, xmlDoc* coba, xmlDoc* ordinary) {
+// One round: the lifecycle of a package. The install of another package between two rounds makes the pass run every
+// time.
+void RunLifecycle(const LoadedPlugin& plugin, xmlDoc* coba, xmlDoc* ordinary) {
   EXPECT_EQ(0, plugin.Event("INSTALL", ordinary, fault_desk::kId));
   EXPECT_EQ(0, plugin.Event("CLEAN", coba, fault_desk::kId));
   EXPECT_EQ(0, plugin.Event("UPGRADE", ordinary, kSecondId));
@@ -42,11 +43,11 @@ void Live(const LoadedPlugin& plugin, xmlDoc* coba, xmlDoc* ordinary) {
   EXPECT_EQ(0, plugin.Event("UNINSTALL", ordinary, kSecondId));
 }
 
-void LiveManyTimes(int rounds, const LoadedPlugin& plugin, xmlDoc* coba, xmlDoc* ordinary) {
+void RunLifecycles(int rounds, const LoadedPlugin& plugin, xmlDoc* coba, xmlDoc* ordinary) {
   support::StandardErrorOf([&] {
     for (int round = 0; round < rounds; ++round) {
       if (round % kWarmUp == 0) fault_desk::LayOutDuplicate();
-      Live(plugin, coba, ordinary);
+      RunLifecycle(plugin, coba, ordinary);
       if (round % kWarmUp == 0 && ftruncate(STDERR_FILENO, 0) != 0)
         ADD_FAILURE() << "what was printed cannot be dropped";
     }
@@ -60,12 +61,12 @@ TEST(Repetition, ten_thousand_lives_of_a_package_take_no_more_memory_or_descript
     const support::Document coba = fault_desk::ManifestFor({"", true});
     const support::Document ordinary = fault_desk::ManifestFor({""});
     const LoadedPlugin plugin;
-    LiveManyTimes(kWarmUp, plugin, coba.get(), ordinary.get());
+    RunLifecycles(kWarmUp, plugin, coba.get(), ordinary.get());
     const std::size_t descriptors = support::OpenDescriptors();
     const std::size_t bytes = AllocatedBytes();
     if (bytes == 0) GTEST_SKIP() << "this allocator does not tell how much it gave out";
-    LiveManyTimes(kRounds, plugin, coba.get(), ordinary.get());
-    // One byte a round would be more than this.
+    RunLifecycles(kRounds, plugin, coba.get(), ordinary.get());
+    // A leak of one byte per round would exceed this.
     EXPECT_LT(AllocatedBytes(), bytes + kRounds);
     EXPECT_EQ(descriptors, support::OpenDescriptors());
     EXPECT_GT(small_platform::Now().restarts, kRounds);

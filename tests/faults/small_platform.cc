@@ -1,4 +1,4 @@
-// The small platform's functions. Each can be made to fail.
+// The functions of the small platform. Each can be made to fail.
 #include "tests/faults/small_platform.h"
 
 #include <sys/types.h>
@@ -26,13 +26,13 @@ namespace {
 
 constexpr int kFailed = -1;
 
-// Whether the function is to fail; tells the watcher first.
+// Must the function fail? Calls the watcher first.
 bool Fails(const char* function) {
   if (Now().watcher != nullptr) Now().watcher(function);
   return faults::Meet(faults::kPlatform, function, nullptr) == faults::Verdict::kFail;
 }
 
-// A package and its application have one id.
+// A package and its application have the same id.
 Package* Find(const char* id) {
   for (Package& package : Now().packages) {
     if (package.id != nullptr && std::strcmp(package.id, id) == 0) return &package;
@@ -49,13 +49,13 @@ int GiveRecord(const char* function, const char* id, void** handle) {
   return 0;
 }
 
-// A destruction that fails has destroyed all the same.
+// A destruction that fails still destroys the record.
 int Destroy(const char* function, int& alive) {
   --alive;
   return Fails(function) ? kFailed : 0;
 }
 
-// Getters promise callers a char*.
+// The getters' interface requires a char*.
 int GiveText(const char* function, const char* text, char** out) {
   if (Fails(function)) return kFailed;
   *out = const_cast<char*>(text);

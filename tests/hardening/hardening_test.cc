@@ -1,5 +1,4 @@
-// How the built libraries and programs are hardened, as their own headers and symbols tell. What they do is not looked
-// at here.
+// The hardening of the built libraries and programs, read from their headers and symbols.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -22,7 +21,7 @@ using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
 
-// The line of the program header of that type, or nothing.
+// The line of the program header of that type; nothing when there is none.
 std::string ProgramHeader(const std::string& file, const std::string& type) {
   for (const std::string& line : Lines(Readelf("--program-headers", file))) {
     if (line.find("  " + type + " ") == 0) return line;
@@ -30,12 +29,12 @@ std::string ProgramHeader(const std::string& file, const std::string& type) {
   return "";
 }
 
-// Files in which there is nothing to protect: no array on a stack; no call that has a checked form.
+// Files that need no protection: no array on a stack, or no call with a checked variant.
 const std::set<std::string> kWithoutArrays = {"liborvel_pkgmgr_installer.so"};
 const std::set<std::string> kWithoutCheckedCalls = {"libquarnel_util.so", "liborvel_aul.so",
                                                     "liborvel_pkgmgr_installer.so", "liborvel_smack.so"};
 
-// Functions for files that have a form for large ones as well.
+// File functions that also have a variant for large files.
 const std::set<std::string> kNarrowFileFunctions = {
     "__fxstat",        "__lxstat", "__open_2", "__openat_2", "__pread_chk", "__pwrite_chk", "__xstat",   "creat",
     "fallocate",       "fcntl",    "fgetpos",  "fopen",      "freopen",     "fseeko",       "fsetpos",   "fstat",
@@ -43,7 +42,7 @@ const std::set<std::string> kNarrowFileFunctions = {
     "lockf",           "lseek",    "lstat",    "mkostemp",   "mkstemp",     "mmap",         "nftw",      "open",
     "openat",          "pread",    "pwrite",   "readdir",    "readdir_r",   "scandir",      "sendfile",  "setrlimit",
     "posix_fallocate", "stat",     "statfs",   "statvfs",    "tmpfile",     "truncate"};
-// Functions that tell or take a time of 32 bits where the processor's words have as many.
+// Functions with 32-bit times on 32-bit processors.
 const std::set<std::string> kNarrowTimeFunctions = {"clock_gettime",
                                                     "clock_nanosleep",
                                                     "fstat64",
@@ -133,9 +132,9 @@ std::string TestName(const testing::TestParamInfo<std::string>& file) {
 
 INSTANTIATE_TEST_SUITE_P(Built, Hardening, testing::ValuesIn(Lines(support::ReadFile(LIST_OF_BUILT_FILES))), TestName);
 
-// The size that stands in docs/performance.md.
+// The size recorded in docs/performance.md.
 
-// "BYTES | RELOCATIONS" of the row for that processor, or nothing.
+// "BYTES | RELOCATIONS" of the row for that processor; nothing when there is none.
 std::string KeptSize(const std::string& processor) {
   const std::string start = "| " + processor + " | ";
   for (const std::string& line : Lines(support::ReadFile(PERFORMANCE_DOCUMENT))) {

@@ -1,4 +1,4 @@
-// Devices: made whole or not at all, and opened only when this version understands them.
+// Devices: created completely or not at all, and opened only if this version supports their format.
 #include "platform/host/device.h"
 
 #include <sys/stat.h>
@@ -16,7 +16,7 @@ namespace {
 class DeviceDirectory : public DirectoryTest {
  protected:
   fs::path NewDirectory() const { return directory() / "device"; }
-  // A device whose device.json holds `text`.
+  // A device whose device.json has the content `text`.
   host::Device DeviceSaying(const std::string& text) const {
     const auto device = host::CreateDevice(NewDirectory());
     WriteFile(device.ConfigFile(), text);
@@ -96,7 +96,7 @@ TEST_F(DeviceDirectory, a_failure_takes_back_the_directories_it_made) {
   support::InFreshProcess([&] {
     ASSERT_EQ(0, chmod(directory().c_str(), 0777));
     machine::BecomeOrdinaryUser();
-    umask(0777);  // so nothing can be made inside of what is made
+    umask(0777);  // so that nothing can be created in a new directory
     EXPECT_NE("no error", ErrorOf([&] { host::CreateDevice(deep); }));
   });
   EXPECT_THAT(support::NamesIn(directory()), ElementsAre());

@@ -1,4 +1,4 @@
-// Escaping of log texts: whatever is logged stays on its line, harmless to a terminal, and comes back unchanged.
+// Escaping log texts: any text stays on its line, cannot control a terminal, and can be restored exactly.
 #include "platform/host/escape.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// The platform's libraries show their own functions and nothing else.
+// The platform's libraries export their own functions and nothing else.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// Working in place, on a machine where the kernel refuses namespaces.
+// The in-place method, on a machine where the kernel refuses namespaces.
 
 #include <signal.h>
 #include <sys/wait.h>
@@ -20,7 +20,7 @@ class InPlace : public MachineTest {
     WriteFile(root() / "opt/usr/x", "user area");
     WriteFile(root() / "etc/release", "marker");
   }
-  // Runs `body` as root of an emptied machine without namespaces, prepared by `prepare`.
+  // Runs `body` as root of an emptied machine without namespaces, after `prepare`.
   static void OnMachine(const std::function<void()>& prepare, const std::function<void()>& body) {
     OnEmptiedMachine([&] {
       prepare();
@@ -35,7 +35,7 @@ class InPlace : public MachineTest {
   static void ExpectNothingMade() {
     for (const char* path : host::kFixedPaths) EXPECT_FALSE(IsThere(path)) << path;
   }
-  // A run that leaves its links behind: this process's child is killed together with its own child.
+  // A run that leaves its links behind: a child of this process is killed together with its own child.
   void LeaveLinksBehind() const {
     const pid_t run = fork();
     if (run == 0) {
@@ -118,7 +118,7 @@ TEST_F(InPlace, is_refused_where_a_fixed_path_exists) {
 
 TEST_F(InPlace, what_appeared_since_the_check_is_not_touched) {
   OnMachine([this] {
-    const UniqueFd turn = host::TakeTurnInPlace();
+    const UniqueFd turn = host::LockFixedPaths();
     WriteFile("/opt/usr", "mine");
     EXPECT_EQ("cannot work in place: /opt/usr exists already; move it away, or allow namespaces",
               ErrorOf([&] { host::InPlaceLinks(turn, root()); }));
@@ -198,7 +198,7 @@ TEST_F(InPlace, runs_take_turns) {
     const fs::path busy = root() / "busy";
     for (int i = 0; i < kRuns; ++i) {
       if (fork() != 0) continue;
-      // Making the directory fails where another run is inside at the same time.
+      // Creating the directory fails if another run is inside at the same time.
       const auto outcome = Run([&] { return fs::create_directory(busy) && fs::remove(busy) ? 0 : 1; });
       _exit(outcome.signalled ? 99 : outcome.code);
     }

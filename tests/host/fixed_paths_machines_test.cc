@@ -1,4 +1,4 @@
-// The fixed paths on machines of several shapes.
+// The fixed paths on machines with different file systems.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -22,7 +22,7 @@ TEST_F(FixedPathsOf, a_root_under_opt_itself) {
       ExpectDeviceAtFixedPaths();
       EXPECT_EQ("beside", ReadFile("/opt/other"));
       EXPECT_EQ("/opt/desk", fs::current_path());
-      EXPECT_EQ("user area", ReadFile("../usr/globalapps/p/x"));  // by the path, within the new mounts
+      EXPECT_EQ("user area", ReadFile("../usr/globalapps/p/x"));  // by path, in the new mounts
       WriteFile("device/root/opt/usr/new", "1");
       EXPECT_EQ("1", ReadFile("/opt/usr/new"));
     });
@@ -73,7 +73,7 @@ TEST_F(FixedPathsOf, a_machine_that_has_them_hides_its_own) {
   });
 }
 
-// What is mounted through a link would be gone as soon as the link is, as when another process ends its work in place.
+// A mount through a link would disappear with the link, for example when another process finishes its work in place.
 TEST_F(FixedPathsOf, a_machine_with_links_there_shows_none) {
   LayOutRoot(root());
   OnEmptiedMachine([this] {

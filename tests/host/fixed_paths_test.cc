@@ -1,4 +1,4 @@
-// The fixed paths on the machine at hand: what runs there, and how it ends.
+// The fixed paths on the current machine: what runs there, and how it ends.
 #include "platform/host/fixed_paths.h"
 
 #include <fcntl.h>
@@ -19,7 +19,7 @@ namespace {
 
 using host::FixedPathsMethod;
 
-// Why an ordinary user cannot have the fixed paths here, or nothing.
+// Why an ordinary user cannot have the fixed paths here; nothing when it is possible.
 std::string OrdinaryUsersObstacle() {
   const support::TempDir directory;
   const fs::path file = directory / "obstacle";
@@ -34,7 +34,7 @@ std::string OrdinaryUsersObstacle() {
   return ReadFile(file);
 }
 
-// A root of a device; the tests run on the machine as it is, whatever the method.
+// A device's root. The tests run on the machine as it is, with any method.
 class FixedPaths : public DirectoryTest {
  protected:
   FixedPaths() { LayOutRoot(root()); }
@@ -75,7 +75,7 @@ TEST_F(FixedPaths, the_release_marker_is_there_only_where_the_root_has_it) {
   WriteFile(root() / "etc/release", "r");
   support::WithFixedPaths(root(), [] {
     EXPECT_EQ("r", ReadFile("/etc/release"));
-    EXPECT_EQ(0, access("/etc/passwd", R_OK));  // the rest of the directory stays
+    EXPECT_EQ(0, access("/etc/passwd", R_OK));  // the other files of the directory are still there
   });
 }
 
@@ -87,7 +87,7 @@ TEST_F(FixedPaths, the_result_of_the_body_is_the_exit_status) {
 
 TEST_F(FixedPaths, a_crash_of_the_body_is_told_as_its_signal) {
   const auto outcome = host::RunWithFixedPaths(root(), []() -> int {
-    signal(SIGSEGV, SIG_DFL);  // a sanitizer would catch it
+    signal(SIGSEGV, SIG_DFL);  // a sanitizer would handle it
     raise(SIGSEGV);
     return 0;
   });
@@ -212,7 +212,7 @@ TEST(FixedPathsMethods, root_uses_a_mount_namespace) {
   const std::string obstacle = machine::ObstacleToEmptied();
   if (!obstacle.empty()) GTEST_SKIP() << "no namespace for another machine: " << obstacle;
   support::InFreshProcess([] {
-    machine::EnterEmptied();  // makes anybody root there
+    machine::EnterEmptied();  // any user becomes root there
     EXPECT_EQ(FixedPathsMethod::kMountNamespace, host::AvailableFixedPathsMethod(nullptr));
   });
 }

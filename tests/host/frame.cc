@@ -1,4 +1,4 @@
-// The frame of the host platform's tests.
+// Fixtures of the host platform's tests.
 #include "tests/host/frame.h"
 
 namespace host_tests {

@@ -1,4 +1,4 @@
-// The frame of the host platform's tests, which include nothing that this header brings.
+// Fixtures of the host platform's tests. The tests do not repeat the includes of this header.
 #ifndef TESTS_HOST_FRAME_H_
 #define TESTS_HOST_FRAME_H_
 
@@ -33,7 +33,7 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-// A test with a directory of its own.
+// A test with its own directory.
 class DirectoryTest : public testing::Test {
  protected:
   const fs::path& directory() const { return directory_.path(); }
@@ -42,17 +42,17 @@ class DirectoryTest : public testing::Test {
   support::TempDir directory_;
 };
 
-// A test on a machine of its own: skipped, with the reason, where this one provides none.
+// A test in its own namespaces (machine.h); skipped with the reason if this machine has none.
 class MachineTest : public DirectoryTest {
  protected:
   void SetUp() override;
   // Runs `body` as root of an emptied machine.
   static void OnEmptiedMachine(const std::function<void()>& body);
-  // Where a device's root is to be.
+  // The path for a device's root.
   const fs::path& root() const { return directory(); }
 };
 
-// Makes a root with one file in each directory that belongs at a fixed path; expects those files there.
+// Creates a root with one file in each directory for a fixed path, and expects those files at the fixed paths.
 void LayOutRoot(const fs::path& root);
 void ExpectDeviceAtFixedPaths();
 

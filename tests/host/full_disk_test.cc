@@ -1,4 +1,4 @@
-// A full disk: one clear line, and everything as it was.
+// A full disk: one clear error line, and no change.
 #include <sys/mount.h>
 
 #include <fstream>
@@ -12,14 +12,14 @@ namespace {
 
 constexpr const char* kSmallDisk = "/opt";
 
-// Fills the disk up to the last byte.
+// Fills the disk to the last byte.
 void FillUp() {
   std::ofstream filler(fs::path(kSmallDisk) / "filler");
   const std::string block(4096, 'x');
   while (filler.write(block.data(), 4096).flush()) continue;
 }
 
-// A package of some hundred thousand bytes.
+// A package record of several hundred thousand bytes.
 host::Package LargePackage() {
   auto package = SamplePackage("q");
   package.privileges.assign(20'000, "privilege");
@@ -28,7 +28,7 @@ host::Package LargePackage() {
 
 class FullDisk : public MachineTest {
  protected:
-  // Runs `body` in a process that has a disk of `size` at kSmallDisk.
+  // Runs `body` in a process with a disk of `size` at kSmallDisk.
   static void OnSmallDisk(const char* size, const std::function<void()>& body) {
     OnEmptiedMachine([&] {
       const std::string options = std::string("size=") + size;
@@ -39,7 +39,7 @@ class FullDisk : public MachineTest {
 };
 
 TEST_F(FullDisk, no_half_device_is_left) {
-  // From a disk too small for anything to one that lacks the last block.
+  // From a disk that is too small for anything to one that is one block too small.
   for (const char* size : {"4k", "16k", "40k"}) {
     OnSmallDisk(size, [&] {
       EXPECT_THAT(ErrorOf([] { host::CreateDevice("/opt/new/device"); }), EndsWith("; free some space and try again"))
@@ -82,7 +82,7 @@ TEST_F(FullDisk, no_torn_log_record_is_left) {
     ASSERT_TRUE(host::AppendLogRecord("/opt/log", 'I', "T", "first"));
     const std::string before = ReadFile("/opt/log");
     FillUp();
-    // What is left of the log's last block takes the beginning of this record only.
+    // The rest of the log's last block can hold only the beginning of this record.
     EXPECT_FALSE(host::AppendLogRecord("/opt/log", 'I', "T", std::string(100'000, 'x')));
     EXPECT_EQ(before, ReadFile("/opt/log"));
   });

@@ -19,7 +19,7 @@ class Labels : public DirectoryTest {
   }
   std::string file() const { return (directory() / "file").string(); }
   std::string link() const { return (directory() / "link").string(); }
-  // Skips where the file system takes no labels of ordinary users.
+  // Skips if ordinary users cannot set labels on this file system.
   void SetUp() override {
     if (setxattr(file().c_str(), "user.probe", "x", 1, 0) != 0) GTEST_SKIP() << "no user.* attributes in " << file();
   }

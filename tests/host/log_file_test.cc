@@ -21,7 +21,7 @@ std::vector<std::string> LinesOf(const std::filesystem::path& file) { return sup
 class LogFile : public DirectoryTest {
  protected:
   std::filesystem::path file() const { return directory() / "log"; }
-  // The record that was logged last.
+  // The last record in the log.
   host::LogRecord Last() const { return host::ParseLogRecord(LinesOf(file()).back()).value(); }
 };
 
@@ -128,7 +128,7 @@ TEST(LogLibrary, without_a_device_messages_are_dropped) {
 
 TEST(LogLibrary, null_arguments_are_refused) {
   const samples::EnvironmentDevice device;
-  int (*const volatile print)(int, int, const char*, const char*, ...) = __dlog_print;  // not checked by the compiler
+  int (*const volatile print)(int, int, const char*, const char*, ...) = __dlog_print;  // the compiler cannot check it
   EXPECT_LT(print(DLOG_MAIN, DLOG_INFO, nullptr, "text"), 0);
   EXPECT_LT(print(DLOG_MAIN, DLOG_INFO, "TAG", nullptr), 0);
   EXPECT_EQ("", ReadFile(device.device().Log()));

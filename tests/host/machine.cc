@@ -1,4 +1,4 @@
-// Machines of tests.
+// Changes the machine as the test's process sees it.
 #include "tests/host/machine.h"
 
 #include <fcntl.h>
@@ -90,7 +90,7 @@ std::string ObstacleToEmptied(const std::string& needed) {
   return length > 0 ? text : "";
 }
 
-// "/" itself cannot be changed; so this goes to a tmpfs that shows everything of it but "/opt".
+// "/" itself cannot be changed, so the process moves to a tmpfs that shows all of it except "/opt".
 void RemoveOpt() {
   const fs::path fresh = "/run/lock";
   CoverWithTmpfs(fresh.c_str());
@@ -115,7 +115,7 @@ void BecomeOrdinaryUser() {
 
 void RefuseNamespaces() {
   constexpr auto kFlagsOfClone = offsetof(seccomp_data, args);  // the lower half on a little-endian machine
-  // The jumps count the statements to pass over, up to one of the three answers at the end.
+  // The jumps count the instructions to skip, up to one of the three results at the end.
   sock_filter program[] = {
       BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
       BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_unshare, 9, 0),
@@ -129,7 +129,7 @@ void RefuseNamespaces() {
       BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, kNamespaceFlags, 1, 0),
       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EPERM),
-      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSYS),  // callers then take clone, whose flags can be looked at
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSYS),  // callers then use clone, whose flags can be examined
   };
   const sock_fprog filter{sizeof program / sizeof *program, program};
   Check(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0, "give up new privileges");

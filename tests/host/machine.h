@@ -1,5 +1,4 @@
-// Machines that a test process can put itself on: the real one, changed in a namespace of the process's own; and who it
-// is there.
+// Changes the machine as the test's process sees it, in new namespaces, and the user of the process.
 #ifndef TESTS_HOST_MACHINE_H_
 #define TESTS_HOST_MACHINE_H_
 
@@ -7,22 +6,22 @@
 
 namespace machine {
 
-// Moves this process onto a machine of its own: root there, with /opt, /usr/share, /etc and /run empty and writable
-// and everything else as on the real one. For a child process of a test. Throws std::runtime_error.
+// Moves this process into new namespaces: it is root there; /opt, /usr/share, /etc and /run are empty and writable;
+// everything else is unchanged. For a child process of a test. Throws std::runtime_error.
 void EnterEmptied();
 
-// Why EnterEmptied would fail or hide the file `needed`, or nothing when it works.
+// Why EnterEmptied would fail or hide the file `needed`; nothing when it works.
 std::string ObstacleToEmptied(const std::string& needed = "");
 
 // On an emptied machine: removes "/opt" itself.
 void RemoveOpt();
 
-// Makes root's process one of the user "nobody", for good; an ordinary user's stays what it is. Throws
+// Changes root's process to the user "nobody", permanently. Does nothing for an ordinary user. Throws
 // std::runtime_error.
 void BecomeOrdinaryUser();
 
-// Makes the kernel refuse namespaces and mounts to this process and its children for good, as it does in a container
-// without special rights. Throws std::runtime_error.
+// Makes the kernel refuse namespaces and mounts to this process and its children, as in a container without special
+// rights. Throws std::runtime_error.
 void RefuseNamespaces();
 
 }  // namespace machine

@@ -1,4 +1,4 @@
-// The package libraries over a device's database.
+// The package libraries with a device's database.
 #include <unistd.h>
 
 #include <cstdlib>
@@ -39,7 +39,7 @@ int CollectApplication(pkgmgrinfo_appinfo_h handle, void* list) {
   return 0;
 }
 
-// Positive results do not end an enumeration.
+// A positive result does not end an enumeration.
 int CollectPositively(pkgmgrinfo_appinfo_h handle, void* list) { return CollectApplication(handle, list) + 1; }
 
 int CollectOne(pkgmgrinfo_appinfo_h handle, void* list) {
@@ -47,7 +47,7 @@ int CollectOne(pkgmgrinfo_appinfo_h handle, void* list) {
   return -1;
 }
 
-// The text of a record that the function gives out; "none" when it fails.
+// The text that the function reads from a record; "none" when it fails.
 std::string TextOf(int (*get)(void*, char**), void* record) {
   char* text = nullptr;
   return get(record, &text) == 0 ? text : "none";

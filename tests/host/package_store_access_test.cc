@@ -1,4 +1,4 @@
-// The package database for several readers and writers, and files that are none.
+// The package database with several readers and writers, and files that are no database.
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>

@@ -1,5 +1,5 @@
 // plain_container COMMAND…: runs a command as in a container without special rights, where the kernel refuses
-// namespaces and mounts. Everything else is the machine's own.
+// namespaces and mounts. Everything else is unchanged.
 #include <unistd.h>
 
 #include <cstdio>

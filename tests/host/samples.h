@@ -10,7 +10,7 @@
 
 namespace samples {
 
-// A new device, named by the environment while it lives.
+// A new device, which the environment names during its lifetime.
 class EnvironmentDevice {
  public:
   EnvironmentDevice();
@@ -27,8 +27,8 @@ class EnvironmentDevice {
   host::Device device_;
 };
 
-// A package "ID" with the applications "ID.main" (metadata, in this order: mark=first, mark=second, coba=true, and
-// one entry more) and "ID.service" (coba=false), and the privileges "z", "a", "z".
+// A package "ID" with the applications "ID.main" (metadata, in this order: mark=first, mark=second, coba=true, and one
+// more entry) and "ID.service" (coba=false), and the privileges "z", "a", "z".
 host::Package SamplePackage(const std::string& id);
 
 }  // namespace samples

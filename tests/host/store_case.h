@@ -21,7 +21,7 @@ class Store : public DirectoryTest {
     for (const auto& package : Open(PackageStore::Mode::kReadOnly).List()) ids.push_back(package.id);
     return ids;
   }
-  // Runs SQL behind the store's back; answers the number that it gives, or -1.
+  // Runs SQL directly on the database. Returns the resulting number, or -1.
   int Sql(const std::string& sql) const {
     int number = -1;
     const auto note = [](void* result, int, char** values, char**) {

@@ -1,4 +1,4 @@
-// The trace library: its file as Perfetto reads it.
+// The trace library: its file in the format that Perfetto reads.
 #include "orvel/trace.h"
 
 #include <fcntl.h>
@@ -27,7 +27,7 @@ class Trace : public DirectoryTest {
   ~Trace() override { unsetenv(host::kTraceVariable); }
 
   std::filesystem::path file() const { return directory() / "trace.json"; }
-  // The array so far; its closing bracket may be missing in the file.
+  // The events so far. The closing bracket may be missing in the file.
   json Events() const { return host::ParseJson(ReadFile(file()) + "]"); }
   std::vector<std::string> Texts() const {
     std::vector<std::string> texts;
@@ -102,7 +102,7 @@ TEST_F(Trace, without_a_file_nothing_is_written_and_spans_still_nest) {
   trace_end();
 }
 
-// The state letter of a process: 'S' while it waits, 'Z' when it has ended.
+// The state letter of a process: 'S' while it waits, 'Z' after its end.
 char StateOf(pid_t process) {
   const std::string status = ReadFile("/proc/" + std::to_string(process) + "/stat");
   return status.at(status.rfind(") ") + 2);

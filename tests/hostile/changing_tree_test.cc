@@ -1,5 +1,5 @@
-// Files that vanish or become something else between two looks of the plug-in at them: every event of the journal is
-// such a moment.
+// Files that disappear or change between two accesses of the plug-in. The test makes the change at each event of the
+// journal.
 #include "plugin/hooks.h"
 #include "tests/hostile/watched_device.h"
 
@@ -8,9 +8,9 @@ namespace {
 
 const std::string kComparing = "### Duplicated Checker ###";
 const std::string kFound = "### Duplicated DLL found ###";
-const std::string kRemoving = "ovplatform_getenv";  // the last look before the removal
+const std::string kRemoving = "ovplatform_getenv";  // the last access before the removal
 
-// An INSTALL in which the DLL changes so, at each moment.
+// An INSTALL during which the DLL changes, at each of these moments.
 void ChangeAtEveryMoment(const std::function<void()>& change, const std::function<void(const WatchedDevice&)>& check) {
   for (const std::string& moment : {kComparing, kFound, kRemoving}) {
     OnWatchedDevice([&](const WatchedDevice& device) {

@@ -1,4 +1,4 @@
-// Directories that may not be read, searched or written, met by an ordinary user.
+// Directories that may not be read, searched or written, processed as an ordinary user.
 #include "plugin/hooks.h"
 #include "tests/hostile/watched_device.h"
 
@@ -9,7 +9,7 @@ constexpr fs::perms kListOnly = fs::perms::owner_read;
 constexpr fs::perms kSearchOnly = fs::perms::owner_exec;
 constexpr fs::perms kReadOnly = fs::perms::owner_read | fs::perms::owner_exec;
 
-// Sends INSTALL while the directory of the package has these permissions.
+// Sends INSTALL while the package's directory has these permissions.
 Outcome InstallWith(const WatchedDevice& device, const std::string& directory, fs::perms permissions) {
   fs::permissions(directory, permissions);
   const Outcome outcome = device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);

@@ -1,4 +1,4 @@
-// Deep trees, gone into from directory to directory.
+// Creates and removes deep trees directory by directory.
 #include "tests/hostile/deep_tree.h"
 
 #include <fcntl.h>

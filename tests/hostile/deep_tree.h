@@ -1,4 +1,4 @@
-// Trees deeper than a path can say.
+// Trees that are deeper than the longest path.
 #ifndef TESTS_HOSTILE_DEEP_TREE_H_
 #define TESTS_HOSTILE_DEEP_TREE_H_
 
@@ -6,13 +6,13 @@
 
 namespace hostile {
 
-// Makes `levels` directories of that name below `top`, each in the one before, with an "A.dll" in each.
+// Creates `levels` nested directories of that name below `top`, with an "A.dll" in each.
 void MakeDeepTree(const std::string& top, const std::string& name, int levels);
 
-// How many files of that name lie below `top`.
+// The number of files of that name below `top`.
 std::size_t CountBelow(const std::string& top, const std::string& name);
 
-// Removes what lies below `top`.
+// Removes everything below `top`.
 void RemoveDeepTree(const std::string& top);
 
 }  // namespace hostile

@@ -1,4 +1,4 @@
-// Data never becomes a format: what strangers name things reaches the log as an argument, byte for byte.
+// Data never becomes a format: names from a package reach the log as arguments, byte for byte.
 #include "morvath/assembly_files.h"
 #include "plugin/duplicates.h"
 #include "plugin/hooks.h"
@@ -7,10 +7,11 @@
 namespace hostile {
 namespace {
 
-// Printing with it as a format would show something else, write somewhere or crash.
+// Used as a format it would print something else, write to memory or crash.
 constexpr const char* kData = "stranger%n%s%n%s%123456d";
 
-// No format and no span's name holds anything of a stranger's; and a stranger was heard of in `mentions` lines or more.
+// No format and no span's name contains data of the package, and at least `mentions` log lines contain it as an
+// argument.
 void ExpectNoDataInFormats(const doubles::Platform& platform, int mentions) {
   int mentioned = 0;
   for (const Event& event : platform.journal) {

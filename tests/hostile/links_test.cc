@@ -1,4 +1,4 @@
-// Symbolic and hard links wherever a package, or somebody in the cache directory, can put one.
+// Symbolic and hard links wherever a package, or a process in the cache directory, can create one.
 #include <unistd.h>
 
 #include "plugin/hooks.h"
@@ -31,7 +31,7 @@ HOSTILE_TEST(Links, directories_that_lead_out_of_the_package_are_not_entered) {
   fs::create_directory_symlink(kVictims, InPackage("bin/out"));
   fs::create_directory_symlink(support::kCoreDirectory, InPackage("bin/core.dll"));
   fs::create_directory_symlink("..", InPackage("bin/up"));
-  // Not "/": what a broken walk deletes as root is to be the sandbox's.
+  // Not "/": a broken walk that runs as root must delete only files of the sandbox.
   fs::create_directory_symlink("/opt/usr", InPackage("above"));
   EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_INSTALL).result);
   EXPECT_EQ((Names{"core.dll", "out", "up"}), support::NamesIn(InPackage("bin")));
@@ -114,7 +114,7 @@ HOSTILE_TEST(Links, hard_links_in_the_temporary_files_places_are_never_written_t
 }
 
 HOSTILE_TEST(Links, a_cache_file_that_leads_to_an_endless_device_reads_as_empty) {
-  alarm(5);  // before all memory is taken
+  alarm(5);  // ends the test before memory runs out
   fs::create_symlink("/dev/zero", kTpaFile);
   fs::create_symlink("/dev/zero", kCobaFile);
   device.SendCoba(PKGMGR_PARSER_PLUGIN_CLEAN);

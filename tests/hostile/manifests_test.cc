@@ -1,5 +1,5 @@
-// Manifests made to exhaust or to mislead whoever reads them. Parsing is the package manager's business: here the
-// documents are what a generous parser makes of them.
+// Manifests made to exhaust or mislead their reader. The package manager parses them; here a tolerant parser makes the
+// documents.
 #include <libxml/parser.h>
 #include <libxml/xmlIO.h>
 #include <unistd.h>
@@ -35,7 +35,7 @@ FRESH_TEST(HostileManifests, elements_nested_without_end_are_walked) {
   EXPECT_TRUE(isAppCoBARelated(document.get()));
 }
 
-// A document type in which the entity "bomb" stands for 10 to the power of `levels` bytes.
+// A document type in which the entity "bomb" expands to 10 to the power of `levels` bytes.
 std::string Bomb(int levels) {
   std::string text = "<!DOCTYPE manifest [<!ENTITY e0 'x'>";
   for (int i = 1; i <= levels; ++i) {
@@ -55,7 +55,8 @@ FRESH_TEST(HostileManifests, an_entity_bomb_in_the_text_is_not_set_off) {
   EXPECT_TRUE(isAppCoBARelated(document.get()));
 }
 
-// Adds an element whose attribute is a reference to the entity; by hand, because a parser would expand it to check it.
+// Adds an element whose attribute is a reference to the entity. Builds it manually, because a parser would expand and
+// check the entity.
 void AddElementOfEntity(xmlDoc* document, const char* element, const char* attribute, const char* entity) {
   xmlNode* node = xmlNewChild(xmlDocGetRootElement(document), nullptr, ToXml(element), nullptr);
   xmlAttr* value = xmlNewProp(node, ToXml(attribute), nullptr);
@@ -109,7 +110,7 @@ FRESH_TEST(HostileManifests, entities_that_are_missing_or_stand_for_themselves_a
   EXPECT_FALSE(isAppDotnetInhouse(document.get()));
 }
 
-// What libxml2 was asked to fetch.
+// The resources that libxml2 was asked to load.
 std::vector<std::string>& Fetched() {
   static std::vector<std::string> fetched;
   return fetched;

@@ -1,4 +1,4 @@
-// Masses: trees, manifests and cache files of a size that nobody means well with.
+// Very large trees, manifests and cache files.
 #include <libxml/parser.h>
 
 #include <algorithm>
@@ -39,7 +39,7 @@ TEST(Masses, the_duplicates_among_a_million_files_are_found) {
   });
 }
 
-// A manifest of that size: filling elements with `text` in each, and the elements that count at the end.
+// A manifest of that size: elements with the text `filling`, and the elements that matter at the end.
 Document ManifestOfSize(std::size_t size, const std::string& filling) {
   std::string xml = "<manifest>";
   xml.reserve(size + 1000);
@@ -69,7 +69,8 @@ FRESH_TEST(Masses, an_attribute_of_100_mb_is_searched_to_its_end) {
   ExpectBothFound(ManifestOfSize(0, ApplicationElement("ui-application", std::string(kManifestSize, 'x') + end)));
 }
 
-// A cache text of others' entries with `own` entries of the package spread over it, and the same without those.
+// A cache text with entries of other packages and `own` entries of the package between them, and the same without the
+// latter.
 struct CacheText {
   std::string whole = "[START]";
   std::string others = "[START]";

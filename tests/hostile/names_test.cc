@@ -1,4 +1,4 @@
-// Names made of bytes that nobody expects, names as long as they may be, and paths longer than that.
+// Names with unusual bytes, names of the maximum length, and longer paths than allowed.
 #include <climits>
 
 #include "plugin/hooks.h"
@@ -71,7 +71,7 @@ HOSTILE_TEST(HostileNames, the_longest_name_goes_without_an_information_file) {
 }
 
 HOSTILE_TEST(HostileNames, what_lies_deeper_than_a_path_can_say_stays) {
-  // The package's root is so long itself that the walk gets to the limit within its ten levels.
+  // The package's root is so long that the walk reaches the limit within its ten levels.
   const std::string level(NAME_MAX, 'd');
   std::string root = kRoot;
   while (root.size() + level.size() + 1 < PATH_MAX - 3 * level.size()) root += "/" + level;

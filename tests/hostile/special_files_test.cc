@@ -1,4 +1,4 @@
-// Pipes, sockets, devices and directories where files are expected. Whoever waits for one of them is ended.
+// Pipes, sockets, devices and directories where files are expected. A process that waits for one is killed.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -9,16 +9,16 @@
 namespace hostile {
 namespace {
 
-constexpr unsigned kPatience = 20;  // seconds
+constexpr unsigned kTimeout = 20;  // seconds
 
-void OnImpatientDevice(const std::function<void(const WatchedDevice&)>& body) {
+void OnDeviceWithTimeout(const std::function<void(const WatchedDevice&)>& body) {
   OnWatchedDevice([&](const WatchedDevice& device) {
-    alarm(kPatience);
+    alarm(kTimeout);
     body(device);
   });
 }
 
-#define IMPATIENT_TEST(suite, name) FRAMED_TEST(OnImpatientDevice, const WatchedDevice& device, suite, name)
+#define IMPATIENT_TEST(suite, name) FRAMED_TEST(OnDeviceWithTimeout, const WatchedDevice& device, suite, name)
 
 IMPATIENT_TEST(SpecialFiles, pipes_and_sockets_with_names_of_assemblies_stay) {
   fs::create_directories(InPackage("lib"));
@@ -30,13 +30,13 @@ IMPATIENT_TEST(SpecialFiles, pipes_and_sockets_with_names_of_assemblies_stay) {
 }
 
 TEST(SpecialFiles, a_root_or_lib_that_is_a_pipe_is_passed_over) {
-  OnImpatientDevice([](const WatchedDevice& device) {
+  OnDeviceWithTimeout([](const WatchedDevice& device) {
     support::MakePipe(InPackage("lib"));
     WriteFile(InPackage("A.dll"));
     device.Send(PKGMGR_PARSER_PLUGIN_INSTALL);
     EXPECT_EQ((Names{"A.dll_deleted", "lib"}), NamesInRoot());
   });
-  OnImpatientDevice([](const WatchedDevice& device) {
+  OnDeviceWithTimeout([](const WatchedDevice& device) {
     fs::remove(kRoot);
     support::MakePipe(kRoot);
     EXPECT_EQ(0, device.Send(PKGMGR_PARSER_PLUGIN_INSTALL).result);
@@ -71,7 +71,7 @@ IMPATIENT_TEST(SpecialFiles, an_information_file_in_the_place_of_which_something
 }
 
 TEST(SpecialFiles, cache_files_that_are_none_read_as_empty_and_stay) {
-  OnImpatientDevice([](const WatchedDevice& device) {
+  OnDeviceWithTimeout([](const WatchedDevice& device) {
     support::MakePipe(kTpaFile);
     fs::create_directory(kCobaFile);
     WriteFile(InPackage("shared/res/X.dll"));
@@ -80,7 +80,7 @@ TEST(SpecialFiles, cache_files_that_are_none_read_as_empty_and_stay) {
     EXPECT_TRUE(fs::is_fifo(kTpaFile));
     EXPECT_TRUE(fs::is_directory(kCobaFile));
   });
-  OnImpatientDevice([](const WatchedDevice& device) {
+  OnDeviceWithTimeout([](const WatchedDevice& device) {
     support::MakeSocket(kTpaFile);
     support::MakeSocket(kCobaFile);
     device.SendCoba(PKGMGR_PARSER_PLUGIN_CLEAN);

@@ -1,4 +1,4 @@
-// The watch: everything outside of the package as it was and as it is.
+// Compares everything outside of the package before and after.
 #include "tests/hostile/watched_device.h"
 
 #include <sys/stat.h>
@@ -13,25 +13,25 @@ constexpr const char* kWatched[] = {"/usr/share/dotnet.orvel", "/opt/usr"};
 
 using Snapshot = std::map<std::string, std::string>;
 
-// Directories that change themselves when a cache file or the package's root is replaced.
-bool HoldsWhatIsForTheTaking(const fs::path& path) {
+// Directories whose own metadata changes when a cache file or the package's root is replaced.
+bool ContainsChangeable(const fs::path& path) {
   return path / "" == fs::path(support::kCacheDirectory) || path == fs::path(kRoot).parent_path();
 }
 
-// What must not change about the entry.
+// The properties of the entry that must not change.
 std::string Description(const fs::directory_entry& entry) {
   struct stat status;
   if (lstat(entry.path().c_str(), &status) != 0) return "cannot be examined";
   std::string text = std::to_string(status.st_mode) + " of " + std::to_string(status.st_uid) + ":" +
                      std::to_string(status.st_gid) + ", inode " + std::to_string(status.st_ino);
-  if (!HoldsWhatIsForTheTaking(entry.path())) {
+  if (!ContainsChangeable(entry.path())) {
     text += ", changed " + std::to_string(status.st_mtim.tv_sec) + "." + std::to_string(status.st_mtim.tv_nsec);
   }
   if (S_ISLNK(status.st_mode)) return text + ", to " + fs::read_symlink(entry.path()).string();
   return S_ISREG(status.st_mode) ? text + ", holds " + ReadFile(entry.path()) : text;
 }
 
-bool IsForTheTaking(const fs::path& path) {
+bool IsChangeable(const fs::path& path) {
   return path == kRoot || path == kTpaFile || path == kCobaFile || path == kTemporaryTpa || path == kTemporaryCoba;
 }
 
@@ -39,7 +39,7 @@ Snapshot Everything() {
   Snapshot snapshot;
   for (const char* area : kWatched) {
     for (auto entry = fs::recursive_directory_iterator(area); entry != fs::recursive_directory_iterator(); ++entry) {
-      if (IsForTheTaking(entry->path())) {
+      if (IsChangeable(entry->path())) {
         entry.disable_recursion_pending();
       } else {
         snapshot[entry->path().string()] = Description(*entry);
@@ -49,7 +49,7 @@ Snapshot Everything() {
   return snapshot;
 }
 
-// What is in the first snapshot and not, or not so, in the second.
+// The entries of the first snapshot that are missing or different in the second.
 std::string Missing(const Snapshot& first, const Snapshot& second) {
   std::string text;
   for (const auto& [path, description] : first) {
@@ -64,7 +64,7 @@ void ExpectUnchanged(const Snapshot& before, const Snapshot& after) {
   EXPECT_EQ("", Missing(after, before)) << "is so outside of the package now";
 }
 
-// What `event` is known by: a message, or the text of any other event.
+// The text that identifies `event`: a message, or the text of any other event.
 std::string TextOf(const doubles::Event& event) {
   return event.kind == doubles::Event::Kind::kLog ? doubles::MessageOf(event.log) : event.text;
 }

@@ -1,5 +1,5 @@
-// A device with a stranger's package on it, and a watch over everything that is not the package's. What the package
-// holds is the tests' business.
+// A device with an untrusted package, and a check that nothing outside of the package changes. The tests add the
+// package's content.
 #ifndef TESTS_HOSTILE_WATCHED_DEVICE_H_
 #define TESTS_HOSTILE_WATCHED_DEVICE_H_
 
@@ -23,14 +23,14 @@ using support::WriteFile;
 
 inline constexpr const char* kId = "pkg";
 inline constexpr const char* kRoot = "/opt/usr/apps/pkg";
-// Files of others, among them some with names of assemblies: "A.dll", "B.dll", "sub/A.dll", "notes.txt".
+// Files that must not change, some with names of assemblies: "A.dll", "B.dll", "sub/A.dll", "notes.txt".
 inline constexpr const char* kVictims = "/opt/usr/victims";
 
-// What the cache files are made of.
+// The temporary files of the cache files.
 inline constexpr const char* kTemporaryTpa = "/opt/usr/home/owner/share/dotnet/temp_TPA.txt";
 inline constexpr const char* kTemporaryCoba = "/opt/usr/home/owner/share/dotnet/temp_CoBA.txt";
 
-// `name` in the package, among the core assemblies and among the victims.
+// The path of `name` in the package, among the core assemblies and among the victims.
 std::string InPackage(const std::string& name);
 std::string Core(const std::string& name);
 std::string Victim(const std::string& name);
@@ -48,33 +48,33 @@ class WatchedDevice {
 
   doubles::Platform& platform() const { return platform_; }
 
-  // Sends an event of the package with a dotnet-inhouse manifest, or with `manifest`. Fails the test when anything
-  // outside of the package's tree, the two cache files and their temporary ones is not as it was afterwards, or a
-  // descriptor is left open.
+  // Sends an event of the package with a dotnet-inhouse manifest, or with `manifest`. Fails the test if anything
+  // outside of the package's tree, the two cache files and their temporary files has changed afterwards, or a
+  // descriptor is still open.
   Outcome Send(Hook* hook, xmlDocPtr manifest = nullptr) const;
-  // The same with a manifest that carries a CoBA entry.
+  // The same with a manifest that has a CoBA entry.
   Outcome SendCoba(Hook* hook) const;
-  // Does `call` under the same watch.
+  // Runs `call` with the same checks.
   Outcome Watch(const std::function<int()>& call) const;
 
-  // Does `change` once, at the first event of the journal whose text or message begins with `text`.
+  // Runs `change` once, at the first event of the journal whose text or message begins with `text`.
   void At(const std::string& text, const std::function<void()>& change) const;
 
-  // Does the log tell exactly this, in whatever function?
+  // Does the log have exactly this message, from any function?
   bool Logged(const std::string& message) const;
 
  private:
   doubles::Platform& platform_;
 };
 
-// Runs the body in a fresh process on a new device: the package is registered and its root is an empty directory,
-// "A.dll" and "B.dll" are core assemblies, and no cache file is there. To be the last statement of a test.
+// Runs the body in a new process on a new device: the package is registered and its root is an empty directory, "A.dll"
+// and "B.dll" are core assemblies, and there are no cache files. Must be a test's last statement.
 void OnWatchedDevice(const std::function<void(const WatchedDevice&)>& body);
 
-// A test with such a body, which knows the device as `device`.
+// A test with such a body, whose parameter is `device`.
 #define HOSTILE_TEST(suite, name) FRAMED_TEST(OnWatchedDevice, const WatchedDevice& device, suite, name)
 
-// Makes "TPA.txt" and "CoBA.txt" with an entry of the package and one of another.
+// Creates "TPA.txt" and "CoBA.txt", each with an entry of the package and one of another.
 void MakeCacheFiles();
 
 // The names in the package's root.

@@ -1,4 +1,4 @@
-// Uninstall, recovery, clean and clean-up: the cache files byte by byte, and what the loader then reads.
+// Uninstall, recovery, clean and clean-up: the exact cache files, and what the loader then reads.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -33,7 +33,7 @@ void ExpectCaches(const std::string& tpa, const std::string& coba) {
   EXPECT_THAT(support::NamesIn(support::kCacheDirectory), ElementsAre("CoBA.txt", "TPA.txt"));
 }
 
-// A CoBA package with these shared assemblies, added to the cache files.
+// Adds a CoBA package with these shared assemblies to the cache files.
 std::string AddCoba(const Desk& desk, const LoadedPlugin& plugin, const std::string& id,
                     const std::vector<std::string>& assemblies) {
   const std::string directory = desk.RegisterCoba(id) + "/shared/res/";
@@ -90,7 +90,7 @@ TEST(CacheEvents, upgrade_then_clean_takes_an_ordinary_package_out) {
 
 DESK_TEST(CacheEvents, a_loader_that_refuses_the_new_cache_fails_no_event) {
   const LoadedPlugin plugin;
-  desk.RegisterCoba("org.pkg");  // without a shared resource directory, which the loader misses
+  desk.RegisterCoba("org.pkg");  // has no shared resource directory, which the loader reports
   StandardErrorOf([&] { EXPECT_EQ(0, plugin.Event("CLEAN", CobaManifest().get(), "org.pkg")); });
   ExpectCaches("[START][END]", "[START]:/opt/usr/apps/org.pkg/shared/res/[END]");
   EXPECT_THAT(desk.LogTexts("Can't restart dotnet-loader-inhouse"), SizeIs(1));

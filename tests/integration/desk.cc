@@ -14,7 +14,7 @@
 #include "tests/support/standard_error.h"
 #include "tests/support/uris.h"
 
-// Takes the C library's place: forcing the whole machine's data to disk is not what is tested here, and may take long.
+// Replaces the C library's function: forcing all data of the machine to disk is not tested here, and may take long.
 #pragma GCC visibility push(default)
 extern "C" void sync() noexcept {}
 #pragma GCC visibility pop

@@ -1,5 +1,5 @@
-// A device of the host platform in a temporary directory, and a test body on it with the fixed paths and the plug-in's
-// libraries looking at that device.
+// A device of the host platform in a temporary directory, and a process in which the fixed paths and the platform's
+// libraries use that device.
 #ifndef TESTS_INTEGRATION_DESK_H_
 #define TESTS_INTEGRATION_DESK_H_
 
@@ -13,7 +13,7 @@
 #include "tests/support/framed_test.h"
 #include "tests/support/loaded_plugin.h"
 
-// What the loader noted at its last start.
+// The loader's record of its last start.
 struct LoaderRecord {
   int starts = 0;
   std::vector<std::string> tpa;
@@ -27,19 +27,19 @@ class Desk {
 
   const host::Device& device() const { return device_; }
 
-  // Registers a package with one application; returns its root, "/opt/usr/apps/ID", which is made.
+  // Registers a package with one application. Creates and returns its root, "/opt/usr/apps/ID".
   std::string Register(const std::string& id, const std::vector<std::string>& privileges = {},
                        const std::vector<host::MetadataEntry>& metadata = {}) const;
   // The same for a CoBA package.
   std::string RegisterCoba(const std::string& id) const;
 
-  // All log records, and the texts of those whose message contains `part`.
+  // All log records; or the texts of those whose message contains `part`.
   std::vector<host::LogRecord> Log() const;
   std::vector<std::string> LogTexts(const std::string& part) const;
 
   LoaderRecord Loader() const;
 
-  // Sends the event with a dotnet-inhouse manifest; answers its result, and its standard error in `text`.
+  // Sends the event with a dotnet-inhouse manifest. Returns its result, and its standard error in `text`.
   static int Send(const LoadedPlugin& plugin, const std::string& event, const std::string& id,
                   std::string* text = nullptr);
 
@@ -47,10 +47,10 @@ class Desk {
   host::Device device_;
 };
 
-// Runs the body in a child process on a new device. To be the last statement of a test.
+// Runs the body in a child process on a new device. Must be the last statement of a test.
 void OnDesk(const std::function<void(const Desk&)>& body);
 
-// A test with such a body, which knows the device as `desk`.
+// A test with such a body, whose parameter is `desk`.
 #define DESK_TEST(suite, name) FRAMED_TEST(OnDesk, const Desk& desk, suite, name)
 
 #endif

@@ -1,4 +1,4 @@
-// Install, upgrade and removal: the assembly cache pass over several packages of one process.
+// Install, upgrade and removal: the assembly cache pass for several packages in one process.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
-// Loading and unloading: a fresh state every time, and a program's own platform functions in the libraries' place.
+// Loading and unloading: a fresh state every time; and a program's own platform functions replace those of the
+// libraries.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -24,7 +25,7 @@ using testing::IsEmpty;
 
 const char* const kCatalogues[] = {kCoreCatalogue, kFrameworkCatalogue, kCobaCatalogue, kLibraryCatalogue};
 
-// Leaves something in every table and latch.
+// Makes every table and static variable change.
 void UseEverything(const LoadedPlugin& plugin) {
   StandardErrorOf([&] {
     EXPECT_EQ(0, plugin.Event("UPGRADE", DotnetManifest().get(), "org.pkg"));

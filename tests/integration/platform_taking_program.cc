@@ -1,5 +1,5 @@
-// A program with platform functions of its own, as a test of the platform's maker would be: it loads the plug-in and
-// tells which of its functions the plug-in called.
+// A program with its own platform functions, like a test by the platform's vendor. It loads the plug-in and prints
+// which of its functions the plug-in called.
 #include <dlfcn.h>
 #include <libxml/tree.h>
 

@@ -1,4 +1,4 @@
-// The frame of the tests of orvelbox's parts, which include nothing that this header brings.
+// Fixtures of the tests of orvelbox's components. The tests do not repeat the includes of this header.
 #ifndef TESTS_ORVELBOX_FRAME_H_
 #define TESTS_ORVELBOX_FRAME_H_
 
@@ -30,7 +30,7 @@ using testing::Not;
 using testing::Pair;
 using testing::StartsWith;
 
-// A test with a directory of its own.
+// A test with its own directory.
 class DirectoryTest : public testing::Test {
  protected:
   const support::TempDir dir_;

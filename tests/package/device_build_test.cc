@@ -1,4 +1,4 @@
-// A build for a device, for which the installed host platform stands in as the sysroot.
+// A build for a device, with the installed host platform as the sysroot.
 #include <gmock/gmock.h>
 
 #include "tests/package/installed_tree.h"

@@ -1,4 +1,4 @@
-// The plug-in of a build for a device, for which the installed host platform stands in as the sysroot, at work.
+// Runs the plug-in of a build for a device, with the installed host platform as the sysroot.
 #include <gmock/gmock.h>
 
 #include "platform/host/device.h"
@@ -13,7 +13,7 @@ using testing::HasSubstr;
 
 class DevicePlugin : public InstalledTree {
  protected:
-  // Configures and builds as for a device; the sysroot is all that knows the platform.
+  // Configures and builds as for a device; only the sysroot provides the platform.
   std::string Build() const {
     return InFolder("new",
                     "set -e; '" CMAKE_PROGRAM "' -S '" SOURCE_DIRECTORY
@@ -23,10 +23,10 @@ class DevicePlugin : public InstalledTree {
   }
   std::string Plugin() const { return InTestDirectory("new/build/plugin/libmorvath.so"); }
 
-  // What `readelf -d` tells about the plug-in.
+  // The needed libraries of the plug-in, from `readelf -d`.
   std::string Needed() const { return support::OutputOf(READELF_PROGRAM " -d '" + Plugin() + "' | grep NEEDED"); }
 
-  // Installs a package with a DLL of the platform on a new device, with the built plug-in.
+  // Installs a package with a DLL of the platform on a new device, with that plug-in.
   std::string InstallPackage() const {
     const host::Device device = host::CreateDevice(InTestDirectory("device"));
     support::WriteFile(device.OnDesk("/usr/share/dotnet.orvel/framework/Twice.dll"), "the platform's");

@@ -1,4 +1,4 @@
-// What lies in the installed tree.
+// The files of the installed tree.
 #include <gmock/gmock.h>
 
 #include "tests/package/installed_tree.h"
@@ -12,7 +12,7 @@ using testing::Not;
 
 class InstalledFiles : public InstalledTree {
  protected:
-  // The headers of `source`, as they are to lie below the directory of headers.
+  // The headers of `source`, as paths below the installed include directory.
   static std::set<std::string> HeadersOf(const std::string& source, const std::string& folder) {
     std::set<std::string> headers;
     for (const std::string& name : support::NamesIn(SOURCE_DIRECTORY "/" + source + "/" + folder)) {
@@ -21,7 +21,7 @@ class InstalledFiles : public InstalledTree {
     return headers;
   }
 
-  // The library search path that an installed library brings along; empty for none.
+  // The run path of an installed library; empty when it has none.
   std::string RunPath(const std::string& library) const {
     return support::OutputOf(READELF_PROGRAM " -d '" + Libraries() + "/" + library +
                              "' | sed -n 's/.*(RUNPATH).*\\[\\(.*\\)\\].*/\\1/p'");

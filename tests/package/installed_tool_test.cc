@@ -1,4 +1,4 @@
-// The example tool, built in a new folder against the installed tree alone, over a real device.
+// The example tool, built in a new directory with the installed tree only, and run on a real device.
 #include <gmock/gmock.h>
 
 #include "platform/host/device.h"
@@ -28,10 +28,10 @@ class InstalledTool : public InstalledTree {
     store.Put(PackageAt("/usr/apps/preloaded"));
   }
 
-  // The example's files, copied out of the sources.
+  // Copies the example's files from the sources.
   void CopyExample() const { fs::copy(SOURCE_DIRECTORY "/examples", InTestDirectory("tool")); }
 
-  // What `tool` of the folder "tool" prints; `environment` are assignments.
+  // The output of `tool` in the directory "tool"; `environment` are assignments.
   std::string Ask(const std::string& tool, const std::string& arguments, const std::string& environment = "") const {
     return support::OutputOf("env -u VARK_CROSSGEN2_ENABLED ORVELBOX_DEVICE='" + device_.directory.string() + "' " +
                              environment + " '" + InTestDirectory("tool/" + tool) + "' " + arguments);

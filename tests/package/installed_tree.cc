@@ -1,4 +1,4 @@
-// Installing, and working with nothing but what was installed.
+// Installs the system, and runs commands that use only what was installed.
 #include "tests/package/installed_tree.h"
 
 #include <unistd.h>

@@ -1,4 +1,4 @@
-// The pass over the realistic package does no more than it did when it was last measured.
+// The pass over the realistic package does no more work than recorded here.
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
@@ -12,7 +12,7 @@
 
 namespace {
 
-// Recorded with the release build; both compilers make the same. Whoever makes the pass do less records less.
+// Recorded with the release build; both compilers give the same counts. After an improvement, record the lower counts.
 constexpr long kSystemCalls = 288;
 constexpr long kAllocations = 1725;
 
@@ -25,7 +25,7 @@ TEST(Counts, the_pass_over_the_realistic_package_does_no_more_than_recorded) {
     const std::optional<MeasuredRun> run = RunTraced(BENCH_PLUGIN, "pass");
     ASSERT_TRUE(run.has_value()) << "this machine does not let processes be traced";
     const auto report = host::ParseJson(run->report);
-    // It did the work: 20 duplicates, each with its lines and spans.
+    // The pass did its work: 20 duplicates, each with its lines and spans.
     EXPECT_EQ(308, report.at("lines").get<long>());
     EXPECT_EQ(184, report.at("spans").get<long>());
     EXPECT_LT(0, run->system_calls);

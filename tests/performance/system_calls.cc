@@ -1,4 +1,4 @@
-// The tracing of a measured program.
+// Traces a measured program.
 #include "tests/performance/system_calls.h"
 
 #include <fcntl.h>
@@ -17,7 +17,7 @@ namespace {
 
 constexpr int kUntraceable = 125;
 
-// In the child: becomes the program, with its output in `output`, waiting for the tracer first.
+// In the child: waits for the tracer, then runs the program with its output in `output`.
 [[noreturn]] void Become(const std::string& program, const std::string& action, int output) {
   if (ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0) _exit(kUntraceable);
   dup2(output, STDOUT_FILENO);
@@ -27,7 +27,7 @@ constexpr int kUntraceable = 125;
   _exit(127);
 }
 
-// Goes on to the next stop that is a system call; answers false at the end of the process, with its status.
+// Continues to the next stop at a system call. At the end of the process returns false and its status.
 bool NextSystemCall(pid_t child, int& status) {
   for (int signal = 0;;) {
     ptrace(PTRACE_SYSCALL, child, nullptr, signal);
@@ -43,7 +43,7 @@ bool IsMark(pid_t child) {
   return info.entry.nr == SYS_getppid;
 }
 
-// Follows the child to its end; the calls between the two marks.
+// Traces the child to its end. Returns the number of calls between the two marks.
 long CountUntilEnd(pid_t child, int& status) {
   long calls = 0;
   int marks = 0;
@@ -53,7 +53,7 @@ long CountUntilEnd(pid_t child, int& status) {
     } else if (marks == 1) {
       ++calls;
     }
-    if (!NextSystemCall(child, status)) break;  // the same call's end
+    if (!NextSystemCall(child, status)) break;  // the end of the same call
   }
   return calls;
 }

@@ -1,4 +1,4 @@
-// Counting what a measured program does.
+// Counts the system calls of a measured program.
 #ifndef TESTS_PERFORMANCE_SYSTEM_CALLS_H_
 #define TESTS_PERFORMANCE_SYSTEM_CALLS_H_
 
@@ -7,11 +7,11 @@
 
 struct MeasuredRun {
   long system_calls;   // between the program's two calls of getppid
-  std::string report;  // what it printed
+  std::string report;  // its output
 };
 
-// Runs `program ACTION`, which measures as bench/measure.h says, under trace. Nothing where this machine does not let
-// processes be traced. Throws std::runtime_error when the program fails.
+// Traces `program ACTION`, which measures as described in bench/measure.h. Nothing when this machine does not allow
+// tracing. Throws std::runtime_error when the program fails.
 std::optional<MeasuredRun> RunTraced(const std::string& program, const std::string& action);
 
 #endif

@@ -1,4 +1,4 @@
-// The headers and tables of an assembly, written one after the other.
+// Writes the headers and tables of an assembly.
 #include "tests/support/assembly.h"
 
 namespace support {

@@ -1,4 +1,4 @@
-// Assemblies as small as they can be: a PE file that holds nothing but metadata.
+// Minimal assemblies: a PE file that contains only metadata.
 #ifndef TESTS_SUPPORT_ASSEMBLY_H_
 #define TESTS_SUPPORT_ASSEMBLY_H_
 
@@ -9,7 +9,7 @@
 
 namespace support {
 
-// A metadata table full of zeros, as wide as its rows are to be.
+// A metadata table full of zeros, with the given size of a row.
 struct MetadataTable {
   unsigned number;
   std::uint32_t rows;
@@ -18,7 +18,7 @@ struct MetadataTable {
 
 struct AssemblyShape {
   std::uint8_t heap_sizes = 0;
-  std::vector<MetadataTable> tables = {{0x00, 1, 10}};  // before the Assembly table, by number
+  std::vector<MetadataTable> tables = {{0x00, 1, 10}};  // by number; those before the Assembly table
   bool pe32_plus = false;
 };
 

@@ -1,4 +1,4 @@
-// The editing of cache texts with what it erases gathered, for those who compare it.
+// Edits cache texts and collects the erased spans, for comparisons.
 #ifndef TESTS_SUPPORT_CACHE_EDIT_H_
 #define TESTS_SUPPORT_CACHE_EDIT_H_
 

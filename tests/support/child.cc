@@ -1,4 +1,4 @@
-// Bodies of tests in child processes.
+// Runs bodies of tests in child processes.
 #include "tests/support/child.h"
 
 #include <gtest/gtest.h>
@@ -32,22 +32,22 @@ namespace {
 
 constexpr int kFailed = 1;
 
-// Before a fork: what this process has printed so far must not be printed again by the child.
+// Called before a fork: buffered output must not be printed again by the child.
 void FlushOutput() {
   std::cout.flush();
   std::fflush(nullptr);
 }
 
-// A child ends without the ways of an ordinary exit, so it hands in its coverage data itself.
+// A child does not exit in the ordinary way, so it writes its coverage data itself.
 void LeaveCoverageData() {
 #ifdef ORVEL_COVERAGE
   __gcov_dump();
 #endif
 }
 
-// Answers the exit status of the child.
+// Returns the exit status of the child.
 int RunBody(const std::function<void()>& body) {
-  prctl(PR_SET_PDEATHSIG, SIGKILL);  // a test that is ended for taking too long leaves nothing running
+  prctl(PR_SET_PDEATHSIG, SIGKILL);  // when a test is killed after a timeout, its children end too
   try {
     body();
   } catch (const std::exception& error) {
@@ -106,7 +106,7 @@ bool GiveUpPrivileges() {
   return syscall(SYS_capset, &header, nothing) == 0;
 }
 
-void LeaveNoRoomInFiles() {
+void MakeFileWritesFail() {
   std::signal(SIGXFSZ, SIG_IGN);
   const rlimit none{0, RLIM_INFINITY};
   ASSERT_EQ(0, setrlimit(RLIMIT_FSIZE, &none));

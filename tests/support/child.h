@@ -1,4 +1,4 @@
-// Runs parts of a test in a process of their own, so that what is process-wide in the code under test is fresh.
+// Runs parts of a test in a new process, so that process-wide state of the code under test is fresh.
 #ifndef TESTS_SUPPORT_CHILD_H_
 #define TESTS_SUPPORT_CHILD_H_
 
@@ -8,30 +8,30 @@
 
 namespace support {
 
-// Runs `body` in a forked child. Its failures are shown and fail this test, as does an exception or a crash.
+// Runs `body` in a forked child. Its failures, an exception or a crash fail this test.
 void InFreshProcess(const std::function<void()>& body);
 
-// The same with the platform's fixed paths laid over the device root `root`. Skips the test, with the reason, where
-// this machine cannot do that; to be the last statement of a test.
+// The same, with the fixed paths of the device root `root`. Skips the test with the reason if this machine cannot do
+// that. Must be the last statement of a test.
 void WithFixedPaths(const std::filesystem::path& root, const std::function<void()>& body);
 
-// What orvelbox says on standard error, once for a command, where it has to work in place.
+// The line that orvelbox prints on standard error, once per command, when it works in place.
 inline constexpr const char* kInPlaceNotice =
     "orvelbox: no namespaces here: working in place on /usr/share/dotnet.orvel and /opt/usr\n";
 
-// That line where this machine is such a one, else nothing.
+// That line if orvelbox works in place on this machine, otherwise an empty text.
 std::string InPlaceNoticeHere();
 
-// Takes from this process for good what root may do beyond the permissions of files. False when that fails.
+// Permanently gives up root's right to ignore file permissions. Returns false on failure.
 bool GiveUpPrivileges();
 
-// Lets this process write nothing into files any more: what it writes fails as on a full disk. For a child process.
-void LeaveNoRoomInFiles();
+// Makes all writes of this process to files fail as on a full disk. For a child process.
+void MakeFileWritesFail();
 
-// Fails the test when memory was leaked; for a child process, which ends without the sanitizer's own look for leaks.
+// Fails the test when memory was leaked. For a child process, in which the sanitizer's own leak check does not run.
 void ExpectNoLeaks();
 
-// How many descriptors this process has.
+// The number of open descriptors of this process.
 std::size_t OpenDescriptors();
 
 }  // namespace support

@@ -1,4 +1,4 @@
-// A command of the shell.
+// Runs a shell command.
 #include "tests/support/command.h"
 
 #include <cstdio>

@@ -1,4 +1,4 @@
-// Runs a command of the shell.
+// Runs a shell command.
 #ifndef TESTS_SUPPORT_COMMAND_H_
 #define TESTS_SUPPORT_COMMAND_H_
 
@@ -6,7 +6,7 @@
 
 namespace support {
 
-// What the command prints, standard error included, and how it ended when that was not with status 0.
+// The output of the command, standard error included, followed by how it ended if its status was not 0.
 std::string OutputOf(const std::string& command);
 
 }  // namespace support

@@ -1,4 +1,4 @@
-// The errors of the host platform and of orvelbox.
+// Errors of the host platform and of orvelbox.
 #ifndef TESTS_SUPPORT_DEVICE_ERROR_H_
 #define TESTS_SUPPORT_DEVICE_ERROR_H_
 

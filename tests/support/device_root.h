@@ -15,8 +15,8 @@ inline constexpr const char* kCacheDirectory = "/opt/usr/home/owner/share/dotnet
 inline constexpr const char* kTpaFile = "/opt/usr/home/owner/share/dotnet/TPA.txt";
 inline constexpr const char* kCobaFile = "/opt/usr/home/owner/share/dotnet/CoBA.txt";
 
-// Runs `body` in a fresh process in which the fixed paths are those of a new, empty device: the platform's assembly
-// directories and the cache directory are there, the cache files are not. To be the last statement of a test.
+// Runs `body` in a new process in which the fixed paths are those of a new, empty device: the platform's assembly
+// directories and the cache directory exist, the cache files do not. Must be the last statement of a test.
 void OnDevice(const std::function<void()>& body);
 
 }  // namespace support

@@ -1,4 +1,4 @@
-// What parts of the plug-in write whenever they run: building blocks of expected journals.
+// The log lines of the plug-in's parts: building blocks of expected journals.
 #ifndef TESTS_SUPPORT_EXPECTED_LINES_H_
 #define TESTS_SUPPORT_EXPECTED_LINES_H_
 
@@ -13,7 +13,7 @@ namespace unit {
 using doubles::Source;
 using doubles::Steps;
 
-// A package whose application carries the CoBA key.
+// A package whose application has the CoBA key.
 doubles::Package CobaPackage(const std::string& id, const std::string& root);
 
 // A function of the plug-in's own unit.
@@ -26,21 +26,21 @@ Steps TracedPlugin(const std::string& signature, std::initializer_list<Steps> in
 // A hook by the end of its name, e.g. "INSTALL".
 Steps Hook(const std::string& event, std::initializer_list<Steps> inside);
 
-// isAppDotnetInhouse walking over nodes of these names, without what it decides.
+// isAppDotnetInhouse for nodes of these names, without its result.
 Steps Names(const std::vector<std::string>& names);
-// isAppDotnetInhouse over support::DotnetManifest() and support::OtherManifest().
+// isAppDotnetInhouse for support::DotnetManifest() and support::OtherManifest().
 Steps DotnetWalk();
 Steps OtherWalk();
 // isAppCoBARelated, and its lines for nodes of these names.
 Steps CobaWalk(const Steps& inside);
 Steps LocalNames(const std::vector<std::string>& names);
-// The whole of it over support::CobaManifest() and support::DotnetManifest().
+// All of it for support::CobaManifest() and support::DotnetManifest().
 Steps CobaFound();
 Steps NoCobaFound();
-// The gate's line, said by a hook.
+// The line of a hook that ignores the package.
 Steps NotInhouse(const std::string& event);
 
-// A look for a privilege that finds nothing, and one that finds it.
+// A privilege query that does not find it, and one that does.
 Steps NoPrivilege();
 Steps HavePrivilege(const std::string& privilege);
 
@@ -49,27 +49,28 @@ Steps PassOverPlatform(std::size_t core_size, std::size_t framework_size);
 // A whole pass of such a package.
 Steps Pass(std::size_t core_size, std::size_t framework_size, const Steps& walk = {});
 
-// isDPCDll saying no; and saying yes, with isDuplicatedDll saying so again. The text ends in a line break of its own.
+// isDPCDll returning false; and returning true, with isDuplicatedDll logging it again. The text ends in its own line
+// break.
 Steps NotDpc();
 Steps Dpc(const std::string& path);
-// isDuplicatedDll comparing the two, and what it then does.
+// isDuplicatedDll for these two paths, and the steps that follow.
 Steps Compared(const std::string& origin, const std::string& duplicated, const Steps& inside);
 // removeFileAndLeaveInformationFile.
 Steps RemovalFrame(const Steps& inside = {});
-// isUniqueDll meeting a duplicate and removing it.
+// isUniqueDll finding a duplicate and removing it.
 Steps DuplicateRemoved(const std::string& origin, const std::string& duplicated);
 // isUniqueDll comparing a catalogued file with itself.
 Steps ComparedWithItself(const std::string& path);
 
-// readCacheAndRemovePkg of a file, erasing these spans and leaving that text; of a missing file.
+// readCacheAndRemovePkg of a file, erasing these spans with this result; of a missing file.
 Steps CacheRead(const std::string& file, const std::vector<std::string>& erased, const std::string& left);
 Steps CacheMissing(const std::string& file);
 // removedPkgFromTPACacheFile and addPkgToTPACacheFile.
 Steps Removing(std::initializer_list<Steps> inside);
 Steps Adding(std::initializer_list<Steps> inside);
-// isRealPath of a file that is not there yet.
+// isRealPath for a file that does not exist yet.
 Steps NotThereYet();
-// writeStringToFile over a target that is not there.
+// writeStringToFile for a target that does not exist.
 Steps Saved(const std::string& target);
 
 // restartDotnetCandidateProcess without a failure.

@@ -1,4 +1,4 @@
-// Files of a test.
+// Files for tests.
 #include "tests/support/files.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// Files of a test: a temporary directory and short ways to write, read and list.
+// Files for tests: a temporary directory, and helpers to write, read and list.
 #ifndef TESTS_SUPPORT_FILES_H_
 #define TESTS_SUPPORT_FILES_H_
 
@@ -10,7 +10,7 @@
 
 namespace support {
 
-// A new directory that everyone may enter, removed with all it holds at the end.
+// A new directory that all users may enter. The destructor removes it with its content.
 class TempDir {
  public:
   TempDir();
@@ -26,13 +26,13 @@ class TempDir {
   std::filesystem::path path_;
 };
 
-// Writes the file with the directories above it. Throws std::runtime_error when that fails.
+// Writes the file and creates its parent directories. Throws std::runtime_error on failure.
 void WriteFile(const std::filesystem::path& file, const std::string& content = "");
 
 // Writes empty files.
 void WriteFiles(const std::vector<std::string>& files);
 
-// Makes a named pipe, or a socket that nobody listens at. Throws std::runtime_error.
+// Creates a named pipe, or a socket without a listener. Throws std::runtime_error.
 void MakePipe(const std::string& path);
 void MakeSocket(const std::string& path);
 
@@ -42,10 +42,10 @@ std::string ReadFile(const std::filesystem::path& file);
 // The lines of a text, each without its end.
 std::vector<std::string> Lines(const std::string& text);
 
-// True when something stands at the path, a dangling link included.
+// Does the path exist? A dangling link exists too.
 bool IsThere(const std::filesystem::path& path);
 
-// The number of the file at the path, by which one knows it again; 0 when there is none.
+// The inode number of the file, which identifies it; 0 when it does not exist.
 ino_t InodeOf(const std::filesystem::path& path);
 
 // The names in the directory, sorted.

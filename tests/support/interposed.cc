@@ -1,4 +1,4 @@
-// Interposed functions. They are visible, so that shared libraries call them as well.
+// Interposed functions. They are exported, so that shared libraries call them too.
 #include "tests/support/interposed.h"
 
 #include <dirent.h>
@@ -21,7 +21,7 @@ Settings& Now() {
 
 namespace {
 
-// The function of that name which this program's definition hides.
+// The function that this program's definition of that name hides.
 template <typename Function>
 Function* Next(const char* name) {
   return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));

@@ -1,4 +1,4 @@
-// The plug-in as the package manager holds it: loaded at run time, reached by symbol names only.
+// The plug-in as the package manager uses it: loaded at run time, called by symbol names only.
 #ifndef TESTS_SUPPORT_LOADED_PLUGIN_H_
 #define TESTS_SUPPORT_LOADED_PLUGIN_H_
 
@@ -7,7 +7,7 @@
 #include <map>
 #include <string>
 
-// Mangled names of what tests look up.
+// Mangled names of the symbols that tests use.
 inline constexpr const char* kUninstallFlags = "_Z19cacheStateUninstallB5cxx11";
 inline constexpr const char* kUpgradeFlags = "_Z15aotStateUpgradeB5cxx11";
 inline constexpr const char* kCoreCatalogue = "_Z6coreFXB5cxx11";
@@ -17,7 +17,7 @@ inline constexpr const char* kLibraryCatalogue = "_Z6appLibB5cxx11";
 
 class LoadedPlugin {
  public:
-  // Loads the library; throws std::runtime_error with the loader's words when that fails.
+  // Loads the library. Throws a std::runtime_error with the dynamic linker's message on failure.
   LoadedPlugin();
   // Closes it.
   ~LoadedPlugin();

@@ -1,4 +1,4 @@
-// Manifests of tests.
+// Manifests for tests.
 #include "tests/support/manifests.h"
 
 #include <libxml/parser.h>

@@ -1,4 +1,4 @@
-// Manifests of tests: parsed documents, and short texts for the usual kinds of package.
+// Manifests for tests: parsed documents, and short texts for the usual kinds of package.
 #ifndef TESTS_SUPPORT_MANIFESTS_H_
 #define TESTS_SUPPORT_MANIFESTS_H_
 
@@ -26,7 +26,7 @@ std::string ApplicationElement(const std::string& name, const std::string& type)
 // A metadata element.
 std::string MetadataElement(const std::string& key, const std::string& value);
 
-// The manifests of a dotnet-inhouse package, of a CoBA package, and of one of another kind.
+// The manifests of a dotnet-inhouse package, of a CoBA package, and of one that is no dotnet package.
 Document DotnetManifest();
 Document CobaManifest();
 Document OtherManifest();

@@ -1,4 +1,4 @@
-// Running orvelbox, and making what it works on.
+// Runs orvelbox and creates its devices and packages.
 #include "tests/support/orvelbox_desk.h"
 
 #include <fcntl.h>
@@ -31,7 +31,7 @@ void Add(const host::Application& application, std::ostream& text) {
   for (const host::MetadataEntry& entry : application.metadata) text << entry.key << '=' << entry.value << '|';
 }
 
-// All that the database holds; for one that cannot be read, why.
+// The content of the database; the error if it cannot be read.
 std::string DatabaseText(const host::Device& device) {
   std::ostringstream text;
   try {
@@ -76,7 +76,7 @@ Desk::Desk() : device_{dir_.path() / "device"} { host::CreateDevice(device_.dire
 pid_t Desk::Start(const std::vector<std::string>& arguments, const std::function<void()>& before) const {
   const pid_t process = fork();
   if (process != 0) return process;
-  // As on a terminal, whatever the tests' own surroundings ignore.
+  // As on a terminal, even if the parent process ignores these signals.
   for (const int interruption : {SIGINT, SIGTERM, SIGHUP}) std::signal(interruption, SIG_DFL);
   for (const char* name : {"ORVEL_TRACE", "NO_COLOR", "XDG_STATE_HOME"}) unsetenv(name);
   setenv("ORVELBOX_DEVICE", device_.directory.c_str(), 1);

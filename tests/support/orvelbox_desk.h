@@ -1,4 +1,4 @@
-// A desk with a device and packages in a test's own directory, and orvelbox run on it as a user runs it.
+// A device and packages in a test's own directory, and orvelbox run as a user runs it.
 #ifndef TESTS_SUPPORT_ORVELBOX_DESK_H_
 #define TESTS_SUPPORT_ORVELBOX_DESK_H_
 
@@ -19,7 +19,7 @@
 
 namespace e2e {
 
-// The words of the tests, which include nothing that this header brings.
+// Names for the tests. They do not repeat the includes of this header.
 namespace fs = std::filesystem;
 using testing::AllOf;
 using testing::AnyOf;
@@ -40,7 +40,7 @@ struct Result {
 };
 
 // The manifest of a dotnet-inhouse package with the application ID.main; `application` and `package` are elements to
-// be put into either.
+// insert into these.
 std::string ManifestText(const std::string& id, const std::string& version, const std::string& application = "",
                          const std::string& package = "");
 std::string CobaMetadata();
@@ -50,28 +50,28 @@ class Desk : public testing::Test {
  protected:
   Desk();
 
-  // Runs orvelbox with the arguments on the desk's device and waits for its end.
+  // Runs orvelbox with the arguments on the test's device and waits for its end.
   Result Run(const std::vector<std::string>& arguments) const;
   // Runs orvelbox; its exit status must be `status`.
   Result RunExpecting(int status, const std::vector<std::string>& arguments) const;
-  // Runs orvelbox, which must refuse with one line that holds `texts`, and leave the device alone.
+  // Runs orvelbox, which must fail with one line that contains `texts`, and not change the device.
   void ExpectRefusal(const std::vector<std::string>& arguments, const std::vector<std::string>& texts) const;
-  // Starts orvelbox without waiting; `before` runs in the new process first.
+  // Starts orvelbox without waiting; `before` runs first in the new process.
   pid_t Start(
       const std::vector<std::string>& arguments, const std::function<void()>& before = [] {}) const;
   Result WaitFor(pid_t process) const;
 
-  // Makes the package directory NAME with the manifest and the files, by their relative paths.
+  // Creates the package directory NAME with the manifest and the files, by their relative paths.
   std::string MakePackage(const std::string& name, const std::string& manifest,
                           const std::map<std::string, std::string>& files = {}) const;
-  // Gives the device's platform a file.
+  // Adds a file to the device's platform.
   void AddPlatformFile(const std::string& relative_path) const;
 
-  // Where the device's path lies on the desk.
+  // The desk's path for the device's path.
   std::string OnDesk(const std::string& path) const { return device_.OnDesk(path).string(); }
   std::string CacheFile(const std::string& name) const;
-  // What the database says and every other file but the log, the loader's record and the lock, with its content: what
-  // a refused command leaves as it was.
+  // The content of the database and of every other file except the log, the loader's record and the lock; a refused
+  // command must not change it.
   std::map<std::string, std::string> DeviceState() const;
 
   support::TempDir dir_;
@@ -79,14 +79,13 @@ class Desk : public testing::Test {
   std::map<std::string, std::string> environment_;  // added to orvelbox's environment
 };
 
-// A desk whose test calls hooks: skipped, with the reason, where this machine cannot provide the fixed paths.
+// A test that calls hooks: skipped with the reason if this machine cannot provide the fixed paths.
 class HookDesk : public Desk {
  protected:
   void SetUp() override;
 };
 
-// A desk whose test runs orvelbox on a machine of its own (tests/host/machine.h): skipped, with the reason, without
-// one.
+// A test that runs orvelbox in its own namespaces (tests/host/machine.h): skipped with the reason if there are none.
 class MachineDesk : public Desk {
  protected:
   void SetUp() override;

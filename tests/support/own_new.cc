@@ -1,4 +1,4 @@
-// The program's own operator new and delete. They are visible, so that shared libraries call them as well.
+// The program's own operator new and delete. They are exported, so that shared libraries call them too.
 #include "tests/support/own_new.h"
 
 #include <cstdlib>
@@ -12,7 +12,7 @@ void* operator new(std::size_t size) {
   return memory;
 }
 
-// A sanitizer's own form would hand out memory that the operator delete below cannot take back.
+// A sanitizer's own variant would return memory that the operator delete below cannot free.
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
   try {
     return operator new(size);

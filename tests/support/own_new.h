@@ -1,10 +1,10 @@
-// The operator new of programs in which memory runs out: whoever links it decides when.
+// The operator new of programs in which memory runs out. The linking program decides when.
 #ifndef TESTS_SUPPORT_OWN_NEW_H_
 #define TESTS_SUPPORT_OWN_NEW_H_
 
 namespace support {
 
-// Asked before every allocation: is it to fail? For the linking program to define.
+// Must the next allocation fail? The linking program defines this function.
 bool AllocationFails();
 
 }  // namespace support

@@ -1,11 +1,11 @@
-// Erasing and adding, step by step as they are told.
+// Erases and adds entries step by step, as defined.
 #include "tests/support/plain_cache_edit.h"
 
 namespace support {
 
 namespace {
 
-// Where the first entry of `root` begins; npos when there is none.
+// The position of the first entry of `root`; npos when there is none.
 std::size_t FindEntry(const std::string& text, const std::string& root) {
   std::size_t pos = text.find(root, 0);
   while (pos != std::string::npos) {

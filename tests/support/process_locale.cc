@@ -1,5 +1,5 @@
-// The locale of a test program, where CTest names one: whoever loads the plug-in may have set any. Compiled into the
-// programs whose cases run a second time so.
+// Sets the locale of a test program if CTest names one: the program that loads the plug-in may have set any. Compiled
+// into the programs whose cases run a second time with that locale.
 #include <gtest/gtest.h>
 #include <strings.h>
 
@@ -11,7 +11,8 @@
 
 namespace {
 
-// `TURKISH_LOCALE_PATH` is the directory of the locale: in it "I" is no capital "i", and "," begins the decimals.
+// `TURKISH_LOCALE_PATH` is the locale's directory. In this locale "I" is not the capital of "i", and "," is the decimal
+// point.
 class ProcessLocale : public testing::Environment {
   void SetUp() override {
     const char* const path = std::getenv("TURKISH_LOCALE_PATH");
@@ -21,7 +22,7 @@ class ProcessLocale : public testing::Environment {
     const bool folds = std::setlocale(LC_ALL, "") != nullptr && strcasecmp("I", "i") != 0;
     if (!folds || std::strcmp(std::localeconv()->decimal_point, ",") != 0) {
       std::fprintf(stderr, "%s holds no Turkish locale\n", path);
-      std::abort();  // cases that a failure here kept from running would count as skipped
+      std::abort();  // cases that do not run because of a failure here would count as skipped
     }
     std::locale::global(std::locale(""));
   }

@@ -1,4 +1,4 @@
-// What is left and printed for a duplicated DLL.
+// The texts about a removed DLL.
 #ifndef TESTS_SUPPORT_REMOVAL_TEXTS_H_
 #define TESTS_SUPPORT_REMOVAL_TEXTS_H_
 

@@ -1,4 +1,4 @@
-// Standard error, captured.
+// Captures standard error.
 #include "tests/support/standard_error.h"
 
 #include <sys/mman.h>
@@ -12,7 +12,7 @@ namespace support {
 
 namespace {
 
-// Sends standard error into an unnamed file while it lives.
+// Redirects standard error to an unnamed file during its lifetime.
 class Redirection {
  public:
   Redirection() : file_(memfd_create("standard error", MFD_CLOEXEC)), original_(dup(STDERR_FILENO)) {

@@ -1,4 +1,4 @@
-// What a piece of code writes to the process's standard error, byte by byte.
+// Captures what code writes to the process's standard error.
 #ifndef TESTS_SUPPORT_STANDARD_ERROR_H_
 #define TESTS_SUPPORT_STANDARD_ERROR_H_
 
@@ -7,8 +7,8 @@
 
 namespace support {
 
-// Runs `body` with standard error going into a file, and returns what it wrote there. An exception of `body` passes
-// through, with standard error back in place.
+// Runs `body` with standard error redirected to a file, and returns that file's content. An exception of `body` passes
+// through after standard error is restored.
 std::string StandardErrorOf(const std::function<void()>& body);
 
 }  // namespace support

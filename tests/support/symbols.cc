@@ -1,4 +1,4 @@
-// readelf's columns, read.
+// Parses readelf's output.
 #include "tests/support/symbols.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Built files as readelf tells of them.
+// The symbols of built files, from readelf.
 #ifndef TESTS_SUPPORT_SYMBOLS_H_
 #define TESTS_SUPPORT_SYMBOLS_H_
 
@@ -10,7 +10,7 @@ namespace support {
 
 using Names = std::set<std::string>;
 
-// What readelf prints about the file.
+// The output of readelf about the file.
 std::string Readelf(const std::string& options, const std::string& file);
 
 struct Symbol {
@@ -20,10 +20,10 @@ struct Symbol {
   std::string name;
 };
 
-// The global symbols in `table`, an option of readelf, without versions and without what a sanitizer adds.
+// The global symbols in `table`, an option of readelf, without versions and without those of sanitizers.
 std::vector<Symbol> Symbols(const std::string& table, const std::string& file);
 
-// The names that a library or program takes from others, and those that others can take from it.
+// The names that a library or program imports, and those that it exports.
 Names Imports(const std::string& file);
 Names Exports(const std::string& file);
 

@@ -1,4 +1,4 @@
-// How a unit test runs.
+// Runs unit tests.
 #include "tests/support/unit_case.h"
 
 #include <stdexcept>

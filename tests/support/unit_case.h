@@ -1,5 +1,5 @@
-// The frame of the unit tests: each runs in a process of its own, since what the plug-in keeps between calls must be
-// fresh, and over fresh doubles. A test includes nothing that this header brings.
+// Common code of the unit tests: each runs in a new process, because the plug-in keeps state between calls, and with
+// fresh doubles. The tests do not repeat the includes of this header.
 #ifndef TESTS_SUPPORT_UNIT_CASE_H_
 #define TESTS_SUPPORT_UNIT_CASE_H_
 
@@ -28,7 +28,7 @@
 
 namespace unit {
 
-// The words of the unit tests.
+// Names for the unit tests.
 namespace fs = std::filesystem;
 using Catalogue = std::map<std::string, std::string>;
 using Flags = std::map<std::string, bool>;
@@ -71,27 +71,27 @@ using support::WriteFiles;
 
 using Body = std::function<void(Platform&)>;
 
-// Runs the body in a fresh process. No test ever misuses a record of the platform: that is checked at the end.
+// Runs the body in a new process. Afterwards checks that no record of the platform was misused.
 void Fresh(const Body& body);
 
-// The same with the fixed paths of an empty device (device_root.h). To be the last statement of a test.
+// The same with the fixed paths of an empty device (device_root.h). Must be the last statement of a test.
 void FreshOnDevice(const Body& body);
 
-// Tests with such a body, which knows its doubles as `platform`.
+// Tests with such a body, whose parameter is `platform`.
 #define FRESH_TEST(suite, name) FRAMED_TEST(unit::Fresh, doubles::Platform& platform, suite, name)
 #define DEVICE_TEST(suite, name) FRAMED_TEST(unit::FreshOnDevice, doubles::Platform& platform, suite, name)
 
-// Fresh doubles whose platform knows the package "pkg" with this root.
+// Fresh doubles whose platform has the package "pkg" with this root.
 Platform& PlatformWith(const std::string& root);
 
 // Does the journal hold exactly these steps?
 testing::AssertionResult Holds(const Platform& platform, std::initializer_list<Steps> expected);
 testing::AssertionResult Holds(const Platform& platform, const Steps& expected);
 
-// Are all records given back?
+// Were all records destroyed?
 testing::AssertionResult AllRecordsDestroyed(const Platform& platform);
 
-// Does `call` raise the standard library's error for a string made of a null pointer?
+// Does `call` throw the standard library's error for a string made of a null pointer?
 testing::AssertionResult RaisesNullString(const std::function<void()>& call);
 
 }  // namespace unit

@@ -1,5 +1,5 @@
-// The metadata keys and the privileges that tests give to packages. Spelled out here, so that a wrong one in the code
-// under test is noticed.
+// The metadata keys and privileges that tests use. They are spelled out here, so that a wrong one in the code under
+// test is detected.
 #ifndef TESTS_SUPPORT_URIS_H_
 #define TESTS_SUPPORT_URIS_H_
 

@@ -1,4 +1,4 @@
-// The records of a zip file, written by hand; the compressing is zlib's.
+// Writes the records of a zip file; zlib compresses the contents.
 #include "tests/support/zip.h"
 
 #include <sys/stat.h>
@@ -14,9 +14,9 @@ constexpr std::uint16_t kDeflated = 8;
 constexpr std::uint16_t kMadeOnUnix = 0x031e;
 constexpr std::uint16_t kVersionNeeded = 20;
 constexpr std::uint32_t kIn64Bits = 0xffffffff;
-constexpr std::uint32_t kDate = 0x21;  // the first day that zip knows
+constexpr std::uint32_t kDate = 0x21;  // the first valid date of the format
 
-// One entry as it stands in the file.
+// One entry of the file.
 struct Record {
   ZipEntry entry;
   std::uint16_t method = kStored;
@@ -38,7 +38,7 @@ std::uint32_t ChecksumOf(const std::string& text) {
       crc32(0, reinterpret_cast<const Bytef*>(text.data()), static_cast<uInt>(text.size())));
 }
 
-// The extra field with the numbers that did not fit.
+// The extra field with the 64-bit numbers.
 std::string WideNumbers(const Record& record, const std::vector<std::uint64_t>& numbers) {
   std::string field;
   if (!record.entry.wide) return field;
@@ -48,7 +48,7 @@ std::string WideNumbers(const Record& record, const std::vector<std::uint64_t>& 
   return field;
 }
 
-// What the local header and the directory say alike.
+// The fields that the local header and the directory have in common.
 std::string CommonFields(const Record& record, const std::string& extra) {
   std::string fields;
   Put(fields, kVersionNeeded, 2);
@@ -76,10 +76,10 @@ std::string DirectoryEntry(const Record& record, std::size_t offset) {
   return bytes + record.entry.path + extra;
 }
 
-// The 64-bit record about the directory, and where it stands itself.
+// The 64-bit end record of the directory, and its locator.
 std::string WideEnd(std::size_t count, std::size_t size, std::size_t offset) {
   std::string bytes = "PK\x06\x06";
-  Put(bytes, 44, 8);  // of what follows
+  Put(bytes, 44, 8);  // size of the rest
   Put(bytes, kMadeOnUnix, 2);
   Put(bytes, kVersionNeeded, 2);
   Put(bytes, 0, 8);  // one disk
@@ -114,7 +114,7 @@ std::string FileOf(const std::vector<Record>& records) {
   return bytes;
 }
 
-// zlib's own head has two bytes and its tail four; what lies between them is what a zip file holds.
+// Cuts off zlib's header of two bytes and trailer of four, which a zip file does not have.
 std::string Deflated(const std::string& text) {
   uLongf size = compressBound(static_cast<uLong>(text.size()));
   std::string packed(size, '\0');

@@ -1,4 +1,4 @@
-// Zip files made byte by byte, so that they can be as wrong as a test wants them.
+// Writes zip files byte by byte, with any fault that a test needs.
 #ifndef TESTS_SUPPORT_ZIP_H_
 #define TESTS_SUPPORT_ZIP_H_
 
@@ -10,14 +10,14 @@ namespace support {
 
 struct ZipEntry {
   std::string path;
-  std::string content;          // stored as it is, not compressed
+  std::string content;          // stored, not compressed
   std::uint16_t mode = 0;       // as in stat(); 0: 0100644, and 040755 for a path that ends in "/"
   std::uint16_t flags = 0;      // 1: encrypted, 0x800: the path is UTF-8
-  std::uint32_t crc_fault = 0;  // what the checksum is off by
-  bool wide = false;            // its numbers, and the whole directory's, are told in 64 bits
+  std::uint32_t crc_fault = 0;  // added to the checksum
+  bool wide = false;            // uses 64-bit records for its numbers and the directory's
 };
 
-// A whole zip file with the entries.
+// A complete zip file with the entries.
 std::string ZipOf(const std::vector<ZipEntry>& entries);
 
 // A zip file with one compressed file `path` of `size` zeros.

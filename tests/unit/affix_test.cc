@@ -1,4 +1,4 @@
-// startWith and endWith, and names compared without regard to case.
+// startWith and endWith, and comparisons that ignore case.
 #include "base/affix.h"
 
 #include <gtest/gtest.h>

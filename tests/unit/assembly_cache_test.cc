@@ -1,4 +1,4 @@
-// The assembly cache pass over the fixed paths of a device.
+// The assembly cache pass with the fixed paths of a device.
 #include <sched.h>
 #include <unistd.h>
 
@@ -158,10 +158,10 @@ DEVICE_TEST(AssemblyCache, a_catalogued_name_whose_file_cannot_be_examined_is_ke
   EXPECT_TRUE(Holds(platform, {Pass(1, 0, Source("platform_utils", "isRealPath").Error("lstat error."))}));
 }
 
-// The root "/" is that of a directory of the test's own: this process sees nothing else any more.
+// This process gets a directory of the test as "/" and sees nothing else any more.
 DEVICE_TEST(AssemblyCache, a_package_may_have_the_root_directory_itself) {
   WriteFiles({"/opt/usr/jail/A.dll", "/opt/usr/jail/bin/A.dll", "/opt/usr/jail/bin/Own.dll"});
-  ASSERT_TRUE(geteuid() == 0 || unshare(CLONE_NEWUSER) == 0);  // there an ordinary user may do this as well
+  ASSERT_TRUE(geteuid() == 0 || unshare(CLONE_NEWUSER) == 0);  // so that an ordinary user may do this as well
   ASSERT_EQ(0, chroot("/opt/usr/jail"));
   ASSERT_EQ(0, chdir("/"));
   ASSERT_EQ((std::vector<std::string>{"A.dll", "bin"}), support::NamesIn("/"));

@@ -1,4 +1,4 @@
-// Label and owner of an assembly file, copied to another.
+// Copying the label and owner of an assembly file to another.
 #include <malloc.h>
 #include <unistd.h>
 
@@ -14,7 +14,7 @@ namespace {
 constexpr const char* kLabelMessage = "Fail to set smack label\n";
 constexpr const char* kOwnerMessage = "Failed to change owner and group name\n";
 
-// Nothing changes hands: the owners are made up, and the changes of owner only told.
+// No owner really changes: the owners are invented, and changes are only recorded.
 class AssemblyInfo : public testing::Test {
  protected:
   static constexpr const char* kLabel = "User::App::Shared";
@@ -29,7 +29,7 @@ class AssemblyInfo : public testing::Test {
 
   static void SetOwner(const std::string& path) { interposed::Files().owners[path] = {1234, 567}; }
 
-  // What goes to standard error while the info is copied.
+  // The output on standard error while the info is copied.
   std::string Update(bool is_symlink) const {
     return StandardErrorOf([&] { updateAssemblyInfo(source_, target_, is_symlink); });
   }

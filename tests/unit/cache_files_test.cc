@@ -1,4 +1,4 @@
-// A package taken out of both cache files, and put into them.
+// Removing a package from both cache files, and adding it.
 #include "plugin/cache_files.h"
 
 #include <cerrno>
@@ -17,7 +17,7 @@ const std::string kEmptyList = "[START][END]";
 // A cache text with the entries.
 std::string ListOf(const std::string& entries) { return "[START]" + entries + "[END]"; }
 
-// A package with the root, and both cache files with these texts.
+// Creates a package with the root, and both cache files with these texts.
 void Put(Platform& platform, const std::string& tpa, const std::string& coba) {
   platform.packages.push_back(doubles::MakePackage("pkg", kRoot));
   WriteFile(kTpaFile, tpa);
@@ -67,7 +67,7 @@ TEST(CacheFiles, a_file_is_rewritten_only_when_it_listed_the_package) {
   for (const RemoveRow& row : kRemoving) {
     FreshOnDevice([&](Platform& platform) {
       Put(platform, row.tpa, row.coba);
-      // A second name shows whether the file was replaced.
+      // A second name of the file shows whether it was replaced.
       fs::create_hard_link(kTpaFile, std::string(kTpaFile) + ".same");
       fs::create_hard_link(kCobaFile, std::string(kCobaFile) + ".same");
       EXPECT_EQ(row.removed, removedPkgFromTPACacheFile("pkg")) << row.what;
@@ -79,7 +79,7 @@ TEST(CacheFiles, a_file_is_rewritten_only_when_it_listed_the_package) {
 }
 
 DEVICE_TEST(CacheFiles, a_text_that_is_empty_after_the_removal_is_not_written_but_counts) {
-  // A damaged file: the entry counts because of the separator, which goes with it.
+  // A damaged file: the entry counts because of the separator, which is removed with it.
   Put(platform, ":" + kResources + "A.dll", kEmptyList);
   EXPECT_TRUE(removedPkgFromTPACacheFile("pkg"));
   ExpectCaches(":" + kResources + "A.dll", kEmptyList);
@@ -170,7 +170,7 @@ DEVICE_TEST(CacheFiles, adding_a_package_without_assemblies_leaves_the_first_fil
                                        CacheRead(kCobaFile, {kResources + ":"}, ListOf("/a/")), Saved(kCobaFile)})}));
 }
 
-// Assemblies are listed by absolute paths, the directory as the root gives it.
+// Assemblies are listed by absolute paths, the directory as the root spells it.
 DEVICE_TEST(CacheFiles, of_a_relative_root_only_the_assemblies_paths_are_made_absolute) {
   Put(platform, kEmptyList, kEmptyList);
   platform.packages[0].applications[0].root = "apps/pkg";
@@ -181,14 +181,14 @@ DEVICE_TEST(CacheFiles, of_a_relative_root_only_the_assemblies_paths_are_made_ab
                ListOf(":apps/pkg/shared/res/"));
 }
 
-// Adds the package or takes it out, which must succeed as far as is told.
+// Adds or removes the package. The result must be as recorded.
 void Change(bool adding) {
   if (adding) return addPkgToTPACacheFile("pkg");
   EXPECT_TRUE(removedPkgFromTPACacheFile("pkg"));
 }
 
-// The old file is gone before the new one is begun: a write that fails leaves none, and the other file is not touched
-// by that.
+// The old file is removed before the new one is written: after a failed write there is none. The other file is not
+// affected.
 TEST(CacheFiles, a_write_that_fails_leaves_no_cache_file) {
   const std::string temp_tpa = std::string(support::kCacheDirectory) + "temp_TPA.txt";
   const std::pair<const char*, std::function<void()>> failures[] = {

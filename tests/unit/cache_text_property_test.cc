@@ -1,4 +1,4 @@
-// The editing of cache texts, held against the plainest form of it over many random texts, roots and lists.
+// Editing cache texts, compared with the simplest implementation on many random texts, roots and lists.
 #include <algorithm>
 #include <iterator>
 #include <random>
@@ -18,7 +18,7 @@ using support::PlainErase;
 
 constexpr unsigned kSeed = 20240229;
 
-// Random texts. The same seed gives the same ones everywhere.
+// Random texts. The same seed gives the same texts on every machine.
 class Random {
  public:
   explicit Random(unsigned seed) : engine_(seed) {}
@@ -43,14 +43,14 @@ struct Case {
   std::string root;
 };
 
-// Characters without order, few enough of them that everything overlaps with everything.
+// Random characters from a small set, so that matches overlap often.
 Case AnyCharacters(Random& random) {
   static const Texts alphabets = {"ab:[]/", "a:[]", "a:]", "ab:", ":[]", "a]:[/\n", {"a\0:]\xFF", 5}, "START[]END:/"};
   const std::string& alphabet = random.OneOf(alphabets);
   return {random.Text(alphabet, 24), random.Text(alphabet, 4)};
 }
 
-// The same, with the root put into the text here and there.
+// The same, with the root inserted in some places.
 Case AnyCharactersAroundTheRoot(Random& random) {
   Case made = AnyCharacters(random);
   for (std::size_t left = random.Below(6); left > 0; --left) {
@@ -59,7 +59,7 @@ Case AnyCharactersAroundTheRoot(Random& random) {
   return made;
 }
 
-// Roots that hold a separator, wrapped around each other so that erasing one joins the halves of the next.
+// Roots that contain a separator, nested so that erasing one joins the halves of the next.
 Case NestedRoots(Random& random) {
   const std::string front = random.Text("ab/[", 2) + random.OneOf({":", "]"});
   const std::string back = random.Text("ab:[]", 2);
@@ -95,7 +95,7 @@ Texts PlainEntries(Random& random, std::size_t most) {
   return entries;
 }
 
-// What the component that lays the files down and this one write.
+// Lists as the platform's component and this one write them.
 Case OrdinaryList(Random& random) {
   const std::size_t most = random.OneIn(50) ? 300 : 8;
   const std::string first = random.OneIn(4) ? "[START]:" : "[START]";
@@ -124,7 +124,7 @@ Case AnyCase(Random& random) {
 
 std::string Shown(const Texts& texts) { return testing::PrintToString(texts); }
 
-// Of which kinds the random cases were, so that no kind is missing unnoticed.
+// The kinds of random cases that occurred, to detect a missing kind.
 struct Tally {
   int untouched = 0;
   int endless = 0;
@@ -170,7 +170,7 @@ TEST(CacheTextProperty, a_file_is_edited_and_logged_like_its_text) {
   const std::string file = directory / "TPA.txt";
   for (int i = 0; i < 200 && !HasFailure(); ++i) {
     Case made = AnyCase(random);
-    std::replace(made.text.begin(), made.text.end(), '\0', 'x');  // a log line would end there
+    std::replace(made.text.begin(), made.text.end(), '\0', 'x');  // a log line would end at a NUL
     WriteFile(file, made.text);
     const PlainEdit plain = PlainErase(made.text, made.root);
     const Platform& platform = doubles::Reset();

@@ -1,4 +1,4 @@
-// The editing of a cache text: what is erased for a package root, byte by byte, and how entries are put at its end.
+// Editing a cache text: what is erased for a package root, byte by byte, and how entries are appended.
 #include "plugin/cache_files.h"
 #include "tests/support/unit_case.h"
 
@@ -106,7 +106,7 @@ TEST(CacheText, many_entries_are_erased) {
   ExpectErased({"many", text + "/b[END]", left + "/b[END]", erased}, directory / "TPA.txt");
 }
 
-// Texts on which erasing would find the same empty place over and over.
+// Texts on which erasing would find the same empty entry for ever.
 TEST(CacheText, a_text_that_erasing_would_never_get_through_stays_as_it_is) {
   const TempDir directory;
   const std::pair<std::string, std::string> rows[] = {{"[START][END]", ""},

@@ -1,4 +1,4 @@
-// UNINSTALL, RECOVERUNINSTALL, CLEAN and CLEANUP over cache files.
+// UNINSTALL, RECOVERUNINSTALL, CLEAN and CLEANUP with cache files.
 #include "plugin/hooks.h"
 #include "tests/support/unit_case.h"
 
@@ -25,18 +25,18 @@ void ExpectCaches(const std::string& tpa, const std::string& coba) {
   EXPECT_EQ(coba, ReadFile(kCobaFile));
 }
 
-// The listed package taken out of both files.
+// The listed package is removed from both files.
 Steps RemovedFromBoth() {
   return Removing({CacheRead(kTpaFile, {std::string(":") + kAssembly}, kTpaWithout), Saved(kTpaFile),
                    CacheRead(kCobaFile, {std::string(kDirectory) + ":"}, kCobaWithout), Saved(kCobaFile)});
 }
 
-// The package found in neither file any more.
+// The package is in neither file any more.
 Steps NothingRemoved() {
   return Removing({CacheRead(kTpaFile, {}, kTpaWithout), CacheRead(kCobaFile, {}, kCobaWithout)});
 }
 
-// Sends the event, which must return 0 and write these lines.
+// Sends the event, which must return 0 and log these lines.
 void ExpectEvent(int (*hook)(xmlDocPtr, const char*), const Document& manifest, const char* id,
                  std::initializer_list<Steps> journal) {
   doubles::Current().journal.clear();
@@ -127,7 +127,7 @@ DEVICE_TEST(Clean, a_coba_package_is_added_and_the_loader_restarted) {
                       LoaderRestarted()})});
   ExpectCaches(kTpaWithPackage, "[START]/b/shared/res/:/opt/usr/apps/pkg/shared/res/[END]");
   EXPECT_EQ((Flags{{"pkg", false}}), cacheStateUninstall);
-  EXPECT_TRUE(aotStateUpgrade.empty());  // not asked for a CoBA package
+  EXPECT_TRUE(aotStateUpgrade.empty());  // not read for a CoBA package
   EXPECT_TRUE(AllRecordsDestroyed(platform));
 }
 

@@ -141,7 +141,7 @@ TEST(CobaSearch, the_pass_goes_on_after_a_filter_that_fails) {
   }
 }
 
-// Answers how often the application's record was looked at before memory sufficed.
+// Returns how often the application's record was read before memory sufficed.
 int EndsInOneWheneverMemoryRunsOut(pkgmgrinfo_appinfo_h handle) {
   int allocations = 0;
   while (coBA.empty() && allocations < 1000) {

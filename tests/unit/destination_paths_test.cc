@@ -1,4 +1,4 @@
-// Where inside a package the output of ahead-of-time compilation goes.
+// Where the output of ahead-of-time compilation goes inside a package.
 #include "morvath/destination_paths.h"
 
 #include <gtest/gtest.h>
@@ -27,7 +27,7 @@ TEST(DestinationPaths, through_the_base_each_kind_answers_with_its_own_directory
   }
 }
 
-// A kind of content that counts what happens to it.
+// A kind of content that counts its calls.
 template <typename Base>
 class Counting : public Base {
  public:

@@ -1,4 +1,4 @@
-// The comparison of journals can fail: for every property of a log line and of the nesting there is a wrong one here.
+// The comparison of journals can fail: for every property of a log line and of the nesting there is a wrong example.
 #include "orvel/aul.h"
 #include "orvel/dlog.h"
 #include "orvel/package_info.h"
@@ -11,7 +11,7 @@ namespace {
 constexpr const char* kTag = "NETCORE_INSTALLER_PLUGIN";
 const std::string kLabel = "morvath(9) void f()";
 
-// Does the journal of the calls hold these steps, and no others?
+// Does the journal of the calls consist of exactly these steps?
 bool Meets(const std::function<void()>& calls, const Steps& steps) {
   const Platform& platform = doubles::Reset();
   calls();

@@ -1,4 +1,4 @@
-// What the policy says of a file, by the catalogues that it is given.
+// The decisions of the policy for given catalogues.
 #include "plugin/duplicate_policy.h"
 
 #include "plugin/catalogues.h"

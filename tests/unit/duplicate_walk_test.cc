@@ -1,4 +1,4 @@
-// The pass's walk over a package, and the policy without effects, held against isUniqueDll called for each file.
+// The pass's walk over a package, and the policy without side effects, compared with isUniqueDll called for each file.
 #include <algorithm>
 #include <climits>
 #include <cstddef>
@@ -16,7 +16,7 @@
 namespace unit {
 namespace {
 
-// All that can be told of a walk afterwards.
+// All observable results of a walk.
 struct Outcome {
   int result;
   Texts log;
@@ -74,12 +74,12 @@ void PutCatalogues(const std::string& package) {
 }
 
 struct Circumstances {
-  fs::path place = "pkg";  // of the package below a temporary directory
+  fs::path place = "pkg";  // the package's path below a temporary directory
   bool as_root = true;
   std::ptrdiff_t failed_lstats = 0;  // how many files cannot be examined
 };
 
-// Makes the package twice in the same place and walks it both ways. It has a duplicate at least.
+// Creates the package twice at the same path and walks it both ways. It has at least one duplicate.
 void ExpectSameOutcome(const std::function<void(const fs::path& root)>& make, const Circumstances& circumstances = {}) {
   const TempDir root;
   const auto outcome = [&](const Walk& walk) {
@@ -148,8 +148,8 @@ TEST(DuplicateWalk, without_entry_types_every_file_is_examined) {
   });
 }
 
-// Makes directories below `root` until their path is `length` bytes long, one by one, for no call takes it whole, and
-// in the last one a DLL that is catalogued and one that is not.
+// Creates nested directories below `root`, one by one because no call accepts the whole path, until the path is
+// `length` bytes long. The last one has a DLL that is catalogued and one that is not.
 void MakeLongPath(const fs::path& root, std::size_t length) {
   const fs::path before = fs::current_path();
   std::size_t reached = root.string().size();
@@ -166,10 +166,10 @@ void MakeLongPath(const fs::path& root, std::size_t length) {
 }
 
 TEST(DuplicateWalk, paths_that_no_call_takes_give_the_lines_of_failed_lstats) {
-  // The walk ends before paths get that long from a root that is not a long one itself.
+  // The walk ends before paths get that long, unless the root itself is long.
   const std::string level(200, 'r');
   const fs::path place = fs::path(level) / level / level / level / level / level / level / level / level / level;
-  // Directories that can be listed by their paths; with "/A.dll" behind it, the path just fits or is too long.
+  // Directories that can be listed by path; with "/A.dll" appended, the path just fits or is too long.
   for (const int short_of_it : {8, 7, 6, 3, 2, 1}) {
     SCOPED_TRACE(short_of_it);
     const std::size_t length = static_cast<std::size_t>(PATH_MAX - short_of_it);

@@ -75,7 +75,7 @@ TEST(DurableRead, a_file_of_the_largest_size_is_read) {
 TEST(DurableRead, a_file_that_claims_more_than_the_largest_size_is_empty) {
   const TempDir root;
   WriteFile(root / "file", "abc");
-  // The last but one would be small if its upper half was cut off.
+  // The last but one would be small if its upper half were cut off.
   for (const std::uintmax_t size :
        {kLargestSize + 1, std::uintmax_t{1} << 31, (std::uintmax_t{1} << 32) + 3, std::uintmax_t{1} << 40}) {
     fs::resize_file(root / "file", size);
@@ -107,8 +107,8 @@ TEST(DurableRead, what_can_be_read_in_part_only_is_empty) {
   EXPECT_EQ("", readFileToString(root / "file"));
 }
 
-// Holds a lease on the file and says so by a byte to `ready`. When somebody else opens the file, writes `last_words`
-// into it and lets go.
+// Holds a lease on the file and reports that with a byte to `ready`. When another process opens the file, writes
+// `last_words` into it and releases the lease.
 void HoldLease(const std::string& path, const std::string& last_words, int ready) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   sigset_t request;

@@ -55,7 +55,7 @@ TEST(DurableWrite, what_cannot_be_written_is_not_noticed_and_the_short_file_take
   const Target file;
   WriteFile(file.target, "before");
   Fresh([&](Platform& platform) {
-    support::LeaveNoRoomInFiles();
+    support::MakeFileWritesFail();
     file.Write("abc");
     EXPECT_TRUE(Holds(platform, {NotThereYet(), Call("fsync(0)"), file.SaveFile(), file.Renamed(),
                                  kWrite.At(177).Debug("Saved"), Call("sync()")}));

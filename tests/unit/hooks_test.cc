@@ -1,4 +1,5 @@
-// What all hooks share: their frame, the gate, the flag tables, null arguments, UNDO, and the loader restart.
+// What all hooks have in common: their entry and exit lines, the gate, the flag tables, null arguments, UNDO, and the
+// loader restart.
 #include "plugin/hooks.h"
 
 #include "tests/support/unit_case.h"
@@ -10,9 +11,9 @@ using HookFunction = int (*)(xmlDocPtr, const char*);
 
 struct GatedHook {
   HookFunction function;
-  // The hook's frame around what the gate wrote, inner hooks included.
+  // The lines of the hook around those of the gate, inner hooks included.
   std::function<Steps(const Steps&)> frame;
-  std::string gate;  // the event whose hook says NOT-INHOUSE
+  std::string gate;  // the event whose hook logs NOT-INHOUSE
 };
 
 Steps InstallFrame(const Steps& inside) { return Hook("INSTALL", {inside}); }

@@ -1,4 +1,4 @@
-// The information file: how it is made, written and left.
+// The information file: how it is created and written.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -65,7 +65,7 @@ FRESH_TEST(Duplicates, the_descriptor_of_a_closed_standard_input_is_as_good_as_a
   for (const bool is_there : {false, true}) {
     if (is_there) WriteFile(dll + "_deleted", "of an earlier removal");
     const std::size_t before = support::OpenDescriptors();
-    errno = ELOOP;  // as a failure long before leaves it
+    errno = ELOOP;  // as an earlier failure leaves it
     removeFileAndLeaveInformationFile(kOrigin, dll);
     EXPECT_EQ(InformationText(kOrigin, dll), ReadFile(dll + "_deleted")) << is_there;
     EXPECT_EQ(before, support::OpenDescriptors()) << is_there;
@@ -75,7 +75,7 @@ FRESH_TEST(Duplicates, the_descriptor_of_a_closed_standard_input_is_as_good_as_a
 TEST(Duplicates, the_information_file_is_left_although_the_removal_failed) {
   const TempDir package;
   const std::string dll = package / "A.dll";
-  WriteFile(dll + "/inside");  // a directory, which removeFile refuses
+  WriteFile(dll + "/inside");  // a directory, which removeFile does not delete
   doubles::Reset();
   removeFileAndLeaveInformationFile(kOrigin, dll);
   EXPECT_TRUE(IsThere(dll + "/inside"));
@@ -97,7 +97,7 @@ TEST(Duplicates, a_disk_without_room_leaves_an_empty_information_file_silently) 
   const std::string dll = package / "A.dll";
   WriteFile(dll, "MZ");
   support::InFreshProcess([&] {
-    support::LeaveNoRoomInFiles();
+    support::MakeFileWritesFail();
     Platform& platform = doubles::Reset();
     removeFileAndLeaveInformationFile(kOrigin, dll);
     EXPECT_TRUE(Holds(platform, {RemovalFrame()}));
@@ -112,10 +112,10 @@ using interposed::WritesAtMost;
 struct WriteRow {
   const char* what;
   std::deque<interposed::WriteStep> steps;
-  std::size_t written;  // how much of the text gets into the file
+  std::size_t written;  // how much of the text is written
 };
 
-// The text that the information file has after writes that go as in `row`.
+// The text of the information file after writes as in `row`.
 void ExpectWritten(const WriteRow& row) {
   Fresh([&](Platform& platform) {
     const TempDir package;

@@ -1,4 +1,4 @@
-// Where a launcher tool runs, and where a package is installed.
+// In which environment a launcher tool runs, and where a package is installed.
 #include "morvath/install_location.h"
 
 #include <cstdio>
@@ -16,7 +16,7 @@ constexpr const char* kVariable = "VARK_CROSSGEN2_ENABLED";
 
 Steps ReadWriteInstalled() { return Source("platform_utils", "isRWInstalledApp").Info("It is a RWInstalled App"); }
 
-// Gives the image-creation variable a value, or none.
+// Sets the image-creation variable, or unsets it.
 void SetImageCreation(const char* value) {
   if (value == nullptr) {
     unsetenv(kVariable);
@@ -150,7 +150,7 @@ struct SkipRow {
   std::string package_root;
   bool skips_aot;
   bool skips_sac;
-  std::string printed;  // by the question about ahead-of-time compilation
+  std::string printed;  // by the query about ahead-of-time compilation
 };
 
 const SkipRow kSkips[] = {

@@ -1,5 +1,5 @@
-// Interposed functions about files. They are visible, so that shared libraries call them as well.
-// The C library's own checked forms of these functions would stand in the way.
+// Interposed file functions. They are exported, so that shared libraries call them too. The checked variants in the C
+// library must not be used.
 #undef _FORTIFY_SOURCE
 
 #include "tests/unit/interposed_files.h"
@@ -32,7 +32,7 @@ int Change(const char* function, const char* path, uid_t user, gid_t group) {
   return errno == 0 ? 0 : -1;
 }
 
-// Does this call fail, by what was set for the next ones? Then errno is set.
+// Must this call fail, according to the settings for the next calls? If so, errno is set.
 bool NextFails(std::deque<int>& errors) {
   if (errors.empty()) return false;
   errno = errors.front();
@@ -40,12 +40,12 @@ bool NextFails(std::deque<int>& errors) {
   return errno != 0;
 }
 
-// "No file" is not for the kernel to find out.
+// A call without a file must not reach the kernel.
 void ExpectFile(const char* function, int file) {
   if (file < 0) doubles::Current().misuses.emplace_back(function);
 }
 
-// As the kernel does it: no NUL is added, and what lies behind the text in the buffer is anybody's guess.
+// Like the kernel: adds no NUL and leaves the rest of the buffer undefined.
 ssize_t Give(const std::string& target, char* buffer, std::size_t size) {
   std::memset(buffer, '?', size);
   const std::size_t length = std::min(target.size(), size);
@@ -60,8 +60,8 @@ ssize_t Give(const std::string& target, char* buffer, std::size_t size) {
 #pragma GCC visibility push(default)
 extern "C" {
 
-// The headers give stat, stat64, fstat, lstat and open the names of the C library's widest forms, which differ by
-// processor; so they do for the functions by which the real work is done here.
+// The headers map stat, stat64, fstat, lstat and open to the C library's widest variants, which differ by processor.
+// The calls below are mapped in the same way.
 int stat(const char* path, struct stat* status) noexcept {
   interposed::FileSettings& settings = interposed::Files();
   settings.examined.emplace_back(path);

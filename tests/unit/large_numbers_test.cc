@@ -1,5 +1,5 @@
-// Files about which a number is told that 32 bits do not hold: the size, the inode, the time of the last change. On a
-// 32-bit processor the C library's narrow functions refuse such a file with EOVERFLOW.
+// Files with a number that does not fit 32 bits: the size, the inode number or the modification time. On a 32-bit
+// processor the C library's narrow functions fail on such a file with EOVERFLOW.
 #include <fcntl.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -30,7 +30,7 @@ namespace {
 constexpr std::uintmax_t kSize = 5'000'000'000;
 constexpr std::time_t kYear2040 = 2'208'988'800;
 
-// An overlay with xino numbers the files of its lower layers with their place in the topmost bits.
+// An overlay with xino numbers the files of its lower layers with the layer's index in the topmost bits.
 void MountOverlay(const fs::path& root) {
   const std::string options = "lowerdir=" + (root / "lower").string() + ",upperdir=" + (root / "upper/files").string() +
                               ",workdir=" + (root / "upper/work").string() + ",xino=on,userxattr";
@@ -58,7 +58,7 @@ bool HasLargeNumber(const fs::path& file) {
   return status.stx_size > UINT32_MAX || status.stx_ino > UINT32_MAX || status.stx_mtime.tv_sec > INT32_MAX;
 }
 
-// Why this machine makes no inode numbers of that kind, if so.
+// Why this machine cannot create such inode numbers; nothing if it can.
 std::optional<std::string> ObstacleToOverlay() {
   const TempDir root;
   WriteFile(root / "lower/file");
@@ -99,7 +99,7 @@ class LargeNumbers : public testing::TestWithParam<Kind> {
     if (const auto obstacle = ObstacleToOverlay()) GTEST_SKIP() << *obstacle;
   }
 
-  // Runs the body in a fresh process with a directory in which the files `names` have such a number.
+  // Runs the body in a new process with a directory in which the files `names` have such a number.
   void With(const std::vector<std::string>& names, const std::function<void(const fs::path&, Platform&)>& body) const {
     const TempDir root;
     const fs::path lower = root / "lower";
@@ -125,7 +125,7 @@ TEST_P(LargeNumbers, a_file_is_real) {
 
 TEST_P(LargeNumbers, a_file_exists_and_has_its_size) {
   With({"A.dll"}, [](const fs::path& directory, Platform&) {
-    // Boost's library is asked about it, which may have been built for dates of 32 bits.
+    // Uses Boost's library, which may be built with 32-bit times.
     EXPECT_TRUE(exist(directory.string() + "/A.dll") || GetParam().name == "date");
     EXPECT_EQ(GetParam().size, getFileSize(directory / "A.dll"));
   });

@@ -11,7 +11,7 @@ namespace {
 
 constexpr LogSource kLogSource{kPluginTag, "morvath"};
 
-// The journal of one tracker's life, with the label in all of its places.
+// The journal of one tracker, with the label in all its places.
 void ExpectLabel(const std::string& label, const char* signature, const char* path, int line) {
   Platform& platform = doubles::Reset();
   { FunctionEntryExitTracker tracker(signature, path, line); }

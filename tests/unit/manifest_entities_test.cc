@@ -1,4 +1,4 @@
-// How much an attribute of a manifest may stand for when its entities are expanded.
+// The limits for expanding the entities of a manifest's attribute.
 #include <libxml/parser.h>
 
 #include "plugin/manifest.h"
@@ -8,7 +8,7 @@ namespace unit {
 namespace {
 
 constexpr const char* kLeftOut = "Attribute %s is left out: its entities are too long or nested too deep";
-constexpr std::size_t kMost = 100000;  // bytes, a reference counting as one
+constexpr std::size_t kMost = 100000;  // bytes; a reference counts as one
 
 Document WithEntities(const std::string& entities, const std::string& elements) {
   return Parse("<!DOCTYPE manifest [" + entities + "]><manifest>" + elements + "</manifest>");
@@ -47,9 +47,9 @@ TEST(ManifestEntities, those_of_an_attribute_are_expanded) {
 
 TEST(ManifestEntities, an_attribute_may_stand_for_a_hundred_thousand_bytes_and_no_more) {
   const std::string rest = "dotnet-";
-  const std::size_t room = kMost - rest.size() - 1;
-  ExpectRead(WithType(Entity("a", Filler(room)), "&a;" + rest));
-  ExpectRefused(WithType(Entity("a", Filler(room + 1)), "&a;" + rest));
+  const std::size_t length = kMost - rest.size() - 1;
+  ExpectRead(WithType(Entity("a", Filler(length)), "&a;" + rest));
+  ExpectRefused(WithType(Entity("a", Filler(length + 1)), "&a;" + rest));
 }
 
 TEST(ManifestEntities, a_reference_counts_alone_and_behind_text) {
@@ -67,12 +67,12 @@ FRESH_TEST(ManifestEntities, an_attribute_that_never_got_a_value_is_no_trouble) 
 
 TEST(ManifestEntities, entities_of_entities_count_as_often_as_they_are_named) {
   const std::string rest = "dotnet-";
-  const std::size_t room = (kMost - rest.size() - 3) / 2;  // the reference to b, and two to a
-  ExpectRead(WithType(Entity("a", Filler(room)) + Entity("b", "&a;&a;"), "&b;" + rest));
-  ExpectRefused(WithType(Entity("a", Filler(room + 1)) + Entity("b", "&a;&a;"), "&b;" + rest));
+  const std::size_t length = (kMost - rest.size() - 3) / 2;  // the reference to b, and two to a
+  ExpectRead(WithType(Entity("a", Filler(length)) + Entity("b", "&a;&a;"), "&b;" + rest));
+  ExpectRefused(WithType(Entity("a", Filler(length + 1)) + Entity("b", "&a;&a;"), "&b;" + rest));
 }
 
-// A type that stands for "dotnet-" by way of so many entities, each within the next.
+// A type that expands to "dotnet-" through that many nested entities.
 Document WithNestedEntities(int count) {
   std::string entities = Entity("e1", "dotnet-");
   for (int entity = 2; entity <= count; ++entity) {
@@ -80,7 +80,7 @@ Document WithNestedEntities(int count) {
   }
   const std::string text = "<!DOCTYPE manifest [" + entities + "]><manifest><ui-application type=\"&e" +
                            std::to_string(count) + ";\"/></manifest>";
-  // A caller may have lifted the parser's own limits.
+  // The caller may have removed the parser's own limits.
   return Document(
       xmlReadMemory(text.data(), static_cast<int>(text.size()), "manifest", nullptr, XML_PARSE_NONET | XML_PARSE_HUGE));
 }

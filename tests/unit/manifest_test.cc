@@ -1,4 +1,4 @@
-// The walk over a manifest: is it dotnet-inhouse? And what this walk shares with the search for CoBA entries.
+// The walk over a manifest: is it dotnet-inhouse? And what it has in common with the search for CoBA entries.
 #include "plugin/manifest.h"
 
 #include <libxml/xmlmemory.h>
@@ -12,7 +12,7 @@
 namespace unit {
 namespace {
 
-// A document whose second element has no name, as no parsed text has.
+// A document whose second element has no name, which a parser never produces.
 class NamelessManifest {
  public:
   explicit NamelessManifest(const std::string& elements_behind)
@@ -32,7 +32,7 @@ class NamelessManifest {
   const xmlChar* name_;
 };
 
-// Counts the blocks of memory that libxml2 holds while this lives.
+// Counts the memory blocks that libxml2 allocates during its lifetime.
 class XmlMemory {
  public:
   XmlMemory() { xmlMemSetup(&Free, &Allocate, &Reallocate, &Duplicate); }
@@ -68,7 +68,7 @@ enum class Answer { kDotnet, kSample, kOther };
 struct Row {
   const char* what;
   std::string elements;  // of the manifest
-  Texts nodes;           // behind the manifest's own, as the walk meets them
+  Texts nodes;           // after the manifest's own node, in the order of the walk
   Answer answer;
 };
 
@@ -118,7 +118,7 @@ const Row kDotnetRows[] = {
      Answer::kDotnet},
 };
 
-Steps Told(Answer answer) {
+Steps DecisionLines(Answer answer) {
   const Source walk = Plugin("isAppDotnetInhouse");
   if (answer == Answer::kOther) return Names({"manifest"});  // the end tag
   return answer == Answer::kDotnet ? walk.Info("App is dotnet-*") : walk.Info("### Is sample app ###");
@@ -128,14 +128,14 @@ TEST(Manifest, the_first_application_element_that_decides_makes_it_dotnet_inhous
   for (const Row& row : kDotnetRows) {
     Fresh([&](Platform& platform) {
       EXPECT_EQ(row.answer == Answer::kDotnet, isAppDotnetInhouse(ManifestOf(row.elements).get())) << row.what;
-      EXPECT_TRUE(Holds(platform, {Names({"manifest"}), Names(row.nodes), Told(row.answer)})) << row.what;
+      EXPECT_TRUE(Holds(platform, {Names({"manifest"}), Names(row.nodes), DecisionLines(row.answer)})) << row.what;
     });
   }
 }
 
 FRESH_TEST(Manifest, the_root_element_may_be_the_application_itself) {
   EXPECT_TRUE(isAppDotnetInhouse(Parse("<ui-application type='dotnet-inhouse'/>").get()));
-  EXPECT_TRUE(Holds(platform, {Names({"ui-application"}), Told(Answer::kDotnet)}));
+  EXPECT_TRUE(Holds(platform, {Names({"ui-application"}), DecisionLines(Answer::kDotnet)}));
 }
 
 FRESH_TEST(Manifest, a_null_manifest_is_not_dotnet_inhouse) {
@@ -175,7 +175,7 @@ FRESH_TEST(Manifest, a_node_without_a_name_ends_the_walk_with_an_error_line) {
   EXPECT_TRUE(Holds(platform,
                     {Names({"manifest"}), Plugin("isAppDotnetInhouse").Error("Error: Failed xmlTextReaderConstName")}));
   EXPECT_TRUE(isAppDotnetInhouse(DotnetManifest().get()));
-  EXPECT_TRUE(isAppDotnetInhouse(manifest.get()));  // what was seen before
+  EXPECT_TRUE(isAppDotnetInhouse(manifest.get()));  // still true because of the earlier manifest
 }
 
 FRESH_TEST(Manifest, a_parse_error_ends_the_walk_as_the_end_of_the_document_does) {

@@ -1,4 +1,4 @@
-// The metadata vocabulary and its matchers.
+// Metadata keys, values and matchers.
 #include "morvath/metadata_utils.h"
 #include "tests/support/unit_case.h"
 
@@ -19,7 +19,7 @@ Steps Compared(const std::string& entry_key, const std::string& value, const std
 
 Steps Matched(const std::string& key) { return kHasKey.Debug("%s matched", key); }
 
-// An entry that borrows both texts.
+// An entry that does not own its texts.
 Metadata Entry(const std::string& key, const char* value) { return {key.c_str(), value}; }
 Metadata Entry(const std::string& key, const std::string& value) { return Entry(key, value.c_str()); }
 Metadata Entry(std::string&& key, const char* value) = delete;

@@ -1,4 +1,4 @@
-// The quick answer to whether a name is catalogued.
+// The filter of catalogued names.
 #include "plugin/name_filter.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-// Look-ups in the records of packages and applications: results, and every record given back, the application's
-// before the package's.
+// Queries of the records of packages and applications: the results, and the destruction of every record, the
+// application's before the package's.
 #include "morvath/package_queries.h"
 
 #include <string_view>
@@ -14,7 +14,7 @@ constexpr const char* kGetMainApp = "pkgmgrinfo_pkginfo_get_mainappid";
 constexpr const char* kGetApp = "pkgmgrinfo_appinfo_get_appinfo";
 constexpr const char* kGetPackageId = "pkgmgrinfo_appinfo_get_pkgid";
 
-// A package whose main application and a second one have all that can be asked for.
+// A package whose main application and a second one have all data that can be queried.
 Platform& PlatformWithViewer(std::string_view exec = "/opt/usr/globalapps/pkg/bin/App") {
   Platform& platform = doubles::Reset();
   Package package;
@@ -31,13 +31,13 @@ Steps PackageAsked() { return Call(std::string(kGetPackage) + "(pkg)"); }
 Steps MainApplicationAsked() { return Call(std::string(kGetMainApp) + "()"); }
 Steps PackageDestroyed() { return Call("pkgmgrinfo_pkginfo_destroy_pkginfo()"); }
 
-// A look-up in the main application's record: the function that asks, and what it asks the record.
+// A query of the main application's record: the function under test, and the platform's function that it calls.
 struct LookUp {
   int (*function)(std::string& text);
   const char* asked;     // the library's function
   const char* question;  // that function's call
 
-  // Everything about a look-up that gets so far.
+  // All steps of a query that gets this far.
   Steps Whole() const {
     return Join({PackageAsked(), MainApplicationAsked(), ApplicationAsked("viewer"), Call(question),
                  ApplicationDestroyed(), PackageDestroyed()});
@@ -58,7 +58,7 @@ void ExpectGivenBack(const Platform& platform) {
 
 const Steps kIdAsked = Join({Call(std::string(kGetPackageId) + "()"), ApplicationDestroyed()});
 
-// The package that owns the application, and what is asked behind the application's record.
+// The package that owns the application, and the steps after the application's record.
 void ExpectOwner(
     const std::string& package, const std::string& application, const Steps& behind,
     const std::function<void(Platform&)>& prepare = [](Platform&) {}) {
@@ -153,7 +153,7 @@ TEST(MetadataValue, any_other_answer_than_0_is_an_absent_key) {
   }
 }
 
-// What both look-ups in a main application have in common.
+// What both queries of a main application have in common.
 
 void ExpectNothingFound(const LookUp& look_up, const Steps& journal, const std::function<void(Platform&)>& prepare) {
   Platform& platform = PlatformWithViewer();
@@ -208,7 +208,7 @@ TEST(MainApplication, a_null_answer_raises_and_every_record_is_destroyed) {
   }
 }
 
-// What is asked with a null id, if anything is, is the platform's to refuse.
+// What happens with a null id is up to the platform.
 TEST(MainApplication, a_package_without_one_has_neither_name_nor_value_and_its_record_is_destroyed) {
   ExpectBothFindNothing(kNoMainApplication, [](Platform& platform) { platform.packages.back().applications.clear(); });
   ExpectBothFindNothing(kNoMainApplication, [](Platform& platform) { platform.GiveNullNext(kGetMainApp); });

@@ -20,7 +20,7 @@ Steps PackageAsked(const std::string& package_and_user = "pkg, 0") {
   return Join({UserAsked(), Call("pkgmgrinfo_pkginfo_get_usr_pkginfo(" + package_and_user + ")")});
 }
 
-// While the function answers so, there is neither a record nor a type, and these are the steps.
+// While the function returns this code, there is neither a record nor a type, and the journal has these steps.
 void ExpectNothing(const char* function, int code, const Steps& journal) {
   Platform& platform = PlatformWithType("rpk");
   platform.FailNext(function, code);

@@ -1,4 +1,4 @@
-// What the tests of the assembly cache pass lay out and run.
+// Common code of the tests of the assembly cache pass.
 #ifndef TESTS_UNIT_PASS_CASE_H_
 #define TESTS_UNIT_PASS_CASE_H_
 
@@ -18,7 +18,7 @@ inline void PutPackage(Platform& platform, const std::string& id = "pkg", const 
   platform.packages.push_back(doubles::MakePackage(id, root));
 }
 
-// Runs the pass; its standard error is not of interest.
+// Runs the pass and discards its standard error.
 inline int RunPass(const std::string& id) {
   int result = 0;
   StandardErrorOf([&] { result = gac(id); });

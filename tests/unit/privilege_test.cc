@@ -1,4 +1,4 @@
-// The privilege look-up.
+// Privilege queries.
 #include "tests/support/unit_case.h"
 #include "util/privilege_checker.h"
 

@@ -1,4 +1,4 @@
-// The launcher tools' helpers for the running program, sizes of files and digits.
+// The launcher tools' helpers for the running program, file sizes and digits.
 #include <sys/auxv.h>
 
 #include <cerrno>
@@ -31,7 +31,7 @@ class SelfPath : public testing::Test {
 TEST_F(SelfPath, it_is_the_absolute_path_of_the_running_program) {
   const std::string path = readSelfPath();
   EXPECT_EQ('/', path.front());
-  // Not by /proc/self/exe, which is the tool's own under memcheck.
+  // Does not use /proc/self/exe, which is memcheck's own program under memcheck.
   const auto* executed = reinterpret_cast<const char*>(getauxval(AT_EXECFN));
   EXPECT_TRUE(fs::equivalent(path, executed)) << path << " for " << executed;
   EXPECT_EQ(fs::path("unit_tests"), fs::path(path).filename());
@@ -97,7 +97,7 @@ TEST(FileSize, a_size_beyond_32_bits_is_told_whole) {
 
 // Digits.
 
-// What stands in a buffer of '?' afterwards, up to where it is untouched.
+// The content of a buffer of '?' afterwards, up to its unchanged part.
 std::string Written(int value) {
   char buffer[16];
   std::memset(buffer, '?', sizeof buffer);
@@ -129,7 +129,7 @@ TEST(SignalSafeDigits, nothing_is_allocated) {
   EXPECT_STREQ("2147483647", buffer);
 }
 
-// What can make memory run out does.
+// The helper that makes memory run out works.
 TEST(AllocationLimit, the_allocation_after_the_last_one_allowed_throws) {
   const auto allocate_twice = [] {
     ::operator delete(::operator new(1));

@@ -18,7 +18,7 @@ TEST(RootPath, the_root_of_an_installed_package_has_no_trailing_slash) {
   }
 }
 
-// What is asked for has no root, and no record is left.
+// The query finds no root, and no record remains.
 void ExpectNoRoot(const std::string& what, const std::function<void(Platform&)>& prepare,
                   const std::string& id = "pkg") {
   Platform& platform = PlatformWith("/pkg");

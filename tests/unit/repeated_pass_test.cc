@@ -1,4 +1,4 @@
-// What the pass keeps from one package to the next.
+// The state that the pass keeps from one package to the next.
 #include "plugin/catalogues.h"
 #include "tests/unit/pass_case.h"
 

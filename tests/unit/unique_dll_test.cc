@@ -1,4 +1,4 @@
-// The duplicate policy: what becomes of a file of a package.
+// The duplicate policy: what happens to a file of a package.
 #include "plugin/catalogues.h"
 #include "plugin/duplicates.h"
 #include "tests/support/unit_case.h"

@@ -21,7 +21,7 @@
 
 namespace {
 
-// Drops `suffix` from the end of `text`, whatever its case. Tells whether it was there.
+// Removes `suffix` from the end of `text`, ignoring case. Returns whether it was there.
 bool DropSuffixIgnoringCase(std::string& text, std::string_view suffix) {
   if (text.size() < suffix.size()) return false;
   const std::size_t stem = text.size() - suffix.size();

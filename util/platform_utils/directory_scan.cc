@@ -40,12 +40,12 @@ class Directory {
 
  private:
   Listing listing_;
-  std::size_t reachable_;  // how long names are at most that can be reached by their paths
+  std::size_t reachable_;  // the greatest length of a name that lstat accepts after the path
 };
 
 struct FileSystem {
-  // A directory that may be listed need not let anybody reach its entries. Going through "." asks for that as well, in
-  // the one call that opens it.
+  // A directory that can be listed may still deny access to its entries. Opening it through "." checks that as well, in
+  // the same system call.
   static Directory Open(const std::string& path) {
     if (path.empty()) return {nullptr, 0};
     Listing listing = OpenListing(concatPath(path, "."));

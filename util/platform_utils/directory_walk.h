@@ -1,5 +1,4 @@
-// The walk over a package or a directory of assemblies that lies behind scanFilesInDirExcludeSymlink, for callers that
-// can use what the listing tells of a file beside its name. What the files mean is the callers' business.
+// The directory walk behind scanFilesInDirExcludeSymlink, for callers that use more of the listing than names.
 #ifndef UTIL_PLATFORM_UTILS_DIRECTORY_WALK_H_
 #define UTIL_PLATFORM_UTILS_DIRECTORY_WALK_H_
 
@@ -13,34 +12,34 @@
 #include "base/affix.h"
 #include "quarnel_util/quarnel_util.h"
 
-// A file that a walk has come to; good until the visitor returns.
+// A file that the walk found; valid until the visitor returns.
 struct ListedFile {
   const std::string& directory;
   std::string_view name;
-  // The listing says that the file is a regular one, and nothing about its path speaks against lstat finding it.
+  // The listing says that the file is a regular one, and lstat of its path cannot fail for length or permission.
   bool regular;
 
-  // The full path, put together anew with every call.
+  // The full path, built anew by each call.
   std::string Path() const;
 };
 
 using FileVisitor = std::function<void(const ListedFile&)>;
 
-// An entry of a directory; good until the next one is asked for.
+// An entry of a directory; valid until the next one is read.
 struct ListedEntry {
   std::string_view name;
   unsigned char type;  // as in dirent
-  bool reachable;      // nothing about its path speaks against lstat finding it
+  bool reachable;      // lstat of its path cannot fail for length or permission
 };
 
-// Directories of links into the shared assembly cache: what they lead to is not the package's own.
+// Directories of links into the shared assembly cache. The targets are not the package's own files.
 inline constexpr const char* kAssemblyCacheLinks = ".sac_symlink";
 
-// The walk over whatever `lister` lists: the file system, or files that are known by a listing only.
-//   lister.Open(path)                    the open directory, which stays so while its subdirectories are walked
-//   directory.Next(ListedEntry&)         its next entry; false after the last one, or when it could not be opened
+// The walk over the entries that `lister` returns: those of the file system, or of a plain list of files.
+//   lister.Open(path)                    the open directory; it stays open during the walk of its subdirectories
+//   directory.Next(ListedEntry&)         the next entry; false after the last one, or when it could not be opened
 //   lister.LeadsToFileOrDirectory(path)  asked about links and entries of unknown type
-// Every directory gets a copy of its own of `visit`, made from that of the directory above.
+// Each directory uses its own copy of `visit`, copied from that of its parent directory.
 template <class Lister>
 void WalkListed(const Lister& lister, const std::string& path, FileVisitor visit, unsigned int depth) {
   if (Contains(path, kAssemblyCacheLinks)) return;
@@ -68,10 +67,10 @@ void WalkListed(const Lister& lister, const std::string& path, FileVisitor visit
   }
 }
 
-// Calls `visit` for the files that scanFilesInDirExcludeSymlink hands to its reader, in the same order.
+// Calls `visit` for the same files, in the same order, as scanFilesInDirExcludeSymlink calls its reader.
 void WalkFiles(const std::string& path, FileVisitor visit, unsigned int depth);
 
-// WalkFiles, or what takes its place.
+// WalkFiles, or a replacement for it.
 using Walk = std::function<void(const std::string& path, FileVisitor visit, unsigned int depth)>;
 
 #endif

@@ -1,4 +1,4 @@
-// Whole files read, and replaced durably.
+// Reading whole files, and replacing them durably.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,17 +14,16 @@
 
 namespace {
 
-// Line fields of writeStringToFile's messages: log readers key on them, so they stay wherever the statements go.
+// Line fields of writeStringToFile's messages. Log readers search for them, so they do not follow the code.
 constexpr int kOpenErrorLine = 163;
 constexpr int kSaveFileLine = 173;
 constexpr int kSavedLine = 177;
 
-// More than any text that is written here comes to. A file may claim a size that no memory holds.
+// More than any text written here. The size of a sparse file may exceed the memory.
 constexpr off_t kMostBytesRead = off_t{128} << 20;
 
-// The temporary file's name may be taken by what would take the text elsewhere: a file that has another name as well,
-// a pipe or a device. Such a thing is removed; a directory stays, and opening it will fail; what is left of an earlier
-// write stays and is used again.
+// Removes what has the temporary file's name and would redirect the text: a hard link, a pipe or a device. A directory
+// stays, and opening it fails. The rest of an earlier write stays and is overwritten.
 void FreeTemporaryName(const std::string& path) {
   struct stat status;
   if (lstat(path.c_str(), &status) == 0 && (!S_ISREG(status.st_mode) || status.st_nlink > 1)) unlink(path.c_str());
@@ -32,10 +31,10 @@ void FreeTemporaryName(const std::string& path) {
 
 UniqueFd OpenForReading(const std::string& path) {
   constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NOCTTY;
-  // Not blocking, so that a pipe in the file's place cannot hold up the caller.
+  // Not blocking, so that opening a pipe does not wait for its other end.
   const int file = open(path.c_str(), kFlags | O_NONBLOCK);
   if (file >= 0 || errno != EWOULDBLOCK) return UniqueFd(file);
-  // Somebody holds a lease on the file and is waited for; a pipe that takes its name meanwhile is not.
+  // Waits for the holder of a lease on the file, but not for a pipe that takes the file's name meanwhile.
   const UniqueFd held(open(path.c_str(), O_PATH | O_CLOEXEC));
   const std::string again = "/proc/self/fd/" + std::to_string(held.get());
   struct stat64 status;
@@ -78,7 +77,7 @@ std::string readFileToString(std::string path) {
   while ((count = TEMP_FAILURE_RETRY(read(file.get(), buffer.data(), buffer.size()))) > 0) {
     content.append(buffer.data(), static_cast<std::size_t>(count));
   }
-  // A part taken for the whole would be written back as the whole.
+  // A partial text would be written back as the whole file.
   if (count < 0) content.clear();
   return content;
 }

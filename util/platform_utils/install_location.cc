@@ -1,4 +1,4 @@
-// Install-location and environment probes.
+// Queries of the install location and the environment.
 #include "morvath/install_location.h"
 
 #include <unistd.h>
@@ -48,7 +48,7 @@ bool isRWInstalledApp(const std::string& pkgId) {
 
 bool IsNeedToSkipAOT(const std::string& pkgId) { return isRunningInVARK() || !isRWInstalledApp(pkgId); }
 
-// The image-creation environment is not asked here: the shared cache is of use there as well.
+// Does not ask for the image-creation environment: the shared cache is useful there as well.
 bool IsNeedToSkipSAC(const std::string& pkgId) { return !isRWInstalledApp(pkgId); }
 
 int pkgmgrGetPkgInfo(const std::string& pkgId, pkgmgrinfo_pkginfo_h* handle) {

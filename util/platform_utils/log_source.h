@@ -1,4 +1,4 @@
-// The one name under which every file of this folder logs.
+// The unit name under which every file of this folder logs.
 #ifndef UTIL_PLATFORM_UTILS_LOG_SOURCE_H_
 #define UTIL_PLATFORM_UTILS_LOG_SOURCE_H_
 

@@ -5,7 +5,7 @@
 
 namespace {
 
-// A package with its main application. The application's record goes first when they are destroyed.
+// A package and its main application. The application's record is destroyed first.
 struct MainApplication {
   PackageRecord package;
   ApplicationRecord application;

@@ -1,4 +1,4 @@
-// Path guards and affix predicates.
+// Path checks and affix predicates.
 #include "morvath/platform_utils.h"
 
 #include <sys/stat.h>
@@ -7,8 +7,6 @@
 
 #include "base/affix.h"
 #include "util/platform_utils/log_source.h"
-
-namespace {}  // namespace
 
 bool isRealPath(const std::string& path) {
   if (path.empty()) {

@@ -1,4 +1,4 @@
-// liborvel_aul: the candidate loader of a desk is a program beside this library.
+// liborvel_aul: starts the desk's candidate loader, a program in the same directory as this library.
 #include "orvel/aul.h"
 
 #include <dlfcn.h>
@@ -22,7 +22,7 @@ std::filesystem::path DirectoryOfThisLibrary() {
   return std::filesystem::path(info.dli_fname).parent_path();
 }
 
-// Runs the program to its end. 0 when it ended with status 0.
+// Runs the program to its end. Returns 0 when its exit status was 0.
 int RunProgram(const std::filesystem::path& program) {
   std::string name = program.string();
   char* arguments[] = {name.data(), nullptr};

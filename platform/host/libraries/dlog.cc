@@ -1,4 +1,4 @@
-// liborvel_dlog: messages go to the log of the device that the environment names.
+// liborvel_dlog: writes messages to the log of the device that the environment names.
 #include "orvel/dlog.h"
 
 #include "platform/host/c_boundary.h"

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Keeps every text that was handed out: callers hold on to them.
+// Keeps every returned text, because callers keep the pointers.
 const char* Keep(const std::string& text) {
   static std::mutex mutex;
   static std::set<std::string> kept;

@@ -1,4 +1,4 @@
-// liborvel_pkgmgr_info: records are copies of what the device's package database holds.
+// liborvel_pkgmgr_info: records are copies from the device's package database.
 #include "orvel/pkgmgr_info.h"
 
 #include "platform/host/installed_packages.h"
@@ -8,7 +8,7 @@ namespace {
 using host::InstalledApplication;
 using Filter = std::vector<host::MetadataEntry>;
 
-// Hands out the text that `find` finds in the record, which keeps it; getters promise callers a char*.
+// Returns the text that `find` finds in the record, which owns it. The getters' interface requires a char*.
 template <typename Record, typename Find>
 int HandOut(void* record, char** out, const Find& find) {
   if (record == nullptr || out == nullptr) return -1;
@@ -86,7 +86,7 @@ int pkgmgrinfo_pkginfo_get_pkginfo(const char* pkgId, pkgmgrinfo_pkginfo_h* hand
   return host::MakeRecord(pkgId, handle, host::FindInstalledPackage);
 }
 
-// A desk has one user's packages, which are every user's.
+// A desk has one set of packages for all users.
 int pkgmgrinfo_pkginfo_get_usr_pkginfo(const char* pkgId, uid_t /*uid*/, pkgmgrinfo_pkginfo_h* handle) {
   return pkgmgrinfo_pkginfo_get_pkginfo(pkgId, handle);
 }

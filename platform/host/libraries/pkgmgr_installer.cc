@@ -1,4 +1,4 @@
-// liborvel_pkgmgr_installer: on a desk an installation is for whoever runs it.
+// liborvel_pkgmgr_installer: on a desk, an installation is for the user that runs it.
 #include "orvel/pkgmgr_installer.h"
 
 #include <unistd.h>

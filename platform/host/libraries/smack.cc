@@ -1,5 +1,5 @@
-// liborvel_smack: labels as extended attributes: security.SMACK64 as the kernel's module keeps it, user.SMACK64 where
-// the kernel or the user may not set the first. Labels need not make sense to a kernel here.
+// liborvel_smack: labels as extended attributes: security.SMACK64 as in the kernel's module, or user.SMACK64 where the
+// kernel or the user may not set the first. Labels need not be valid for a kernel.
 #include "orvel/smack.h"
 
 #include <sys/xattr.h>
@@ -32,7 +32,7 @@ int SetLabel(Set set, Get get, const char* path, const char* label, smack_label_
   const size_t length = std::strlen(label);
   if (set(path, kSecurityLabel, label, length, 0) == 0) return 0;
   const int error = errno;
-  // A label of the first kind would hide one of the second.
+  // A security.SMACK64 label would hide a user.SMACK64 one.
   if (!MeansNotHere(error) || get(path, kSecurityLabel, nullptr, 0) >= 0) {
     errno = error;
     return -1;

@@ -1,5 +1,5 @@
-// liborvel_trace: spans as Chrome trace events, appended to the file that the environment asks for: a JSON array whose
-// closing bracket, which the format does not demand, is never written. Several processes may write one file.
+// liborvel_trace: appends spans as Chrome trace events to the file that the environment names. The file is a JSON array
+// without its closing bracket, which the format does not require. Several processes may write to one file.
 #include "orvel/trace.h"
 
 #include <fcntl.h>
@@ -35,22 +35,22 @@ std::string EventText(char phase, const std::string& name) {
                          {"ts", now.count()}});
 }
 
-// Appends one event of this thread: phase 'B' opens a span, 'E' closes it. Where it cannot be written, none is.
+// Appends one event of this thread: phase 'B' opens a span, 'E' closes it. Does nothing when it cannot write.
 void WriteEvent(char phase, const std::string& name) {
   const char* file = std::getenv(host::kTraceVariable);
   if (file == nullptr || *file == '\0') return;
   const std::string event = EventText(phase, name);
   const UniqueFd fd(open(file, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666));
   struct stat status {};
-  // The lock, released with the descriptor, lets only one process find the file empty.
+  // The lock makes sure that only one process finds the file empty. It is released with the descriptor.
   if (!fd || flock(fd.get(), LOCK_EX) != 0 || fstat(fd.get(), &status) != 0) return;
   if (host::WriteAll(fd.get(), (status.st_size == 0 ? "[\n" : ",\n") + event) == 0) return;
-  [[maybe_unused]] const int result = ftruncate(fd.get(), status.st_size);  // no half event stays
+  [[maybe_unused]] const int result = ftruncate(fd.get(), status.st_size);  // removes a partial event
 }
 
 }  // namespace
 
-// The header leaves callers unchecked; here the compiler may know.
+// The header does not let the compiler check formats for callers; here it may.
 // NOLINTNEXTLINE(readability-redundant-declaration)
 extern "C" void trace_begin(const char* name, ...) __attribute__((format(printf, 1, 2)));
 

@@ -13,8 +13,8 @@ enum { DLOG_DEBUG = 3, DLOG_INFO = 4, DLOG_ERROR = 6 };
 enum { DLOG_MAIN = 0 };
 
 /*
- * Writes one message to buffer `log_id` under `tag`; `format` and what follows are printf's. All strings are
- * only read. Returns the number of bytes logged, or a negative value when the message could not be written.
+ * Writes one message to buffer `log_id` under `tag`, formatted like printf. The strings are only read. Returns the
+ * number of bytes logged, or a negative value when the message could not be written.
  */
 int __dlog_print(int log_id, int priority, const char* tag, const char* format, ...)
     __attribute__((format(printf, 4, 5)));

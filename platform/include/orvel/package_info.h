@@ -16,11 +16,10 @@ typedef bool (*package_info_privilege_info_cb)(const char* privilege, void* user
 /* Fills `handle` with a record of the package, owned by the caller. Returns 0, or non-zero for an unknown package. */
 int package_info_create(const char* packageId, package_info_h* handle);
 
-/* Hands each privilege of the package to `callback`, in the order of its manifest. Returns 0, or non-zero on failure.
- */
+/* Calls `callback` for each privilege of the package, in the manifest's order. Returns 0, or non-zero on failure. */
 int package_info_foreach_privilege_info(package_info_h handle, package_info_privilege_info_cb callback, void* userData);
 
-/* Releases the record. Returns 0, or non-zero when there is none. */
+/* Destroys the record. Returns 0, or non-zero when there is none. */
 int package_info_destroy(package_info_h handle);
 
 #ifdef __cplusplus

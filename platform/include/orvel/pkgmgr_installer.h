@@ -1,4 +1,4 @@
-/* The package manager's installer library: for whom the running installation is. */
+/* The package manager's installer library: which user the running installation is for. */
 #ifndef ORVEL_PKGMGR_INSTALLER_H_
 #define ORVEL_PKGMGR_INSTALLER_H_
 

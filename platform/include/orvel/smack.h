@@ -10,13 +10,13 @@ extern "C" {
 
 enum smack_label_type { SMACK_LABEL_ACCESS = 0 };
 
-/* Gives the file at `path` the label; the `l` form labels a symbolic link itself. Returns 0, negative on failure. */
+/* Sets the label of the file at `path`; the `l` form labels a symbolic link itself. Returns 0, negative on failure. */
 int smack_setlabel(const char* path, const char* label, enum smack_label_type type);
 int smack_lsetlabel(const char* path, const char* label, enum smack_label_type type);
 
 /*
- * Reads the label of the file at `path` into `label`, malloc'ed and then the caller's to free; the `l` form reads
- * that of a symbolic link itself. Returns the label's length in bytes, negative on failure.
+ * Reads the label of the file at `path` into `label`, allocated with malloc; the caller frees it. The `l` form reads
+ * the label of a symbolic link itself. Returns the length of the label in bytes, negative on failure.
  */
 ssize_t smack_getlabel(const char* path, char** label, enum smack_label_type type);
 ssize_t smack_lgetlabel(const char* path, char** label, enum smack_label_type type);

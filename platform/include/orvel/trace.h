@@ -7,12 +7,12 @@ extern "C" {
 #endif
 
 /*
- * Opens a span of the calling thread, named by the printf format `name` and what follows. Spans nest. The format
- * is not checked by the compiler: callers hand over texts that are made at run time.
+ * Opens a span of the calling thread; its name is formatted like printf. Spans nest. The compiler does not check the
+ * format, because callers pass texts that are made at run time.
  */
 void trace_begin(const char* name, ...);
 
-/* Closes the innermost open span of the calling thread; without an open span nothing happens. */
+/* Closes the innermost open span of the calling thread. Without an open span, does nothing. */
 void trace_end(void);
 
 #ifdef __cplusplus

@@ -1,4 +1,4 @@
-// Versions out of assemblies, and nothing out of what is none.
+// Reading versions from assemblies; other files have none.
 #include "orvelbox/assembly/version.h"
 
 #include "tests/orvelbox/frame.h"
@@ -12,7 +12,7 @@ using support::AssemblyShape;
 
 constexpr AssemblyVersion kVersion = {13, 0, 3, 27908};
 
-// Bytes in memory, borrowed.
+// Bytes in memory, not owned.
 class MemoryBytes : public ByteSource {
  public:
   explicit MemoryBytes(std::string_view bytes) : bytes_(bytes) {}
@@ -85,7 +85,7 @@ TEST(AssemblyVersion, a_cut_off_assembly_has_none) {
   }
 }
 
-// Whatever a byte says, nothing beyond the file is read.
+// For any value of any byte, nothing beyond the file is read.
 TEST(AssemblyVersion, a_damaged_assembly_does_no_harm) {
   const std::string whole = AssemblyOf(kVersion, {0x07, {{0x00, 1, 18}, {0x01, 2, 10}}});
   int found = 0;

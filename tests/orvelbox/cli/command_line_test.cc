@@ -1,4 +1,4 @@
-// What a command line asks for.
+// Parsing command lines.
 #include "orvelbox/cli/command_line.h"
 
 #include <set>
@@ -20,7 +20,7 @@ class CommandLine : public testing::Test {
       if (thing_ == "air") throw std::invalid_argument("air: cannot be cut");
     };
     commands_.push_back(std::move(cut_));
-    commands_.emplace_back("wait", "Waits", "wait");  // moves the first one once more
+    commands_.emplace_back("wait", "Waits", "wait");  // moves the first command again
   }
 
   std::variant<Request, int> Parse(std::vector<const char*> arguments) const {

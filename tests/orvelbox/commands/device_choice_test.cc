@@ -1,4 +1,4 @@
-// Which device a command works on.
+// The choice of the device.
 
 #include <map>
 

@@ -1,4 +1,4 @@
-// Texts made fit for a terminal.
+// Making texts printable.
 #include "orvelbox/desk/output.h"
 
 #include "tests/orvelbox/frame.h"

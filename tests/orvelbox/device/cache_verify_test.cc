@@ -1,4 +1,4 @@
-// Every fault of a cache file by itself, and none where there is none.
+// Each fault of a cache file separately, and no report without a fault.
 
 #include <nlohmann/json.hpp>
 #include <set>

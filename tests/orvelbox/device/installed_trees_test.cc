@@ -1,4 +1,4 @@
-// What a killed run leaves behind, and how the next one mends it.
+// The device after a killed run, and its repair by the next run.
 #include "orvelbox/device/installed_trees.h"
 
 #include "orvelbox/package/manifest.h"
@@ -69,7 +69,7 @@ TEST_F(InstalledTreesTest, a_record_without_a_tree_is_forgotten) {
   EXPECT_EQ(RegisteredVersion(), "none");
 }
 
-// An upgrade is killed after each of its steps in turn.
+// An upgrade is killed after each of its steps.
 TEST_F(InstalledTreesTest, an_upgrade_killed_while_it_copies_changes_nothing) {
   Install("1");
   WriteFile(Installed(".staging/a/version"), "2");

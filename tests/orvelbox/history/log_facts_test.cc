@@ -1,4 +1,4 @@
-// The facts of an operation, read out of log records.
+// Extracting the facts of an operation from log records.
 
 #include "orvelbox/history/log.h"
 #include "tests/orvelbox/frame.h"

@@ -1,4 +1,4 @@
-// Records on the screen.
+// Displaying log records.
 
 #include "orvelbox/history/log.h"
 #include "tests/orvelbox/frame.h"

@@ -1,4 +1,4 @@
-// What information files say, and what is none.
+// Reading information files, and rejecting other files.
 
 #include "orvelbox/history/why.h"
 #include "tests/orvelbox/frame.h"

@@ -1,4 +1,4 @@
-// The manual page, against what the commands say about themselves.
+// The manual page, compared with the commands' own descriptions.
 #include "orvelbox/manual/manual.h"
 
 #include <stdexcept>
@@ -12,7 +12,7 @@ namespace {
 
 CommandFacts Program() {
   GlobalOptions global;
-  return DescribeProgram(AllCommands(), global);  // only its texts are looked at
+  return DescribeProgram(AllCommands(), global);  // only its texts are used
 }
 
 void ForEachCommand(const CommandFacts& program, const std::function<void(const CommandFacts&)>& look) {
@@ -54,7 +54,7 @@ bool ConsistsOf(std::string_view text, std::string_view letters) {
   return !text.empty() && text.find_first_not_of(letters) == std::string_view::npos;
 }
 
-// Releases of CLI11 differ in what they take for a name of an argument; these are taken by all.
+// Releases of CLI11 differ in the argument names that they accept; all of them accept these.
 TEST(Manual, every_name_is_a_plain_word) {
   const auto expect_option = [](const Option& option) {
     EXPECT_EQ(option.name.substr(0, 2), "--") << option.name;

@@ -1,4 +1,4 @@
-// States of a device and how they differ.
+// States of a device and their differences.
 
 #include "orvelbox/operations/lifecycle.h"
 #include "platform/host/package_store.h"

@@ -1,4 +1,4 @@
-// The report of the process in which hooks run.
+// Parsing the report of the hook process.
 
 #include "orvelbox/operations/hook_process.h"
 #include "tests/orvelbox/frame.h"

@@ -1,4 +1,4 @@
-// Events as `events` takes them.
+// Parsing the arguments of `events`.
 
 #include <stdexcept>
 

@@ -1,4 +1,4 @@
-// The words for what happened, where the end-to-end tests do not reach.
+// Texts for results that the end-to-end tests do not produce.
 #include "orvelbox/operations/report.h"
 
 #include "tests/orvelbox/frame.h"

@@ -1,4 +1,4 @@
-// What a package archive may hold, and that everything else is refused by name.
+// Valid package archives, and the refusal of all others with the name of the entry.
 #include "orvelbox/package/archive.h"
 
 #include <sys/stat.h>
@@ -11,7 +11,7 @@ namespace {
 
 using support::ZipOf;
 
-// The contents by path, those of directories under "PATH/".
+// The contents by path; directories have the path "PATH/".
 std::map<std::string, std::string> Contents(const std::string& file, const ArchiveLimits& limits = {}) {
   const Archive archive(file, limits);
   std::map<std::string, std::string> all;
@@ -94,7 +94,8 @@ INSTANTIATE_TEST_SUITE_P(
                     BadEntry{"damaged", {{"A.dll", "content", 0, 0, 1}}, "damaged"}),
     [](const auto& parameters) { return parameters.param.name; });
 
-// A file is told once in the archive's directory and once before its content: here the one before the content is wrong.
+// A file is described twice: in the archive's directory and before its content. Here the header before the content is
+// wrong.
 struct Contradiction {
   const char* name;
   std::size_t at;  // in the entry's own header
@@ -123,7 +124,7 @@ INSTANTIATE_TEST_SUITE_P(header, ContradictingArchive,
 
 TEST(Archive, entries_that_share_bytes_are_refused) {
   std::string zip = ZipOf({{"A.dll", ZipOf({{"B.dll", "b"}})}, {"B.dll", "b"}});
-  zip[zip.rfind("PK\x01\x02") + 42] = 30 + 5;  // the header inside of the first one's content
+  zip[zip.rfind("PK\x01\x02") + 42] = 30 + 5;  // a header inside the first entry's content
   EXPECT_THAT(ProblemOf(zip), HasSubstr("entry \"A.dll\": no zip archive, cut off or damaged (it reaches into"));
 }
 
@@ -155,7 +156,7 @@ TEST(Archive, headers_far_beyond_the_end_are_refused_by_name) {
   wide.wide = true;
   std::string zip = ZipOf({wide});
   for (const char highest : {'\x7f', '\x80'}) {
-    zip[zip.find("PK\x01\x02") + 46 + 5 + 4 + 23] = highest;  // byte of the place
+    zip[zip.find("PK\x01\x02") + 46 + 5 + 4 + 23] = highest;  // byte of the offset
     EXPECT_THAT(ProblemOf(zip), HasSubstr("entry \"A.dll\": no zip archive, cut off or damaged (its own header"));
   }
 }

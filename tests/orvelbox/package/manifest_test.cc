@@ -1,4 +1,4 @@
-// Manifests that can be installed; those that cannot are in bad_input_test.
+// Valid manifests; bad_input_test has the invalid ones.
 #include "orvelbox/package/manifest.h"
 
 #include "tests/orvelbox/frame.h"

@@ -1,4 +1,4 @@
-// Archives on the disk: what is there afterwards, and that a refused one leaves nothing.
+// Unpacking archives: the resulting files, and nothing from a refused one.
 #include <sys/stat.h>
 
 #include "orvelbox/desk/tree.h"

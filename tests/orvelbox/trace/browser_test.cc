@@ -1,4 +1,4 @@
-// Drawn traces in a browser without a window: what it makes of the page, and what there is to see.
+// Drawn traces in a headless browser: the document and the picture that it makes of the page.
 #include <png.h>
 #include <unistd.h>
 
@@ -36,7 +36,7 @@ class TraceInBrowser : public DirectoryTest {
     }
   }
 
-  // Lets the browser open `file` of this directory with the options; returns what it prints.
+  // Opens `file` of this directory in the browser with the options. Returns the browser's output.
   std::string Browse(const std::string& options, const std::string& file) const {
     const std::string sandbox = geteuid() == 0 ? " --no-sandbox" : "";
     return support::OutputOf("cd '" + dir_.path().string() + "' && HOME=\"$PWD\" timeout 100 chromium --headless" +
@@ -76,7 +76,7 @@ class TraceInBrowser : public DirectoryTest {
   }
 };
 
-// The unit "plugin" takes all the time, and "files" half of it.
+// A trace in which the unit "plugin" takes all the time, and "files" half of it.
 std::vector<Lane> Sample() {
   return {{7, 7, {{"plugin(1) int outer<int>()", 0, 4000, 0, true}, {"files(2) void inner()", 0, 2000, 1, true}}}};
 }

@@ -1,4 +1,4 @@
-// Traces as lines, as pictures and as pages.
+// Traces drawn as text, SVG and HTML.
 
 #include <libxml/parser.h>
 

@@ -1,6 +1,6 @@
 #!/bin/sh
-# lend.sh TREE COMMAND…: runs COMMAND as an ordinary user in this very directory, in whose place the directory TREE then
-# lies, because a build knows its path. To be started in a mount namespace of its own.
+# as-ordinary-user.sh TREE COMMAND…: runs COMMAND as an ordinary user. The directory TREE is mounted over the current
+# directory first, because a build contains its own path. Start it in a new mount namespace.
 set -eu
 
 tree=$1
@@ -8,13 +8,13 @@ shift
 place=$PWD
 mount --make-rprivate /
 
-# An empty directory covers the outermost one on the way that others cannot enter.
+# Mounts an empty directory over the outermost parent directory that other users cannot enter.
 closed=
 above=$place
 while above=$(dirname "$above") && [ "$above" != / ]; do
   case $(stat -c %A "$above") in *[xt]) ;; *) closed=$above ;; esac
 done
-exec 3<"$tree" # by which it is reached even where it lies below what is covered
+exec 3<"$tree" # stays reachable when a mount covers its path
 [ -z "$closed" ] || mount -t tmpfs -o mode=755 tmpfs "$closed"
 mkdir -p "$place"
 mount --bind /proc/self/fd/3 "$place"
