@@ -20,6 +20,7 @@
   LINE(MakeWhy)                 \
   LINE(MakeCache)               \
   LINE(MakeLog)                 \
+  LINE(MakeExplain)             \
   LINE(MakeTrace)
 
 namespace orvelbox {

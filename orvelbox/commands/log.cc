@@ -1,5 +1,5 @@
 // log: the device's log.
-#include "orvelbox/history/log.h"
+#include "orvelbox/history/log_view.h"
 
 #include <cstdlib>
 

@@ -21,7 +21,7 @@ struct LogMessage {
     kDamaged,  // one of ours that cannot be read, or not to its end
   };
   Kind kind = Kind::kForeign;
-  std::string unit;      // empty for an error of a desk's record that is not in our form
+  std::string unit;  // empty for an error of a desk's record that is not in our form
   std::string function;
   std::string text;  // without colours and line feeds around it
   bool error = false;

@@ -1,6 +1,6 @@
 // Records on the screen.
 
-#include "orvelbox/history/log.h"
+#include "orvelbox/history/log_view.h"
 #include "tests/orvelbox/frame.h"
 
 namespace orvelbox {
