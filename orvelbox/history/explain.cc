@@ -29,7 +29,7 @@ constexpr Words kWords[] = {
     {What::kRemovalFailed, "removal-failed", "kept", ""},
     {What::kDuplicate, "duplicate", "duplicate", ""},
     {What::kExempt, "exempt", "kept", ""},
-    {What::kNoDuplicates, "no-duplicates", "nothing", "was removed: no DLL of the package is one that is there already"},
+    {What::kNoDuplicates, "no-duplicates", "nothing", "was removed: no duplicate was found"},
     {What::kRefused, "refused", "refused", "the package is under debugging and has duplicates, so its install failed"},
     {What::kNotDotnet, "left-alone", "skipped", "no application of the package has a \"dotnet-\" type"},
     {What::kSample, "sample", "skipped", "an application of the package is a sample (its type holds \"apitest\")"},

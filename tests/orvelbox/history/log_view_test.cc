@@ -1,6 +1,7 @@
 // Records on the screen.
 
 #include "orvelbox/history/log_view.h"
+
 #include "tests/orvelbox/frame.h"
 
 namespace orvelbox {
