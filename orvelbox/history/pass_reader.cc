@@ -98,8 +98,9 @@ void PassReader::Begin(LineNumber line, bool begun) {
   weight_ += kWeightOfPass;
 }
 
-// A pass is about one package.
+// A pass is about one package. Where neither its begin nor its end is known, it may be several.
 void PassReader::NamePackage() {
+  if (pass_.hooks.empty() && !pass_.ended) return;
   for (const Finding& finding : pass_.findings) {
     const std::string package = PackageOf(finding);
     if (package.empty()) continue;
