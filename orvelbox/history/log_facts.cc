@@ -100,14 +100,11 @@ void FactReader::PassOn(const LogMessage& message) {
   MakeRoom();
 }
 
-// Where processes cannot be told apart, a pass whose begin is not in the log may have left lines in all those before
-// it.
 void FactReader::Keep(PassReader& reader) {
   for (Pass& pass : reader.TakeOver()) {
-    const bool may_be_anywhere = pass.process.empty() && !pass.begun;
-    for (; may_be_anywhere && left_open_ < facts_.passes.size(); ++left_open_) {
-      if (facts_.passes[left_open_].process.empty()) LeaveOpen(facts_.passes[left_open_]);
-    }
+    const bool mixed = pass.reaches_back && !facts_.passes.empty();
+    if (mixed) LeaveOpen(pass);
+    for (; mixed && left_open_ < facts_.passes.size(); ++left_open_) LeaveOpen(facts_.passes[left_open_]);
     facts_.passes.push_back(std::move(pass));
   }
 }

@@ -57,8 +57,10 @@ struct Pass {
   LineNumber last = 0;
   bool begun = false;  // its begin is in the log
   bool ended = false;  // its end is in the log
-  bool tangled =
-      false;  // lines are missing, or those of several passes are mixed: what hangs on their order is left open
+  // Its begin may be before all passes above, and lines of it within them.
+  bool reaches_back = false;
+  // Lines are missing, or those of several passes are mixed: what hangs on their order is left open.
+  bool tangled = false;
   std::vector<Finding> findings{};
 };
 
@@ -93,7 +95,7 @@ class FactReader {
   std::map<std::string, std::unique_ptr<PassReader>> open_;  // by process
   std::string before_;                                       // the line before
   std::size_t weight_ = 0;                                   // of all that was found
-  std::size_t left_open_ = 0;                                // how many of the passes cannot be left more open
+  std::size_t left_open_ = 0;                                // how many of the passes were left open for another one
   bool records_ = false;                                     // the log is a desk's
   bool continues_ = false;                                   // a message with a line feed has more to come
 };

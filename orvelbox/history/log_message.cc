@@ -133,7 +133,9 @@ void ReadRecord(const host::LogRecord& record, LogMessage& message) {
   message.process = std::to_string(record.pid);
   message.error = record.priority == 'E';
   message.kind = ReadBody(record.text, message);
-  if (!message.unit.empty() || !message.error) return;
+  const bool ours = record.tag == kPluginTag || record.tag == kUtilityTag;
+  if (ours && message.unit.empty()) message.kind = Kind::kDamaged;
+  if (ours || !message.unit.empty() || !message.error) return;
   message.kind = Kind::kOurs;
   ForEachPiece(record.text, [&](std::string_view piece, bool colour) {
     if (!colour) message.text += piece;

@@ -63,16 +63,15 @@ Finding& PassReader::Add(What what, const LogMessage& message) {
 }
 
 bool PassReader::Tell(const LogMessage& message) {
-  const bool plugin = message.unit == "morvath";
+  const std::string_view function = ShortName(message.function);
+  const bool traced = IsTraced(function) || IsEvent(function);
+  const bool plugin = traced || message.unit == "morvath";
   // Launcher tools log by the shared units as well; an error without a unit is told wherever it stands.
   if (!plugin && !InPass() && !message.unit.empty()) return true;
   if (open_ && pass_.ended) Close();
   if (!open_) Begin(line_, false);
   pass_.last = line_;
-  const std::string_view function = ShortName(message.function);
-  if (plugin && (IsTraced(function) || IsEvent(function)) && !frames_.empty() && frames_.back().function != function) {
-    Tangle();
-  }
+  if (traced && !frames_.empty() && frames_.back().function != function) Tangle();
   before_ = step_;
   if (before_ == Step::kNone) steps_.clear();
   if (plugin) step_ = Step::kNone;

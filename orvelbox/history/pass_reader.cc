@@ -94,6 +94,8 @@ void PassReader::Begin(LineNumber line, bool begun) {
   pass_ = Pass{process_};
   pass_.first = pass_.last = line;
   pass_.begun = begun;
+  pass_.reaches_back = !begun && process_.empty();
+  ends_due_ = begun ? 0 : 1;
   open_ = true;
   weight_ += kWeightOfPass;
 }
@@ -125,6 +127,7 @@ bool PassReader::EndsOuter(const std::string& function) {
   if (!open_ || !pass_.ended || pass_.tangled || !MayCall(function, pass_.event)) return false;
   pass_.event = function;
   pass_.begun = false;
+  pass_.reaches_back = process_.empty();
   pass_.last = line_;
   return true;
 }
@@ -170,7 +173,7 @@ void PassReader::Exit(const std::string& function) {
   if (!open_) Begin(line_, false);
   StepOut(function);
   Pop(function);
-  if (!IsEvent(function) || IsEventOpen()) return;
+  if (!IsEvent(function) || IsEventOpen() || ends_due_ > 0) return;
   pass_.ended = true;
   pass_.event = function;
   frames_.clear();
@@ -182,7 +185,12 @@ void PassReader::Pop(const std::string& function) {
   const auto found = std::find_if(frames_.rbegin(), frames_.rend(), same);
   const bool before_the_log = frames_.empty() && !pass_.begun;
   if (found != frames_.rbegin() || (frames_.empty() && !before_the_log)) Tangle();
-  if (found != frames_.rend()) frames_.erase(std::next(found).base());
+  if (found != frames_.rend()) {
+    frames_.erase(std::next(found).base());
+  } else {
+    pass_.reaches_back = process_.empty();
+    if (IsEvent(function) && ends_due_ > 0) --ends_due_;
+  }
 }
 
 void PassReader::StepInto(const std::string& function) {

@@ -77,6 +77,7 @@ class PassReader {
   bool open_ = false;
   Pass pass_;
   std::vector<Frame> frames_;
+  int ends_due_ = 0;  // of hooks whose begins are not in the log
   Step step_ = Step::kNone;
   Step before_ = Step::kNone;
   LineNumber line_ = 0;
