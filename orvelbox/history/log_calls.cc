@@ -70,4 +70,8 @@ bool MayCall(std::string_view caller, std::string_view function) {
   return AnyCall([=](const Call& call) { return call.caller == caller && call.function == function; });
 }
 
+bool MayFollow(std::string_view function, std::string_view next) {
+  return AnyCall([=](const Call& call) { return call.function == function && MayCall(call.caller, next); });
+}
+
 }  // namespace orvelbox

@@ -23,6 +23,8 @@ bool IsEvent(std::string_view function);
 // Is it a function that logs its entry and exit?
 bool IsTraced(std::string_view function);
 bool MayCall(std::string_view caller, std::string_view function);
+// Is there a function that may call both?
+bool MayFollow(std::string_view function, std::string_view next);
 
 }  // namespace orvelbox
 

@@ -71,7 +71,11 @@ bool PassReader::Tell(const LogMessage& message) {
   if (open_ && pass_.ended) Close();
   if (!open_) Begin(line_, false);
   pass_.last = line_;
-  if (traced && !frames_.empty() && frames_.back().function != function) Tangle();
+  if (traced) {
+    const std::string name(function);
+    if (frames_.empty() ? !IsInside(name) : frames_.back().function != name) Tangle();
+    if (frames_.empty()) inside_ = name;
+  }
   before_ = step_;
   if (before_ == Step::kNone) steps_.clear();
   if (plugin) step_ = Step::kNone;

@@ -96,6 +96,8 @@ void PassReader::Begin(LineNumber line, bool begun) {
   pass_.begun = begun;
   pass_.reaches_back = !begun && process_.empty();
   ends_due_ = begun ? 0 : 1;
+  inside_.clear();
+  called_.clear();
   open_ = true;
   weight_ += kWeightOfPass;
 }
@@ -137,8 +139,9 @@ void PassReader::Enter(const std::string& function) {
     EnterEvent(function);
   } else {
     if (!open_) Begin(line_, false);
-    const bool fits = frames_.empty() || !IsTraced(function) || MayCall(frames_.back().function, function);
-    if (!fits) Tangle();
+    const std::string& caller = frames_.empty() ? inside_ : frames_.back().function;
+    const bool known = caller.empty() ? called_.empty() || MayFollow(called_, function) : MayCall(caller, function);
+    if (IsTraced(function) && !known) Tangle();
   }
   const bool once = IsEvent(function) || function == kPass;
   if (once && frames_.size() > 0) {
@@ -179,18 +182,25 @@ void PassReader::Exit(const std::string& function) {
   frames_.clear();
 }
 
+// May it be this function that logs, or returns, where its begin is not in the log?
+bool PassReader::IsInside(const std::string& function) const {
+  return (inside_.empty() || inside_ == function) && (called_.empty() || MayCall(function, called_));
+}
+
 // Where the pass's begin is not in the log, neither are those of the outer functions.
 void PassReader::Pop(const std::string& function) {
   const auto same = [&function](const Frame& frame) { return frame.function == function; };
   const auto found = std::find_if(frames_.rbegin(), frames_.rend(), same);
-  const bool before_the_log = frames_.empty() && !pass_.begun;
+  const bool before_the_log = frames_.empty() && !pass_.begun && IsInside(function);
   if (found != frames_.rbegin() || (frames_.empty() && !before_the_log)) Tangle();
   if (found != frames_.rend()) {
     frames_.erase(std::next(found).base());
   } else {
     pass_.reaches_back = process_.empty();
     if (IsEvent(function) && ends_due_ > 0) --ends_due_;
+    inside_.clear();
   }
+  if (frames_.empty()) called_ = function;
 }
 
 void PassReader::StepInto(const std::string& function) {

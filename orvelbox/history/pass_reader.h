@@ -57,6 +57,7 @@ class PassReader {
   void EnterEvent(const std::string& event);
   void Exit(const std::string& function);
   void Pop(const std::string& function);
+  bool IsInside(const std::string& function) const;
   void StepInto(const std::string& function);
   void StepOut(const std::string& function);
 
@@ -77,7 +78,9 @@ class PassReader {
   bool open_ = false;
   Pass pass_;
   std::vector<Frame> frames_;
-  int ends_due_ = 0;  // of hooks whose begins are not in the log
+  int ends_due_ = 0;    // of hooks whose begins are not in the log
+  std::string inside_;  // where there are no frames: the function that logs, if that is known,
+  std::string called_;  // and one that it has called
   Step step_ = Step::kNone;
   Step before_ = Step::kNone;
   LineNumber line_ = 0;
