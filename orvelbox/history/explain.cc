@@ -2,12 +2,10 @@
 #include "orvelbox/history/explain.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
 #include "base/affix.h"
 #include "base/fixed_names.h"
 #include "base/log_texts.h"
-#include "platform/host/json.h"
 #include "platform/host/paths.h"
 
 namespace orvelbox {
@@ -88,7 +86,7 @@ std::string TextAboutDll(const Finding& finding) {
   if (finding.path.empty()) return "a DLL that is not named here: the copy that decides lies in the read-write area";
   const std::string root = PackageRootIn(finding.path);
   const std::string dll = host::From(root, finding.path);
-  const std::string because = dll + ": " + BecauseOf(finding.origin, root);
+  std::string because = dll + ": " + BecauseOf(finding.origin, root);
   if (finding.what == What::kStays) return because + ", and that copy lies in the read-write area";
   if (finding.what == What::kRemovalFailed) return because + "; but removing it failed";
   if (finding.what == What::kExempt)
@@ -144,55 +142,6 @@ std::string HeadlineOf(const Pass& pass) {
   return text + (pass.process.empty() ? "" : " (process " + pass.process + ")");
 }
 
-Lines UnknownOf(const std::string& log, const LogFacts& facts) {
-  Lines unknown;
-  if (facts.passes.empty()) {
-    unknown.push_back("anything at all: " + log + " holds no line of the plug-in that could be read");
-  }
-  const auto nameless = [](const Pass& pass) { return pass.package.empty() && !pass.tangled; };
-  if (std::any_of(facts.passes.begin(), facts.passes.end(), nameless)) {
-    unknown.push_back("packages that are not named: the plug-in logs no ids, only the paths of duplicates tell");
-  }
-  if (facts.unclear_lines > 0) {
-    unknown.push_back("what " + LinesNamed(facts.unclear) +
-                      (facts.unclear.size() < facts.unclear_lines ? " and more" : "") +
-                      " said: damaged, or without the lines that belong to them");
-  }
-  if (facts.unread_from > 0) {
-    unknown.push_back("what follows from line " + std::to_string(facts.unread_from) +
-                      " on: the log holds more than can be told at once; cut it into pieces");
-  }
-  return unknown;
-}
-
-host::Json OrNull(const std::string& text) { return text.empty() ? host::Json() : host::Json(text); }
-
-host::Json ToJson(const Finding& finding) {
-  host::Json json = {{"what", NameOf(finding.what)}};
-  if (!finding.path.empty()) json[finding.what == What::kRunAlready ? "package" : "path"] = finding.path;
-  if (!finding.origin.empty()) json[finding.what == What::kErased ? "entry" : "origin"] = finding.origin;
-  if (finding.what == What::kError || finding.what == What::kRefused) json["text"] = finding.text;
-  json["lines"] = finding.lines;
-  return json;
-}
-
-host::Json ToJson(const Pass& pass) {
-  host::Json json = {{"event", OrNull(pass.event)},
-                     {"package", OrNull(pass.package)},
-                     {"process", OrNull(pass.process)},
-                     {"first", pass.first},
-                     {"last", pass.last},
-                     {"begun", pass.begun},
-                     {"ended", pass.ended},
-                     {"mixed", pass.tangled},
-                     {"hooks", host::Json::array()},
-                     {"findings", host::Json::array()}};
-  for (const auto& [hook, line] : pass.hooks) json["hooks"].push_back({{"hook", hook}, {"line", line}});
-  for (const Finding& finding : pass.findings) json["findings"].push_back(ToJson(finding));
-  json["unknown"] = UnknownOf(pass);
-  return json;
-}
-
 }  // namespace
 
 std::string BecauseOf(const std::string& origin, const std::string& root) {
@@ -227,10 +176,32 @@ Lines UnknownOf(const Pass& pass) {
   return unknown;
 }
 
+Lines UnknownOf(const std::string& log, const LogFacts& facts) {
+  Lines unknown;
+  if (facts.passes.empty()) {
+    unknown.push_back("anything at all: " + log + " holds no line of the plug-in that could be read");
+  }
+  const auto nameless = [](const Pass& pass) { return pass.package.empty() && !pass.tangled; };
+  if (std::any_of(facts.passes.begin(), facts.passes.end(), nameless)) {
+    unknown.push_back("packages that are not named: the plug-in logs no ids, only the paths of duplicates tell");
+  }
+  if (facts.unclear_lines > 0) {
+    unknown.push_back("what " + LinesNamed(facts.unclear) +
+                      (facts.unclear.size() < facts.unclear_lines ? " and more" : "") +
+                      " said: damaged, or without the lines that belong to them");
+  }
+  if (facts.unread_from > 0) {
+    unknown.push_back("what follows from line " + std::to_string(facts.unread_from) +
+                      " on: the log holds more than can be told at once; cut it into pieces");
+  }
+  return unknown;
+}
+
 Lines DescribeStory(const std::string& log, const LogFacts& facts) {
   Lines lines;
   const auto tell_unknown = [&lines](const Lines& all, const std::string& indent) {
-    for (const std::string& unknown : all) lines.push_back(indent + Padded("unknown", kLabelWidth) + " " + unknown);
+    const std::string label = indent + Padded("unknown ", kLabelWidth + 1);
+    for (const std::string& unknown : all) lines.push_back(label + unknown);
   };
   for (const Pass& pass : facts.passes) {
     lines.push_back(HeadlineOf(pass));
@@ -241,13 +212,6 @@ Lines DescribeStory(const std::string& log, const LogFacts& facts) {
   }
   tell_unknown(UnknownOf(log, facts), "");
   return lines;
-}
-
-std::string StoryJson(const std::string& log, const LogFacts& facts) {
-  host::Json json = {{"log", log}, {"lines", facts.lines}, {"passes", host::Json::array()}};
-  for (const Pass& pass : facts.passes) json["passes"].push_back(ToJson(pass));
-  json["unknown"] = UnknownOf(log, facts);
-  return host::AsciiJson(json);
 }
 
 }  // namespace orvelbox

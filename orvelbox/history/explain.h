@@ -18,6 +18,8 @@ const char* NameOf(What what);
 
 // What the log does not tell of a pass.
 Lines UnknownOf(const Pass& pass);
+// What it does not tell as a whole; `log` names it.
+Lines UnknownOf(const std::string& log, const LogFacts& facts);
 
 Lines DescribeStory(const std::string& log, const LogFacts& facts);
 // One JSON object.

@@ -144,7 +144,7 @@ void PassReader::Enter(const std::string& function) {
     if (IsTraced(function) && !known) Tangle();
   }
   const bool once = IsEvent(function) || function == kPass;
-  if (once && frames_.size() > 0) {
+  if (once && !frames_.empty()) {
     if (frames_.back().has_called) Tangle();
     frames_.back().has_called = true;
   }

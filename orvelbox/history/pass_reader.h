@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "orvelbox/history/log_facts.h"
+#include "orvelbox/history/log_findings.h"
 #include "orvelbox/history/log_message.h"
 
 namespace orvelbox {
