@@ -12,6 +12,7 @@ struct LogSource {
 
 inline constexpr const char* kPluginTag = "NETCORE_INSTALLER_PLUGIN";
 inline constexpr const char* kUtilityTag = "QUARNEL";
+inline constexpr const char* kPluginUnit = "morvath";
 
 // One message of `kLogSource` under the name of the function that logs it. Macros, because the parts of the format
 // must be one literal for the compiler to check it against its arguments, and because of __func__ and __LINE__.

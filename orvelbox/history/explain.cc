@@ -132,11 +132,12 @@ std::string HooksOf(const Pass& pass) {
 
 std::string HeadlineOf(const Pass& pass) {
   std::string text = Span(pass) + ": ";
+  if (!pass.tangled && pass.event.empty() && pass.hooks.empty()) return text + "a pass or more, without begin and end";
   if (pass.tangled) {
     text +=
         pass.hooks.empty() ? "a pass that is not whole" : "mixed passes, or one that is not whole: " + HooksOf(pass);
   } else {
-    text += !pass.event.empty() ? pass.event : pass.hooks.empty() ? "a pass" : HooksOf(pass);
+    text += pass.event.empty() ? HooksOf(pass) : pass.event;
     text += " of " + (pass.package.empty() ? "a package that the log does not name" : pass.package);
   }
   return text + (pass.process.empty() ? "" : " (process " + pass.process + ")");
@@ -181,7 +182,7 @@ Lines UnknownOf(const std::string& log, const LogFacts& facts) {
   if (facts.passes.empty()) {
     unknown.push_back("anything at all: " + log + " holds no line of the plug-in that could be read");
   }
-  const auto nameless = [](const Pass& pass) { return pass.package.empty() && !pass.tangled; };
+  const auto nameless = [](const Pass& pass) { return pass.package.empty() && !pass.tangled && !pass.hooks.empty(); };
   if (std::any_of(facts.passes.begin(), facts.passes.end(), nameless)) {
     unknown.push_back("packages that are not named: the plug-in logs no ids, only the paths of duplicates tell");
   }

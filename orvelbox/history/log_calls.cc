@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "base/affix.h"
+#include "base/log_line.h"
 
 namespace orvelbox {
 namespace {
@@ -51,7 +52,7 @@ std::string_view ShortName(std::string_view function) {
 
 std::string FunctionIn(std::string_view label) {
   const std::size_t signature = label.find(") ");
-  if (!HasPrefix(label, "morvath(") || signature == std::string_view::npos) return "";
+  if (!HasPrefix(label, std::string(kPluginUnit) + "(") || signature == std::string_view::npos) return "";
   const std::size_t end = label.find('(', signature);
   const std::size_t begin = label.rfind(' ', end);
   if (end == std::string_view::npos || begin == std::string_view::npos) return "";

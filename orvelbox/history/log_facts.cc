@@ -14,7 +14,7 @@ namespace {
 
 // A log can be larger than memory: these bound what is kept of it.
 constexpr std::size_t kLongestLine = 65536;
-constexpr std::size_t kMostWeight = std::size_t{256} << 20;
+constexpr std::size_t kMostWeight = std::size_t{64} << 20;
 constexpr std::size_t kMostProcesses = 1000;
 constexpr std::size_t kUnclearKept = 20;
 

@@ -6,6 +6,7 @@
 
 #include "base/affix.h"
 #include "base/log_line.h"
+#include "base/log_texts.h"
 #include "platform/host/escape.h"
 #include "platform/host/log_file.h"
 
@@ -70,10 +71,8 @@ bool IsText(std::string_view line) {
 }
 
 bool LooksLikeOurs(std::string_view line) {
-  for (const std::string_view sign : {kPluginTag, kUtilityTag, "morvath: ", "DotNETLog:"}) {
-    if (line.find(sign) != std::string_view::npos) return true;
-  }
-  return false;
+  const auto holds = [line](std::string_view sign) { return line.find(sign) != std::string_view::npos; };
+  return holds(kPluginTag) || holds(kUtilityTag) || holds(std::string(kPluginUnit) + ": ") || holds(LOG_TEXT_EXIT);
 }
 
 bool IsWordCharacter(char c) {

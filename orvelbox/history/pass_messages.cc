@@ -3,6 +3,7 @@
 
 #include "base/affix.h"
 #include "base/fixed_names.h"
+#include "base/log_line.h"
 #include "base/log_texts.h"
 #include "orvelbox/history/log_calls.h"
 #include "orvelbox/history/pass_reader.h"
@@ -65,7 +66,7 @@ Finding& PassReader::Add(What what, const LogMessage& message) {
 bool PassReader::Tell(const LogMessage& message) {
   const std::string_view function = ShortName(message.function);
   const bool traced = IsTraced(function) || IsEvent(function);
-  const bool plugin = traced || message.unit == "morvath";
+  const bool plugin = traced || message.unit == kPluginUnit;
   // Launcher tools log by the shared units as well; an error without a unit is told wherever it stands.
   if (!plugin && !InPass() && !message.unit.empty()) return true;
   if (open_ && pass_.ended) Close();

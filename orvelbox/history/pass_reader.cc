@@ -56,8 +56,9 @@ bool PassReader::Read(LineNumber line, const LogMessage& message) {
   line_ = line;
   const std::string_view text = message.text;
   const bool entry = HasPrefix(text, LOG_TEXT_ENTRY);
-  if (!entry && !HasPrefix(text, LOG_TEXT_EXIT)) return Tell(message);
-  const std::string function = FunctionIn(text.substr(sizeof(LOG_TEXT_ENTRY) - (entry ? 1 : 2)));
+  const std::string_view mark = entry ? LOG_TEXT_ENTRY : LOG_TEXT_EXIT;
+  if (!HasPrefix(text, mark)) return Tell(message);
+  const std::string function = FunctionIn(text.substr(mark.size()));
   if (function.empty()) return true;
   debug_ = true;
   if (!entry && EndsOuter(function)) return true;
