@@ -61,8 +61,7 @@ FactReader::~FactReader() = default;
 void FactReader::Read(std::string_view line, bool whole) {
   ++facts_.lines;
   if (facts_.unread_from != 0) return;
-  if (line == before_) return;  // the same one, logged twice
-  before_ = line;
+  if (IsDoubled(line)) return;
   const LogMessage message = ReadLogLine(line, whole);
   if (message.kind == LogMessage::Kind::kForeign) {
     continues_ = false;
@@ -72,6 +71,16 @@ void FactReader::Read(std::string_view line, bool whole) {
   } else if (message.kind == LogMessage::Kind::kOurs || HasPrefix(message.text, LOG_TEXT_DPC)) {
     PassOn(message);
   }
+}
+
+// The same line again is one that was logged twice where it tells time and process, or where all lines are doubled.
+// Otherwise two processes may have logged the same.
+bool FactReader::IsDoubled(std::string_view line) {
+  const bool again = line == before_ && facts_.lines > 1;
+  if (!again && facts_.lines > 1 && !again_) doubled_ = false;
+  again_ = again;
+  before_ = line;
+  return again && (records_ || doubled_);
 }
 
 // One message has a line feed, so that on a device its end stands on a line of its own.

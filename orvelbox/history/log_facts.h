@@ -37,6 +37,7 @@ class FactReader {
   LogFacts Take();
 
  private:
+  bool IsDoubled(std::string_view line);
   bool IsDamaged(const LogMessage& message);
   void PassOn(const LogMessage& message);
   void Keep(PassReader& reader);
@@ -46,6 +47,8 @@ class FactReader {
   LogFacts facts_;
   std::map<std::string, std::unique_ptr<PassReader>> open_;  // by process
   std::string before_;                                       // the line before
+  bool again_ = false;                                       // that was the same as the one before it
+  bool doubled_ = true;                                      // so was every other line
   std::size_t weight_ = 0;                                   // of all that was found
   std::size_t left_open_ = 0;                                // how many of the passes were left open for another one
   bool records_ = false;                                     // the log is a desk's
