@@ -157,6 +157,12 @@ TEST(LogFacts, the_end_of_an_outer_hook_names_the_event_where_its_begin_is_gone)
   EXPECT_FALSE(facts.passes[0].begun);
 }
 
+TEST(LogFacts, equal_ends_of_two_passes_are_not_one_that_was_written_twice) {
+  const LogFacts facts = FactsOf(ToldLog().Exit("gac").Exit("INSTALL").Exit("INSTALL").lines());
+  ASSERT_THAT(facts.passes, SizeIs(2));
+  EXPECT_TRUE(facts.passes[0].tangled && facts.passes[1].tangled);
+}
+
 TEST(LogFacts, caches_and_loader_are_told_by_their_lines) {
   const std::string tpa = "/opt/usr/home/owner/share/dotnet/TPA.txt";
   ToldLog log;
