@@ -12,6 +12,7 @@ struct LogSource {
 
 inline constexpr const char* kPluginTag = "NETCORE_INSTALLER_PLUGIN";
 inline constexpr const char* kUtilityTag = "QUARNEL";
+inline constexpr const char* kPluginUnit = "morvath";
 
 // Logs one message with `kLogSource` and the name of the calling function. These are macros for two reasons: the format
 // must be one literal so that the compiler checks its arguments, and __func__ and __LINE__ must be the caller's.

@@ -79,7 +79,7 @@ int gac(const std::string& pkgId) {
   // UPGRADE and REMOVED also call INSTALL. A second call in a row for the same package has nothing left to do.
   static std::string prevInstallPkgId;
   if (pkgId == prevInstallPkgId) {
-    LOG_INFO("GAC already run for same pkgId (%s)", pkgId.c_str());
+    LOG_INFO(LOG_TEXT_RUN_ALREADY "(%s)", pkgId.c_str());
     std::fprintf(stderr, "### INSTALL : morvath, GAC already run for same pkgId : %s\n", pkgId.c_str());
     return 0;
   }
@@ -118,17 +118,17 @@ void getPackageByMetadataTag(pkgmgrinfo_app_list_cb callback, const std::string&
                                    kLogSource.unit, __LINE__);
   pkgmgrinfo_appinfo_metadata_filter_h filter = nullptr;
   if (pkgmgrinfo_appinfo_metadata_filter_create(&filter) != 0) {
-    LOG_ERROR("Error: Failed pkgmgrinfo_appinfo_metadata_filter_create");
+    LOG_ERROR(LOG_TEXT_NO_SEARCH "create");
     return;
   }
   if (pkgmgrinfo_appinfo_metadata_filter_add(filter, key.c_str(), metadataValueTrue.c_str()) != 0) {
     pkgmgrinfo_appinfo_metadata_filter_destroy(filter);
-    LOG_ERROR("Error: Failed pkgmgrinfo_appinfo_metadata_filter_add");
+    LOG_ERROR(LOG_TEXT_NO_SEARCH "add");
     return;
   }
   if (pkgmgrinfo_appinfo_metadata_filter_foreach(filter, callback, nullptr) != 0) {
     std::fputs("Failed pkgmgrinfo_appinfo_metadata_filter_foreach\n", stderr);
-    LOG_ERROR("Error: Failed pkgmgrinfo_appinfo_metadata_filter_foreach");
+    LOG_ERROR(LOG_TEXT_NO_SEARCH "foreach");
     pkgmgrinfo_appinfo_metadata_filter_destroy(filter);
     return;
   }

@@ -143,7 +143,7 @@ bool readCacheAndRemovePkg(std::string cachePath, std::string pkgRoot, std::stri
   FunctionEntryExitTracker tracker("bool readCacheAndRemovePkg(std::string, std::string, std::string&)",
                                    kLogSource.unit, kReadCacheTrackerLine);
   if (access(cachePath.c_str(), F_OK) != 0) {
-    LOG_ERROR_AT(kAccessErrorLine, "error access cache path: %s", cachePath.c_str());
+    LOG_ERROR_AT(kAccessErrorLine, LOG_TEXT_NO_CACHE_FILE "%s", cachePath.c_str());
     return false;
   }
   LOG_DEBUG_AT(kAccessLine, "access cache path: %s", cachePath.c_str());
@@ -151,7 +151,7 @@ bool readCacheAndRemovePkg(std::string cachePath, std::string pkgRoot, std::stri
   const char* const function = __func__;
   const auto logErased = [&](const std::string& span) {
     erased = true;
-    LOG_INFO_IN(function, kEraseLine, "erase: %s from cache file: %s", span.c_str(), cachePath.c_str());
+    LOG_INFO_IN(function, kEraseLine, LOG_TEXT_ERASED "%s" LOG_TEXT_ERASED_FROM "%s", span.c_str(), cachePath.c_str());
   };
   cacheText = EraseEntries(readFileToString(cachePath), pkgRoot, logErased);
   LOG_DEBUG_AT(kAfterEraseLine, "after erase: %s", cacheText.c_str());
@@ -162,7 +162,7 @@ bool removedPkgFromTPACacheFile(const char* pkgId) {
   FunctionEntryExitTracker tracker("bool removedPkgFromTPACacheFile(const char*)", kLogSource.unit, kRemoveTrackerLine);
   const std::string pkgRoot = getRootPath(pkgId);
   if (pkgRoot.empty()) {
-    LOG_ERROR_AT(kRemoveWithoutRootLine, "remove from cache called for %s, but pkgroot is empty!", pkgId);
+    LOG_ERROR_AT(kRemoveWithoutRootLine, LOG_TEXT_REMOVE_CALLED "%s" LOG_TEXT_WITHOUT_ROOT, pkgId);
     return false;
   }
   const bool removedFromTpa = RemoveFromFile(kTpaFile, pkgRoot);
@@ -174,7 +174,7 @@ void addPkgToTPACacheFile(const char* pkgId) {
   FunctionEntryExitTracker tracker("void addPkgToTPACacheFile(const char*)", kLogSource.unit, kAddTrackerLine);
   const std::string pkgRoot = getRootPath(pkgId);
   if (pkgRoot.empty()) {
-    LOG_ERROR_AT(kAddWithoutRootLine, "add to cache called for %s, but pkgroot is empty!", pkgId);
+    LOG_ERROR_AT(kAddWithoutRootLine, LOG_TEXT_ADD_CALLED "%s" LOG_TEXT_WITHOUT_ROOT, pkgId);
     return;
   }
   const std::string sharedResources = pkgRoot + kSharedResourceSuffix;

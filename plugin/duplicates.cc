@@ -82,12 +82,12 @@ int isUniqueDll(const ListedFile& file) {
 bool isDuplicatedDll(const std::string& origin, const std::string& duplicated) {
   FunctionEntryExitTracker tracker("bool isDuplicatedDll(const std::string&, const std::string&)", kLogSource.unit,
                                    __LINE__);
-  LOG_DEBUG("### Duplicated Checker ### Origin : %s, Duplicated : %s", origin.c_str(), duplicated.c_str());
+  LOG_DEBUG(LOG_TEXT_COMPARED "%s" LOG_TEXT_COMPARED_WITH "%s", origin.c_str(), duplicated.c_str());
   const Exemption exemption = FindExemption(origin, duplicated, isDPCDll);
   if (exemption == Exemption::kSamePath) return false;
   if (exemption != Exemption::kNone) {
     // isDPCDll logs the same text without the line break. Existing log readers expect both lines.
-    LOG_DEBUG("Is DPC DLL %s\n", (exemption == Exemption::kOnDpcPath ? duplicated : origin).c_str());
+    LOG_DEBUG(LOG_TEXT_DPC "%s\n", (exemption == Exemption::kOnDpcPath ? duplicated : origin).c_str());
     return false;
   }
   LOG_ERROR(LOG_TEXT_DUPLICATE_FOUND);
@@ -101,7 +101,7 @@ bool isDuplicatedDll(const std::string& origin, const std::string& duplicated) {
 bool isDPCDll(const std::string& path) {
   FunctionEntryExitTracker tracker("bool isDPCDll(const std::string&)", kLogSource.unit, __LINE__);
   if (!IsOnDpcPath(path)) return false;
-  LOG_DEBUG("Is DPC DLL %s\n", path.c_str());
+  LOG_DEBUG(LOG_TEXT_DPC "%s\n", path.c_str());
   return true;
 }
 

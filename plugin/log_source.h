@@ -5,6 +5,6 @@
 #include "base/log_texts.h"
 #include "util/log.h"
 
-inline constexpr LogSource kLogSource{kPluginTag, "morvath"};
+inline constexpr LogSource kLogSource{kPluginTag, kPluginUnit};
 
 #endif

@@ -81,7 +81,7 @@ bool HoldsCobaEntry(const Reader& reader, const char* walk, std::string_view nam
 std::optional<ApplicationKind> DeclaredKind(xmlDocPtr doc) {
   const char* const walk = "isAppDotnetInhouse";
   if (doc == nullptr) {
-    LOG_ERROR_IN(walk, __LINE__, "xml provided is null");
+    LOG_ERROR_IN(walk, __LINE__, LOG_TEXT_NO_MANIFEST);
     return std::nullopt;
   }
   const Reader reader(xmlReaderWalker(doc));
@@ -98,7 +98,7 @@ std::optional<ApplicationKind> DeclaredKind(xmlDocPtr doc) {
     const Text type = Attribute(reader, walk, "type");
     if (type == nullptr) continue;
     if (Contains(AsChars(type.get()), "apitest")) {
-      LOG_INFO_IN(walk, __LINE__, "### Is sample app ###");
+      LOG_INFO_IN(walk, __LINE__, LOG_TEXT_SAMPLE);
       return ApplicationKind::kSample;
     }
     if (Contains(AsChars(type.get()), "dotnet-")) {
@@ -121,7 +121,7 @@ bool isAppDotnetInhouse(xmlDocPtr doc) {
 bool isAppCoBARelated(xmlDocPtr doc) {
   FunctionEntryExitTracker tracker("bool isAppCoBARelated(xmlDocPtr)", kLogSource.unit, __LINE__);
   if (doc == nullptr) {
-    LOG_ERROR("xml provided is null");
+    LOG_ERROR(LOG_TEXT_NO_MANIFEST);
     return false;
   }
   const Reader reader(xmlReaderWalker(doc));

@@ -11,6 +11,7 @@
 
 #include "base/affix.h"
 #include "base/log_line.h"
+#include "base/log_texts.h"
 #include "base/package_records.h"
 
 namespace {
@@ -94,7 +95,7 @@ void splitPath(const std::string& paths, std::vector<std::string>& out) {
 
 bool removeFile(const fs::path& path) {
   if (unlink(path.c_str()) == 0 || errno == ENOENT) return true;
-  LOG_ERROR("Failed to remove %s : %s", path.c_str(), std::strerror(errno));
+  LOG_ERROR(LOG_TEXT_REMOVE_FAILED "%s" LOG_TEXT_REASON "%s", path.c_str(), std::strerror(errno));
   return false;
 }
 

@@ -5,6 +5,7 @@
 #include <memory>
 #include <type_traits>
 
+#include "base/log_texts.h"
 #include "orvel/package_info.h"
 #include "util/log.h"
 
@@ -25,7 +26,7 @@ bool HasPrivilege(const std::string& privilege, const std::string& pkgId) {
   package_info_h handle = nullptr;
   const int error = package_info_create(pkgId.c_str(), &handle);
   if (error != 0 || handle == nullptr) {
-    LOG_ERROR("package_info_create return error code : %d", error);
+    LOG_ERROR(LOG_TEXT_NO_PACKAGE "%d", error);
     return false;
   }
   const PackageInfo package(handle);

@@ -22,6 +22,7 @@ constexpr const char* kDevices = "Devices";
   LINE(kLooking, MakeShow)       \
   LINE(kLooking, MakeWhy)        \
   LINE(kLooking, MakeLog)        \
+  LINE(kLooking, MakeExplain)    \
   LINE(kLooking, MakeTrace)      \
   LINE(kHooks, MakeEvents)       \
   LINE(kHooks, MakeRemove)       \

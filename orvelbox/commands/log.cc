@@ -1,10 +1,9 @@
 // log: shows the device's log.
-#include "orvelbox/history/log.h"
-
 #include <cstdlib>
 
 #include "orvelbox/commands/shared.h"
 #include "orvelbox/desk/output.h"
+#include "orvelbox/history/log_view.h"
 
 namespace orvelbox {
 

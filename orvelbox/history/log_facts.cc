@@ -1,113 +1,167 @@
-// Reads the facts of an operation out of the plug-in's messages.
+// Tells the processes of a log apart, where it does, and puts their passes together.
+#include "orvelbox/history/log_facts.h"
+
 #include <algorithm>
 
 #include "base/affix.h"
 #include "base/log_texts.h"
-#include "orvelbox/history/log.h"
+#include "orvelbox/history/log_lines.h"
+#include "orvelbox/history/log_message.h"
+#include "orvelbox/history/pass_reader.h"
 
 namespace orvelbox {
 namespace {
 
-// The length of the colour sequence at the front of `text`; 0 when there is none.
-std::size_t ColourLength(std::string_view text) {
-  if (text.substr(0, 2) != "\x1b[") return 0;
-  const std::size_t end = text.find_first_not_of("0123456789;", 2);
-  return end != std::string_view::npos && text[end] == 'm' ? end + 1 : 0;
+// A log can be larger than memory: these bound what is kept of it.
+constexpr std::size_t kLongestLine = 65536;
+constexpr std::size_t kMostWeight = std::size_t{64} << 20;
+constexpr std::size_t kMostProcesses = 1000;
+constexpr std::size_t kUnclearKept = 20;
+
+// A file that was examined twice is listed once, as it was found last.
+void AddDuplicate(const Finding& finding, std::vector<Duplicate>& all) {
+  if (finding.path.empty()) return;
+  const auto same = [&finding](const Duplicate& other) { return other.duplicated == finding.path; };
+  all.erase(std::remove_if(all.begin(), all.end(), same), all.end());
+  all.push_back({finding.origin, finding.path, finding.what == What::kStays, finding.time});
 }
 
-std::string WithoutColours(std::string_view text) {
-  std::string plain;
-  ForEachPiece(text, [&](std::string_view piece, bool colour) {
-    if (!colour) plain += piece;
-  });
-  const std::size_t end = plain.find_last_not_of('\n');
-  return plain.substr(0, end == std::string::npos ? 0 : end + 1);
+void Summarize(const Finding& finding, LogSummary& summary) {
+  switch (finding.what) {
+    case What::kRemoved:
+    case What::kStays:
+    case What::kRemovalFailed:
+    case What::kDuplicate:
+      AddDuplicate(finding, summary.duplicates);
+      if (!finding.text.empty()) summary.errors.push_back(finding.text);
+      break;
+    case What::kRefused:
+      summary.guide = finding.text;
+      break;
+    case What::kNotRestarted:
+      summary.restart_failed = true;
+      break;
+    case What::kNotDotnet:
+      summary.not_inhouse = true;
+      break;
+    case What::kError:
+    case What::kNoManifest:
+      summary.errors.push_back(finding.text);
+      break;
+    default:
+      break;
+  }
 }
-
-// Collects the facts message by message; the three lines about a duplicate come one after the other.
-class Collector {
- public:
-  void AddError(const std::string& text, const std::string& time) {
-    std::vector<Duplicate>& all = facts_.duplicates;
-    if (text == LOG_TEXT_DUPLICATE_FOUND) {
-      found_ = {"", "", false, time};
-    } else if (HasPrefix(text, LOG_TEXT_ORIGIN)) {
-      found_.origin = text.substr(std::string_view(LOG_TEXT_ORIGIN).size());
-    } else if (HasPrefix(text, LOG_TEXT_DUPLICATED)) {
-      found_.duplicated = text.substr(std::string_view(LOG_TEXT_DUPLICATED).size());
-      AddDuplicate();
-    } else if (text == LOG_TEXT_READ_WRITE) {
-      if (!all.empty()) all.back().origin_read_write = true;
-    } else if (HasPrefix(text, LOG_TEXT_GUIDE)) {
-      facts_.guide = text;
-    } else if (text == LOG_TEXT_RESTART_FAILED) {
-      facts_.restart_failed = true;
-    } else {
-      facts_.errors.push_back(text);
-    }
-  }
-
-  void AddInformation(const std::string& text) {
-    if (text == LOG_TEXT_NOT_INHOUSE) facts_.not_inhouse = true;
-  }
-
-  LogFacts Take() { return std::move(facts_); }
-
- private:
-  // A file that was examined twice is listed once, as it was found last.
-  void AddDuplicate() {
-    auto& all = facts_.duplicates;
-    const auto same = [this](const Duplicate& other) { return other.duplicated == found_.duplicated; };
-    all.erase(std::remove_if(all.begin(), all.end(), same), all.end());
-    all.push_back(found_);
-  }
-
-  LogFacts facts_;
-  Duplicate found_;
-};
 
 }  // namespace
 
-void ForEachPiece(std::string_view text, const std::function<void(std::string_view piece, bool colour)>& take) {
-  while (!text.empty()) {
-    const std::size_t colour = ColourLength(text);
-    const std::size_t length = colour != 0 ? colour : std::min(text.find('\x1b', 1), text.size());
-    take(text.substr(0, length), colour != 0);
-    text.remove_prefix(length);
+FactReader::FactReader() = default;
+FactReader::~FactReader() = default;
+
+void FactReader::Read(std::string_view line, bool whole) {
+  ++facts_.lines;
+  if (facts_.unread_from != 0) return;
+  if (IsDoubled(line)) return;
+  const LogMessage message = ReadLogLine(line, whole);
+  if (message.kind == LogMessage::Kind::kForeign) {
+    continues_ = false;
+  } else if (IsDamaged(message)) {
+    NoteUnclear();
+    for (auto& [process, reader] : open_) reader->Disturb();
+  } else if (message.kind == LogMessage::Kind::kOurs || HasPrefix(message.text, LOG_TEXT_DPC)) {
+    PassOn(message);
   }
 }
 
-std::optional<PluginMessage> ParsePluginMessage(std::string_view record_text) {
-  constexpr std::string_view kArrow = ") > ";
-  const std::size_t name = record_text.find(": ");
-  const std::size_t arrow = record_text.find(kArrow);
-  const std::size_t bracket = record_text.find('(');
-  if (arrow == std::string_view::npos || name > bracket || bracket > arrow) return std::nullopt;
-  PluginMessage message;
-  message.function = record_text.substr(name + 2, bracket - name - 2);
-  message.text = WithoutColours(record_text.substr(arrow + kArrow.size()));
-  return message;
+// The same line again is one that was logged twice where it tells time and process, or where all lines are doubled.
+// Otherwise two processes may have logged the same.
+bool FactReader::IsDoubled(std::string_view line) {
+  const bool again = line == before_ && facts_.lines > 1;
+  if (!again && facts_.lines > 1 && !again_) doubled_ = false;
+  again_ = again;
+  before_ = line;
+  return again && (records_ || doubled_);
 }
 
-LogFacts InterpretLog(const std::vector<host::LogRecord>& records) {
-  Collector collector;
-  for (const host::LogRecord& record : records) {
-    const std::optional<PluginMessage> message = ParsePluginMessage(record.text);
-    const std::string text = message ? message->text : WithoutColours(record.text);
-    if (record.priority == 'E') collector.AddError(text, record.time);
-    if (record.priority == 'I') collector.AddInformation(text);
-  }
-  return collector.Take();
+// One message has a line feed, so that on a device its end stands on a line of its own.
+bool FactReader::IsDamaged(const LogMessage& message) {
+  const bool continues = continues_;
+  continues_ = message.kind == LogMessage::Kind::kDamaged && HasPrefix(message.text, LOG_TEXT_DPC);
+  records_ = records_ || !message.process.empty();
+  if (records_ && message.process.empty()) return true;
+  return message.kind == LogMessage::Kind::kDamaged && !continues && !continues_;
 }
 
-std::vector<host::LogRecord> ParseLog(std::string_view text) {
-  std::vector<host::LogRecord> records;
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find('\n'), text.size());
-    if (auto record = host::ParseLogRecord(text.substr(0, end))) records.push_back(*std::move(record));
-    text.remove_prefix(std::min(end + 1, text.size()));
+void FactReader::PassOn(const LogMessage& message) {
+  auto& reader = open_[message.process];
+  const bool first = reader == nullptr;
+  if (first) reader = std::make_unique<PassReader>(message.process);
+  const std::size_t weight = reader->weight();
+  if (!reader->Read(facts_.lines, message)) NoteUnclear();
+  weight_ += reader->weight() - weight;
+  // A process that begins in the middle of something may be another one, its number damaged.
+  if (first && !reader->begun()) {
+    for (auto& [process, other] : open_) {
+      if (other != reader) other->Tangle();
+    }
   }
-  return records;
+  Keep(*reader);
+  MakeRoom();
+}
+
+void FactReader::Keep(PassReader& reader) {
+  for (Pass& pass : reader.TakeOver()) {
+    const bool mixed = pass.reaches_back && !facts_.passes.empty();
+    if (mixed) LeaveOpen(pass);
+    for (; mixed && left_open_ < facts_.passes.size(); ++left_open_) LeaveOpen(facts_.passes[left_open_]);
+    facts_.passes.push_back(std::move(pass));
+  }
+}
+
+void FactReader::MakeRoom() {
+  if (open_.size() > kMostProcesses) {
+    for (auto reader = open_.begin(); reader != open_.end();) {
+      if (reader->second->InPass()) {
+        ++reader;
+        continue;
+      }
+      reader->second->End();
+      Keep(*reader->second);
+      reader = open_.erase(reader);
+    }
+  }
+  if (weight_ > kMostWeight || open_.size() > kMostProcesses) facts_.unread_from = facts_.lines + 1;
+}
+
+void FactReader::NoteUnclear() {
+  if (++facts_.unclear_lines <= kUnclearKept) facts_.unclear.push_back(facts_.lines);
+}
+
+LogFacts FactReader::Take() {
+  for (auto& [process, reader] : open_) {
+    reader->End();
+    Keep(*reader);
+  }
+  open_.clear();
+  std::stable_sort(facts_.passes.begin(), facts_.passes.end(),
+                   [](const Pass& one, const Pass& other) { return one.first < other.first; });
+  return std::move(facts_);
+}
+
+LogFacts ReadLogFacts(const std::filesystem::path& file, std::uintmax_t from) {
+  LogLines lines(file, from, kLongestLine);
+  FactReader reader;
+  while (const auto line = lines.Next()) reader.Read(line->text, line->whole);
+  if (const auto line = lines.Last()) reader.Read(line->text, line->whole);
+  return reader.Take();
+}
+
+LogSummary Summarize(const LogFacts& facts) {
+  LogSummary summary;
+  for (const Pass& pass : facts.passes) {
+    for (const Finding& finding : pass.findings) Summarize(finding, summary);
+  }
+  return summary;
 }
 
 }  // namespace orvelbox

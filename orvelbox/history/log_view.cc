@@ -1,18 +1,17 @@
 // The device's log on the screen.
+#include "orvelbox/history/log_view.h"
 
-#include <fcntl.h>
 #include <sys/inotify.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <nlohmann/json.hpp>
-#include <optional>
 
 #include "base/unique_fd.h"
 #include "orvelbox/desk/output.h"
-#include "orvelbox/history/log.h"
+#include "orvelbox/history/log_lines.h"
+#include "orvelbox/history/log_message.h"
 #include "platform/host/files.h"
 #include "platform/host/json.h"
 
@@ -38,45 +37,6 @@ std::string RecordJson(const host::LogRecord& record) {
                           {"text", record.text}});
 }
 
-// Reads the log from its front, whole lines only, as they come.
-class LogReader {
- public:
-  explicit LogReader(const std::filesystem::path& file) : file_(file), log_(open(file.c_str(), O_RDONLY | O_CLOEXEC)) {
-    if (!log_) host::ThrowFileError(file, "read", errno);
-  }
-
-  // The next whole line; nothing at the present end of the file.
-  std::optional<std::string> Next() {
-    std::size_t end = pending_.find('\n');
-    while (end == std::string::npos && ReadMore()) end = pending_.find('\n');
-    if (end == std::string::npos) return std::nullopt;
-    std::string line = pending_.substr(0, end);
-    pending_.erase(0, end + 1);
-    return line;
-  }
-
-  // Begins again when the file was emptied in the meantime.
-  void FollowTruncation() {
-    struct stat status {};
-    if (fstat(log_.get(), &status) != 0 || status.st_size >= lseek(log_.get(), 0, SEEK_CUR)) return;
-    lseek(log_.get(), 0, SEEK_SET);
-    pending_.clear();
-  }
-
- private:
-  bool ReadMore() {
-    std::array<char, 65536> block;
-    const ssize_t length = read(log_.get(), block.data(), block.size());
-    if (length < 0) host::ThrowFileError(file_, "read", errno);
-    pending_.append(block.data(), static_cast<std::size_t>(length));
-    return length > 0;
-  }
-
-  std::filesystem::path file_;
-  UniqueFd log_;
-  std::string pending_;
-};
-
 // Waits for changes of a file.
 class Watch {
  public:
@@ -96,9 +56,9 @@ class Watch {
   UniqueFd inotify_;
 };
 
-void ShowRecords(LogReader& reader, const LogView& view) {
-  while (const auto line = reader.Next()) {
-    const auto record = host::ParseLogRecord(*line);
+void ShowRecords(LogLines& lines, const LogView& view) {
+  while (const auto line = lines.Next()) {
+    const auto record = host::ParseLogRecord(line->text);
     if (!record || !Passes(view.filter, *record)) continue;
     SayColoured(view.json ? RecordJson(*record) : ShowRecord(*record, view.colour));
   }
@@ -120,14 +80,14 @@ std::string ShowRecord(const host::LogRecord& record, bool colour) {
 }
 
 void ShowLog(const host::Device& device, const LogView& view) {
-  LogReader reader(device.Log());
-  if (!view.follow) return ShowRecords(reader, view);
+  LogLines lines(device.Log());
+  if (!view.follow) return ShowRecords(lines, view);
   Watch watch(device.Log());
   for (;;) {
-    ShowRecords(reader, view);
+    ShowRecords(lines, view);
     if (!FlushOutput()) return;
     watch.Wait();
-    reader.FollowTruncation();
+    lines.FollowTruncation();
   }
 }
 

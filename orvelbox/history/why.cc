@@ -9,6 +9,7 @@
 #include "base/fixed_names.h"
 #include "orvelbox/desk/tree.h"
 #include "orvelbox/device/installed_trees.h"
+#include "orvelbox/history/log_facts.h"
 #include "platform/host/files.h"
 #include "platform/host/json.h"
 #include "platform/host/paths.h"
@@ -40,7 +41,7 @@ void AddInformationFiles(const host::Device& device, const host::Package& packag
 
 // The log knows when, and what was only reported. A later report of another kind leaves the information file's word.
 void AddLog(const host::Device& device, const host::Package& package, std::map<std::string, Removal>& removals) {
-  for (const Duplicate& duplicate : InterpretLog(ParseLog(host::ReadFile(device.Log()))).duplicates) {
+  for (const Duplicate& duplicate : Summarize(ReadLogFacts(device.Log())).duplicates) {
     if (!host::IsBelow(duplicate.duplicated, package.root)) continue;
     Removal& removal = removals[duplicate.duplicated];
     if (removal.information_file && removal.origin != duplicate.origin) continue;

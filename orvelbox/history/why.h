@@ -10,7 +10,6 @@
 
 #include "orvelbox/check/result.h"
 #include "orvelbox/desk/output.h"
-#include "orvelbox/history/log.h"
 #include "platform/host/device.h"
 #include "platform/host/package_store.h"
 

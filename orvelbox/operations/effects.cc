@@ -1,9 +1,10 @@
 // Reads a device before and after hooks.
 #include "orvelbox/operations/effects.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdint>
-#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "orvelbox/desk/tree.h"
@@ -37,10 +38,10 @@ LoaderState ReadLoaderState(const host::Device& device) {
   return state;
 }
 
-std::string ReadLogFrom(const host::Device& device, std::uintmax_t offset) {
-  std::ifstream log(device.Log(), std::ios::binary);
-  log.seekg(static_cast<std::streamoff>(offset));
-  return {std::istreambuf_iterator<char>(log), std::istreambuf_iterator<char>()};
+// A log that is gone, or closed, says nothing.
+LogSummary ReadLogFrom(const host::Device& device, std::uintmax_t offset) {
+  if (access(device.Log().c_str(), R_OK) != 0) return {};
+  return Summarize(ReadLogFacts(device.Log(), offset));
 }
 
 std::vector<DllFate> FatesOf(const host::Device& device, const std::vector<Duplicate>& duplicates) {
@@ -64,7 +65,7 @@ Effects EffectsOf(const HookSettings& settings, const std::function<void(const H
   const long starts = ReadLoaderState(device).starts;
   Effects seen;
   seen.hooks = RunHooks(settings, calls);
-  seen.log = InterpretLog(ParseLog(ReadLogFrom(device, log_size)));
+  seen.log = ReadLogFrom(device, log_size);
   seen.dlls = FatesOf(device, seen.log.duplicates);
   seen.tpa = Compare(tpa, ReadCache(device, kTpaFile));
   seen.coba = Compare(coba, ReadCache(device, kCobaFile));

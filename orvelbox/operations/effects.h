@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "orvelbox/device/cache_text.h"
-#include "orvelbox/history/log.h"
+#include "orvelbox/history/log_facts.h"
 #include "orvelbox/operations/hook_process.h"
 
 namespace orvelbox {
@@ -21,7 +21,7 @@ struct DllFate {
 
 struct Effects {
   HookRun hooks;
-  LogFacts log;
+  LogSummary log;
   std::vector<DllFate> dlls;  // ordered by path
   CacheChange tpa;
   CacheChange coba;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "orvelbox/history/explain.h"
 #include "platform/host/paths.h"
 
 namespace orvelbox {
@@ -15,17 +16,9 @@ std::string Line(const std::string& label, const std::string& text) {
   return "    " + Padded(label, kLabelWidth) + " " + text;
 }
 
-// Why a DLL is a duplicate: whose copy decides.
-std::string Because(const Duplicate& duplicate, const std::string& root) {
-  if (host::IsBelow(duplicate.origin, host::kPlatformAssemblies)) return "the platform has " + duplicate.origin;
-  if (host::IsBelow(duplicate.origin, root))
-    return "the package has it already as " + host::From(root, duplicate.origin);
-  return "it duplicates " + duplicate.origin;
-}
-
 std::string DescribeDll(const DllFate& dll, const std::string& root) {
   const std::string name = host::From(root, dll.duplicate.duplicated);
-  const std::string because = name + ": " + Because(dll.duplicate, root);
+  const std::string because = name + ": " + BecauseOf(dll.duplicate.origin, root);
   if (dll.duplicate.origin_read_write) {
     return Line("kept", name + ": duplicates " + dll.duplicate.origin + ", whose copy is in the read-write area");
   }
@@ -96,7 +89,8 @@ Lines ExplainDebuggingFailure(const Effects& seen, const std::string& root) {
       "    The package is under debugging (it holds the app-debugging privilege); the install of such a package",
       "    fails when it brings DLLs that are there already. These have to go from the package:"};
   for (const DllFate& dll : seen.dlls) {
-    lines.push_back("      " + host::From(root, dll.duplicate.duplicated) + ": " + Because(dll.duplicate, root));
+    lines.push_back("      " + host::From(root, dll.duplicate.duplicated) + ": " +
+                    BecauseOf(dll.duplicate.origin, root));
   }
   lines.push_back("    " + seen.log.guide);
   return lines;

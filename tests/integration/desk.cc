@@ -1,6 +1,7 @@
 // A device for a test.
 #include "tests/integration/desk.h"
 
+#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -76,11 +77,25 @@ int Desk::Send(const LoadedPlugin& plugin, const std::string& event, const std::
   return result;
 }
 
-void OnDesk(const std::function<void(const Desk&)>& body) {
+namespace {
+
+// Whoever judges readers of logs names a directory for those of all cases.
+void KeepLog(const host::Device& device) {
+  static int number = 0;
+  const char* directory = std::getenv("KEPT_LOGS");
+  if (directory == nullptr || std::filesystem::is_empty(device.Log())) return;
+  const std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
+  std::filesystem::copy_file(device.Log(), std::filesystem::path(directory) / (name + std::to_string(++number)));
+}
+
+}  // namespace
+
+void OnDesk(const std::function<void(const Desk&)>& body, const host::DeviceConfig& config) {
   const support::TempDir directory;
-  const host::Device device = host::CreateDevice(directory / "device");
+  const host::Device device = host::CreateDevice(directory / "device", config);
   support::WithFixedPaths(device.Root(), [&] {
     setenv(host::kDeviceVariable, device.directory.c_str(), 1);
     body(Desk(device));
   });
+  KeepLog(device);
 }

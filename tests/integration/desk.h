@@ -48,7 +48,7 @@ class Desk {
 };
 
 // Runs the body in a child process on a new device. Must be the last statement of a test.
-void OnDesk(const std::function<void(const Desk&)>& body);
+void OnDesk(const std::function<void(const Desk&)>& body, const host::DeviceConfig& config = {});
 
 // A test with such a body, whose parameter is `desk`.
 #define DESK_TEST(suite, name) FRAMED_TEST(OnDesk, const Desk& desk, suite, name)

@@ -12,6 +12,7 @@
 #include "tests/support/device_root.h"
 #include "tests/support/files.h"
 #include "tests/support/removal_texts.h"
+#include "tests/support/uris.h"
 
 namespace {
 
@@ -43,6 +44,22 @@ DESK_TEST(InstallEvents, packages_in_turn_each_lose_their_duplicates) {
   }
   EXPECT_THAT(desk.LogTexts("orvelFX size = 1"), SizeIs(3));
   EXPECT_EQ("MZ", ReadFile(kFrameworkDll));
+}
+
+// Everything that can become of a DLL, in a package under debugging.
+TEST(InstallEvents, a_debugged_package_loses_the_platforms_dlls_keeps_a_components_and_fails) {
+  const auto body = [](const Desk& desk) {
+    const std::string shared = desk.RegisterCoba("org.component") + "/shared/res/B.dll";
+    const std::string root = desk.Register("org.debugged", {support::kDebuggingPrivilege}) + "/";
+    const std::string dpc = std::string(support::kDpcDirectory) + "C.dll";
+    for (const std::string& file : {kFrameworkDll, shared, dpc}) WriteFile(file, "MZ");
+    for (const char* dll : {"A.dll", "B.dll", "C.dll", "D.dll"}) WriteFile(root + dll, "MZ");
+    const LoadedPlugin plugin;
+    EXPECT_EQ(-1, Desk::Send(plugin, "INSTALL", "org.debugged"));
+    EXPECT_THAT(support::NamesIn(root), ElementsAre("A.dll_deleted", "B.dll", "C.dll", "D.dll"));
+    EXPECT_EQ(0, Desk::Send(plugin, "UNDO", "org.debugged"));
+  };
+  OnDesk(body, {"/opt/usr/apps"});
 }
 
 DESK_TEST(InstallEvents, a_package_that_is_not_registered_is_only_told) {

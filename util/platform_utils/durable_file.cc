@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/log_texts.h"
 #include "base/unique_fd.h"
 #include "morvath/platform_utils.h"
 #include "util/platform_utils/log_source.h"
@@ -52,7 +53,7 @@ void writeStringToFile(std::string dirPath, std::string fileName, std::string co
   FreeTemporaryName(temporary);
   FILE* file = std::fopen(temporary.c_str(), "w+e");
   if (file == nullptr) {
-    LOG_ERROR_AT(kOpenErrorLine, "Fail to write string to file - open error(%s)", std::strerror(errno));
+    LOG_ERROR_AT(kOpenErrorLine, LOG_TEXT_NOT_WRITTEN "%s)", std::strerror(errno));
     return;
   }
   std::fputs(content.c_str(), file);
@@ -60,8 +61,8 @@ void writeStringToFile(std::string dirPath, std::string fileName, std::string co
   fsync(fileno(file));
   std::fclose(file);
 
-  LOG_DEBUG_AT(kSaveFileLine, "Save File : %s", target.c_str());
-  if (std::rename(temporary.c_str(), target.c_str()) == 0) LOG_DEBUG_AT(kSavedLine, "Saved");
+  LOG_DEBUG_AT(kSaveFileLine, LOG_TEXT_SAVE_FILE "%s", target.c_str());
+  if (std::rename(temporary.c_str(), target.c_str()) == 0) LOG_DEBUG_AT(kSavedLine, LOG_TEXT_SAVED);
   sync();
 }
 

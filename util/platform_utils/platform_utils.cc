@@ -6,6 +6,7 @@
 #include <cerrno>
 
 #include "base/affix.h"
+#include "base/log_texts.h"
 #include "util/platform_utils/log_source.h"
 
 bool isRealPath(const std::string& path) {
@@ -23,7 +24,7 @@ bool isRealPath(const std::string& path) {
     return false;
   }
   if (S_ISLNK(status.st_mode)) {
-    LOG_ERROR("Symbolic link is detected : %s", path.c_str());
+    LOG_ERROR(LOG_TEXT_LINK "%s", path.c_str());
     return false;
   }
   return true;

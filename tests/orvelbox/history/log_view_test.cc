@@ -1,6 +1,7 @@
 // Displaying log records.
 
-#include "orvelbox/history/log.h"
+#include "orvelbox/history/log_view.h"
+
 #include "tests/orvelbox/frame.h"
 
 namespace orvelbox {

@@ -1,0 +1,78 @@
+// The calls, as they stand in the plug-in's sources.
+#include "orvelbox/history/log_calls.h"
+
+#include <algorithm>
+
+#include "base/affix.h"
+#include "base/log_line.h"
+
+namespace orvelbox {
+namespace {
+
+constexpr std::string_view kHookPrefix = "PKGMGR_PARSER_PLUGIN_";
+
+constexpr std::string_view kEvents[] = {"INSTALL",          "UPGRADE", "REMOVED", "UNINSTALL",
+                                        "RECOVERUNINSTALL", "CLEAN",   "CLEANUP", "UNDO"};
+
+struct Call {
+  std::string_view caller, function;
+};
+constexpr Call kCalls[] = {
+    {"REMOVED", "UPGRADE"},
+    {"UPGRADE", "INSTALL"},
+    {"CLEANUP", "CLEAN"},
+    {"INSTALL", kPass},
+    {kPass, "HasPlatformPrivilege"},
+    {kPass, "getPackageByMetadataTag"},
+    {kPass, kCompare},
+    {kCompare, "isDPCDll"},
+    {kPass, kRemove},
+    {"CLEAN", "isAppCoBARelated"},
+    {"CLEAN", "addPkgToTPACacheFile"},
+    {"CLEAN", "removedPkgFromTPACacheFile"},
+    {"UNINSTALL", "removedPkgFromTPACacheFile"},
+    {"RECOVERUNINSTALL", "removedPkgFromTPACacheFile"},
+    {"addPkgToTPACacheFile", "readCacheAndRemovePkg"},
+    {"removedPkgFromTPACacheFile", "readCacheAndRemovePkg"},
+    {"CLEAN", kRestart},
+    {"UNINSTALL", kRestart},
+    {"RECOVERUNINSTALL", kRestart},
+};
+
+template <typename Match>
+bool AnyCall(const Match& match) {
+  return std::any_of(std::begin(kCalls), std::end(kCalls), match);
+}
+
+}  // namespace
+
+std::string_view ShortName(std::string_view function) {
+  return HasPrefix(function, kHookPrefix) ? function.substr(kHookPrefix.size()) : function;
+}
+
+std::string FunctionIn(std::string_view label) {
+  const std::size_t signature = label.find(") ");
+  if (!HasPrefix(label, std::string(kPluginUnit) + "(") || signature == std::string_view::npos) return "";
+  const std::size_t end = label.find('(', signature);
+  const std::size_t begin = label.rfind(' ', end);
+  if (end == std::string_view::npos || begin == std::string_view::npos) return "";
+  return std::string(ShortName(label.substr(begin + 1, end - begin - 1)));
+}
+
+bool IsEvent(std::string_view function) {
+  return std::find(std::begin(kEvents), std::end(kEvents), function) != std::end(kEvents);
+}
+
+bool IsTraced(std::string_view function) {
+  return AnyCall([function](const Call& call) { return call.function == function; });
+}
+
+bool MayCall(std::string_view caller, std::string_view function) {
+  return AnyCall([=](const Call& call) { return call.caller == caller && call.function == function; });
+}
+
+bool MayFollow(std::string_view function, std::string_view next) {
+  return AnyCall([=](const Call& call) { return call.function == function && MayCall(call.caller, next); });
+}
+
+}  // namespace orvelbox

@@ -1,0 +1,235 @@
+// What the messages within a pass say.
+#include <algorithm>
+
+#include "base/affix.h"
+#include "base/fixed_names.h"
+#include "base/log_line.h"
+#include "base/log_texts.h"
+#include "orvelbox/history/log_calls.h"
+#include "orvelbox/history/pass_reader.h"
+
+namespace orvelbox {
+namespace {
+
+constexpr std::size_t kComparisonsKept = 8;
+
+bool TakePrefix(std::string_view& text, std::string_view prefix) {
+  if (!HasPrefix(text, prefix)) return false;
+  text.remove_prefix(prefix.size());
+  return true;
+}
+
+bool IsDllPath(std::string_view path) { return HasPrefix(path, "/") && IsAssemblyName(path); }
+
+std::string_view NameIn(std::string_view path) { return path.substr(path.rfind('/') + 1); }
+
+bool IsCachePath(std::string_view path) {
+  return std::any_of(std::begin(kCacheFiles), std::end(kCacheFiles),
+                     [path](const char* name) { return path == std::string(kCacheDirectory) + name; });
+}
+
+// An entry goes with the separator before or behind it.
+std::string_view WithoutSeparators(std::string_view entry) {
+  if (!entry.empty() && entry.front() == kEntrySeparator) entry.remove_prefix(1);
+  if (!entry.empty() && entry.back() == kEntrySeparator) entry.remove_suffix(1);
+  return entry;
+}
+
+// The origin that was compared with `dll`, by the text of the comparison. Empty when it tells of another.
+std::string OriginOf(std::string_view text, const std::string& dll) {
+  const std::string end = LOG_TEXT_COMPARED_WITH + dll;
+  if (!HasSuffix(text, end)) return "";
+  const std::string origin(text.substr(0, text.size() - end.size()));
+  return IsDllPath(origin) && NameIn(origin) == NameIn(dll) ? origin : "";
+}
+
+constexpr std::string_view kErrors[] = {LOG_TEXT_NO_CACHE_FILE, LOG_TEXT_NOT_WRITTEN,  LOG_TEXT_LINK,
+                                        LOG_TEXT_REMOVE_CALLED, LOG_TEXT_ADD_CALLED,   LOG_TEXT_NO_SEARCH,
+                                        LOG_TEXT_NO_PACKAGE,    LOG_TEXT_REMOVE_FAILED};
+
+// An error that is told apart by its text, where no colour does.
+bool IsError(const LogMessage& message) {
+  return message.error || std::any_of(std::begin(kErrors), std::end(kErrors),
+                                      [&](std::string_view begin) { return HasPrefix(message.text, begin); });
+}
+
+}  // namespace
+
+Finding& PassReader::Add(What what, const LogMessage& message) {
+  const auto hook = std::find_if(frames_.rbegin(), frames_.rend(), [](const Frame& f) { return IsEvent(f.function); });
+  pass_.findings.push_back({what, "", "", message.text, message.time, "", {line_}});
+  if (hook != frames_.rend()) pass_.findings.back().hook = hook->function;
+  weight_ += sizeof(Finding) + 3 * message.text.size();
+  return pass_.findings.back();
+}
+
+bool PassReader::Tell(const LogMessage& message) {
+  const std::string_view function = ShortName(message.function);
+  const bool traced = IsTraced(function) || IsEvent(function);
+  const bool plugin = traced || message.unit == kPluginUnit;
+  // Launcher tools log by the shared units as well; an error without a unit is told wherever it stands.
+  if (!plugin && !InPass() && !message.unit.empty()) return true;
+  if (open_ && pass_.ended) Close();
+  if (!open_) Begin(line_, false);
+  pass_.last = line_;
+  if (traced) {
+    const std::string name(function);
+    if (frames_.empty() ? !IsInside(name) : frames_.back().function != name) Tangle();
+    if (frames_.empty()) inside_ = name;
+  }
+  before_ = step_;
+  if (before_ == Step::kNone) steps_.clear();
+  if (plugin) step_ = Step::kNone;
+  bool taken = false;
+  const bool known = TellOfDuplicates(message, &taken);
+  if (!taken && !TellOfPackage(message) && !TellOfCaches(message) && IsError(message)) Add(What::kError, message);
+  return known;
+}
+
+bool PassReader::TellOfDuplicates(const LogMessage& message, bool* taken) {
+  std::string_view text = message.text;
+  *taken = true;
+  if (TakePrefix(text, LOG_TEXT_COMPARED)) {
+    debug_ = true;
+    comparisons_.push_back({std::string(text), line_});
+    if (comparisons_.size() > kComparisonsKept) comparisons_.pop_front();
+  } else if (text == LOG_TEXT_DUPLICATE_FOUND) {
+    step_ = Step::kFound;
+    pass_line_ = 0;
+    steps_ = {line_};
+  } else if (TakePrefix(text, LOG_TEXT_ORIGIN)) {
+    if (before_ == Step::kFound) step_ = Step::kOrigin;
+    origin_ = text;
+    pass_line_ = 0;
+    steps_.push_back(line_);
+  } else if (HasPrefix(text, LOG_TEXT_DUPLICATED)) {
+    return AddDuplicate(message);
+  } else if (text == LOG_TEXT_READ_WRITE) {
+    TellOfStaying(message);
+  } else if (HasPrefix(text, LOG_TEXT_REMOVE_FAILED)) {
+    TellOfFailedRemoval(message);
+  } else if (HasPrefix(text, LOG_TEXT_DPC)) {
+    AddExempt(message);
+  } else {
+    *taken = false;
+  }
+  return true;
+}
+
+void PassReader::TellOfStaying(const LogMessage& message) {
+  if (before_ == Step::kRemoving) {
+    step_ = Step::kStaying;
+    steps_.push_back(line_);
+  } else {
+    if (!frames_.empty()) Tangle();
+    Add(What::kStays, message).text.clear();
+  }
+}
+
+// Two lines have to name the same paths, unless the log has no debug messages at all.
+bool PassReader::AddDuplicate(const LogMessage& message) {
+  pass_line_ = 0;
+  const std::string dll = message.text.substr(std::string_view(LOG_TEXT_DUPLICATED).size());
+  if (!IsDllPath(dll)) return false;
+  const auto compared = std::find_if(comparisons_.rbegin(), comparisons_.rend(), [&](const Comparison& comparison) {
+    return !OriginOf(comparison.text, dll).empty();
+  });
+  if (compared == comparisons_.rend() && debug_) return false;
+  const bool three = before_ == Step::kOrigin && NameIn(origin_) == NameIn(dll);
+  // One line too many: it may be this one that belongs to the two before.
+  if (before_ == Step::kNamed && !debug_) pass_.findings[duplicate_].origin.clear();
+  Finding& duplicate = Add(What::kDuplicate, message);
+  duplicate.path = dll;
+  duplicate.text.clear();
+  if (compared != comparisons_.rend()) {
+    duplicate.origin = OriginOf(compared->text, dll);
+    duplicate.lines = {compared->line, line_};
+  } else if (three) {
+    duplicate.origin = origin_;
+    duplicate.lines = {steps_.front(), steps_.back(), line_};
+  }
+  duplicate.sure = duplicate.lines.size();
+  duplicate_ = pass_.findings.size() - 1;
+  step_ = Step::kNamed;
+  steps_.clear();
+  return true;
+}
+
+void PassReader::AddExempt(const LogMessage& message) {
+  if (message.function != kCompare) return;
+  const std::string path = message.text.substr(std::string_view(LOG_TEXT_DPC).size());
+  for (auto comparison = comparisons_.rbegin(); comparison != comparisons_.rend(); ++comparison) {
+    const std::size_t between = comparison->text.find(LOG_TEXT_COMPARED_WITH);
+    if (between == std::string::npos) continue;
+    const std::string dll = comparison->text.substr(between + std::string_view(LOG_TEXT_COMPARED_WITH).size());
+    const std::string origin = OriginOf(comparison->text, dll);
+    if (origin.empty() || (path != dll && path != origin)) continue;
+    Finding& exempt = Add(What::kExempt, message);
+    exempt.path = dll;
+    exempt.origin = origin;
+    exempt.text.clear();
+    exempt.lines = {comparison->line, line_};
+    exempt.sure = 2;
+    return;
+  }
+}
+
+void PassReader::TellOfFailedRemoval(const LogMessage& message) {
+  if (before_ == Step::kRemoving &&
+      HasPrefix(message.text, LOG_TEXT_REMOVE_FAILED + pass_.findings[duplicate_].path + LOG_TEXT_REASON)) {
+    step_ = Step::kFailing;
+    pass_.findings[duplicate_].text = message.text;
+    steps_.push_back(line_);
+  } else {
+    Add(What::kError, message);
+  }
+}
+
+bool PassReader::TellOfPackage(const LogMessage& message) {
+  std::string_view text = message.text;
+  if (text == LOG_TEXT_NOT_INHOUSE) {
+    Add(What::kNotDotnet, message);
+  } else if (text == LOG_TEXT_SAMPLE) {
+    Add(What::kSample, message);
+  } else if (text == LOG_TEXT_NO_MANIFEST) {
+    Add(What::kNoManifest, message);
+  } else if (HasPrefix(text, LOG_TEXT_GUIDE)) {
+    Add(What::kRefused, message);
+  } else if (TakePrefix(text, LOG_TEXT_RUN_ALREADY "(") && HasSuffix(text, ")")) {
+    pass_line_ = 0;
+    Finding& again = Add(What::kRunAlready, message);
+    again.path = text.substr(0, text.size() - 1);
+  } else {
+    return false;
+  }
+  return true;
+}
+
+bool PassReader::TellOfCaches(const LogMessage& message) {
+  std::string_view text = message.text;
+  if (text == LOG_TEXT_RESTART_FAILED) {
+    Add(What::kNotRestarted, message);
+  } else if (TakePrefix(text, LOG_TEXT_SAVE_FILE) && IsCachePath(text)) {
+    step_ = Step::kSaving;
+    steps_ = {line_};
+    file_ = text;
+  } else if (text == LOG_TEXT_SAVED && before_ == Step::kSaving) {
+    Finding& written = Add(What::kWritten, message);
+    written.path = file_;
+    written.lines = {steps_.front(), line_};
+    step_ = Step::kNone;
+  } else if (TakePrefix(text, LOG_TEXT_ERASED)) {
+    const std::size_t from = text.rfind(LOG_TEXT_ERASED_FROM);
+    if (from == std::string_view::npos) return true;
+    const std::string_view file = text.substr(from + std::string_view(LOG_TEXT_ERASED_FROM).size());
+    if (!IsCachePath(file)) return true;
+    Finding& erased = Add(What::kErased, message);
+    erased.origin = WithoutSeparators(text.substr(0, from));
+    erased.path = file;
+  } else {
+    return false;
+  }
+  return true;
+}
+
+}  // namespace orvelbox
