@@ -8,12 +8,11 @@
 #include "orvelbox/trace/spans.h"
 #include "platform/host/json.h"
 
+// Generated from page.html: kTracePage.
+#include "trace_page.h"
+
 namespace orvelbox {
 namespace {
-
-constexpr std::string_view kPage =
-#include "trace_page.inc"
-    ;
 
 std::string Escaped(const std::string& text) { return XmlEscaped(Printable(text)); }
 
@@ -89,10 +88,10 @@ std::string TraceHtml(const std::vector<Lane>& lanes, const std::string& title) 
     tables += Table(lane);
     data.push_back(LaneData(lane));
   }
-  return Filled(kPage, {{"@TITLE@", Escaped(title)},
-                        {"@TABLES@", tables},
-                        {"@LANES@", ScriptData(data)},
-                        {"@COLOURS@", ScriptData(kSpanColours)}});
+  return Filled(kTracePage, {{"@TITLE@", Escaped(title)},
+                             {"@TABLES@", tables},
+                             {"@LANES@", ScriptData(data)},
+                             {"@COLOURS@", ScriptData(kSpanColours)}});
 }
 
 }  // namespace orvelbox

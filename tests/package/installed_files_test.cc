@@ -49,8 +49,9 @@ TEST_F(InstalledFiles, the_host_component_is_the_host_platform_and_orvelbox) {
     expected.insert(std::string(LIBRARY_DIRECTORY "/liborvel_") + name + ".so");
   }
   expected.insert({LIBRARY_DIRECTORY "/dotnet-loader-inhouse", PROGRAM_DIRECTORY "/orvelbox"});
-  expected.insert({"share/orvelbox/Orvelbox.Check.targets", "share/man/man1/orvelbox.1.gz", "share/bash-completion/completions/orvelbox",
-                   "share/zsh/vendor-completions/_orvelbox", "share/fish/vendor_completions.d/orvelbox.fish"});
+  expected.insert({"share/orvelbox/Orvelbox.Check.targets", "share/man/man1/orvelbox.1.gz",
+                   "share/bash-completion/completions/orvelbox", "share/zsh/vendor-completions/_orvelbox",
+                   "share/fish/vendor_completions.d/orvelbox.fish"});
   EXPECT_EQ(FilesBelow(Install("host")), expected);
 }
 
