@@ -191,6 +191,14 @@ TEST(Archive, a_directory_may_be_told_more_than_once) {
               ElementsAre(Pair("bin/", ""), Pair("bin/A.dll", "a")));
 }
 
+TEST(Archive, a_content_that_ends_in_the_middle_is_refused) {
+  std::string zip = support::ZipOfZeros("A.dll", 100000);
+  const std::size_t packed_sizes[] = {18, zip.rfind("PK\1\2") + 20};
+  for (const std::size_t place : packed_sizes) --zip[place];
+  EXPECT_THAT(ProblemOf(zip),
+              HasSubstr("entry \"A.dll\": no zip archive, cut off or damaged (its content ends too early)"));
+}
+
 TEST(Archive, what_is_no_zip_file_is_refused) {
   for (const std::string& text : {std::string(), std::string("no zip file"), std::string(100000, 'x')}) {
     EXPECT_THAT(ProblemOf(text), AllOf(HasSubstr("a.opk: no zip archive, cut off or damaged"), HasSubstr("; ")));
