@@ -94,7 +94,7 @@ void WriteJson(const CheckedPackage& package, const TakePart& take) {
     json["duplicates"] = CountDuplicates(package);
   }
   const std::string text = host::AsciiJson(json);
-  take(std::string_view(text).substr(0, text.size() - 1));
+  take(text.substr(0, text.size() - 1));
   if (package.problem.empty()) {
     WriteList("dlls", package.dlls, take);
     if (const Lines lines = ProjectLines(package); !lines.empty()) WriteList("project_lines", lines, take);

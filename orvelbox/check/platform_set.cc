@@ -52,6 +52,11 @@ std::set<std::string> ReadList(const fs::path& list) {
   return paths;
 }
 
+[[noreturn]] void ThrowTwice(const fs::path& list, const PlacedPackage& package, const std::string& other_root) {
+  throw host::DeviceError(list.string() + ": names the package " + package.id + " twice, in " + package.root +
+                          " and in " + other_root + "; leave one out");
+}
+
 PlatformSet SetOfList(const fs::path& list) {
   Listing platform;
   std::map<std::string, Listing> components;  // by their roots
@@ -75,10 +80,7 @@ PlatformSet SetOfList(const fs::path& list) {
     const std::string id = fs::path(root).filename();
     const auto [place, added] =
         set.coba.try_emplace(id, PlacedPackage{id, root, std::make_shared<PackageFiles>(std::move(listing))});
-    if (!added) {
-      throw host::DeviceError(list.string() + ": names the package " + id + " twice, in " + place->second.root +
-                              " and in " + root + "; leave one out");
-    }
+    if (!added) ThrowTwice(list, place->second, root);
   }
   return set;
 }

@@ -132,6 +132,7 @@ Lines DescribeWhy(const WhyQuestion& question, const std::vector<Removal>& remov
   const std::vector<CheckedDll> untold = Untold(question, removals, today);
   Lines lines = {WithVersion(question.package.id, question.package.version) + " (" + root + ")"};
   std::vector<TextTable::Row> rows;
+  rows.reserve(removals.size() + untold.size());
   for (const Removal& removal : removals) {
     rows.push_back({FateOf(removal), host::From(root, removal.dll), removal.time, removal.origin, NoteOn(removal)});
   }
