@@ -1,5 +1,6 @@
 // orvelbox: runs the command line and returns the exit status.
 #include <exception>
+#include <algorithm>
 #include <string_view>
 
 #include "orvelbox/cli/command_line.h"
@@ -42,5 +43,5 @@ int main(int argc, char** argv) {
   const int status = Run(argc, argv);
   if (orvelbox::FlushOutput()) return status;
   orvelbox::Complain("standard output cannot be written");
-  return orvelbox::kFailed;
+  return std::max(status, orvelbox::kFailed);
 }

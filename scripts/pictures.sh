@@ -30,7 +30,7 @@ draw_text() {
   echo '<style>text{font:13px monospace;fill:#e6e6e6;white-space:pre}</style>'
   echo '<rect width="100%" height="100%" rx="6" fill="#16181d"/>'
   for line in "${lines[@]}"; do
-    line=${line//&/&amp;} line=${line//</&lt;}
+    line=${line//&/\&amp;} line=${line//</\&lt;}
     echo "<text x=\"$x\" y=\"$((y += 18))\" xml:space=\"preserve\">$line</text>"
   done
   echo '</svg>'

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "orvelbox/check/package_checker.h"
+#include "orvelbox/desk/output.h"
 #include "platform/host/child_process.h"
 #include "platform/host/device.h"
 #include "platform/host/device_error.h"
@@ -59,15 +60,22 @@ CheckedPackage CheckOne(const PackageChecker& checker, const std::string& packag
 // How long a signal may wait to be noticed.
 constexpr std::chrono::milliseconds kLook{100};
 
+// Signals that the process ignores (under nohup, say) wait as well while they are held.
 bool IsInterrupted() {
   sigset_t pending;
   sigpending(&pending);
-  return sigismember(&pending, SIGINT) == 1 || sigismember(&pending, SIGTERM) == 1 ||
-         sigismember(&pending, SIGHUP) == 1;
+  const auto interrupts = [&](int signal) {
+    struct sigaction action {};
+    return sigismember(&pending, signal) == 1 && sigaction(signal, nullptr, &action) == 0 &&
+           action.sa_handler != SIG_IGN;
+  };
+  return interrupts(SIGINT) || interrupts(SIGTERM) || interrupts(SIGHUP);
 }
 
-// How many packages are begun for each thread before the first of them is delivered: results that wait take memory.
+// Results that wait for an earlier one take memory: so many packages are begun for each thread before the first of them
+// is delivered, and none while the waiting ones have so many DLLs.
 constexpr std::size_t kAhead = 4;
+constexpr std::size_t kMostWaitingDlls = 20'000;
 
 // Threads that take one package after the other.
 class Workers {
@@ -76,6 +84,7 @@ class Workers {
       : promises_(count), work_(work), ahead_(kAhead * threads) {
     for (auto& promise : promises_) results_.push_back(promise.get_future());
     const std::size_t wanted = std::min<std::size_t>(threads, count);
+    threads_.reserve(wanted);
     while (threads_.size() < wanted && StartThread()) {
     }
   }
@@ -91,15 +100,29 @@ class Workers {
     for (auto& result : results_) {
       for (bool ready = false; !ready;) {
         ready = result.wait_for(kLook) == std::future_status::ready;
-        if (IsInterrupted()) throw host::DeviceError("interrupted");
-        if (ready) receiver.Receive(result.get());
+        if (IsInterrupted()) Interrupt();
+        if (ready) DeliverOne(result.get(), receiver);
         receiver.Finished(finished_);
       }
-      Update([this] { ++delivered_; });
     }
   }
 
  private:
+  // The signal ends the process on the way out: what was said is not to be lost.
+  [[noreturn]] static void Interrupt() {
+    FlushOutput();
+    throw host::DeviceError("interrupted");
+  }
+
+  void DeliverOne(CheckedPackage result, CheckReceiver& receiver) {
+    const std::size_t dlls = result.dlls.size();
+    receiver.Receive(std::move(result));
+    Update([&] {
+      ++delivered_;
+      waiting_dlls_ -= dlls;
+    });
+  }
+
   // If no further thread can be started, those that run do all the work.
   bool StartThread() try {
     threads_.emplace_back([this] { TakeOneAfterTheOther(); });
@@ -113,13 +136,17 @@ class Workers {
     for (std::size_t number = next_++; number < promises_.size() && MayBegin(number); number = next_++) {
       CheckedPackage result = work_(number);
       ++finished_;
+      Update([&] { waiting_dlls_ += result.dlls.size(); });
       promises_[number].set_value(std::move(result));
     }
   }
 
   bool MayBegin(std::size_t number) {
     std::unique_lock lock(mutex_);
-    changed_.wait(lock, [&] { return stopped_ || number < delivered_ + ahead_; });
+    changed_.wait(lock, [&] {
+      const bool has_room = number < delivered_ + ahead_ && waiting_dlls_ < kMostWaitingDlls;
+      return stopped_ || number == delivered_ || has_room;
+    });
     return !stopped_;
   }
 
@@ -140,6 +167,7 @@ class Workers {
   std::mutex mutex_;
   std::condition_variable changed_;
   std::size_t delivered_ = 0;
+  std::size_t waiting_dlls_ = 0;  // in results that are not delivered yet
   bool stopped_ = false;
   std::vector<std::thread> threads_;
 };

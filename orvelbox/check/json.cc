@@ -26,17 +26,6 @@ host::Json ToJson(const CheckedDll& dll) {
   return json;
 }
 
-host::Json ToJson(const std::string& text) { return text; }
-
-// A further member of an object, item by item.
-template <typename Items>
-void WriteList(const char* name, const Items& items, const TakePart& take) {
-  take(std::string(",\"") + name + "\":[");
-  const char* separator = "";
-  for (const auto& item : items) take(std::exchange(separator, ",") + host::AsciiJson(ToJson(item)));
-  take("]");
-}
-
 constexpr const char* kRemovedRule = "duplicate-removed";
 constexpr const char* kReportedRule = "duplicate-reported";
 
@@ -96,8 +85,14 @@ void WriteJson(const CheckedPackage& package, const TakePart& take) {
   const std::string text = host::AsciiJson(json);
   take(text.substr(0, text.size() - 1));
   if (package.problem.empty()) {
-    WriteList("dlls", package.dlls, take);
-    if (const Lines lines = ProjectLines(package); !lines.empty()) WriteList("project_lines", lines, take);
+    const char* separator = ",\"dlls\":[";
+    for (const CheckedDll& dll : package.dlls) take(std::exchange(separator, ",") + host::AsciiJson(ToJson(dll)));
+    take(package.dlls.empty() ? ",\"dlls\":[]" : "]");
+    bool begun = false;
+    WriteProjectLines(package, [&](const std::string& line) {
+      take((std::exchange(begun, true) ? "," : ",\"project_lines\":[") + host::AsciiJson(line));
+    });
+    if (begun) take("]");
   }
   take("}");
 }

@@ -61,6 +61,13 @@ Catalogue LibraryOf(const PlacedPackage& package) {
   return found.library;
 }
 
+// The first of several packages that share a name decides.
+Catalogue Merged(std::map<std::string, Catalogue> components) {
+  Catalogue all;
+  for (auto& [id, component] : components) all.merge(component);
+  return all;
+}
+
 bool IsBefore(const CheckedDll& a, const CheckedDll& b) { return a.path < b.path; }
 
 // Adds the DLLs that the pass did not come to, and puts all into order.
@@ -91,22 +98,25 @@ PackageChecker::PackageChecker(PlatformSet set, std::vector<std::string> privile
   CatalogueTvAppApi(found.All(), root, platform);
   framework_with_api_ = std::move(found.framework);
   for (const auto& [id, component] : set_.coba) components_[id] = ComponentOf(component);
+  all_components_ = Merged(components_);
 }
 
-// What is shared once the package is there: an earlier version of it shares nothing any more.
-Catalogue PackageChecker::ComponentsBeside(const PlacedPackage& own, bool coba) const {
+// What is shared once the package is installed: an earlier version of it shares nothing any more.
+Catalogue PackageChecker::ComponentsWith(const PlacedPackage& own, bool coba) const {
   std::map<std::string, Catalogue> components = components_;
   components.erase(own.id);
   if (coba) components[own.id] = ComponentOf(own);
-  Catalogue all;
-  for (auto& [id, component] : components) all.merge(component);
-  return all;
+  return Merged(components);
 }
 
 void PackageChecker::JudgeDotnet(const PlacedPackage& own, bool coba, bool platform, CheckedPackage& package) const {
-  const Catalogue components = ComponentsBeside(own, coba);
+  const bool changes_them = coba || components_.count(own.id) != 0;
+  const Catalogue components = changes_them ? ComponentsWith(own, coba) : Catalogue();
   const Catalogue library = LibraryOf(own);
-  JudgeAll(own, {&core_, platform ? &framework_with_api_ : &framework_, &components, &library}, package);
+  JudgeAll(
+      own,
+      {&core_, platform ? &framework_with_api_ : &framework_, changes_them ? &components : &all_components_, &library},
+      package);
 }
 
 void PackageChecker::JudgeAll(const PlacedPackage& own, const CatalogueList& catalogues,

@@ -28,7 +28,7 @@ class PackageChecker {
   CheckedPackage Check(const std::filesystem::path& package) const;
 
  private:
-  Catalogue ComponentsBeside(const PlacedPackage& own, bool coba) const;
+  Catalogue ComponentsWith(const PlacedPackage& own, bool coba) const;
   void JudgeDotnet(const PlacedPackage& own, bool coba, bool platform, CheckedPackage& package) const;
   void JudgeAll(const PlacedPackage& own, const CatalogueList& catalogues, CheckedPackage& package) const;
   DllCopy Provided(const std::string& origin, const PlacedPackage& own) const;
@@ -39,7 +39,8 @@ class PackageChecker {
   Catalogue framework_;
   Catalogue framework_with_api_;                 // what packages with the platform privilege see
   std::map<std::string, Catalogue> components_;  // by the id of their packages
-  mutable std::mutex mutex_;                     // guards what follows
+  Catalogue all_components_;
+  mutable std::mutex mutex_;  // guards what follows
   mutable std::unordered_map<std::string, DllCopy> provided_;
 };
 

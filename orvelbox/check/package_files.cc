@@ -23,9 +23,10 @@ namespace fs = std::filesystem;
 namespace orvelbox {
 namespace {
 
-// Of a file on the disk a few headers are read; of one in an archive all that stands before them as well.
+// Of a file on the disk a few headers are read; of one in an archive all that stands before them as well. In bytes.
 constexpr std::size_t kWindow = 4096;
-constexpr std::size_t kLeastUnpacked = 1024;
+constexpr std::size_t kHead = 4096;
+constexpr std::size_t kPiece = 8192;
 constexpr std::size_t kMostUnpacked = std::size_t{8} << 20;
 
 struct CloseDirectory {
@@ -100,25 +101,36 @@ class FilesOfDirectory : public PackageFiles {
   fs::path root_;
 };
 
-// As much of a packed file as was asked for.
+// The bytes of a packed file, read forwards. The headers at its beginning and a window of what was unpacked last are
+// kept.
 class UnpackedBytes : public ByteSource {
  public:
   UnpackedBytes(const Archive& archive, const ArchiveEntry& entry) : content_(archive, entry) {}
 
   std::string_view Read(std::uint64_t at, std::size_t length) override {
-    if (at > kMostUnpacked || length > kMostUnpacked - at) throw BeyondBytes();
-    const std::size_t end = static_cast<std::size_t>(at) + length;
-    while (bytes_.size() < end) {
-      const std::string_view piece = content_.Next(std::max(end - bytes_.size(), kLeastUnpacked));
-      if (piece.empty()) throw BeyondBytes();
-      bytes_ += piece;
-    }
-    return {bytes_.data() + at, length};
+    if (at > kMostUnpacked || length > kWindow) throw BeyondBytes();
+    const auto begin = static_cast<std::size_t>(at);
+    while (end_ < begin + length) Unpack();
+    if (begin + length <= head_.size()) return {head_.data() + begin, length};
+    const std::size_t window_begin = end_ - window_.size();
+    if (begin < window_begin) throw BeyondBytes();
+    return {window_.data() + (begin - window_begin), length};
   }
 
  private:
+  void Unpack() {
+    const std::string_view piece = content_.Next(kPiece);
+    if (piece.empty()) throw BeyondBytes();
+    end_ += piece.size();
+    if (head_.size() < kHead) head_ += piece.substr(0, kHead - head_.size());
+    window_ += piece;
+    if (window_.size() > 2 * kWindow) window_.erase(0, window_.size() - kWindow);
+  }
+
   ArchiveContent content_;
-  std::string bytes_;
+  std::string head_;
+  std::string window_;
+  std::size_t end_ = 0;  // of what was unpacked
 };
 
 Listing ListingOf(const Archive& archive) {

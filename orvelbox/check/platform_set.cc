@@ -8,6 +8,7 @@
 #include <set>
 #include <sstream>
 
+#include "base/affix.h"
 #include "base/fixed_names.h"
 #include "morvath/metadata_utils.h"
 #include "orvelbox/desk/tree.h"
@@ -34,7 +35,10 @@ std::string Above(const std::string& path) { return path.substr(0, path.rfind('/
 
 // The paths of a list. A directory that `find` names beside what it holds does not count.
 std::set<std::string> ReadList(const fs::path& list) {
-  std::istringstream lines(host::ReadFile(list));
+  constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
+  std::string text = host::ReadFile(list);
+  if (HasPrefix(text, kByteOrderMark)) text.erase(0, kByteOrderMark.size());
+  std::istringstream lines(text);
   std::set<std::string> paths;
   std::set<std::string> directories;
   std::string line;
@@ -102,11 +106,11 @@ PlatformSet SetOfDevice(const host::Device& device) {
 
 PlatformSet SetOfPlatform(const fs::path& platform) {
   std::error_code ignored;
-  if (fs::is_regular_file(platform, ignored)) return SetOfList(platform);
   if (!fs::exists(platform, ignored)) {
     throw host::DeviceError(platform.string() +
                             ": no such file or directory; name a list file or a directory of platform assemblies");
   }
+  if (!fs::is_directory(platform, ignored)) return SetOfList(platform);
   RequirePlatform(platform);
   PlatformSet set;
   set.assemblies = FilesIn(platform);

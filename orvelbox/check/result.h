@@ -71,7 +71,7 @@ std::string FileOf(const CheckedPackage& package, const CheckedDll& dll);
 
 // The lines for the duplicates of `package` that a copy outside of it makes duplicates, to be put inside of <Project>.
 // None when there are none.
-Lines ProjectLines(const CheckedPackage& package);
+void WriteProjectLines(const CheckedPackage& package, const TakeLine& take);
 
 // Everything as one line of JSON, handed to `take` in parts.
 using TakePart = std::function<void(std::string_view part)>;

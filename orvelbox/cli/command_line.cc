@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
 
@@ -98,11 +99,14 @@ std::string NoSuchOption(const std::string& typed, const CLI::App& command) {
       for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
     }
   }
+  const bool known = std::find(names.begin(), names.end(), typed) != names.end();
+  if (known) return typed + ": stands before the command that takes it; write: " + NameOf(command) + " " + typed;
   return typed + ": no such option" + WayOut(typed, names, command);
 }
 
 // What is wrong with a word that has no place.
 std::string FaultOf(const std::string& word, const CLI::App& command) {
+  if (word.empty()) return "an empty argument; see: " + HelpOn(command);
   if (word.front() == '-') return NoSuchOption(word.substr(0, word.find('=')), command);
   std::vector<std::string> names;
   for (const CLI::App* below : command.get_subcommands({})) names.push_back(below->get_name());
@@ -110,11 +114,11 @@ std::string FaultOf(const std::string& word, const CLI::App& command) {
   return word + ": no such command" + WayOut(word, names, command);
 }
 
-// The first of the words that have no place; empty when there is none.
-std::string LeftOver(const CLI::App& app) {
+// The first of the words that have no place.
+std::optional<std::string> LeftOver(const CLI::App& app) {
   const std::vector<std::string> left = app.remaining(true);
   const auto word = std::find_if(left.begin(), left.end(), [](const std::string& text) { return text != "--"; });
-  return word == left.end() ? "" : *word;
+  return word == left.end() ? std::nullopt : std::optional(*word);
 }
 
 // Says what CLI11 has to say, help or an error; but a mistyped word is told first, which explains the rest.
@@ -123,8 +127,8 @@ int Explain(const CLI::App& app, const CLI::ParseError& error) {
   std::stringstream complaint;
   const bool usage = app.exit(error, help, complaint) != 0;
   for (std::string line; std::getline(help, line);) Say(line);
-  const std::string left_over = usage ? LeftOver(app) : "";
-  if (!left_over.empty()) complaint.str(FaultOf(left_over, Chosen(app)));
+  const std::optional<std::string> left_over = usage ? LeftOver(app) : std::nullopt;
+  if (left_over) complaint.str(FaultOf(*left_over, Chosen(app)));
   for (std::string line; std::getline(complaint, line);) {
     if (!line.empty()) Complain(line);
   }

@@ -128,11 +128,43 @@ class Line {
   bool only_arguments_ = false;
 };
 
-// Whatever is waited for, be it a database or a file system, the program ends in time and without a word.
-void LimitTime() {
-  std::signal(SIGALRM, [](int) { _exit(kDone); });
-  const itimerval limit{{}, {0, kPatienceMicroseconds}};
-  setitimer(ITIMER_REAL, &limit, nullptr);
+void SetTimer(suseconds_t microseconds) {
+  const itimerval timer{{}, {0, microseconds}};
+  setitimer(ITIMER_REAL, &timer, nullptr);
+}
+
+// While this lives, the program ends in time and without a word, whatever it waits for: a database, a file system.
+class TimeLimit {
+ public:
+  TimeLimit() {
+    std::signal(SIGALRM, [](int) { _exit(kDone); });
+    SetTimer(kPatienceMicroseconds);
+  }
+  TimeLimit(const TimeLimit&) = delete;
+  TimeLimit& operator=(const TimeLimit&) = delete;
+  ~TimeLimit() { SetTimer(0); }
+};
+
+// The lines that a shell reads; `left_out` is how much of each candidate it has kept.
+std::string AnswerOf(const Offer& offer, std::size_t left_out) {
+  std::string answer;
+  for (const Candidate& candidate : offer.candidates) {
+    answer += candidate.text.substr(left_out);
+    if (!candidate.description.empty()) answer += "\t" + Printable(candidate.description);
+    answer += '\n';
+  }
+  return offer.files ? answer + "/\n" : answer;
+}
+
+std::string Answer(const Commands& commands, std::string_view line, std::string_view kept) {
+  const TimeLimit limit;
+  GlobalOptions global;
+  const CommandFacts program = DescribeProgram(commands, global);
+  std::vector<std::string> words = ShellWords(line);
+  words.erase(words.begin());
+  if (words.empty()) return "";
+  const std::size_t left_out = std::min(ShellWords(kept).back().size(), words.back().size());
+  return AnswerOf(OfferFor(program, global, words), left_out);
 }
 
 }  // namespace
@@ -171,20 +203,9 @@ Offer OfferFor(const CommandFacts& program, const GlobalOptions& global, const s
   return offer;
 }
 
+// The time is over for what is found out, not for what is said of it: half an answer would be taken for the whole one.
 void Complete(const Commands& commands, std::string_view line, std::string_view kept) {
-  LimitTime();
-  GlobalOptions global;
-  const CommandFacts program = DescribeProgram(commands, global);
-  std::vector<std::string> words = ShellWords(line);
-  words.erase(words.begin());
-  if (words.empty()) return;
-  const Offer offer = OfferFor(program, global, words);
-  const std::size_t left_out = std::min(ShellWords(kept).back().size(), words.back().size());
-  for (const Candidate& candidate : offer.candidates) {
-    const std::string description = candidate.description.empty() ? "" : "\t" + Printable(candidate.description);
-    SayColoured(candidate.text.substr(left_out) + description);
-  }
-  if (offer.files) Say("/");
+  SayPart(Answer(commands, line, kept));
 }
 
 }  // namespace orvelbox

@@ -71,9 +71,17 @@ int Run(const CheckRequest& request, const std::string& format, Level grave, con
   try {
     CheckReporter reporter(format, grave, request.packages.size(), global.quiet);
     CheckPackages(request, device, reporter);
-    return reporter.Finish();
+    const int status = reporter.Finish();
+    return FlushOutput() ? status : kUnreadable;
   } catch (const std::exception& error) {
-    Complain(error.what());
+    if (format != kMsbuild) {
+      Complain(error.what());
+    } else {
+      CheckedPackage nothing;
+      nothing.name = request.platform.empty() ? device.string() : request.platform;
+      nothing.problem = error.what();
+      WriteMsbuild(nothing, Say);
+    }
     return kUnreadable;
   }
 }

@@ -9,7 +9,8 @@ _orvelbox() {
       compopt -o filenames
       COMPREPLY+=("$candidate")
     else
-      COMPREPLY+=("$(printf %q "$candidate")")
+      printf -v candidate %q "$candidate"
+      COMPREPLY+=("$candidate")
     fi
   done < <("${1/#\~\//$HOME/}" __complete "$line" "${line%"$2"}" 2>/dev/null)
 }

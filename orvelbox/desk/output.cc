@@ -27,7 +27,8 @@ std::string Escaped(char byte) {
 
 // Is it a bidirectional control character, which can reorder a line?
 constexpr bool IsBidirectionalControl(char32_t code) {
-  return (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+  return (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069) || code == 0x200E || code == 0x200F ||
+         code == 0x061C;
 }
 
 bool IsPlain(std::string_view text) {

@@ -13,11 +13,11 @@
 #include <zlib.h>
 
 #include <cstdint>
+#include <deque>
 #include <filesystem>
 #include <functional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "base/unique_fd.h"
 #include "orvelbox/package/archive_limits.h"
@@ -45,7 +45,7 @@ class Archive {
   explicit Archive(const std::filesystem::path& file, const ArchiveLimits& limits = {});
 
   // In the order of the archive's directory. Directories that only the paths of others imply are not among them.
-  const std::vector<ArchiveEntry>& entries() const { return entries_; }
+  const std::deque<ArchiveEntry>& entries() const { return entries_; }
   const std::string& name() const { return name_; }
   int file() const { return file_.get(); }
 
@@ -62,7 +62,7 @@ class Archive {
 
   std::string name_;
   UniqueFd file_;
-  std::vector<ArchiveEntry> entries_;
+  std::deque<ArchiveEntry> entries_;  // grows without being copied
 };
 
 // The content of one entry, unpacked piece by piece.

@@ -14,6 +14,7 @@ struct ArchiveLimits {
   std::uint64_t ratio = 200;
   std::uint64_t unsuspicious_bytes = std::uint64_t{16} << 20;
   std::size_t path_bytes = 1024;
+  std::size_t all_path_bytes = std::size_t{8} << 20;
   std::size_t depth = 64;  // names in one path
 };
 

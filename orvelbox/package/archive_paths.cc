@@ -26,6 +26,11 @@ std::string ArchivePaths::Add(std::string_view written, bool directory, std::str
   if (written.size() > limits_.path_bytes) {
     return "has a path of more than " + std::to_string(limits_.path_bytes) + " bytes; choose shorter names";
   }
+  bytes_ += written.size();
+  if (bytes_ > limits_.all_path_bytes) {
+    return "is one too many: the archive's paths have more than " + std::to_string(limits_.all_path_bytes) +
+           " bytes in all; choose shorter names";
+  }
   std::size_t depth = 0;
   while (!written.empty()) {
     const std::size_t end = std::min(written.find('/'), written.size());

@@ -24,6 +24,7 @@ class ArchivePaths {
 
   ArchiveLimits limits_;
   std::uint64_t told_ = 0;                             // entries, those with the same path among them
+  std::uint64_t bytes_ = 0;                            // of their paths
   std::unordered_map<std::string, bool> directories_;  // of every path there is: is it a directory?
 };
 

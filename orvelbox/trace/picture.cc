@@ -33,7 +33,10 @@ std::string Times(const Span& span) {
 std::string Label(const Span& span, std::int64_t x, std::int64_t y, std::int64_t width) {
   const auto room = static_cast<std::size_t>(std::max<std::int64_t>(0, (width - 6) / kCharacter));
   if (room < 3) return "";
-  return "<text" + Attribute("x", x + 3) + Attribute("y", y + 14) + ">" + Escaped(span.name.substr(0, room)) +
+  std::size_t length = std::min(room, span.name.size());
+  const auto continues = [&] { return (static_cast<unsigned char>(span.name[length]) & 0xC0U) == 0x80U; };
+  while (length < span.name.size() && length > 0 && continues()) --length;
+  return "<text" + Attribute("x", x + 3) + Attribute("y", y + 14) + ">" + Escaped(span.name.substr(0, length)) +
          "</text>";
 }
 

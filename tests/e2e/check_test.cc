@@ -5,6 +5,7 @@
 
 #include "platform/host/json.h"
 #include "tests/support/assembly.h"
+#include "tests/support/command.h"
 #include "tests/support/orvelbox_desk.h"
 #include "tests/support/zip.h"
 
@@ -160,6 +161,10 @@ TEST_F(CheckE2e, msbuild_lines_name_files_and_say_each_thing_once) {
                             "framework/Json.dll; the install removes it.\n" + (dir_ / "nowhere") +
                             ": error ORVEL1003: no such directory; name the directory or the archive of a package\n");
   EXPECT_EQ(result.err, "");
+  EXPECT_EQ(RunExpecting(2, {"check", "--format", "msbuild", "--platform", dir_ / "no.txt", package}).out,
+            (dir_ / "no.txt") +
+                ": error ORVEL1003: no such file or directory; name a list file or a directory of platform "
+                "assemblies\n");
 }
 
 TEST_F(CheckE2e, what_makes_it_fail_can_be_chosen) {
@@ -202,6 +207,33 @@ TEST_F(CheckE2e, bad_sources_are_named_with_the_way_out) {
   }
   EXPECT_THAT(RunExpecting(2, {"check", "--coba", package, package}).err, HasSubstr(": is no CoBA package"));
   EXPECT_THAT(RunExpecting(2, {"--device", dir_ / "empty", "check", package}).err, HasSubstr(": no device there"));
+}
+
+TEST_F(CheckE2e, an_answer_that_cannot_be_written_is_no_answer) {
+  AddPlatformFile("framework/Json.dll");
+  const std::string check = "{ " ORVELBOX_PROGRAM " --device '" + device_.directory.string() + "' check ";
+  for (const std::string format : {"table", "json", "sarif", "msbuild"}) {
+    EXPECT_EQ(
+        support::OutputOf(check + "--format " + format + " '" + Shop({{"Json.dll", ""}}) + "' >/dev/full; echo $?; }"),
+        "orvelbox: standard output cannot be written\n2\n")
+        << format;
+  }
+}
+
+TEST_F(CheckE2e, a_hangup_that_is_ignored_interrupts_nothing) {
+  const std::string package = Shop({});
+  ASSERT_EQ(mkfifo((dir_ / "tv.txt").c_str(), 0600), 0);
+  // The list comes from a pipe, so that the signal is there before the check begins.
+  const std::string check = "(trap '' HUP; exec " ORVELBOX_PROGRAM " check --platform '" + (dir_ / "tv.txt") + "' '" +
+                            package + "') & sleep 0.2; kill -HUP $!; echo '" + kPlatform + "framework/Json.dll' >'" +
+                            (dir_ / "tv.txt") + "'; wait $!";
+  EXPECT_THAT(support::OutputOf(check), AllOf(HasSubstr(": no DLLs"), Not(HasSubstr("interrupted"))));
+}
+
+TEST_F(CheckE2e, a_list_may_begin_with_a_byte_order_mark) {
+  support::WriteFile(dir_ / "tv.txt", "\xef\xbb\xbf" + std::string(kPlatform) + "framework/Json.dll\n");
+  EXPECT_THAT(Verdicts(1, {"--platform", dir_ / "tv.txt", Shop({{"Json.dll", ""}})}),
+              ElementsAre(HasSubstr("removed Json.dll")));
 }
 
 TEST_F(CheckE2e, wrong_usage_ends_with_2) {

@@ -15,12 +15,14 @@ class MsbuildE2e : public Desk {
     support::WriteFile(dir_ / "tv.txt", "/usr/share/dotnet.orvel/framework/Json.dll\n");
     support::WriteFile(dir_ / "Shop.proj", R"(<Project xmlns="http://schemas.microsoft.com/developer/msbuild/2003">
   <PropertyGroup>
-    <IntermediateOutputPath>obj/</IntermediateOutputPath>
     <OrvelboxPackage>packages/shop</OrvelboxPackage>
     <OrvelboxPlatform>tv.txt</OrvelboxPlatform>
   </PropertyGroup>
   <Target Name="Build"><MakeDir Directories="obj" /></Target>
   <Import Project=")" ORVELBOX_TARGETS R"(" />
+  <PropertyGroup>
+    <IntermediateOutputPath>obj/</IntermediateOutputPath>
+  </PropertyGroup>
 </Project>)");
   }
 
@@ -42,6 +44,7 @@ TEST_F(MsbuildE2e, duplicates_are_warnings_until_something_changes) {
                                Not(HasSubstr(kFailed)));
   EXPECT_THAT(Build(), duplicate);
   EXPECT_EQ(Build(), "");
+  EXPECT_TRUE(support::IsThere(dir_ / "obj/orvelbox-check.stamp")) << "though obj/ is set after the import";
   std::filesystem::remove(dir_ / "packages/shop/Own.dll");
   EXPECT_THAT(Build(), duplicate);
   EXPECT_EQ(Build(), "");
@@ -64,6 +67,14 @@ TEST_F(MsbuildE2e, an_install_that_would_fail_fails_the_build) {
 
 TEST_F(MsbuildE2e, a_package_that_cannot_be_read_fails_the_build) {
   EXPECT_THAT(Build(), AllOf(HasSubstr("packages/shop: error ORVEL1003: "), HasSubstr(kFailed)));
+}
+
+TEST_F(MsbuildE2e, no_name_is_read_by_a_shell) {
+  MakeShop();
+  std::filesystem::rename(dir_ / "packages/shop", dir_ / "packages/`touch read`'$HOME");
+  EXPECT_THAT(Build("/p:OrvelboxTool=" ORVELBOX_PROGRAM " \"/p:OrvelboxPackage=packages/\\`touch read\\`'\\$HOME\""),
+              HasSubstr("warning ORVEL1001"));
+  EXPECT_FALSE(support::IsThere(dir_ / "read"));
 }
 
 TEST_F(MsbuildE2e, a_missing_tool_or_platform_is_one_warning) {

@@ -145,16 +145,25 @@ TEST(TextTable, columns_are_as_wide_as_their_characters_and_empty_ones_left_out)
   EXPECT_EQ(table.Line({"x", "", "2"}), "x       2");
 }
 
+Lines ProjectLines(const CheckedPackage& package) {
+  Lines lines;
+  WriteProjectLines(package, [&](const std::string& line) { lines.push_back(line); });
+  return lines;
+}
+
 TEST(ProjectLines, name_each_provided_dll_once_and_escape_it) {
-  const CheckedPackage package = Package({Dll("bin/A&B.dll", Verdict::kRemoved, std::string(kFramework) + "A&B.dll"),
-                                          Dll("res/A&B.dll", Verdict::kRemoved, std::string(kFramework) + "A&B.dll"),
-                                          Dll("bin/It's.dll", Verdict::kReportedOnly, "/opt/other/It's.dll"),
-                                          Dll("bin/Kept.dll", Verdict::kKept, "")});
+  const CheckedPackage package =
+      Package({Dll("bin/A&B.dll", Verdict::kRemoved, std::string(kFramework) + "A&B.dll"),
+               Dll("res/A&B.dll", Verdict::kRemoved, std::string(kFramework) + "A&B.dll"),
+               Dll("bin/It's.dll", Verdict::kReportedOnly, "/opt/other/It's.dll"),
+               Dll("bin/a;%(b).dll", Verdict::kRemoved, std::string(kFramework) + "a;%(b).dll"),
+               Dll("bin/Kept.dll", Verdict::kKept, "")});
   const std::vector<std::string> lines = ProjectLines(package);
   EXPECT_EQ(
       std::count(lines.begin(), lines.end(), "  <PackageReference Update=\"A&amp;B\" ExcludeAssets=\"runtime\" />"), 1);
   EXPECT_THAT(lines, Contains(HasSubstr("'A&amp;B.dll'")));
   EXPECT_THAT(lines, Contains(HasSubstr("'It%27s.dll'")));
+  EXPECT_THAT(lines, Contains(HasSubstr("Update=\"a%3B%25(b)\"")));
   EXPECT_THAT(lines, Not(Contains(HasSubstr("Kept"))));
 }
 
@@ -283,6 +292,26 @@ TEST(Workers, results_that_wait_behind_slow_work_are_few) {
   };
   EXPECT_EQ(ResultsOf(1000, 2, work).size(), 1000U);
   EXPECT_LE(begun_before_the_first, 8U);
+}
+
+TEST(Workers, no_work_begins_while_large_results_wait) {
+  std::atomic<std::size_t> begun{0};
+  std::size_t begun_before_the_first = 0;
+  const auto work = [&](std::size_t number) {
+    ++begun;
+    if (number == 0) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+      begun_before_the_first = begun;
+    }
+    CheckedPackage package;
+    package.dlls.resize(20'000);
+    return package;
+  };
+  Results results;
+  const host::HeldSignals signals;
+  RunOnThreads(20, 2, work, results);
+  EXPECT_EQ(results.names.size(), 20U);
+  EXPECT_EQ(begun_before_the_first, 2U);
 }
 
 TEST(Workers, an_interruption_stops_the_work) {

@@ -88,6 +88,8 @@ TEST_F(CommandLine, a_mistyped_option_is_told_from_what_was_meant) {
   EXPECT_EQ(ComplaintAbout({"cut", "--fien"}), "orvelbox: --fien: no such option; did you mean --fine?\n");
   EXPECT_EQ(ComplaintAbout({"cut", "-device=d", "x"}), "orvelbox: -device: no such option; did you mean --device?\n");
   EXPECT_EQ(ComplaintAbout({"wait", "--fine"}), "orvelbox: --fine: no such option; see: orvelbox wait --help\n");
+  EXPECT_EQ(ComplaintAbout({"--how", "a", "cut", "x"}),
+            "orvelbox: --how: stands before the command that takes it; write: orvelbox cut --how\n");
   EXPECT_EQ(ComplaintAbout({"cut", "x", "deep", "--bogus"}),
             "orvelbox: --bogus: no such option; see: orvelbox cut deep --help\n");
 }

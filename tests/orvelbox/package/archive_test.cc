@@ -229,6 +229,13 @@ TEST(Archive, no_deeper_paths_than_the_limit_are_taken) {
   EXPECT_THAT(ProblemOf(ZipOf({{"a/b/c", ""}}), limits), HasSubstr("more than 2 directories deep"));
 }
 
+TEST(Archive, no_more_bytes_of_paths_than_the_limit_are_taken) {
+  ArchiveLimits limits;
+  limits.all_path_bytes = 10;
+  EXPECT_EQ(ProblemOf(ZipOf({{"four", ""}, {"sixsix", ""}}), limits), "no error");
+  EXPECT_THAT(ProblemOf(ZipOf({{"four", ""}, {"seven77", ""}}), limits), HasSubstr("more than 10 bytes in all"));
+}
+
 TEST(Archive, no_longer_paths_than_the_limit_are_taken) {
   ArchiveLimits limits;
   limits.path_bytes = 5;

@@ -55,6 +55,11 @@ TEST(TracePicture, boxes_lie_where_the_time_went) {
   EXPECT_THAT(svg, HasSubstr("<rect class=\"span\" x=\"1189\" y=\"50\" width=\"1\" height=\"18\""));
 }
 
+TEST(TracePicture, labels_are_cut_between_characters) {
+  const Lane lane{7, 7, {{"all", 0, 100, 0, true}, {"aéééé", 0, 3, 1, true}}};
+  EXPECT_THAT(TraceSvg({lane}), HasSubstr(">aé</text>"));
+}
+
 TEST(TracePicture, lanes_lie_one_below_the_other) {
   const std::string svg = TraceSvg({Sample(), Sample()});
   EXPECT_THAT(svg, HasSubstr("viewBox=\"0 0 1200 150\""));
