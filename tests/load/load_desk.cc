@@ -18,7 +18,8 @@ constexpr int kProcesses = 8;
 constexpr int kDefaultSeconds = 120;
 constexpr std::chrono::seconds kRound(10);
 constexpr std::chrono::seconds kPatience(60);  // for the end of a command
-constexpr std::size_t kLongestDelay = 150;        // milliseconds until a process is killed, or trouble begins or ends
+constexpr std::size_t kLongestLife = 400;      // milliseconds until a process is killed
+constexpr std::size_t kLongestTrouble = 150;   // milliseconds until trouble begins or ends
 
 unsigned NumberFromEnvironment(const char* name, unsigned otherwise) {
   const char* text = std::getenv(name);
@@ -30,7 +31,7 @@ Random RandomOf(unsigned seed, unsigned part) {
   return Random(sequence);
 }
 
-milliseconds Delay(Random& random) { return milliseconds(Below(kLongestDelay, random)); }
+milliseconds Delay(std::size_t longest, Random& random) { return milliseconds(Below(longest, random)); }
 
 std::vector<pid_t> ChildrenOf(pid_t process) {
   const std::string number = std::to_string(process);
@@ -104,7 +105,7 @@ void LoadDesk::StartNext(Slot& slot, const Trouble& trouble) const {
   slot.command = DrawCommand(slot.random);
   slot.killed = false;
   slot.kill_at.reset();
-  const milliseconds delay = Delay(slot.random);
+  const milliseconds delay = Delay(kLongestLife, slot.random);
   if (trouble.kills && Below(2, slot.random) == 0) slot.kill_at = Clock::now() + delay;
   slot.process = Start(slot.command.arguments, [] { setpgid(0, 0); });
 }
@@ -145,8 +146,11 @@ void LoadDesk::Advance(Slot& slot, const Trouble& trouble) {
   if (slot.kill_at && Clock::now() >= *slot.kill_at) Kill(slot);
   if (!HasEnded(slot.process)) return;
   const std::string number = std::to_string(slot.process);
+  const std::string outputs[] = {dir_ / ("out-" + number), dir_ / ("err-" + number)};
+  // A process that was killed at once has not created them.
+  for (const std::string& output : outputs) std::ofstream(output, std::ios::app);
   const e2e::Result result = WaitFor(slot.process);
-  for (const char* output : {"out-", "err-"}) e2e::fs::remove(dir_ / (output + number));
+  for (const std::string& output : outputs) e2e::fs::remove(output);
   slot.process = 0;
   Judge(slot, result, trouble);
 }
@@ -172,14 +176,14 @@ void LoadDesk::RunRound(unsigned seed, Clock::time_point end, const Trouble& tro
   std::vector<Slot> slots(kProcesses);
   for (int i = 0; i < kProcesses; ++i) slots[i].random = RandomOf(seed, i);
   Random random = RandomOf(seed, kProcesses);
-  Clock::time_point next_trouble = Clock::now() + Delay(random);
+  Clock::time_point next_trouble = Clock::now() + Delay(kLongestTrouble, random);
   bool troubled = false;
   for (bool running = true; running; std::this_thread::sleep_for(milliseconds(1))) {
     if (trouble.begin && Clock::now() >= next_trouble) {
       troubled = !troubled;
       troubled ? trouble.begin(random) : trouble.end();
       counts_.troubles += troubled ? 1 : 0;
-      next_trouble = Clock::now() + Delay(random);
+      next_trouble = Clock::now() + Delay(kLongestTrouble, random);
     }
     running = false;
     for (Slot& slot : slots) {
