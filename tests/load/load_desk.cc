@@ -16,9 +16,10 @@ namespace {
 
 constexpr int kProcesses = 8;
 constexpr int kDefaultSeconds = 120;
-constexpr std::chrono::seconds kRound(10);
+constexpr std::chrono::seconds kRound(3);
 constexpr std::chrono::seconds kPatience(60);  // for the end of a command
 constexpr std::size_t kLongestLife = 400;      // milliseconds until a process is killed
+constexpr std::size_t kLongestRest = 200;      // milliseconds after a command that was refused
 constexpr std::size_t kLongestTrouble = 150;   // milliseconds until trouble begins or ends
 
 unsigned NumberFromEnvironment(const char* name, unsigned otherwise) {
@@ -101,12 +102,13 @@ LoadDesk::Command LoadDesk::DrawCommand(Random& random) const {
   return choice->second;
 }
 
-void LoadDesk::StartNext(Slot& slot, const Trouble& trouble) const {
+void LoadDesk::StartNext(Slot& slot, Clock::time_point end, const Trouble& trouble) const {
   slot.command = DrawCommand(slot.random);
   slot.killed = false;
-  slot.kill_at.reset();
+  slot.kill_at = end;
   const milliseconds delay = Delay(kLongestLife, slot.random);
-  if (trouble.kills && Below(2, slot.random) == 0) slot.kill_at = Clock::now() + delay;
+  if (Below(2, slot.random) == 0) slot.kill_at = std::min(end, Clock::now() + delay);
+  if (!trouble.kills) slot.kill_at.reset();
   slot.process = Start(slot.command.arguments, [] { setpgid(0, 0); });
 }
 
@@ -152,6 +154,8 @@ void LoadDesk::Advance(Slot& slot, const Trouble& trouble) {
   const e2e::Result result = WaitFor(slot.process);
   for (const std::string& output : outputs) e2e::fs::remove(output);
   slot.process = 0;
+  // Refused commands would take most of the processor from the one that changes the device.
+  if (InUse(result)) slot.next_start = Clock::now() + Delay(kLongestRest, slot.random);
   Judge(slot, result, trouble);
 }
 
@@ -187,7 +191,7 @@ void LoadDesk::RunRound(unsigned seed, Clock::time_point end, const Trouble& tro
     }
     running = false;
     for (Slot& slot : slots) {
-      if (slot.process == 0 && Clock::now() < end) StartNext(slot, trouble);
+      if (slot.process == 0 && Clock::now() >= slot.next_start && Clock::now() < end) StartNext(slot, end, trouble);
       if (slot.process != 0) Advance(slot, trouble);
       running = running || slot.process != 0 || Clock::now() < end;
     }

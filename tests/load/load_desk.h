@@ -1,5 +1,6 @@
 // Eight orvelbox processes at a time on one device, with random commands, and random trouble meanwhile. A run consists
-// of rounds. After each round the trouble ends, one command repairs the device, and the device must be sound.
+// of rounds. At its end every process that is still running is killed, if there are kills, and other trouble ends. Then
+// one command repairs the device, and the device must be sound.
 // Environment: ORVEL_LOAD_SECONDS, the duration (default 120); ORVEL_LOAD_SEED, the seed of the first round (default: a
 // random one). The seed determines commands and trouble, but not which process is faster.
 #ifndef TESTS_LOAD_LOAD_DESK_H_
@@ -62,13 +63,14 @@ class LoadDesk : public e2e::HookDesk {
   struct Slot {
     Random random;
     pid_t process = 0;  // 0: none
+    Clock::time_point next_start;
     Command command;
     std::optional<Clock::time_point> kill_at;
     bool killed = false;
   };
 
   Command DrawCommand(Random& random) const;
-  void StartNext(Slot& slot, const Trouble& trouble) const;
+  void StartNext(Slot& slot, Clock::time_point end, const Trouble& trouble) const;
   void Kill(Slot& slot);
   void Advance(Slot& slot, const Trouble& trouble);
   void Judge(const Slot& slot, const e2e::Result& result, const Trouble& trouble);
