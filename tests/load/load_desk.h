@@ -1,8 +1,9 @@
 // Eight orvelbox processes at a time on one device, with random commands, and random trouble meanwhile. A run consists
 // of rounds. At its end every process that is still running is killed, if there are kills, and other trouble ends. Then
 // one command repairs the device, and the device must be sound.
-// Environment: ORVEL_LOAD_SECONDS, the duration (default 120); ORVEL_LOAD_SEED, the seed of the first round (default: a
-// random one). The seed determines commands and trouble, but not which process is faster.
+// Environment: ORVEL_LOAD_SECONDS, the duration (default 120); ORVEL_LOAD_SEED, the seed of all rounds (default: a
+// different one for each round, which is printed). The seed determines commands and trouble, but not which process is
+// faster, so a failing one may have to run for several rounds.
 #ifndef TESTS_LOAD_LOAD_DESK_H_
 #define TESTS_LOAD_LOAD_DESK_H_
 
@@ -74,6 +75,7 @@ class LoadDesk : public e2e::HookDesk {
   void Kill(Slot& slot);
   void Advance(Slot& slot, const Trouble& trouble);
   void Judge(const Slot& slot, const e2e::Result& result, const Trouble& trouble);
+  void AbandonHanging(Slot& slot) const;
   void RunRound(unsigned seed, Clock::time_point end, const Trouble& trouble);
   void Mend();
   // Installs every package's version again, without trouble; then the plug-in's effects must be complete too.
