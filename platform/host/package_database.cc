@@ -89,7 +89,7 @@ void AlignPermissions(const std::filesystem::path& file) {
   const auto permissions = std::filesystem::status(file, ignored).permissions();
   for (const char* suffix : {"-wal", "-shm"}) {
     const std::string beside = file.native() + suffix;
-    if (access(beside.c_str(), W_OK) != 0) std::filesystem::permissions(beside, permissions, ignored);
+    if (access(beside.c_str(), R_OK | W_OK) != 0) std::filesystem::permissions(beside, permissions, ignored);
   }
 }
 

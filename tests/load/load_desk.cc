@@ -6,6 +6,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <fstream>
 #include <iostream>
 #include <thread>
 
@@ -101,8 +102,7 @@ void LoadDesk::OnNewDevice(const std::function<void()>& prepare) {
 }
 
 LoadDesk::Command LoadDesk::DrawCommand(Random& random) const {
-  const auto& versions = std::next(known_.begin(), Below(known_.size(), random))->second;
-  const KnownVersion& package = std::next(versions.begin(), Below(versions.size(), random))->second;
+  const KnownVersion& package = Drawn(Drawn(known_, random), random);
   const std::string& source = Below(2, random) == 0 ? package.directory : package.archive;
   const std::vector<std::pair<std::size_t, Command>> choices = {
       {5, {{"install", source}, true, {0, 1}}},

@@ -25,6 +25,12 @@ using Random = std::mt19937;
 // A number in [0, limit), the same with every standard library.
 inline std::size_t Below(std::size_t limit, Random& random) { return random() % limit; }
 
+// A value of a map.
+template <typename Map>
+const typename Map::mapped_type& Drawn(const Map& map, Random& random) {
+  return std::next(map.begin(), static_cast<std::ptrdiff_t>(Below(map.size(), random)))->second;
+}
+
 struct Trouble {
   bool kills = false;                  // commands and their hooks
   std::function<void(Random&)> begin;  // called at random moments, in turns with `end`
