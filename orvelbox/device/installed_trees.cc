@@ -175,6 +175,7 @@ std::string InstalledTrees::Undo(const Pending& pending) const {
 }
 
 std::vector<std::string> InstalledTrees::Mend() const {
+  host::RemoveUnfinished(device_.LoaderRecord());
   std::vector<std::string> mended;
   if (const auto pending = journal_.Read()) {
     const std::string outcome = pending->decided ? Complete(*pending) : Undo(*pending);

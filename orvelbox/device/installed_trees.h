@@ -50,8 +50,6 @@ class InstalledTrees {
 
   // To be called before the hooks of a removal: until Remove, a killed run is undone.
   void BeginRemoval(const std::string& package_id) const;
-  // Keeps the package, and the cache files as they are now.
-  void AbandonRemoval() const { journal_.End(); }
   // Keeps the package and restores the cache files.
   void UndoRemoval() const;
   // Removes the package's tree and record.

@@ -138,10 +138,11 @@ Change Uninstall(const Session& session, const std::string& package_id) {
   session.trees().BeginRemoval(package_id);
   const auto call_hooks = [&] { return CallHooksFor(session, change.package, {"UNINSTALL", "CLEAN"}); };
   change.effects = WithRollback(call_hooks, [&] { session.trees().UndoRemoval(); });
-  if (change.Done()) {
-    session.trees().Remove(change.package);
+  change.undone = !change.Done();
+  if (change.undone) {
+    session.trees().UndoRemoval();
   } else {
-    session.trees().AbandonRemoval();
+    session.trees().Remove(change.package);
   }
   return change;
 }

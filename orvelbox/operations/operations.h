@@ -58,7 +58,7 @@ Change Install(const Session& session, const std::filesystem::path& directory);
 // UPGRADE, then CLEAN (UNDO after -1). On failure the previous version is restored.
 Change Upgrade(const Session& session, const std::filesystem::path& directory);
 
-// UNINSTALL, then CLEAN, then the package is removed. It stays when a hook fails.
+// UNINSTALL, then CLEAN, then the package is removed. On failure it stays, and the cache files are restored.
 Change Uninstall(const Session& session, const std::string& package_id);
 
 // Hooks of an event that changes nothing beyond what the hooks do.

@@ -9,11 +9,15 @@
 #include <cerrno>
 #include <system_error>
 
+#include "base/affix.h"
 #include "base/unique_fd.h"
 #include "platform/host/device_error.h"
 
 namespace host {
 namespace {
+
+// The name of a new version while it is written: the file's name, this, and the number of the process.
+constexpr const char* kUnfinished = ".new-";
 
 // Creates the file; with `sync`, waits until it is on the disk.
 void CreateWith(const std::filesystem::path& file, std::string_view content, bool sync) {
@@ -94,13 +98,21 @@ void MakeDirectory(const std::filesystem::path& path) {
 
 void ReplaceFile(const std::filesystem::path& file, std::string_view content) {
   std::filesystem::path fresh = file;
-  fresh += ".new-" + std::to_string(getpid());
+  fresh += kUnfinished + std::to_string(getpid());
   unlink(fresh.c_str());  // left by an earlier process with the same id
   CreateWith(fresh, content, true);
   if (rename(fresh.c_str(), file.c_str()) == 0) return;
   const int error = errno;
   unlink(fresh.c_str());
   ThrowFileError(file, "replace", error);
+}
+
+void RemoveUnfinished(const std::filesystem::path& file) {
+  const std::string prefix = file.filename().string() + kUnfinished;
+  std::error_code ignored;
+  for (const auto& entry : std::filesystem::directory_iterator(file.parent_path(), ignored)) {
+    if (HasPrefix(entry.path().filename().native(), prefix)) std::filesystem::remove(entry.path(), ignored);
+  }
 }
 
 }  // namespace host

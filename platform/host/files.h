@@ -49,6 +49,8 @@ void MakeDirectory(const std::filesystem::path& path);
 // Replaces the file in one step: a reader sees the old content or the new, also after a crash. On failure throws
 // DeviceError and keeps the old file.
 void ReplaceFile(const std::filesystem::path& file, std::string_view content);
+// Removes what killed processes left of new versions of `file`.
+void RemoveUnfinished(const std::filesystem::path& file);
 
 }  // namespace host
 

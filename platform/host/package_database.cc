@@ -2,6 +2,7 @@
 #include "platform/host/package_database.h"
 
 #include <sqlite3.h>
+#include <unistd.h>
 
 #include "platform/host/device_error.h"
 #include "platform/host/files.h"
@@ -80,6 +81,18 @@ bool IsOnlyReadableAsImmutable(SQLite::Database& database, const std::filesystem
   return !has_log && (kind == SQLITE_CANTOPEN || kind == SQLITE_READONLY || kind == SQLITE_IOERR);
 }
 
+// SQLite creates the files beside a database with the database's permissions. If these were restricted for a while, the
+// files still are, and nobody could write the database any more.
+void AlignPermissions(const std::filesystem::path& file) {
+  if (access(file.c_str(), W_OK) != 0) return;
+  std::error_code ignored;
+  const auto permissions = std::filesystem::status(file, ignored).permissions();
+  for (const char* suffix : {"-wal", "-shm"}) {
+    const std::string beside = file.native() + suffix;
+    if (access(beside.c_str(), R_OK | W_OK) != 0) std::filesystem::permissions(beside, permissions, ignored);
+  }
+}
+
 int SchemaVersion(SQLite::Database& database) { return database.execAndGet("PRAGMA user_version").getInt(); }
 
 void CreateTables(SQLite::Database& database) {
@@ -112,6 +125,7 @@ std::unique_ptr<SQLite::Database> OpenPackageDatabase(const std::filesystem::pat
     database = std::make_unique<SQLite::Database>(name, how, kPatienceMilliseconds);
   };
   try {
+    if ((flags & SQLite::OPEN_READWRITE) != 0) AlignPermissions(file);
     open(file, flags);
     if ((flags & SQLite::OPEN_READONLY) != 0 && IsOnlyReadableAsImmutable(*database, file)) {
       open(ImmutableUri(file), SQLite::OPEN_READONLY | SQLite::OPEN_URI);

@@ -81,6 +81,13 @@ TEST_F(MisbehavingPluginE2e, a_failed_uninstall_keeps_the_package) {
   EXPECT_EQ(RunExpecting(0, {"list"}).out, "a.stay  1  /opt/usr/globalapps/a.stay\n");
 }
 
+TEST_F(MisbehavingPluginE2e, an_uninstall_whose_hook_crashed_puts_the_cache_files_back) {
+  RunExpecting(0, {"install", Package("a.spoil")});
+  const auto before = DeviceState();
+  EXPECT_THAT(RunPlugin(1, {"uninstall", "a.spoil"}).err, HasSubstr("uninstall failed, CLEAN was killed by signal 11"));
+  EXPECT_EQ(DeviceState(), before);
+}
+
 TEST_F(MisbehavingPluginE2e, events_end_with_the_first_crash) {
   RunPlugin(0, {"install", Package("a")});
   RunExpecting(0, {"install", Package("b.crash")});

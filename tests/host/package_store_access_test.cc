@@ -74,6 +74,23 @@ TEST_F(Store, such_readers_read_beside_a_writer_too) {
   ASSERT_EQ(0, chmod(directory().c_str(), 0755));
 }
 
+TEST_F(Store, a_database_that_was_read_only_for_a_while_can_be_written_again) {
+  ASSERT_EQ(0, chmod(directory().c_str(), 0777));
+  support::InFreshProcess([&] {
+    machine::BecomeOrdinaryUser();
+    const fs::path own = directory() / "own.db";
+    PackageStore(own, PackageStore::Mode::kCreate).Put(SamplePackage("p"));
+    ASSERT_EQ(0, chmod(own.c_str(), 0444));
+    EXPECT_TRUE(PackageStore(own, PackageStore::Mode::kReadOnly).Find("p"));
+    ASSERT_EQ(0, chmod(own.c_str(), 0644));
+    PackageStore(own, PackageStore::Mode::kReadWrite).Put(SamplePackage("q"));
+    EXPECT_TRUE(PackageStore(own, PackageStore::Mode::kReadOnly).Find("q"));
+    for (const char* beside : {"-wal", "-shm"}) ASSERT_EQ(0, chmod((own.native() + beside).c_str(), 0200)) << beside;
+    PackageStore(own, PackageStore::Mode::kReadWrite).Put(SamplePackage("r"));
+    EXPECT_TRUE(PackageStore(own, PackageStore::Mode::kReadOnly).Find("r"));
+  });
+}
+
 TEST_F(Store, any_character_may_stand_in_the_name_of_the_directory) {
   const fs::path odd = directory() / "50%25 #1? ä\n" / "packages.db";
   fs::create_directory(odd.parent_path());

@@ -151,22 +151,20 @@ TEST_F(InstalledTreesTest, an_uninstall_killed_after_it_was_decided_is_completed
   EXPECT_EQ(Cache(), "after the hooks");
 }
 
-TEST_F(InstalledTreesTest, an_abandoned_removal_leaves_the_cache_files_as_they_are) {
-  Install("1");
-  trees_.BeginRemoval("a");
-  WriteFile(CacheFile(), "after the hooks");
-  trees_.AbandonRemoval();
-  EXPECT_THAT(trees_.Mend(), IsEmpty());
-  ExpectInPlace("1");
-  EXPECT_EQ(Cache(), "after the hooks");
-}
-
 TEST_F(InstalledTreesTest, a_note_that_was_not_completed_says_nothing) {
   Install("1");
   WriteFile(device_.directory / "pending.new/begun", "install a");
   EXPECT_THAT(trees_.Mend(), IsEmpty());
   ExpectInPlace("1");
   EXPECT_FALSE(support::IsThere(device_.directory / "pending.new"));
+}
+
+TEST_F(InstalledTreesTest, the_records_that_killed_loaders_did_not_complete_are_removed) {
+  const std::string record = device_.LoaderRecord();
+  for (const char* end : {"", ".new-1", ".new-23"}) WriteFile(record + end, "{}");
+  EXPECT_THAT(trees_.Mend(), IsEmpty());
+  for (const char* end : {".new-1", ".new-23"}) EXPECT_FALSE(support::IsThere(record + end)) << end;
+  EXPECT_EQ(ReadFile(record), "{}");
 }
 
 TEST_F(InstalledTreesTest, empty_directories_on_the_way_are_removed_without_a_word) {
