@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <ostream>
 #include <string>
 
 #include "tests/support/command.h"
@@ -15,6 +16,9 @@ struct Library {
   std::string name;
   std::string file;
 };
+
+// How GoogleTest prints a library.
+void PrintTo(const Library& library, std::ostream* stream) { *stream << library.name; }
 
 class ReleasedTypes : public testing::TestWithParam<Library> {};
 
