@@ -24,7 +24,7 @@ class ReleasedTypes : public testing::TestWithParam<Library> {};
 
 TEST_P(ReleasedTypes, are_those_of_the_library) {
 #if !defined(COMPARABLE)
-  GTEST_SKIP() << "what is kept was released by GCC, optimised";
+  GTEST_SKIP() << "what is kept is that of release builds by GCC 12";
 #endif
   const std::string released = RELEASED_DIRECTORY "/" + GetParam().name + "." PROCESSOR ".abi";
   if (!std::filesystem::exists(released)) GTEST_SKIP() << "nothing is kept for the processor " PROCESSOR;
