@@ -6,6 +6,7 @@ set -eu
 cd "$(dirname "$0")/.."
 build=$PWD/$1
 shift
+places="clock mask-077 mask-000 locale-c locale-utf8 locale-turkish names file-system build"
 work=$(mktemp -d)
 memory=$(mktemp -d -p /dev/shm)
 chmod 755 "$work" "$memory" # some tests work there as another user
@@ -69,14 +70,11 @@ run() {
     names) below_odd_names ;;
     file-system) on_another_file_system ;;
     build) built_below_odd_names ;;
-    *) fail "\"$1\" is none of the places: clock mask-077 mask-000 locale-c locale-utf8 locale-turkish names file-system build" ;;
+    *) fail "\"$1\" is none of the places: $places" ;;
   esac
 }
 
-if [ $# -eq 0 ]; then
-  set -- clock mask-077 mask-000 locale-c locale-utf8 locale-turkish names file-system build
-fi
-for place; do
+for place in ${*:-$places}; do
   echo "=== $place ==="
   run "$place"
 done
