@@ -74,7 +74,9 @@ run() {
   esac
 }
 
-for place in ${*:-$places}; do
+# shellcheck disable=SC2086  # the list is meant to be split
+[ $# -gt 0 ] || set -- $places
+for place; do
   echo "=== $place ==="
   run "$place"
 done
