@@ -1,7 +1,7 @@
 # The everyday commands. Each first installs missing packages. CMakePresets.json defines the builds.
-.PHONY: build tests test test-heavy test-container test-distributions test-devices demo bench bench-compare bench-check \
-  bench-programs coverage mutation fuzz lint format sanitize valgrind clean packages lint-packages package package-test \
-  reproducible package-tools pictures
+.PHONY: build tests test test-heavy test-container test-places test-distributions test-devices demo \
+  bench bench-compare bench-check bench-programs coverage mutation fuzz lint format sanitize valgrind clean packages \
+  lint-packages package package-test reproducible package-tools pictures
 
 JOBS ?= $(shell nproc)
 
@@ -19,13 +19,20 @@ test: tests
 	ctest --preset release --parallel $(JOBS)
 
 # The tests that take more than a few seconds each.
-test-heavy: test-container
+test-heavy: test-container test-places
 	@scripts/install-packages.sh scripts/test-heavy-packages.txt
 	ctest --preset heavy --parallel $(JOBS)
 
 # The demo and the tests as in a container without special rights, as root and as an ordinary user.
 test-container: tests
 	scripts/test-container.sh build/release
+
+# The core of the tests where a clock, a file mask, a locale or a path is unusual; PLACES selects some of them
+# (scripts/test-places.sh).
+PLACES ?=
+test-places: tests
+	@scripts/install-packages.sh scripts/test-places-packages.txt
+	scripts/test-places.sh build/release $(PLACES)
 
 # The demo and the tests in fresh Debian 12 and 13 root file systems, or in copies of the directories ROOTS, as root and
 # as an ordinary user (needs root; about half an hour).

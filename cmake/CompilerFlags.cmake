@@ -1,5 +1,7 @@
 # Warnings and hardening for everything that is built here.
 add_compile_options(-Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Wformat=2)
+# Formats that are no constants are errors for every compiler, as in all Debian packages.
+add_compile_options(-Werror=format-security)
 if(ORVEL_WERROR)
   add_compile_options(-Werror)
 endif()
@@ -12,7 +14,7 @@ add_compile_definitions(_FILE_OFFSET_BITS=64 _TIME_BITS=64)
 include(CheckPIESupported)
 check_pie_supported()
 add_compile_options(-fstack-protector-strong)
-add_link_options(-Wl,-z,relro,-z,now,-z,noexecstack)
+add_link_options(-Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
 if(ORVEL_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined)

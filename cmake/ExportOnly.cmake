@@ -6,6 +6,6 @@ function(export_only target list)
   set(script ${CMAKE_CURRENT_BINARY_DIR}/${target}.map)
   file(CONFIGURE OUTPUT ${script} CONTENT "{\n  global:\n    @symbols@;\n  local:\n    *;\n};\n" @ONLY)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
-  target_link_options(${target} PRIVATE -Wl,--version-script=${script})
+  target_link_options(${target} PRIVATE -Xlinker --version-script=${script})  # -Wl would break a path at a comma
   set_target_properties(${target} PROPERTIES LINK_DEPENDS ${script})
 endfunction()

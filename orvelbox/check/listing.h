@@ -3,11 +3,13 @@
 #ifndef ORVEL_ORVELBOX_CHECK_LISTING_H_
 #define ORVEL_ORVELBOX_CHECK_LISTING_H_
 
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "util/platform_utils/directory_walk.h"

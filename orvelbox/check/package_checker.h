@@ -10,9 +10,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "orvelbox/check/package_files.h"
 #include "orvelbox/check/platform_set.h"
 #include "orvelbox/check/result.h"
+#include "plugin/catalogues.h"
 #include "plugin/duplicate_policy.h"
 
 namespace orvelbox {

@@ -14,6 +14,7 @@
 
 #include "base/unique_fd.h"
 #include "orvelbox/desk/bytes.h"
+#include "orvelbox/package/archive.h"
 #include "orvelbox/package/source.h"
 #include "platform/host/device_error.h"
 #include "platform/host/files.h"

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "orvelbox/check/listing.h"
 #include "orvelbox/check/result.h"

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <string>
 
-#include "platform/host/device.h"
+#include "platform/host/device_error.h"
 
 namespace orvelbox {
 

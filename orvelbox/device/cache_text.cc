@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <set>
+#include <string_view>
 
 #include "base/affix.h"
 #include "base/fixed_names.h"

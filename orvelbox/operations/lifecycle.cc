@@ -8,6 +8,7 @@
 #include "orvelbox/device/listings.h"
 #include "orvelbox/operations/operations.h"
 #include "orvelbox/operations/report.h"
+#include "orvelbox/package/archive.h"
 #include "orvelbox/package/manifest.h"
 #include "platform/host/files.h"
 #include "platform/host/json.h"

@@ -10,6 +10,7 @@
 
 #include "orvelbox/desk/output.h"
 #include "orvelbox/operations/hook_process.h"
+#include "platform/host/device.h"
 
 namespace orvelbox {
 

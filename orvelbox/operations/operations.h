@@ -15,6 +15,8 @@
 #include "orvelbox/device/installed_trees.h"
 #include "orvelbox/operations/effects.h"
 #include "orvelbox/operations/hook_process.h"
+#include "platform/host/device.h"
+#include "platform/host/package_store.h"
 
 namespace orvelbox {
 

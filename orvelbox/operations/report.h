@@ -5,6 +5,8 @@
 #include <string>
 
 #include "orvelbox/desk/output.h"
+#include "orvelbox/operations/effects.h"
+#include "orvelbox/operations/hook_process.h"
 #include "orvelbox/operations/operations.h"
 
 namespace orvelbox {

@@ -12,6 +12,7 @@
 
 #include <zlib.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <filesystem>

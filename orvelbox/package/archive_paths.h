@@ -2,6 +2,7 @@
 #ifndef ORVEL_ORVELBOX_PACKAGE_ARCHIVE_PATHS_H_
 #define ORVEL_ORVELBOX_PACKAGE_ARCHIVE_PATHS_H_
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <unordered_map>

@@ -11,6 +11,7 @@
 #include "base/unique_fd.h"
 #include "orvelbox/desk/progress.h"
 #include "orvelbox/desk/tree.h"
+#include "orvelbox/package/archive.h"
 #include "platform/host/device.h"
 #include "platform/host/files.h"
 

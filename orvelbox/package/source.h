@@ -4,9 +4,8 @@
 
 #include <filesystem>
 #include <functional>
-#include <string>
 
-#include "orvelbox/package/archive.h"
+#include "orvelbox/package/archive_limits.h"
 
 namespace orvelbox {
 

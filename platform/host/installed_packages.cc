@@ -2,6 +2,7 @@
 #include "platform/host/installed_packages.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/host/device.h"
 

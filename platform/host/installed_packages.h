@@ -5,7 +5,6 @@
 
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "platform/host/c_boundary.h"

@@ -149,7 +149,9 @@ TEST_F(CheckE2e, an_unreadable_package_is_named_and_the_others_are_checked) {
   const std::string package = Shop({{"Json.dll", ""}});
   const Result result = RunExpecting(2, {"check", "--format", "json", dir_ / "nowhere", package});
   EXPECT_THAT(result.err, StartsWith("orvelbox: " + (dir_ / "nowhere") + ": no such directory; "));
-  EXPECT_THAT(result.out, StartsWith("{\"package\":\"" + (dir_ / "nowhere") + "\",\"error\":"));
+  const auto refused = host::ParseJson(support::Lines(result.out).at(0));
+  EXPECT_EQ(refused["package"], dir_ / "nowhere");
+  EXPECT_TRUE(refused.contains("error"));
   EXPECT_THAT(result.out, HasSubstr("\"duplicates\":1"));
 }
 
@@ -179,8 +181,8 @@ TEST_F(CheckE2e, sarif_is_one_document) {
   AddPlatformFile("framework/Json.dll");
   const auto log = host::ParseJson(RunExpecting(1, {"check", "--format", "sarif", Shop({{"Json.dll", ""}})}).out);
   EXPECT_EQ(log["runs"][0]["results"].size(), 1U);
-  EXPECT_EQ(log["runs"][0]["results"][0]["locations"][0]["physicalLocation"]["artifactLocation"]["uri"],
-            "file://" + (dir_ / "packages/shop/Json.dll"));
+  const std::string uri = log["runs"][0]["results"][0]["locations"][0]["physicalLocation"]["artifactLocation"]["uri"];
+  EXPECT_THAT(uri, AllOf(StartsWith("file:///"), EndsWith("/packages/shop/Json.dll")));
 }
 
 TEST_F(CheckE2e, bad_sources_are_named_with_the_way_out) {

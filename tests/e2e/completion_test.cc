@@ -14,6 +14,7 @@
 namespace e2e {
 namespace {
 
+using support::Quoted;
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
 class CompletionE2e : public Desk {
@@ -54,11 +55,11 @@ class CompletionE2e : public Desk {
 
   // What comes of lines that are typed into bash.
   std::string BashRuns(const std::string& keys) const {
-    support::WriteFile(dir_ / "keys", ". '" COMPLETION_DIRECTORY "/orvelbox.bash'\n" + keys + "\n");
+    support::WriteFile(dir_ / "keys", ". " + Quoted(COMPLETION_DIRECTORY "/orvelbox.bash") + "\n" + keys + "\n");
     const fs::path program = ORVELBOX_PROGRAM;
-    return support::OutputOf("cd '" + dir_.path().string() + "' && HOME=\"$PWD\" INPUTRC=/dev/null TERM=dumb PATH='" +
-                             program.parent_path().string() + "':\"$PATH\" ORVELBOX_DEVICE='" +
-                             device_.directory.string() + "' timeout 60 bash --norc -i < keys 2>&1");
+    return support::OutputOf("cd " + Quoted(dir_.path()) + " && HOME=\"$PWD\" INPUTRC=/dev/null TERM=dumb PATH=" +
+                             Quoted(program.parent_path()) + ":\"$PATH\" ORVELBOX_DEVICE=" + Quoted(device_.directory) +
+                             " timeout 60 bash --norc -i < keys 2>&1");
   }
 
   void ExpectOfBash(const std::string& keys, const std::string& expected) const {
@@ -72,7 +73,7 @@ TEST_F(CompletionE2e, packages_and_events_of_the_device_that_the_line_names_are_
   EXPECT_EQ(Offered("orvelbox uninstall "), "a b'c$d:e\t1\norg.example.shop\t1\n");
   const host::Device other = host::CreateDevice(dir_ / "other");
   Register(other, {"b"});
-  EXPECT_EQ(Offered("orvelbox --device '" + other.directory.string() + "' show "), "b\t1\n");
+  EXPECT_EQ(Offered("orvelbox --device " + Quoted(other.directory) + " show "), "b\t1\n");
   environment_ = {{"HOME", dir_.path()}};
   EXPECT_EQ(Offered("orvelbox --device=~/other events clean"), "clean:b\t1\ncleanup:b\t1\n");
   EXPECT_EQ(Offered("orvelbox why --device ~/other "), "b\t1\n/\n");

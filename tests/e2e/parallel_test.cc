@@ -9,6 +9,8 @@
 namespace e2e {
 namespace {
 
+using support::Quoted;
+
 class ParallelE2e : public Desk {};
 
 TEST_F(ParallelE2e, two_workers_check_every_package_once) {
@@ -21,9 +23,9 @@ TEST_F(ParallelE2e, two_workers_check_every_package_once) {
   }
   // The exit status is the number of jobs that found something: here all five, of two packages each.
   const std::string output =
-      support::OutputOf("ls -d " + (dir_ / "packages") + "/* | PARALLEL_HOME=" + (dir_ / "home") +
-                        " parallel --will-cite -j 2 -N 2 " ORVELBOX_PROGRAM " --device " + device_.directory.string() +
-                        " check --format json --jobs 1; [ $? = 5 ]");
+      support::OutputOf("ls -d " + Quoted(dir_ / "packages") + "/* | PARALLEL_HOME=" + Quoted(dir_ / "home") +
+                        " parallel --quote --will-cite -j 2 -N 2 " + Quoted(ORVELBOX_PROGRAM) + " --device " +
+                        Quoted(device_.directory) + " check --format json --jobs 1; [ $? = 5 ]");
   std::multiset<std::string> told;
   for (const std::string& line : support::Lines(output)) {
     const auto json = host::ParseJson(line);

@@ -1,6 +1,8 @@
 // Fixtures of the host platform's tests.
 #include "tests/host/frame.h"
 
+#include <sys/stat.h>
+
 namespace host_tests {
 
 void MachineTest::SetUp() {
@@ -16,8 +18,10 @@ void MachineTest::OnEmptiedMachine(const std::function<void()>& body) {
 }
 
 void LayOutRoot(const fs::path& root) {
+  const mode_t mask = umask(022);
   WriteFile(root / "usr/share/dotnet.orvel/framework/F.dll", "platform");
   WriteFile(root / "opt/usr/globalapps/p/x", "user area");
+  umask(mask);
 }
 
 void ExpectDeviceAtFixedPaths() {

@@ -52,7 +52,8 @@ class MachineTest : public DirectoryTest {
   const fs::path& root() const { return directory(); }
 };
 
-// Creates a root with one file in each directory for a fixed path, and expects those files at the fixed paths.
+// Creates a root with one file in each directory for a fixed path, which all users may read, and expects those files
+// at the fixed paths.
 void LayOutRoot(const fs::path& root);
 void ExpectDeviceAtFixedPaths();
 

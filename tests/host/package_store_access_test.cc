@@ -64,6 +64,7 @@ TEST_F(Store, readers_who_may_write_nothing_read_all_the_same) {
 }
 
 TEST_F(Store, such_readers_read_beside_a_writer_too) {
+  ASSERT_EQ(0, chmod(file().c_str(), 0644));
   auto writer = Open();
   writer.Put(SamplePackage("p"));
   ASSERT_EQ(0, chmod(directory().c_str(), 0555));
@@ -95,6 +96,7 @@ TEST_F(Store, any_character_may_stand_in_the_name_of_the_directory) {
   const fs::path odd = directory() / "50%25 #1? ä\n" / "packages.db";
   fs::create_directory(odd.parent_path());
   PackageStore(odd, PackageStore::Mode::kCreate).Put(SamplePackage("p"));
+  ASSERT_EQ(0, chmod(odd.c_str(), 0444));
   ASSERT_EQ(0, chmod(odd.parent_path().c_str(), 0555));
   support::InFreshProcess([&] {
     machine::BecomeOrdinaryUser();

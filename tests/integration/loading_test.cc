@@ -100,7 +100,7 @@ TEST(Loading, a_programs_own_platform_functions_take_the_libraries_place) {
       "restart: done\n"
       "log lines: 10\n"
       "spans: 4 begun, 4 ended\n",
-      support::OutputOf(PLATFORM_TAKING_PROGRAM));
+      support::OutputOf(support::Quoted(PLATFORM_TAKING_PROGRAM)));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Runs a shell command.
+// Runs shell commands.
 #include "tests/support/command.h"
 
 #include <cstdio>
@@ -14,6 +14,12 @@ std::string OutputOf(const std::string& command) {
   while (const std::size_t count = std::fread(buffer, 1, sizeof buffer, pipe)) output.append(buffer, count);
   const int status = pclose(pipe);
   return status == 0 ? output : output + "(ended with " + std::to_string(status) + ")\n";
+}
+
+std::string Quoted(const std::string& text) {
+  std::string word = "'";
+  for (const char letter : text) word += letter == '\'' ? std::string("'\\''") : std::string(1, letter);
+  return word + "'";
 }
 
 }  // namespace support

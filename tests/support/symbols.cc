@@ -22,7 +22,7 @@ Names DynamicNames(const std::string& file, bool imported) {
 }  // namespace
 
 std::string Readelf(const std::string& options, const std::string& file) {
-  return OutputOf(READELF_PROGRAM " --wide " + options + " '" + file + "'");
+  return OutputOf(READELF_PROGRAM " --wide " + options + " " + Quoted(file));
 }
 
 std::vector<Symbol> Symbols(const std::string& table, const std::string& file) {
