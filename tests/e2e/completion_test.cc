@@ -49,8 +49,16 @@ class CompletionE2e : public Desk {
   void ExpectNothingInTime() const {
     EXPECT_EQ(Answer("orvelbox show "), "");
     EXPECT_EQ(Answer("orvelbox events "), "");
-    const Milliseconds more = TimeFor("orvelbox show ") - TimeFor("orvelbox check --format ");
-    EXPECT_LT(more.count(), 100);
+    ExpectNoDelay(100);
+  }
+
+  // A busy machine may hold up some of the tries, but not all.
+  void ExpectNoDelay(double milliseconds) const {
+    auto more = Milliseconds::max();
+    for (int i = 0; i < 10 && more.count() >= milliseconds; ++i) {
+      more = TimeFor("orvelbox show ") - TimeFor("orvelbox check --format ");
+    }
+    EXPECT_LT(more.count(), milliseconds);
   }
 
   // What comes of lines that are typed into bash.
@@ -83,8 +91,7 @@ TEST_F(CompletionE2e, a_device_in_use_is_not_waited_for) {
   const UniqueFd lock(open(device_.LockFile().c_str(), O_RDWR | O_CLOEXEC));
   ASSERT_EQ(flock(lock.get(), LOCK_EX), 0);
   EXPECT_EQ(Offered("orvelbox show o"), "org.example.shop\t1\n");
-  const Milliseconds more = TimeFor("orvelbox show ") - TimeFor("orvelbox check --format ");
-  EXPECT_LT(more.count(), 50);
+  ExpectNoDelay(50);
 }
 
 TEST_F(CompletionE2e, a_locked_database_offers_nothing_and_holds_nobody_up) {
