@@ -1,37 +1,10 @@
 // Valid package archives, and the refusal of all others with the name of the entry.
-#include "orvelbox/package/archive.h"
-
 #include <sys/stat.h>
 
-#include "tests/orvelbox/frame.h"
-#include "tests/support/zip.h"
+#include "tests/orvelbox/package/archive_frame.h"
 
 namespace orvelbox {
 namespace {
-
-using support::ZipOf;
-
-// The contents by path; directories have the path "PATH/".
-std::map<std::string, std::string> Contents(const std::string& file, const ArchiveLimits& limits = {}) {
-  const Archive archive(file, limits);
-  std::map<std::string, std::string> all;
-  for (const ArchiveEntry& entry : archive.entries()) {
-    std::string& text = all[entry.path + (entry.directory ? "/" : "")];
-    ReadContent(archive, entry, [&](std::string_view piece) { text += piece; });
-  }
-  return all;
-}
-
-std::map<std::string, std::string> Read(const std::string& zip, const ArchiveLimits& limits = {}) {
-  const support::TempDir dir;
-  WriteFile(dir / "a.opk", zip);
-  return Contents(dir / "a.opk", limits);
-}
-
-std::string ProblemOf(const std::string& zip, const ArchiveLimits& limits = {}) {
-  const std::string text = ErrorOf([&] { Read(zip, limits); });
-  return text.find("a.opk") == std::string::npos ? text : text.substr(text.find("a.opk"));
-}
 
 TEST(Archive, files_and_directories_come_with_their_contents) {
   EXPECT_THAT(Read(ZipOf({{"bin/", ""}, {"bin/A.dll", std::string("a\0b", 3)}, {"empty", ""}})),
@@ -211,53 +184,6 @@ TEST(Archive, a_cut_off_archive_is_refused_wherever_it_ends) {
     EXPECT_NE(ProblemOf(zip.substr(0, length)), "no error") << length;
   }
   EXPECT_EQ(ProblemOf(zip), "no error");
-}
-
-TEST(Archive, no_more_entries_than_the_limit_are_taken) {
-  ArchiveLimits limits;
-  limits.entries = 3;
-  EXPECT_EQ(ProblemOf(ZipOf({{"a/b/c", ""}}), limits), "no error");
-  EXPECT_THAT(ProblemOf(ZipOf({{"a/b/c/d", ""}}), limits), HasSubstr("more than 3 files and directories"));
-  EXPECT_THAT(ProblemOf(ZipOf({{"a", ""}, {"b", ""}, {"c", ""}, {"d", ""}}), limits),
-              HasSubstr("entry \"d\" is one too many"));
-}
-
-TEST(Archive, no_deeper_paths_than_the_limit_are_taken) {
-  ArchiveLimits limits;
-  limits.depth = 2;
-  EXPECT_EQ(ProblemOf(ZipOf({{"a/b", ""}}), limits), "no error");
-  EXPECT_THAT(ProblemOf(ZipOf({{"a/b/c", ""}}), limits), HasSubstr("more than 2 directories deep"));
-}
-
-TEST(Archive, no_more_bytes_of_paths_than_the_limit_are_taken) {
-  ArchiveLimits limits;
-  limits.all_path_bytes = 10;
-  EXPECT_EQ(ProblemOf(ZipOf({{"four", ""}, {"sixsix", ""}}), limits), "no error");
-  EXPECT_THAT(ProblemOf(ZipOf({{"four", ""}, {"seven77", ""}}), limits), HasSubstr("more than 10 bytes in all"));
-}
-
-TEST(Archive, no_longer_paths_than_the_limit_are_taken) {
-  ArchiveLimits limits;
-  limits.path_bytes = 5;
-  EXPECT_EQ(ProblemOf(ZipOf({{"a/b/c", ""}}), limits), "no error");
-  EXPECT_THAT(ProblemOf(ZipOf({{"a/b/cd", ""}}), limits), HasSubstr("more than 5 bytes"));
-}
-
-TEST(Archive, no_more_bytes_than_the_limit_are_unpacked) {
-  ArchiveLimits limits;
-  limits.bytes = 6;
-  EXPECT_EQ(ProblemOf(ZipOf({{"a", "123"}, {"b", "456"}}), limits), "no error");
-  EXPECT_THAT(ProblemOf(ZipOf({{"a", "123"}, {"b", "4567"}}), limits), HasSubstr("larger than 6 bytes"));
-}
-
-TEST(Archive, what_unpacks_to_suspiciously_much_is_refused) {
-  ArchiveLimits limits;
-  limits.ratio = 100;
-  limits.unsuspicious_bytes = 1 << 20;
-  EXPECT_EQ(ProblemOf(support::ZipOfZeros("zeros", 1 << 20), limits), "no error");
-  EXPECT_THAT(ProblemOf(support::ZipOfZeros("zeros", (1 << 20) + 1), limits), HasSubstr("more than 100 times"));
-  limits.ratio = 2000;
-  EXPECT_EQ(ProblemOf(support::ZipOfZeros("zeros", (1 << 20) + 1), limits), "no error");
 }
 
 }  // namespace
