@@ -1,6 +1,6 @@
 // orvelbox: runs the command line and returns the exit status.
-#include <exception>
 #include <algorithm>
+#include <exception>
 #include <string_view>
 
 #include "orvelbox/cli/command_line.h"
