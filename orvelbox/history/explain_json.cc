@@ -10,10 +10,13 @@ namespace {
 host::Json OrNull(const std::string& text) { return text.empty() ? host::Json() : host::Json(text); }
 
 host::Json ToJson(const Finding& finding) {
+  const bool of_entry = finding.what == What::kErased || finding.what == What::kErasing;
+  const bool with_text =
+      finding.what == What::kError || finding.what == What::kRefused || finding.what == What::kRemovalFailed;
   host::Json json = {{"what", NameOf(finding.what)}};
   if (!finding.path.empty()) json[finding.what == What::kRunAlready ? "package" : "path"] = finding.path;
-  if (!finding.origin.empty()) json[finding.what == What::kErased ? "entry" : "origin"] = finding.origin;
-  if (finding.what == What::kError || finding.what == What::kRefused) json["text"] = finding.text;
+  if (!finding.origin.empty()) json[of_entry ? "entry" : "origin"] = finding.origin;
+  if (with_text) json["text"] = finding.text;
   json["lines"] = finding.lines;
   return json;
 }

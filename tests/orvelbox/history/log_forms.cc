@@ -50,10 +50,13 @@ void MixedPriorities(const TestLine& line, const host::LogRecord& record, TestLo
 }  // namespace
 
 const std::vector<std::pair<const char*, Form>>& LogForms() {
-  static const std::vector<std::pair<const char*, Form>> forms = {
-      {"desk", OfDesk},          {"device", OfDevice},     {"bare", Bare},
-      {"errors", ErrorsOnly},    {"utility", UtilityTag},  {"plugin", PluginTag},
-      {"priorities", MixedPriorities}};
+  static const std::vector<std::pair<const char*, Form>> forms = {{"desk", OfDesk},
+                                                                  {"device", OfDevice},
+                                                                  {"bare", Bare},
+                                                                  {"errors", ErrorsOnly},
+                                                                  {"utility", UtilityTag},
+                                                                  {"plugin", PluginTag},
+                                                                  {"priorities", MixedPriorities}};
   return forms;
 }
 

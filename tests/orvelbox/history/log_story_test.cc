@@ -40,9 +40,8 @@ std::string Claim(What what, const Finding& finding, const std::string& where) {
 std::string Where(const TestLine& line) { return std::to_string(line.log) + ":" + std::to_string(line.line); }
 
 // What a claim may be added to: what it was part of, and of which package.
-Claims Additions(const Finding& finding, const Pass& pass, const std::vector<std::string>& events) {
+Claims Additions(const Pass& pass, const std::vector<std::string>& events) {
   Claims additions = {""};
-  if (!finding.hook.empty()) additions.insert("|in " + finding.hook);
   if (pass.package.empty()) return additions;
   additions.insert("|of " + pass.package);
   for (const std::string& event : events) additions.insert("|" + event + " of " + pass.package);
@@ -66,8 +65,12 @@ void AddTruth(const Finding& finding, const Pass& pass, const TestLog& log, Clai
     if (finding.what == What::kStays) claims.insert(Claim(What::kStays, less, ""));
     if (finding.what == What::kRemovalFailed) claims.insert(Claim(What::kError, less, ""));
   }
+  if (finding.what == What::kErased) claims.insert(Claim(What::kErasing, finding, where));
+  if (finding.what == What::kSample || finding.what == What::kNoManifest) {
+    claims.insert(Claim(What::kNotDotnet, finding, where));
+  }
   for (const std::string& claim : claims) {
-    for (const std::string& addition : Additions(finding, pass, events)) truth.insert(claim + addition);
+    for (const std::string& addition : Additions(pass, events)) truth.insert(claim + addition);
   }
 }
 
@@ -89,7 +92,7 @@ void ExpectTrue(const TestLog& log, const Claims& truth, const std::string& how)
       const std::string claim = Claim(finding.what, finding, Where(log.at(finding.lines.back() - 1)));
       std::vector<std::string> events;
       if (!pass.event.empty()) events.push_back(pass.event);
-      for (const std::string& addition : Additions(finding, pass, events)) {
+      for (const std::string& addition : Additions(pass, events)) {
         ASSERT_EQ(truth.count(claim + addition), 1U) << claim + addition << "\n" << how;
       }
     }
