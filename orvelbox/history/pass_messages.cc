@@ -1,5 +1,6 @@
-// What the messages within a pass say.
+// What the messages within a pass say of DLLs and of the package.
 #include <algorithm>
+#include <utility>
 
 #include "base/affix.h"
 #include "base/fixed_names.h"
@@ -13,27 +14,9 @@ namespace {
 
 constexpr std::size_t kComparisonsKept = 8;
 
-bool TakePrefix(std::string_view& text, std::string_view prefix) {
-  if (!HasPrefix(text, prefix)) return false;
-  text.remove_prefix(prefix.size());
-  return true;
-}
-
 bool IsDllPath(std::string_view path) { return HasPrefix(path, "/") && IsAssemblyName(path); }
 
 std::string_view NameIn(std::string_view path) { return path.substr(path.rfind('/') + 1); }
-
-bool IsCachePath(std::string_view path) {
-  return std::any_of(std::begin(kCacheFiles), std::end(kCacheFiles),
-                     [path](const char* name) { return path == std::string(kCacheDirectory) + name; });
-}
-
-// An entry goes with the separator before or behind it.
-std::string_view WithoutSeparators(std::string_view entry) {
-  if (!entry.empty() && entry.front() == kEntrySeparator) entry.remove_prefix(1);
-  if (!entry.empty() && entry.back() == kEntrySeparator) entry.remove_suffix(1);
-  return entry;
-}
 
 // The origin that was compared with `dll`, by the text of the comparison. Empty when it tells of another.
 std::string OriginOf(std::string_view text, const std::string& dll) {
@@ -72,9 +55,9 @@ bool PassReader::Tell(const LogMessage& message) {
   pass_.last = line_;
   plugin_ = plugin_ || message.unit == kPluginUnit;
   if (traced && debug_ && (frames_.empty() || frames_.back().function != function)) Tangle();
-  before_ = step_;
+  // Whatever is said in between, even by the libraries that the plug-in calls, may be about what is being done.
+  before_ = std::exchange(step_, Step::kNone);
   if (before_ == Step::kNone) steps_.clear();
-  if (plugin) step_ = Step::kNone;
   bool taken = false;
   const bool known = TellOfDuplicates(message, &taken);
   if (!taken && !TellOfPackage(message) && !TellOfCaches(message) && IsError(message)) Add(What::kError, message);
@@ -222,49 +205,6 @@ void PassReader::TellOfLeaving(const LogMessage& message) {
   const bool sample = follows && before_ == Step::kSample;
   Finding& left = Add(sample ? What::kSample : What::kNotDotnet, message);
   if (sample) left.lines = {steps_.front(), line_};
-}
-
-bool PassReader::TellOfCaches(const LogMessage& message) {
-  std::string_view text = message.text;
-  if (text == LOG_TEXT_RESTART_FAILED) {
-    Add(What::kNotRestarted, message);
-  } else if (TakePrefix(text, LOG_TEXT_SAVE_FILE) && IsCachePath(text)) {
-    step_ = Step::kSaving;
-    steps_ = {line_};
-    file_ = text;
-  } else if (text == LOG_TEXT_SAVED && before_ == Step::kSaving) {
-    AddWritten(message);
-    step_ = Step::kNone;
-  } else if (TakePrefix(text, LOG_TEXT_ERASED)) {
-    AddErasing(message, text);
-  } else {
-    return false;
-  }
-  return true;
-}
-
-void PassReader::AddErasing(const LogMessage& message, std::string_view text) {
-  const std::size_t from = text.rfind(LOG_TEXT_ERASED_FROM);
-  if (from == std::string_view::npos) return;
-  const std::string_view file = text.substr(from + std::string_view(LOG_TEXT_ERASED_FROM).size());
-  if (!IsCachePath(file)) return;
-  Finding& erasing = Add(What::kErasing, message);
-  erasing.origin = WithoutSeparators(text.substr(0, from));
-  erasing.path = file;
-}
-
-// The file has its new text. Only where nothing is added to that, what went out of it is gone.
-void PassReader::AddWritten(const LogMessage& message) {
-  Finding& written = Add(What::kWritten, message);
-  written.path = file_;
-  written.lines = {steps_.front(), line_};
-  const std::vector<LineNumber> lines = written.lines;
-  if (frames_.empty() || frames_.back().function != kTakeOut) return;
-  for (Finding& finding : pass_.findings) {
-    if (finding.what != What::kErasing || finding.path != file_) continue;
-    finding.what = What::kErased;
-    finding.lines.insert(finding.lines.end(), lines.begin(), lines.end());
-  }
 }
 
 }  // namespace orvelbox
