@@ -5,6 +5,7 @@
 
 #include "base/affix.h"
 #include "base/fixed_names.h"
+#include "base/log_line.h"
 #include "base/log_texts.h"
 #include "platform/host/paths.h"
 
@@ -145,13 +146,19 @@ std::string HeadlineOf(const Pass& pass) {
   std::string text = Span(pass) + ": ";
   if (!pass.tangled && pass.event.empty() && pass.hooks.empty()) return text + "a pass or more, without begin and end";
   if (pass.tangled) {
-    text +=
-        pass.hooks.empty() ? "a pass that is not whole" : "mixed passes, or one that is not whole: " + HooksOf(pass);
+    text += pass.hooks.empty() ? "one pass or more, mixed or not whole"
+                               : "one pass or more, mixed or not whole: " + HooksOf(pass);
   } else {
     text += pass.event.empty() ? HooksOf(pass) : pass.event;
-    text += " of " + (pass.package.empty() ? "a package that the log does not name" : pass.package);
+    text += " of " + (pass.package.empty() ? "a package that is not certain" : pass.package);
   }
   return text + (pass.process.empty() ? "" : " (process " + pass.process + ")");
+}
+
+// UPGRADE and REMOVED call INSTALL, unless something is thrown before.
+bool BrokeOff(const Pass& pass) {
+  if (!pass.ended || (pass.event != "UPGRADE" && pass.event != "REMOVED")) return false;
+  return std::none_of(pass.hooks.begin(), pass.hooks.end(), [](const auto& hook) { return hook.first == "INSTALL"; });
 }
 
 }  // namespace
@@ -178,6 +185,7 @@ Lines UnknownOf(const Pass& pass) {
     unknown.push_back("which hooks were called: the log has no begin and no end of one (priority D, tag QUARNEL)");
   } else {
     if (!pass.begun) unknown.push_back("what came before: the log begins in the middle of the pass");
+    if (BrokeOff(pass)) unknown.push_back("why: " + pass.event + " broke off before INSTALL");
     if (!pass.ended) unknown.push_back("what came after: the log ends within the pass, or the process did");
   }
   if (open) {
@@ -195,7 +203,10 @@ Lines UnknownOf(const std::string& log, const LogFacts& facts) {
   }
   const auto nameless = [](const Pass& pass) { return pass.package.empty() && !pass.tangled && !pass.hooks.empty(); };
   if (std::any_of(facts.passes.begin(), facts.passes.end(), nameless)) {
-    unknown.push_back("packages that are not named: the plug-in logs no ids, only the paths of duplicates tell");
+    unknown.push_back("packages that are not certain: of most passes no line names the package");
+  }
+  if (!facts.passes.empty() && !facts.of_plugin) {
+    unknown.push_back(std::string("what the plug-in itself said: there is no line of the tag ") + kPluginTag);
   }
   if (facts.unclear_lines > 0) {
     unknown.push_back("what " + LinesNamed(facts.unclear) +

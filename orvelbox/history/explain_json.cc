@@ -17,6 +17,7 @@ host::Json ToJson(const Finding& finding) {
   if (!finding.path.empty()) json[finding.what == What::kRunAlready ? "package" : "path"] = finding.path;
   if (!finding.origin.empty()) json[of_entry ? "entry" : "origin"] = finding.origin;
   if (with_text) json["text"] = finding.text;
+  if (!finding.time.empty()) json["time"] = finding.time;
   json["lines"] = finding.lines;
   return json;
 }
@@ -43,6 +44,8 @@ host::Json ToJson(const Pass& pass) {
 std::string StoryJson(const std::string& log, const LogFacts& facts) {
   host::Json json = {{"log", log}, {"lines", facts.lines}, {"passes", host::Json::array()}};
   for (const Pass& pass : facts.passes) json["passes"].push_back(ToJson(pass));
+  json["unclear"] = facts.unclear_lines;
+  json["unread_from"] = facts.unread_from == 0 ? host::Json() : host::Json(facts.unread_from);
   json["unknown"] = UnknownOf(log, facts);
   return host::AsciiJson(json);
 }

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "base/affix.h"
+#include "base/log_line.h"
 #include "base/log_texts.h"
 #include "orvelbox/history/log_lines.h"
 #include "orvelbox/history/log_message.h"
@@ -95,6 +96,7 @@ bool FactReader::IsDamaged(const LogMessage& message) {
 }
 
 void FactReader::PassOn(const LogMessage& message) {
+  facts_.of_plugin = facts_.of_plugin || message.unit == kPluginUnit;
   auto& reader = open_[message.process];
   const bool first = reader == nullptr;
   if (first) reader = std::make_unique<PassReader>(message.process);

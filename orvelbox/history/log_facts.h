@@ -20,6 +20,7 @@ struct LogFacts {
   std::vector<Pass> passes;         // by their first lines
   LineNumber lines = 0;             // that were read
   LineNumber unread_from = 0;       // here the reader stopped, having too much to tell; 0: nowhere
+  bool of_plugin = false;           // there is a line of the plug-in itself, not only of the libraries that it logs by
   std::vector<LineNumber> unclear;  // name a duplicate, but not what it was compared with; or are damaged
   LineNumber unclear_lines = 0;     // how many there are; the first ones are in the list
 };

@@ -54,7 +54,7 @@ bool PassReader::Tell(const LogMessage& message) {
   if (!open_) Begin(line_, false);
   pass_.last = line_;
   plugin_ = plugin_ || message.unit == kPluginUnit;
-  if (traced && debug_ && (frames_.empty() || frames_.back().function != function)) Tangle();
+  if (traced && traced_ && (frames_.empty() || frames_.back().function != function)) Tangle();
   // Whatever is said in between, even by the libraries that the plug-in calls, may be about what is being done.
   before_ = std::exchange(step_, Step::kNone);
   if (before_ == Step::kNone) steps_.clear();

@@ -70,7 +70,7 @@ bool PassReader::Read(LineNumber line, const LogMessage& message) {
     if (step_ == Step::kSearched) step_ = Step::kNone;
     return true;
   }
-  debug_ = true;
+  debug_ = traced_ = true;
   // Where the begin of a hook is not in the log, those of the hooks that called it are not either.
   const bool ends_outer = !entry && !pass_.begun;
   if (open_ && pass_.ended && !ends_outer) Close();

@@ -103,6 +103,7 @@ class PassReader {
   std::string file_;                    // of kSaving
   std::deque<Comparison> comparisons_;  // the last ones
   bool debug_ = false;                  // debug messages are in the log
+  bool traced_ = false;                 // so are entries and exits
   bool plugin_ = false;                 // so are messages of the plug-in itself, in this pass
   int reports_ = 0;                     // of duplicates that are not complete, their three lines counted
   LineNumber search_line_ = 0;          // where the search of a package begins, while it found nothing

@@ -130,5 +130,30 @@ TEST(LogClaims, a_cache_file_whose_old_text_was_not_removed_is_not_called_gone) 
   EXPECT_THAT(story, HasSubstr("the cache file is gone, unless removing it failed"));
 }
 
+TEST(LogClaims, a_tag_that_is_missing_altogether_is_named) {
+  const std::string comparison = std::string("### Duplicated Checker ### Origin : ") + kJson + ", Duplicated : ";
+  const std::string dll = "/opt/usr/apps/org.a/Json.dll";
+  ToldLog plugin;
+  plugin.Say("isDuplicatedDll", "0", comparison + dll).Say("isDuplicatedDll", "31", "Duplicated : " + dll);
+  plugin.Say("removeFileAndLeaveInformationFile", "31", "Origin file is in RW area. so doesn't remove duplicate file");
+  EXPECT_THAT(StoryOf(plugin.lines()), AllOf(HasSubstr("(priority D, tag QUARNEL)"), Not(HasSubstr("several"))));
+  EXPECT_THAT(StoryOf(ToldLog().Enter("UNDO").Exit("UNDO").lines()), HasSubstr("tag NETCORE_INSTALLER_PLUGIN"));
+  EXPECT_THAT(StoryOf(ToldLog().Enter("UNDO").Say("f", "0", "name x").Exit("UNDO").lines()),
+              Not(HasSubstr("tag NETCORE_INSTALLER_PLUGIN")));
+}
+
+TEST(LogClaims, an_upgrade_that_broke_off_is_told) {
+  const Lines broken = ToldLog().Enter("REMOVED").Enter("UPGRADE").Exit("UPGRADE").Exit("REMOVED").lines();
+  EXPECT_THAT(StoryOf(broken), HasSubstr("broke off before INSTALL"));
+  const Lines whole = ToldLog().Enter("UPGRADE").Enter("INSTALL").Exit("INSTALL").Exit("UPGRADE").lines();
+  EXPECT_THAT(StoryOf(whole), Not(HasSubstr("broke off")));
+}
+
+TEST(LogClaims, json_holds_times_and_what_was_not_read_as_numbers) {
+  const LogFacts facts = FactsOf(ToldLog("7").Say("f", "31", "lstat error.").lines());
+  EXPECT_THAT(StoryJson("LOG", facts), AllOf(HasSubstr("\"time\":\"2026-11-21T08:00:00.123Z\""),
+                                             HasSubstr("\"unclear\":0"), HasSubstr("\"unread_from\":null")));
+}
+
 }  // namespace
 }  // namespace orvelbox
