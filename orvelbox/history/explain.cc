@@ -146,8 +146,7 @@ std::string HeadlineOf(const Pass& pass) {
   std::string text = Span(pass) + ": ";
   if (!pass.tangled && pass.event.empty() && pass.hooks.empty()) return text + "a pass or more, without begin and end";
   if (pass.tangled) {
-    text += pass.hooks.empty() ? "one pass or more, mixed or not whole"
-                               : "one pass or more, mixed or not whole: " + HooksOf(pass);
+    text += "one pass or more, mixed or not whole" + (pass.hooks.empty() ? "" : ": " + HooksOf(pass));
   } else {
     text += pass.event.empty() ? HooksOf(pass) : pass.event;
     text += " of " + (pass.package.empty() ? "a package that is not certain" : pass.package);
