@@ -18,7 +18,7 @@ Command MakeWhy() {
   command.run = [&json, &target](const GlobalOptions& global) {
     const host::Device device = OpenChosenDevice(global);
     const WhyQuestion question = ReadQuestion(device, ReadStore(device), target);
-    const std::vector<Removal> removals = RemovalsFor(device, question);
+    const Removals removals = RemovalsFor(device, question);
     CheckedPackage today;
     if (!question.path.empty()) {
       today = PackageChecker(SetOfDevice(device), {}).Check(device.OnDesk(question.package.root));

@@ -5,6 +5,7 @@
 
 #include "base/affix.h"
 #include "base/fixed_names.h"
+#include "base/log_line.h"
 #include "base/log_texts.h"
 #include "platform/host/paths.h"
 
@@ -28,15 +29,16 @@ constexpr Words kWords[] = {
     {What::kDuplicate, "duplicate", "duplicate", ""},
     {What::kExempt, "exempt", "kept", ""},
     {What::kNoDuplicates, "no-duplicates", "nothing", "was removed: no duplicate was found"},
-    {What::kRefused, "refused", "refused", "the package is under debugging and has duplicates, so its install failed"},
-    {What::kNotDotnet, "left-alone", "skipped", "no application of the package has a \"dotnet-\" type"},
+    {What::kRefused, "refused", "refused", ""},
+    {What::kNotDotnet, "left-alone", "skipped", "it was not taken for a package with a \"dotnet-\" application"},
     {What::kSample, "sample", "skipped", "an application of the package is a sample (its type holds \"apitest\")"},
     {What::kNoManifest, "no-manifest", "skipped", "the package manager gave no manifest"},
     {What::kRunAlready, "run-already", "skipped", ""},
     {What::kErased, "erased", "", ""},
+    {What::kErasing, "erasing", "", ""},
     {What::kWritten, "written", "", "written"},
     {What::kRestarted, "restarted", "loader", "restarted"},
-    {What::kNotRestarted, "not-restarted", "loader", "could not be restarted; it goes by the old cache files"},
+    {What::kNotRestarted, "not-restarted", "loader", "could not be restarted"},
     {What::kError, "error", "error", ""},
 };
 
@@ -44,11 +46,14 @@ const Words& WordsOf(What what) {
   return *std::find_if(std::begin(kWords), std::end(kWords), [what](const Words& words) { return words.what == what; });
 }
 
+// The old file is removed before a new one is written.
+constexpr const char* kNotWritten = "the cache file is gone, unless removing it failed; it was not written anew";
+
 // What follows from errors, by their first words.
 constexpr std::pair<std::string_view, const char*> kConsequences[] = {
     {LOG_TEXT_NO_CACHE_FILE, "the file is missing or closed to the installer, and stays as it is"},
-    {LOG_TEXT_NOT_WRITTEN, "the cache file holds the old text"},
-    {LOG_TEXT_LINK, "nothing is written through a link, and a linked DLL is kept"},
+    {LOG_TEXT_NOT_WRITTEN, kNotWritten},
+    {LOG_TEXT_LINK, "a linked DLL is kept"},
     {LOG_TEXT_REMOVE_CALLED, "the package database does not know the package; its entries stay"},
     {LOG_TEXT_ADD_CALLED, "the package database does not know the package; it gets no entries"},
     {LOG_TEXT_NO_SEARCH, "the package database does not answer; shared components were not searched for copies"},
@@ -56,6 +61,7 @@ constexpr std::pair<std::string_view, const char*> kConsequences[] = {
 };
 
 std::string Consequence(const std::string& error) {
+  if (HasPrefix(error, std::string(LOG_TEXT_LINK) + kCacheDirectory)) return std::string("; ") + kNotWritten;
   for (const auto& [begin, consequence] : kConsequences) {
     if (HasPrefix(error, begin)) return std::string("; ") + consequence;
   }
@@ -88,7 +94,7 @@ std::string TextAboutDll(const Finding& finding) {
   const std::string dll = host::From(root, finding.path);
   std::string because = dll + ": " + BecauseOf(finding.origin, root);
   if (finding.what == What::kStays) return because + ", and that copy lies in the read-write area";
-  if (finding.what == What::kRemovalFailed) return because + "; but removing it failed";
+  if (finding.what == What::kRemovalFailed) return because + "; but: " + finding.text;
   if (finding.what == What::kExempt)
     return dll + ": no duplicate of " + finding.origin + ", as one of them is for d.pc";
   return because;
@@ -106,6 +112,11 @@ std::string TextOf(const Finding& finding) {
       return finding.path + " was the package of the pass before as well";
     case What::kErased:
       return "- " + finding.origin;
+    case What::kErasing:
+      return finding.origin + " was to go; the file may still hold it: it was not written after, or was added to";
+    case What::kRefused:
+      return "the package is under debugging, and has duplicates or is not registered, so its install failed; see " +
+             finding.text.substr(finding.text.find(LOG_TEXT_GUIDE) + std::string_view(LOG_TEXT_GUIDE).size());
     case What::kError:
       return finding.text + Consequence(finding.text);
     default:
@@ -114,7 +125,8 @@ std::string TextOf(const Finding& finding) {
 }
 
 std::string Describe(const Finding& finding, const std::string& package) {
-  const bool of_cache = finding.what == What::kErased || finding.what == What::kWritten;
+  const bool of_cache =
+      finding.what == What::kErased || finding.what == What::kErasing || finding.what == What::kWritten;
   const std::string label = of_cache ? CacheFileIn(finding.path) : WordsOf(finding.what).label;
   const std::string root = PackageRootIn(finding.path);
   const std::string id = IsAssemblyName(finding.path) && package.empty() ? root.substr(root.rfind('/') + 1) : "";
@@ -134,13 +146,18 @@ std::string HeadlineOf(const Pass& pass) {
   std::string text = Span(pass) + ": ";
   if (!pass.tangled && pass.event.empty() && pass.hooks.empty()) return text + "a pass or more, without begin and end";
   if (pass.tangled) {
-    text +=
-        pass.hooks.empty() ? "a pass that is not whole" : "mixed passes, or one that is not whole: " + HooksOf(pass);
+    text += "one pass or more, mixed or not whole" + (pass.hooks.empty() ? "" : ": " + HooksOf(pass));
   } else {
     text += pass.event.empty() ? HooksOf(pass) : pass.event;
-    text += " of " + (pass.package.empty() ? "a package that the log does not name" : pass.package);
+    text += " of " + (pass.package.empty() ? "a package that is not certain" : pass.package);
   }
   return text + (pass.process.empty() ? "" : " (process " + pass.process + ")");
+}
+
+// UPGRADE and REMOVED call INSTALL, unless something is thrown before.
+bool BrokeOff(const Pass& pass) {
+  if (!pass.ended || (pass.event != "UPGRADE" && pass.event != "REMOVED")) return false;
+  return std::none_of(pass.hooks.begin(), pass.hooks.end(), [](const auto& hook) { return hook.first == "INSTALL"; });
 }
 
 }  // namespace
@@ -167,12 +184,13 @@ Lines UnknownOf(const Pass& pass) {
     unknown.push_back("which hooks were called: the log has no begin and no end of one (priority D, tag QUARNEL)");
   } else {
     if (!pass.begun) unknown.push_back("what came before: the log begins in the middle of the pass");
+    if (BrokeOff(pass)) unknown.push_back("why: " + pass.event + " broke off before INSTALL");
     if (!pass.ended) unknown.push_back("what came after: the log ends within the pass, or the process did");
   }
   if (open) {
     unknown.push_back(
-        "whether a duplicate went: it does unless its origin lies in the read-write area, but the lines "
-        "around its removal are not there");
+        "whether a duplicate went: it does unless its origin lies in the read-write area or removing it fails, "
+        "and the log does not show for sure that neither was so");
   }
   return unknown;
 }
@@ -184,7 +202,10 @@ Lines UnknownOf(const std::string& log, const LogFacts& facts) {
   }
   const auto nameless = [](const Pass& pass) { return pass.package.empty() && !pass.tangled && !pass.hooks.empty(); };
   if (std::any_of(facts.passes.begin(), facts.passes.end(), nameless)) {
-    unknown.push_back("packages that are not named: the plug-in logs no ids, only the paths of duplicates tell");
+    unknown.push_back("packages that are not certain: of most passes no line names the package");
+  }
+  if (!facts.passes.empty() && !facts.of_plugin) {
+    unknown.push_back(std::string("what the plug-in itself said: there is no line of the tag ") + kPluginTag);
   }
   if (facts.unclear_lines > 0) {
     unknown.push_back("what " + LinesNamed(facts.unclear) +

@@ -22,18 +22,18 @@ constexpr Call kCalls[] = {
     {"UPGRADE", "INSTALL"},
     {"CLEANUP", "CLEAN"},
     {"INSTALL", kPass},
-    {kPass, "HasPlatformPrivilege"},
+    {kPass, kPrivilege},
     {kPass, "getPackageByMetadataTag"},
     {kPass, kCompare},
     {kCompare, "isDPCDll"},
     {kPass, kRemove},
     {"CLEAN", "isAppCoBARelated"},
     {"CLEAN", "addPkgToTPACacheFile"},
-    {"CLEAN", "removedPkgFromTPACacheFile"},
-    {"UNINSTALL", "removedPkgFromTPACacheFile"},
-    {"RECOVERUNINSTALL", "removedPkgFromTPACacheFile"},
+    {"CLEAN", kTakeOut},
+    {"UNINSTALL", kTakeOut},
+    {"RECOVERUNINSTALL", kTakeOut},
     {"addPkgToTPACacheFile", "readCacheAndRemovePkg"},
-    {"removedPkgFromTPACacheFile", "readCacheAndRemovePkg"},
+    {kTakeOut, "readCacheAndRemovePkg"},
     {"CLEAN", kRestart},
     {"UNINSTALL", kRestart},
     {"RECOVERUNINSTALL", kRestart},
@@ -69,10 +69,6 @@ bool IsTraced(std::string_view function) {
 
 bool MayCall(std::string_view caller, std::string_view function) {
   return AnyCall([=](const Call& call) { return call.caller == caller && call.function == function; });
-}
-
-bool MayFollow(std::string_view function, std::string_view next) {
-  return AnyCall([=](const Call& call) { return call.function == function && MayCall(call.caller, next); });
 }
 
 }  // namespace orvelbox

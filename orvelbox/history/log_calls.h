@@ -8,8 +8,10 @@
 namespace orvelbox {
 
 inline constexpr std::string_view kPass = "gac";
+inline constexpr std::string_view kPrivilege = "HasPlatformPrivilege";  // the first thing that the pass calls
 inline constexpr std::string_view kCompare = "isDuplicatedDll";
 inline constexpr std::string_view kRemove = "removeFileAndLeaveInformationFile";
+inline constexpr std::string_view kTakeOut = "removedPkgFromTPACacheFile";
 inline constexpr std::string_view kRestart = "restartDotnetCandidateProcess";
 
 // A hook's event ("INSTALL"); any other function as it is.
@@ -23,8 +25,6 @@ bool IsEvent(std::string_view function);
 // Is it a function that logs its entry and exit?
 bool IsTraced(std::string_view function);
 bool MayCall(std::string_view caller, std::string_view function);
-// Is there a function that may call both?
-bool MayFollow(std::string_view function, std::string_view next);
 
 }  // namespace orvelbox
 

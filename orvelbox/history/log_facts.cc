@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "base/affix.h"
+#include "base/log_line.h"
 #include "base/log_texts.h"
 #include "orvelbox/history/log_lines.h"
 #include "orvelbox/history/log_message.h"
@@ -23,7 +24,7 @@ void AddDuplicate(const Finding& finding, std::vector<Duplicate>& all) {
   if (finding.path.empty()) return;
   const auto same = [&finding](const Duplicate& other) { return other.duplicated == finding.path; };
   all.erase(std::remove_if(all.begin(), all.end(), same), all.end());
-  all.push_back({finding.origin, finding.path, finding.what == What::kStays, finding.time});
+  all.push_back({finding.origin, finding.path, finding.what, finding.time});
 }
 
 void Summarize(const Finding& finding, LogSummary& summary) {
@@ -42,10 +43,14 @@ void Summarize(const Finding& finding, LogSummary& summary) {
       summary.restart_failed = true;
       break;
     case What::kNotDotnet:
+    case What::kSample:
       summary.not_inhouse = true;
       break;
-    case What::kError:
     case What::kNoManifest:
+      summary.not_inhouse = true;
+      summary.errors.push_back(finding.text);
+      break;
+    case What::kError:
       summary.errors.push_back(finding.text);
       break;
     default:
@@ -73,14 +78,12 @@ void FactReader::Read(std::string_view line, bool whole) {
   }
 }
 
-// The same line again is one that was logged twice where it tells time and process, or where all lines are doubled.
-// Otherwise two processes may have logged the same.
+// The same line again is one that was logged twice where it tells time and process. Elsewhere two processes may have
+// logged the same.
 bool FactReader::IsDoubled(std::string_view line) {
-  const bool again = line == before_ && facts_.lines > 1;
-  if (!again && facts_.lines > 1 && !again_) doubled_ = false;
-  again_ = again;
+  const bool again = records_ && line == before_;
   before_ = line;
-  return again && (records_ || doubled_);
+  return again;
 }
 
 // One message has a line feed, so that on a device its end stands on a line of its own.
@@ -93,6 +96,7 @@ bool FactReader::IsDamaged(const LogMessage& message) {
 }
 
 void FactReader::PassOn(const LogMessage& message) {
+  facts_.of_plugin = facts_.of_plugin || message.unit == kPluginUnit;
   auto& reader = open_[message.process];
   const bool first = reader == nullptr;
   if (first) reader = std::make_unique<PassReader>(message.process);
@@ -118,19 +122,17 @@ void FactReader::Keep(PassReader& reader) {
   }
 }
 
+// The process that has been silent for the longest is the likeliest to be over.
 void FactReader::MakeRoom() {
   if (open_.size() > kMostProcesses) {
-    for (auto reader = open_.begin(); reader != open_.end();) {
-      if (reader->second->InPass()) {
-        ++reader;
-        continue;
-      }
-      reader->second->End();
-      Keep(*reader->second);
-      reader = open_.erase(reader);
-    }
+    const auto silent = std::min_element(open_.begin(), open_.end(), [](const auto& one, const auto& other) {
+      return one.second->last() < other.second->last();
+    });
+    silent->second->End();
+    Keep(*silent->second);
+    open_.erase(silent);
   }
-  if (weight_ > kMostWeight || open_.size() > kMostProcesses) facts_.unread_from = facts_.lines + 1;
+  if (weight_ > kMostWeight) facts_.unread_from = facts_.lines + 1;
 }
 
 void FactReader::NoteUnclear() {
@@ -158,6 +160,7 @@ LogFacts ReadLogFacts(const std::filesystem::path& file, std::uintmax_t from) {
 
 LogSummary Summarize(const LogFacts& facts) {
   LogSummary summary;
+  summary.unread_from = facts.unread_from;
   for (const Pass& pass : facts.passes) {
     for (const Finding& finding : pass.findings) Summarize(finding, summary);
   }

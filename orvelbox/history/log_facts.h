@@ -20,6 +20,7 @@ struct LogFacts {
   std::vector<Pass> passes;         // by their first lines
   LineNumber lines = 0;             // that were read
   LineNumber unread_from = 0;       // here the reader stopped, having too much to tell; 0: nowhere
+  bool of_plugin = false;           // there is a line of the plug-in itself, not only of the libraries that it logs by
   std::vector<LineNumber> unclear;  // name a duplicate, but not what it was compared with; or are damaged
   LineNumber unclear_lines = 0;     // how many there are; the first ones are in the list
 };
@@ -47,8 +48,6 @@ class FactReader {
   LogFacts facts_;
   std::map<std::string, std::unique_ptr<PassReader>> open_;  // by process
   std::string before_;                                       // the line before
-  bool again_ = false;                                       // that was the same as the one before it
-  bool doubled_ = true;                                      // so was every other line
   std::size_t weight_ = 0;                                   // of all that was found
   std::size_t left_open_ = 0;                                // how many of the passes were left open for another one
   bool records_ = false;                                     // the log is a desk's
@@ -60,10 +59,10 @@ LogFacts ReadLogFacts(const std::filesystem::path& file, std::uintmax_t from = 0
 
 // A DLL of a package that the plug-in took for a duplicate.
 struct Duplicate {
-  std::string origin;              // the copy that counts
-  std::string duplicated;          // the package's copy
-  bool origin_read_write = false;  // so the package's copy stays
-  std::string time{};              // of the report
+  std::string origin;            // the copy that counts
+  std::string duplicated;        // the package's copy
+  What fate = What::kDuplicate;  // what became of that, as far as the log tells
+  std::string time{};            // of the report
 };
 
 // The same of a single operation, whichever of its passes did it.
@@ -71,8 +70,9 @@ struct LogSummary {
   std::vector<Duplicate> duplicates;  // in the order of the log, each file once
   std::string guide;                  // the line that names the guide page; empty when the install did not fail
   bool restart_failed = false;
-  bool not_inhouse = false;         // a hook found no "dotnet-" application and did nothing
+  bool not_inhouse = false;         // a hook did not take the package for a dotnet-inhouse one and did nothing
   std::vector<std::string> errors;  // all other errors
+  LineNumber unread_from = 0;       // as in LogFacts
 };
 LogSummary Summarize(const LogFacts& facts);
 

@@ -19,11 +19,12 @@ enum class What {
   kExempt,         // a DLL that is no duplicate, because it or its origin lies on a d.pc path
   kNoDuplicates,   // a package was looked through
   kRefused,        // an install, because the package is under debugging and has duplicates
-  kNotDotnet,      // a package without an application of a "dotnet-" type
-  kSample,         // an application that is a sample
+  kNotDotnet,      // the plug-in did not take the package for a dotnet-inhouse one
+  kSample,         // the same, because an application is a sample
   kNoManifest,     // the package manager gave none
   kRunAlready,     // for the package just before
-  kErased,         // an entry of a cache file
+  kErased,         // an entry of a cache file, which was written without it
+  kErasing,        // an entry that went out of a cache file's text; the file may still hold it
   kWritten,        // a cache file
   kRestarted,      // the loader
   kNotRestarted,   // the loader, which was to be
@@ -33,10 +34,9 @@ enum class What {
 struct Finding {
   What what;
   std::string path;    // of the DLL or the cache file; of kRunAlready the package id
-  std::string origin;  // the copy that decides, empty when it cannot be known; of kErased what went
+  std::string origin;  // the copy that decides, empty when it cannot be known; of kErased and kErasing what went
   std::string text;    // as it was logged, where that is a message for people
   std::string time;    // where the log is a desk's
-  std::string hook;    // in which it happened, innermost; empty when it cannot be known
   std::vector<LineNumber> lines;
   std::size_t sure = 1;  // how many of them stand for it even where lines of several passes are mixed
 };

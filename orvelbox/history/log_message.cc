@@ -72,7 +72,8 @@ bool IsText(std::string_view line) {
 
 bool LooksLikeOurs(std::string_view line) {
   const auto holds = [line](std::string_view sign) { return line.find(sign) != std::string_view::npos; };
-  return holds(kPluginTag) || holds(kUtilityTag) || holds(std::string(kPluginUnit) + ": ") || holds(LOG_TEXT_EXIT);
+  return holds(kPluginTag) || holds(kUtilityTag) || holds(std::string(kPluginUnit) + ": ") || holds("quarnel_util: ") ||
+         holds(LOG_TEXT_EXIT);
 }
 
 bool IsWordCharacter(char c) {
@@ -163,6 +164,12 @@ LogMessage ReadLogLine(std::string_view line, bool whole) {
   }
   if (!whole && message.kind == Kind::kOurs) message.kind = Kind::kDamaged;
   return message;
+}
+
+bool TakePrefix(std::string_view& text, std::string_view prefix) {
+  if (!HasPrefix(text, prefix)) return false;
+  text.remove_prefix(prefix.size());
+  return true;
 }
 
 }  // namespace orvelbox

@@ -32,6 +32,9 @@ struct LogMessage {
 // Reads a line (without its line feed). One that is not `whole` was longer than a reader takes.
 LogMessage ReadLogLine(std::string_view line, bool whole = true);
 
+// Takes the prefix off the text; false when the text does not begin with it.
+bool TakePrefix(std::string_view& text, std::string_view prefix);
+
 }  // namespace orvelbox
 
 #endif

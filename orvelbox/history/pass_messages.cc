@@ -1,5 +1,6 @@
-// What the messages within a pass say.
+// What the messages within a pass say of DLLs and of the package.
 #include <algorithm>
+#include <utility>
 
 #include "base/affix.h"
 #include "base/fixed_names.h"
@@ -13,27 +14,9 @@ namespace {
 
 constexpr std::size_t kComparisonsKept = 8;
 
-bool TakePrefix(std::string_view& text, std::string_view prefix) {
-  if (!HasPrefix(text, prefix)) return false;
-  text.remove_prefix(prefix.size());
-  return true;
-}
-
 bool IsDllPath(std::string_view path) { return HasPrefix(path, "/") && IsAssemblyName(path); }
 
 std::string_view NameIn(std::string_view path) { return path.substr(path.rfind('/') + 1); }
-
-bool IsCachePath(std::string_view path) {
-  return std::any_of(std::begin(kCacheFiles), std::end(kCacheFiles),
-                     [path](const char* name) { return path == std::string(kCacheDirectory) + name; });
-}
-
-// An entry goes with the separator before or behind it.
-std::string_view WithoutSeparators(std::string_view entry) {
-  if (!entry.empty() && entry.front() == kEntrySeparator) entry.remove_prefix(1);
-  if (!entry.empty() && entry.back() == kEntrySeparator) entry.remove_suffix(1);
-  return entry;
-}
 
 // The origin that was compared with `dll`, by the text of the comparison. Empty when it tells of another.
 std::string OriginOf(std::string_view text, const std::string& dll) {
@@ -56,9 +39,7 @@ bool IsError(const LogMessage& message) {
 }  // namespace
 
 Finding& PassReader::Add(What what, const LogMessage& message) {
-  const auto hook = std::find_if(frames_.rbegin(), frames_.rend(), [](const Frame& f) { return IsEvent(f.function); });
-  pass_.findings.push_back({what, "", "", message.text, message.time, "", {line_}});
-  if (hook != frames_.rend()) pass_.findings.back().hook = hook->function;
+  pass_.findings.push_back({what, "", "", message.text, message.time, {line_}});
   weight_ += sizeof(Finding) + 3 * message.text.size();
   return pass_.findings.back();
 }
@@ -72,14 +53,11 @@ bool PassReader::Tell(const LogMessage& message) {
   if (open_ && pass_.ended) Close();
   if (!open_) Begin(line_, false);
   pass_.last = line_;
-  if (traced) {
-    const std::string name(function);
-    if (frames_.empty() ? !IsInside(name) : frames_.back().function != name) Tangle();
-    if (frames_.empty()) inside_ = name;
-  }
-  before_ = step_;
+  plugin_ = plugin_ || message.unit == kPluginUnit;
+  if (traced && traced_ && (frames_.empty() || frames_.back().function != function)) Tangle();
+  // Whatever is said in between, even by the libraries that the plug-in calls, may be about what is being done.
+  before_ = std::exchange(step_, Step::kNone);
   if (before_ == Step::kNone) steps_.clear();
-  if (plugin) step_ = Step::kNone;
   bool taken = false;
   const bool known = TellOfDuplicates(message, &taken);
   if (!taken && !TellOfPackage(message) && !TellOfCaches(message) && IsError(message)) Add(What::kError, message);
@@ -95,12 +73,14 @@ bool PassReader::TellOfDuplicates(const LogMessage& message, bool* taken) {
     if (comparisons_.size() > kComparisonsKept) comparisons_.pop_front();
   } else if (text == LOG_TEXT_DUPLICATE_FOUND) {
     step_ = Step::kFound;
-    pass_line_ = 0;
+    ++reports_;
+    search_line_ = 0;
     steps_ = {line_};
   } else if (TakePrefix(text, LOG_TEXT_ORIGIN)) {
     if (before_ == Step::kFound) step_ = Step::kOrigin;
+    if (reports_ == 0) ++reports_;
     origin_ = text;
-    pass_line_ = 0;
+    search_line_ = 0;
     steps_.push_back(line_);
   } else if (HasPrefix(text, LOG_TEXT_DUPLICATED)) {
     return AddDuplicate(message);
@@ -126,18 +106,29 @@ void PassReader::TellOfStaying(const LogMessage& message) {
   }
 }
 
-// Two lines have to name the same paths, unless the log has no debug messages at all.
+// There was a line too many: the three that were taken for one report may be of several.
+void PassReader::Unpair() {
+  for (Finding& finding : pass_.findings) {
+    if (finding.what != What::kDuplicate || finding.lines.size() != 3) continue;
+    finding.origin.clear();
+    finding.lines = {finding.lines.back()};
+    finding.sure = 1;
+  }
+}
+
+// Two lines have to name the same paths, unless the log has no debug messages at all. Then three lines are one report
+// if no other one is begun.
 bool PassReader::AddDuplicate(const LogMessage& message) {
-  pass_line_ = 0;
+  search_line_ = 0;
   const std::string dll = message.text.substr(std::string_view(LOG_TEXT_DUPLICATED).size());
   if (!IsDllPath(dll)) return false;
   const auto compared = std::find_if(comparisons_.rbegin(), comparisons_.rend(), [&](const Comparison& comparison) {
     return !OriginOf(comparison.text, dll).empty();
   });
   if (compared == comparisons_.rend() && debug_) return false;
-  const bool three = before_ == Step::kOrigin && NameIn(origin_) == NameIn(dll);
-  // One line too many: it may be this one that belongs to the two before.
-  if (before_ == Step::kNamed && !debug_) pass_.findings[duplicate_].origin.clear();
+  const bool three = before_ == Step::kOrigin && reports_ == 1 && NameIn(origin_) == NameIn(dll);
+  if (reports_ == 0 && !debug_) Unpair();
+  if (reports_ > 0) --reports_;
   Finding& duplicate = Add(What::kDuplicate, message);
   duplicate.path = dll;
   duplicate.text.clear();
@@ -188,15 +179,17 @@ void PassReader::TellOfFailedRemoval(const LogMessage& message) {
 bool PassReader::TellOfPackage(const LogMessage& message) {
   std::string_view text = message.text;
   if (text == LOG_TEXT_NOT_INHOUSE) {
-    Add(What::kNotDotnet, message);
+    TellOfLeaving(message);
   } else if (text == LOG_TEXT_SAMPLE) {
-    Add(What::kSample, message);
+    step_ = Step::kSample;
+    steps_ = {line_};
   } else if (text == LOG_TEXT_NO_MANIFEST) {
     Add(What::kNoManifest, message);
+    step_ = Step::kNoManifest;
   } else if (HasPrefix(text, LOG_TEXT_GUIDE)) {
     Add(What::kRefused, message);
   } else if (TakePrefix(text, LOG_TEXT_RUN_ALREADY "(") && HasSuffix(text, ")")) {
-    pass_line_ = 0;
+    search_line_ = 0;
     Finding& again = Add(What::kRunAlready, message);
     again.path = text.substr(0, text.size() - 1);
   } else {
@@ -205,31 +198,13 @@ bool PassReader::TellOfPackage(const LogMessage& message) {
   return true;
 }
 
-bool PassReader::TellOfCaches(const LogMessage& message) {
-  std::string_view text = message.text;
-  if (text == LOG_TEXT_RESTART_FAILED) {
-    Add(What::kNotRestarted, message);
-  } else if (TakePrefix(text, LOG_TEXT_SAVE_FILE) && IsCachePath(text)) {
-    step_ = Step::kSaving;
-    steps_ = {line_};
-    file_ = text;
-  } else if (text == LOG_TEXT_SAVED && before_ == Step::kSaving) {
-    Finding& written = Add(What::kWritten, message);
-    written.path = file_;
-    written.lines = {steps_.front(), line_};
-    step_ = Step::kNone;
-  } else if (TakePrefix(text, LOG_TEXT_ERASED)) {
-    const std::size_t from = text.rfind(LOG_TEXT_ERASED_FROM);
-    if (from == std::string_view::npos) return true;
-    const std::string_view file = text.substr(from + std::string_view(LOG_TEXT_ERASED_FROM).size());
-    if (!IsCachePath(file)) return true;
-    Finding& erased = Add(What::kErased, message);
-    erased.origin = WithoutSeparators(text.substr(0, from));
-    erased.path = file;
-  } else {
-    return false;
-  }
-  return true;
+// The message just before may be the reason. A sample alone is none: after another package it is treated like that.
+void PassReader::TellOfLeaving(const LogMessage& message) {
+  const bool follows = !frames_.empty();
+  if (follows && before_ == Step::kNoManifest) return;
+  const bool sample = follows && before_ == Step::kSample;
+  Finding& left = Add(sample ? What::kSample : What::kNotDotnet, message);
+  if (sample) left.lines = {steps_.front(), line_};
 }
 
 }  // namespace orvelbox

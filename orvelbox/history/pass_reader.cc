@@ -5,8 +5,10 @@
 #include <utility>
 
 #include "base/affix.h"
+#include "base/fixed_names.h"
 #include "base/log_texts.h"
 #include "orvelbox/history/log_calls.h"
+#include "platform/host/paths.h"
 
 namespace orvelbox {
 namespace {
@@ -45,7 +47,11 @@ void LeaveOpen(Pass& pass) {
   auto& all = pass.findings;
   all.erase(std::remove_if(all.begin(), all.end(), HangsOnOrder), all.end());
   for (Finding& finding : all) {
-    finding.hook.clear();
+    if (finding.what == What::kSample) {
+      finding.what = What::kNotDotnet;
+      finding.lines = {finding.lines.back()};
+    }
+    if (finding.what == What::kErased) finding.what = What::kErasing;
     finding.lines.resize(std::min(finding.lines.size(), finding.sure));
     const bool removal = finding.what == What::kRemoved || finding.what == What::kRemovalFailed;
     if (removal || (finding.what == What::kStays && !finding.path.empty())) finding.what = What::kDuplicate;
@@ -59,10 +65,15 @@ bool PassReader::Read(LineNumber line, const LogMessage& message) {
   const std::string_view mark = entry ? LOG_TEXT_ENTRY : LOG_TEXT_EXIT;
   if (!HasPrefix(text, mark)) return Tell(message);
   const std::string function = FunctionIn(text.substr(mark.size()));
-  if (function.empty()) return true;
-  debug_ = true;
-  if (!entry && EndsOuter(function)) return true;
-  if (open_ && pass_.ended) Close();
+  if (function.empty()) {
+    // After a search, another privilege is asked for only when it did not find nothing.
+    if (step_ == Step::kSearched) step_ = Step::kNone;
+    return true;
+  }
+  debug_ = traced_ = true;
+  // Where the begin of a hook is not in the log, those of the hooks that called it are not either.
+  const bool ends_outer = !entry && !pass_.begun;
+  if (open_ && pass_.ended && !ends_outer) Close();
   before_ = std::exchange(step_, Step::kNone);
   if (before_ == Step::kNone) steps_.clear();
   if (entry) {
@@ -76,7 +87,7 @@ bool PassReader::Read(LineNumber line, const LogMessage& message) {
 
 void PassReader::Disturb() {
   step_ = Step::kNone;
-  pass_line_ = 0;
+  search_line_ = 0;
 }
 
 void PassReader::Tangle() { pass_.tangled = pass_.tangled || open_; }
@@ -96,9 +107,8 @@ void PassReader::Begin(LineNumber line, bool begun) {
   pass_.first = pass_.last = line;
   pass_.begun = begun;
   pass_.reaches_back = !begun && process_.empty();
-  ends_due_ = begun ? 0 : 1;
-  inside_.clear();
-  called_.clear();
+  plugin_ = false;
+  reports_ = 0;
   open_ = true;
   weight_ += kWeightOfPass;
 }
@@ -121,18 +131,8 @@ void PassReader::Close() {
   frames_.clear();
   comparisons_.clear();
   step_ = Step::kNone;
-  pass_line_ = 0;
+  search_line_ = 0;
   open_ = false;
-}
-
-// The begin of a hook that called the one that has just ended was before the log's.
-bool PassReader::EndsOuter(const std::string& function) {
-  if (!open_ || !pass_.ended || pass_.tangled || !MayCall(function, pass_.event)) return false;
-  pass_.event = function;
-  pass_.begun = false;
-  pass_.reaches_back = process_.empty();
-  pass_.last = line_;
-  return true;
 }
 
 void PassReader::Enter(const std::string& function) {
@@ -140,8 +140,7 @@ void PassReader::Enter(const std::string& function) {
     EnterEvent(function);
   } else {
     if (!open_) Begin(line_, false);
-    const std::string& caller = frames_.empty() ? inside_ : frames_.back().function;
-    const bool known = caller.empty() ? called_.empty() || MayFollow(called_, function) : MayCall(caller, function);
+    const bool known = !frames_.empty() && MayCall(frames_.back().function, function);
     if (IsTraced(function) && !known) Tangle();
   }
   const bool once = IsEvent(function) || function == kPass;
@@ -177,36 +176,26 @@ void PassReader::Exit(const std::string& function) {
   if (!open_) Begin(line_, false);
   StepOut(function);
   Pop(function);
-  if (!IsEvent(function) || IsEventOpen() || ends_due_ > 0) return;
+  if (!IsEvent(function) || IsEventOpen()) return;
   pass_.ended = true;
   pass_.event = function;
   frames_.clear();
 }
 
-// May it be this function that logs, or returns, where its begin is not in the log?
-bool PassReader::IsInside(const std::string& function) const {
-  return (inside_.empty() || inside_ == function) && (called_.empty() || MayCall(function, called_));
-}
-
-// Where the pass's begin is not in the log, neither are those of the outer functions.
 void PassReader::Pop(const std::string& function) {
   const auto same = [&function](const Frame& frame) { return frame.function == function; };
   const auto found = std::find_if(frames_.rbegin(), frames_.rend(), same);
-  const bool before_the_log = frames_.empty() && !pass_.begun && IsInside(function);
-  if (found != frames_.rbegin() || (frames_.empty() && !before_the_log)) Tangle();
+  if (frames_.empty() || found != frames_.rbegin()) Tangle();
   if (found != frames_.rend()) {
     frames_.erase(std::next(found).base());
   } else {
     pass_.reaches_back = process_.empty();
-    if (IsEvent(function) && ends_due_ > 0) --ends_due_;
-    inside_.clear();
   }
-  if (frames_.empty()) called_ = function;
 }
 
 void PassReader::StepInto(const std::string& function) {
-  if (function == kPass) pass_line_ = line_;
-  if (function == kRemove) pass_line_ = 0;
+  if (function == kPrivilege) search_line_ = line_;
+  if (function == kRemove) search_line_ = 0;
   if (function == kRestart) step_ = Step::kRestarting;
   if (function == kRemove && before_ == Step::kCompared) step_ = Step::kRemoving;
   steps_.push_back(line_);
@@ -220,14 +209,20 @@ void PassReader::StepOut(const std::string& function) {
   if (function == kRemove && before_ == Step::kRemoving) EndDuplicate(What::kRemoved);
   if (function == kRemove && before_ == Step::kStaying) EndDuplicate(What::kStays);
   if (function == kRemove && before_ == Step::kFailing) EndDuplicate(What::kRemovalFailed);
-  if (function == kRestart && before_ == Step::kRestarting) Add(What::kRestarted, {}).lines = steps_;
-  if (function == kPass && pass_line_ != 0) Add(What::kNoDuplicates, {}).lines = {pass_line_, line_};
-  if (function == kPass) pass_line_ = 0;
+  // A log without the plug-in's own messages has none about a failure either.
+  if (function == kRestart && before_ == Step::kRestarting && plugin_) Add(What::kRestarted, {}).lines = steps_;
+  if (function == kPass && search_line_ != 0) step_ = Step::kSearched;
+  if (function == "INSTALL" && before_ == Step::kSearched) {
+    Add(What::kNoDuplicates, {}).lines = {search_line_, steps_.front(), line_};
+  }
 }
 
+// One line tells whether a duplicate stays because its origin lies in the read-write area. Only for the platform's own
+// assemblies its absence is believed: they never lie there.
 void PassReader::EndDuplicate(What what) {
   Finding& duplicate = pass_.findings[duplicate_];
-  duplicate.what = what;
+  const bool doubtful = what == What::kRemoved && !host::IsBelow(duplicate.origin, kPlatformAssemblies);
+  duplicate.what = doubtful ? What::kDuplicate : what;
   duplicate.lines.insert(duplicate.lines.end(), steps_.begin(), steps_.end());
 }
 

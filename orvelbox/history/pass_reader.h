@@ -34,12 +34,28 @@ class PassReader {
   // How much was found so far, in bytes or so: what keeps a reader from growing without end.
   std::size_t weight() const { return weight_; }
   bool begun() const { return pass_.begun; }
+  // The last line of the pass that is being read; 0 where there is none.
+  LineNumber last() const { return pass_.last; }
   // The passes that are over, the oldest first.
   std::vector<Pass> TakeOver();
 
  private:
   // What the last message was, where the next one is to be judged by it.
-  enum class Step { kNone, kFound, kOrigin, kNamed, kCompared, kRemoving, kStaying, kFailing, kRestarting, kSaving };
+  enum class Step {
+    kNone,
+    kFound,
+    kOrigin,
+    kNamed,
+    kCompared,
+    kRemoving,
+    kStaying,
+    kFailing,
+    kSearched,
+    kSample,
+    kNoManifest,
+    kRestarting,
+    kSaving
+  };
   struct Frame {
     std::string function;
     bool has_called = false;  // what it calls but once
@@ -52,24 +68,25 @@ class PassReader {
   bool IsEventOpen() const;
   void Begin(LineNumber line, bool begun);
   void Close();
-  bool EndsOuter(const std::string& function);
   void Enter(const std::string& function);
   void EnterEvent(const std::string& event);
   void Exit(const std::string& function);
   void Pop(const std::string& function);
-  bool IsInside(const std::string& function) const;
   void StepInto(const std::string& function);
   void StepOut(const std::string& function);
 
   bool Tell(const LogMessage& message);
   bool TellOfDuplicates(const LogMessage& message, bool* taken);
   bool AddDuplicate(const LogMessage& message);
-  bool AddUncompared(const LogMessage& message);
+  void Unpair();
   void AddExempt(const LogMessage& message);
   void TellOfStaying(const LogMessage& message);
   void TellOfFailedRemoval(const LogMessage& message);
   bool TellOfPackage(const LogMessage& message);
+  void TellOfLeaving(const LogMessage& message);
   bool TellOfCaches(const LogMessage& message);
+  void AddErasing(const LogMessage& message, std::string_view text);
+  void AddWritten(const LogMessage& message);
   void NamePackage();
   Finding& Add(What what, const LogMessage& message);
   void EndDuplicate(What what);
@@ -78,9 +95,6 @@ class PassReader {
   bool open_ = false;
   Pass pass_;
   std::vector<Frame> frames_;
-  int ends_due_ = 0;    // of hooks whose begins are not in the log
-  std::string inside_;  // where there are no frames: the function that logs, if that is known,
-  std::string called_;  // and one that it has called
   Step step_ = Step::kNone;
   Step before_ = Step::kNone;
   LineNumber line_ = 0;
@@ -89,7 +103,10 @@ class PassReader {
   std::string file_;                    // of kSaving
   std::deque<Comparison> comparisons_;  // the last ones
   bool debug_ = false;                  // debug messages are in the log
-  LineNumber pass_line_ = 0;            // where the present look through a package begins, while it found nothing
+  bool traced_ = false;                 // so are entries and exits
+  bool plugin_ = false;                 // so are messages of the plug-in itself, in this pass
+  int reports_ = 0;                     // of duplicates that are not complete, their three lines counted
+  LineNumber search_line_ = 0;          // where the search of a package begins, while it found nothing
   std::size_t duplicate_ = 0;           // of the findings, that the steps are about
   std::size_t weight_ = 0;
   std::vector<Pass> over_;

@@ -34,21 +34,25 @@ void AddInformationFiles(const host::Device& device, const host::Package& packag
     if (entry->file_size(error) > kLongestInformation || error) continue;
     const std::string dll = package.root + "/" + name.substr(0, name.size() - kInformationFileSuffix.size());
     if (const auto origin = OriginIn(host::ReadFile(entry->path()), dll)) {
-      removals[dll] = {dll, *origin, "", true, true, false};
+      removals[dll] = {dll, *origin, "", true, false, true, false};
     }
   }
 }
 
-// The log knows when, and what was only reported. A later report of another kind leaves the information file's word.
-void AddLog(const host::Device& device, const host::Package& package, std::map<std::string, Removal>& removals) {
-  for (const Duplicate& duplicate : Summarize(ReadLogFacts(device.Log())).duplicates) {
+// The log knows when, and what was only reported; where it does not know what became of a DLL, the device does. A later
+// report of another kind leaves the information file's word.
+void AddLog(const host::Device& device, const host::Package& package, const LogSummary& log,
+            std::map<std::string, Removal>& removals) {
+  for (const Duplicate& duplicate : log.duplicates) {
     if (!host::IsBelow(duplicate.duplicated, package.root)) continue;
     Removal& removal = removals[duplicate.duplicated];
     if (removal.information_file && removal.origin != duplicate.origin) continue;
     removal.dll = duplicate.duplicated;
     removal.origin = duplicate.origin;
     removal.time = duplicate.time;
-    removal.removed = !duplicate.origin_read_write;
+    removal.stays = duplicate.fate == What::kStays;
+    removal.removed =
+        duplicate.fate == What::kRemoved || (!removal.stays && !IsThere(device.OnDesk(duplicate.duplicated)));
   }
 }
 
@@ -64,7 +68,8 @@ std::string OnDevice(const host::Device& device, const std::string& text) {
 const char* FateOf(const Removal& removal) { return removal.removed ? "removed" : "reported"; }
 
 std::string NoteOn(const Removal& removal) {
-  if (!removal.removed) return "kept, the copy that decided lies in the read-write area";
+  if (removal.stays) return "kept, the copy that decided lies in the read-write area";
+  if (!removal.removed) return "there, the log does not tell that it was removed";
   if (!removal.information_file) return "in an install before this one: there is no information file any more";
   if (!removal.origin_there) return "the copy that decided is gone since; an install now would keep the DLL";
   return "";
@@ -91,6 +96,28 @@ std::string ReasonToday(const CheckedDll& dll, const CheckedPackage& today) {
   return dll.reason.empty() ? "no catalogue holds its name" : std::string(dll.reason);
 }
 
+std::vector<TextTable::Row> RowsOf(const WhyQuestion& question, const std::vector<Removal>& removals,
+                                   const CheckedPackage& today) {
+  const std::string& root = question.package.root;
+  std::vector<TextTable::Row> rows;
+  for (const Removal& removal : removals) {
+    rows.push_back({FateOf(removal), host::From(root, removal.dll), removal.time, removal.origin, NoteOn(removal)});
+  }
+  for (const CheckedDll& dll : Untold(question, removals, today)) {
+    rows.push_back({"there", dll.path, "", dll.origin, ReasonToday(dll, today)});
+  }
+  return rows;
+}
+
+std::string NothingKnown(const WhyQuestion& question, const Removals& removals) {
+  if (!question.path.empty()) {
+    return "nothing is known of " + host::From(question.package.root, question.path) +
+           ": no information file, no line in the log, and no DLL there that it could have been";
+  }
+  if (removals.unread_from > 0) return "nothing is known to be removed from the package, or reported";
+  return "nothing was removed from the package, and nothing reported";
+}
+
 }  // namespace
 
 std::optional<std::string> OriginIn(std::string_view text, const std::string& dll) {
@@ -101,17 +128,18 @@ std::optional<std::string> OriginIn(std::string_view text, const std::string& dl
   return std::string(text.substr(begin.size(), text.size() - begin.size() - end.size()));
 }
 
-std::vector<Removal> RemovalsFor(const host::Device& device, const WhyQuestion& question) {
+Removals RemovalsFor(const host::Device& device, const WhyQuestion& question) {
   std::map<std::string, Removal> removals;
   AddInformationFiles(device, question.package, removals);
-  AddLog(device, question.package, removals);
+  const LogSummary log = Summarize(ReadLogFacts(device.Log()));
+  AddLog(device, question.package, log, removals);
   std::vector<Removal> all;
   for (auto& [dll, removal] : removals) {
     if (!question.path.empty() && !host::IsAtOrBelow(dll, question.path)) continue;
     removal.origin_there = IsThere(device.OnDesk(removal.origin));
     all.push_back(std::move(removal));
   }
-  return all;
+  return {all, log.unread_from};
 }
 
 WhyQuestion ReadQuestion(const host::Device& device, const host::PackageStore& store, const std::string& text) {
@@ -127,35 +155,30 @@ WhyQuestion ReadQuestion(const host::Device& device, const host::PackageStore& s
   throw host::DeviceError(text + ": belongs to no installed package; see what is with: orvelbox list");
 }
 
-Lines DescribeWhy(const WhyQuestion& question, const std::vector<Removal>& removals, const CheckedPackage& today) {
-  const std::string& root = question.package.root;
-  const std::vector<CheckedDll> untold = Untold(question, removals, today);
-  Lines lines = {WithVersion(question.package.id, question.package.version) + " (" + root + ")"};
-  std::vector<TextTable::Row> rows;
-  rows.reserve(removals.size() + untold.size());
-  for (const Removal& removal : removals) {
-    rows.push_back({FateOf(removal), host::From(root, removal.dll), removal.time, removal.origin, NoteOn(removal)});
+Lines DescribeWhy(const WhyQuestion& question, const Removals& removals, const CheckedPackage& today) {
+  Lines lines = {WithVersion(question.package.id, question.package.version) + " (" + question.package.root + ")"};
+  const std::vector<TextTable::Row> rows = RowsOf(question, removals.all, today);
+  if (rows.empty()) {
+    lines.push_back("    " + NothingKnown(question, removals));
+  } else {
+    TextTable table({"WHAT", "DLL", "WHEN", "BECAUSE OF", "NOTE"});
+    for (const auto& row : rows) table.Measure(row);
+    lines.push_back("    " + table.Headings());
+    for (const auto& row : rows) lines.push_back("    " + table.Line(row));
   }
-  for (const CheckedDll& dll : untold) rows.push_back({"there", dll.path, "", dll.origin, ReasonToday(dll, today)});
-  if (removals.empty() && untold.empty()) {
-    const std::string asked = question.path.empty() ? "the package" : host::From(root, question.path);
-    lines.push_back("    nothing is known of " + asked +
-                    ": no information file, no line in the log, and no DLL there that it could have been");
-    if (question.path.empty()) lines.back() = "    nothing was removed from the package, and nothing reported";
-    return lines;
+  if (removals.unread_from > 0) {
+    lines.push_back("    the log was read up to line " + std::to_string(removals.unread_from - 1) +
+                    ", it holds more than can be told at once");
   }
-  TextTable table({"WHAT", "DLL", "WHEN", "BECAUSE OF", "NOTE"});
-  for (const auto& row : rows) table.Measure(row);
-  lines.push_back("    " + table.Headings());
-  for (const auto& row : rows) lines.push_back("    " + table.Line(row));
   return lines;
 }
 
-std::string WhyJson(const WhyQuestion& question, const std::vector<Removal>& removals, const CheckedPackage& today) {
+std::string WhyJson(const WhyQuestion& question, const Removals& removals, const CheckedPackage& today) {
   const host::Package& package = question.package;
   host::Json json = {
       {"id", package.id}, {"version", package.version}, {"root", package.root}, {"dlls", host::Json::array()}};
-  for (const Removal& removal : removals) {
+  if (removals.unread_from > 0) json["unread_from"] = removals.unread_from;
+  for (const Removal& removal : removals.all) {
     json["dlls"].push_back({{"path", host::From(package.root, removal.dll)},
                             {"fate", FateOf(removal)},
                             {"time", removal.time.empty() ? host::Json() : host::Json(removal.time)},
@@ -163,7 +186,7 @@ std::string WhyJson(const WhyQuestion& question, const std::vector<Removal>& rem
                             {"origin_there", removal.origin_there},
                             {"information_file", removal.information_file}});
   }
-  for (const CheckedDll& dll : Untold(question, removals, today)) {
+  for (const CheckedDll& dll : Untold(question, removals.all, today)) {
     json["dlls"].push_back({{"path", dll.path},
                             {"fate", "there"},
                             {"origin", dll.origin.empty() ? host::Json() : host::Json(dll.origin)},

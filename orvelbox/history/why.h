@@ -3,6 +3,7 @@
 #ifndef ORVEL_ORVELBOX_HISTORY_WHY_H_
 #define ORVEL_ORVELBOX_HISTORY_WHY_H_
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,7 +21,8 @@ struct Removal {
   std::string dll;
   std::string origin;             // the copy that decided
   std::string time;               // of the last report in the log; empty when the log has none
-  bool removed = false;           // otherwise it was reported only
+  bool removed = false;           // otherwise it was reported only,
+  bool stays = false;             // because the copy that decided lies in the read-write area, or for what nobody tells
   bool information_file = false;  // "…_deleted" lies beside its place
   bool origin_there = false;      // the copy that decided is still on the device
 };
@@ -39,13 +41,19 @@ struct WhyQuestion {
 // host::DeviceError when it concerns no installed package.
 WhyQuestion ReadQuestion(const host::Device& device, const host::PackageStore& store, const std::string& text);
 
-// All that is known of what is asked for, ordered by path. Throws host::DeviceError when the log cannot be read.
-std::vector<Removal> RemovalsFor(const host::Device& device, const WhyQuestion& question);
+// All that is known of what is asked for.
+struct Removals {
+  std::vector<Removal> all;       // ordered by path
+  std::uint64_t unread_from = 0;  // the line of the log from which on it is not known; 0: there is none
+};
+
+// Throws host::DeviceError when the log cannot be read.
+Removals RemovalsFor(const host::Device& device, const WhyQuestion& question);
 
 // The answer in words. `today` is what a check of the installed package says now.
-Lines DescribeWhy(const WhyQuestion& question, const std::vector<Removal>& removals, const CheckedPackage& today);
+Lines DescribeWhy(const WhyQuestion& question, const Removals& removals, const CheckedPackage& today);
 // The answer as one JSON object.
-std::string WhyJson(const WhyQuestion& question, const std::vector<Removal>& removals, const CheckedPackage& today);
+std::string WhyJson(const WhyQuestion& question, const Removals& removals, const CheckedPackage& today);
 
 }  // namespace orvelbox
 

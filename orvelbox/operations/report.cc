@@ -19,7 +19,7 @@ std::string Line(const std::string& label, const std::string& text) {
 std::string DescribeDll(const DllFate& dll, const std::string& root) {
   const std::string name = host::From(root, dll.duplicate.duplicated);
   const std::string because = name + ": " + BecauseOf(dll.duplicate.origin, root);
-  if (dll.duplicate.origin_read_write) {
+  if (dll.duplicate.fate == What::kStays) {
     return Line("kept", name + ": duplicates " + dll.duplicate.origin + ", whose copy is in the read-write area");
   }
   if (dll.there) return Line("kept", because + "; removing it failed, see: orvelbox log --priority E");
@@ -73,7 +73,7 @@ Lines DescribeEffects(const Effects& seen, const std::string& root) {
   Lines lines;
   if (seen.log.not_inhouse) {
     lines.push_back(
-        Line("skipped", "the plug-in leaves a package alone that has no application of a \"dotnet-\" type"));
+        Line("skipped", "the plug-in did not take it for a package with an application of a \"dotnet-\" type"));
   }
   for (const DllFate& dll : seen.dlls) lines.push_back(DescribeDll(dll, root));
   AddCacheChange(kTpaFile, seen.tpa, lines);

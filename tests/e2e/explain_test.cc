@@ -46,7 +46,7 @@ TEST_F(ExplainE2e, a_refused_install_and_a_package_that_is_none_of_ours_say_why)
                                           "<manifest package=\"org.example.native\" version=\"1\">"
                                           "<ui-application appid=\"c\" exec=\"c\" type=\"capp\"/></manifest>")});
   EXPECT_THAT(RunExpecting(0, {"explain"}).out,
-              ContainsRegex("    skipped   no application .*\"dotnet-\" type \\(line "));
+              ContainsRegex("    skipped   it was not taken for .*\"dotnet-\" application \\(line "));
 }
 
 TEST_F(ExplainE2e, json_holds_the_same) {

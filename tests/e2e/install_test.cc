@@ -79,7 +79,7 @@ TEST_F(InstallE2e, a_component_gets_its_entries_in_both_cache_files) {
 TEST_F(InstallE2e, a_package_of_another_kind_is_installed_and_said_to_be_left_alone) {
   const std::string package = MakePackage(
       "web", "<manifest package=\"org.example.web\"><ui-application appid=\"w\" type=\"webapp\"/></manifest>");
-  EXPECT_THAT(RunExpecting(0, {"install", package}).out, HasSubstr("skipped  the plug-in leaves a package alone"));
+  EXPECT_THAT(RunExpecting(0, {"install", package}).out, HasSubstr("skipped  the plug-in did not take it"));
 }
 
 TEST_F(InstallE2e, a_debugged_package_with_duplicates_is_refused_explained_and_taken_back) {

@@ -89,6 +89,27 @@ TEST_F(WhyE2e, nothing_known_is_said_and_strangers_are_named) {
               HasSubstr("belongs to no installed package; see what is with: orvelbox list"));
 }
 
+TEST_F(WhyE2e, a_dll_that_is_there_is_not_called_removed_where_the_log_breaks_off) {
+  InstallShop();
+  const std::string dll = std::string(kShop) + "bin/Json.dll";
+  const std::string log = support::ReadFile(device_.Log());
+  support::WriteFile(device_.Log(), log.substr(0, log.find('\n', log.find("> \\e[31mDuplicated : " + dll)) + 1));
+  std::filesystem::remove(OnDesk(dll + "_deleted"));
+  support::WriteFile(OnDesk(dll), "x");
+  EXPECT_THAT(RunExpecting(0, {"why", "org.example.shop"}).out,
+              ContainsRegex("reported  bin/Json.dll .*there, the log does not tell that it was removed"));
+}
+
+TEST_F(WhyE2e, a_log_that_is_not_read_to_its_end_is_said_to_be_one) {
+  RunExpecting(0, {"install", MakePackage("a", ManifestText("org.example.a", "1"))});
+  std::string log;
+  for (int i = 0; i < 400; ++i) log += "morvath: f(1) > \x1b[31m" + std::string(60000, 'x') + "\x1b[0m\n";
+  support::WriteFile(device_.Log(), log);
+  EXPECT_THAT(RunExpecting(0, {"why", "org.example.a"}).out,
+              AllOf(HasSubstr("nothing is known to be removed"), ContainsRegex("the log was read up to line [0-9]+")));
+  EXPECT_GT(host::ParseJson(RunExpecting(0, {"why", "--json", "org.example.a"}).out)["unread_from"], 100);
+}
+
 TEST_F(WhyE2e, caches_that_the_plug_in_wrote_are_sound_until_a_file_is_gone) {
   InstallShop();
   EXPECT_EQ(RunExpecting(0, {"cache", "verify"}).out, "both cache files are sound\n");

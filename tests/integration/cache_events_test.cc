@@ -97,4 +97,31 @@ DESK_TEST(CacheEvents, a_loader_that_refuses_the_new_cache_fails_no_event) {
   EXPECT_NE("", desk.Loader().error);
 }
 
+// What takes the name of the file that is written first: a directory, or a link.
+TEST(CacheEvents, a_cache_file_that_cannot_be_written_anew_is_gone) {
+  for (const bool link : {false, true}) {
+    OnDesk([&](const Desk& desk) {
+      const LoadedPlugin plugin;
+      AddCoba(desk, plugin, "org.pkg", {"P.dll"});
+      const std::string temporary = std::string(support::kCacheDirectory) + "temp_TPA.txt";
+      if (link) {
+        std::filesystem::create_symlink("elsewhere", temporary);
+      } else {
+        std::filesystem::create_directory(temporary);
+      }
+      EXPECT_EQ(0, Desk::Send(plugin, "UNINSTALL", "org.pkg"));
+      EXPECT_FALSE(support::IsThere(kTpaFile));
+      EXPECT_EQ("[START][END]", ReadFile(kCobaFile));
+    });
+  }
+}
+
+DESK_TEST(CacheEvents, a_component_without_assemblies_keeps_its_old_entries) {
+  const LoadedPlugin plugin;
+  const std::string shared = AddCoba(desk, plugin, "org.pkg", {"P.dll"});
+  std::filesystem::remove(shared + "P.dll");
+  StandardErrorOf([&] { EXPECT_EQ(0, plugin.Event("CLEAN", CobaManifest().get(), "org.pkg")); });
+  ExpectCaches("[START]:" + shared + "P.dll[END]", "[START]:" + shared + "[END]");
+}
+
 }  // namespace

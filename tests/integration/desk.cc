@@ -79,13 +79,15 @@ int Desk::Send(const LoadedPlugin& plugin, const std::string& event, const std::
 
 namespace {
 
-// Whoever judges readers of logs names a directory for those of all cases.
-void KeepLog(const host::Device& device) {
+// Whoever judges readers of logs names a directory for those of all cases, each with the device that it is the log of.
+void KeepDevice(const host::Device& device) {
   static int number = 0;
   const char* directory = std::getenv("KEPT_LOGS");
   if (directory == nullptr || std::filesystem::is_empty(device.Log())) return;
   const std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
-  std::filesystem::copy_file(device.Log(), std::filesystem::path(directory) / (name + std::to_string(++number)));
+  const std::filesystem::path kept = std::filesystem::path(directory) / (name + std::to_string(++number));
+  std::filesystem::copy(device.directory, kept,
+                        std::filesystem::copy_options::recursive | std::filesystem::copy_options::copy_symlinks);
 }
 
 }  // namespace
@@ -97,5 +99,5 @@ void OnDesk(const std::function<void(const Desk&)>& body, const host::DeviceConf
     setenv(host::kDeviceVariable, device.directory.c_str(), 1);
     body(Desk(device));
   });
-  KeepLog(device);
+  KeepDevice(device);
 }

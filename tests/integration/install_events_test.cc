@@ -3,15 +3,19 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "platform/host/json.h"
 #include "tests/integration/desk.h"
+#include "tests/support/child.h"
 #include "tests/support/device_root.h"
 #include "tests/support/files.h"
+#include "tests/support/manifests.h"
 #include "tests/support/removal_texts.h"
+#include "tests/support/standard_error.h"
 #include "tests/support/uris.h"
 
 namespace {
@@ -67,6 +71,58 @@ DESK_TEST(InstallEvents, a_package_that_is_not_registered_is_only_told) {
   std::string text;
   EXPECT_EQ(0, Desk::Send(plugin, "INSTALL", "org.unknown", &text));
   EXPECT_EQ("### INSTALL : morvath : org.unknown\n### INSTALL : morvath, pkgRoot is empty : org.unknown\n", text);
+}
+
+int Install(const LoadedPlugin& plugin, const support::Document& manifest, const std::string& id) {
+  int result = -1;
+  support::StandardErrorOf([&] { result = plugin.Event("INSTALL", manifest.get(), id.c_str()); });
+  return result;
+}
+
+support::Document SampleManifest() {
+  return support::ManifestOf(support::ApplicationElement("ui-application", "dotnet-apitest"));
+}
+
+TEST(InstallEvents, other_packages_samples_and_none_at_all_keep_their_dlls) {
+  for (const auto& make : {support::OtherManifest, SampleManifest, +[] { return support::Document(); }}) {
+    OnDesk([&](const Desk& desk) {
+      const std::string dll = desk.Register("org.pkg") + "/A.dll";
+      for (const std::string& file : {kFrameworkDll, dll}) WriteFile(file, "MZ");
+      const LoadedPlugin plugin;
+      EXPECT_EQ(0, Install(plugin, make(), "org.pkg"));
+      EXPECT_TRUE(IsThere(dll));
+    });
+  }
+}
+
+DESK_TEST(InstallEvents, a_sample_after_another_package_is_no_exception) {
+  const std::string dll = desk.Register("org.sample") + "/A.dll";
+  for (const std::string& file : {kFrameworkDll, dll}) WriteFile(file, "MZ");
+  const LoadedPlugin plugin;
+  EXPECT_EQ(0, Desk::Send(plugin, "UNDO", "org.first"));
+  EXPECT_EQ(0, Install(plugin, SampleManifest(), "org.sample"));
+  EXPECT_FALSE(IsThere(dll));
+}
+
+DESK_TEST(InstallEvents, the_same_package_again_is_not_searched) {
+  const std::string dll = desk.Register("org.pkg") + "/A.dll";
+  for (const std::string& file : {kFrameworkDll, dll}) WriteFile(file, "MZ");
+  const LoadedPlugin plugin;
+  EXPECT_EQ(0, Desk::Send(plugin, "INSTALL", "org.pkg"));
+  WriteFile(dll, "MZ");
+  EXPECT_EQ(0, Desk::Send(plugin, "UPGRADE", "org.pkg"));
+  EXPECT_TRUE(IsThere(dll));
+}
+
+DESK_TEST(InstallEvents, a_dll_in_a_closed_directory_stays) {
+  const std::string root = desk.Register("org.pkg");
+  for (const std::string& file : {kFrameworkDll, root + "/A.dll"}) WriteFile(file, "MZ");
+  std::filesystem::permissions(root, std::filesystem::perms(0555));
+  ASSERT_TRUE(support::GiveUpPrivileges());
+  const LoadedPlugin plugin;
+  EXPECT_EQ(0, Desk::Send(plugin, "INSTALL", "org.pkg"));
+  EXPECT_THAT(desk.LogTexts("Failed to remove " + root + "/A.dll : Permission denied"), SizeIs(1));
+  EXPECT_TRUE(IsThere(root + "/A.dll"));
 }
 
 DESK_TEST(InstallEvents, the_log_holds_whole_lines_under_both_tags) {

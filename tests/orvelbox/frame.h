@@ -22,6 +22,7 @@ using support::ErrorOf;
 using support::ReadFile;
 using support::WriteFile;
 using testing::AllOf;
+using testing::AnyOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;

@@ -6,21 +6,13 @@
 #include <set>
 
 #include "orvelbox/history/explain.h"
-#include "platform/host/log_file.h"
 #include "tests/orvelbox/frame.h"
-#include "tests/support/command.h"
+#include "tests/orvelbox/history/kept_devices.h"
+#include "tests/orvelbox/history/log_forms.h"
 
 namespace orvelbox {
 namespace {
 
-// A line, and which line of which log it was.
-struct TestLine {
-  std::string text;
-  std::size_t log;
-  LineNumber line;
-  bool damaged = false;
-};
-using TestLog = std::vector<TestLine>;
 using Claims = std::set<std::string>;
 
 LogFacts FactsOf(const TestLog& log) {
@@ -41,15 +33,15 @@ bool HangsOnLines(What what) {
 std::string Claim(What what, const Finding& finding, const std::string& where) {
   const bool staying = what == What::kStays && finding.path.empty();
   return std::string(NameOf(what)) + "|" + finding.path + "|" + finding.origin + "|" +
+         (what == What::kError || what == What::kRefused ? finding.text : "") + "|" +
          (HangsOnLines(what) && !staying ? where : "");
 }
 
 std::string Where(const TestLine& line) { return std::to_string(line.log) + ":" + std::to_string(line.line); }
 
 // What a claim may be added to: what it was part of, and of which package.
-Claims Additions(const Finding& finding, const Pass& pass, const std::vector<std::string>& events) {
+Claims Additions(const Pass& pass, const std::vector<std::string>& events) {
   Claims additions = {""};
-  if (!finding.hook.empty()) additions.insert("|in " + finding.hook);
   if (pass.package.empty()) return additions;
   additions.insert("|of " + pass.package);
   for (const std::string& event : events) additions.insert("|" + event + " of " + pass.package);
@@ -73,8 +65,12 @@ void AddTruth(const Finding& finding, const Pass& pass, const TestLog& log, Clai
     if (finding.what == What::kStays) claims.insert(Claim(What::kStays, less, ""));
     if (finding.what == What::kRemovalFailed) claims.insert(Claim(What::kError, less, ""));
   }
+  if (finding.what == What::kErased) claims.insert(Claim(What::kErasing, finding, where));
+  if (finding.what == What::kSample || finding.what == What::kNoManifest) {
+    claims.insert(Claim(What::kNotDotnet, finding, where));
+  }
   for (const std::string& claim : claims) {
-    for (const std::string& addition : Additions(finding, pass, events)) truth.insert(claim + addition);
+    for (const std::string& addition : Additions(pass, events)) truth.insert(claim + addition);
   }
 }
 
@@ -96,50 +92,11 @@ void ExpectTrue(const TestLog& log, const Claims& truth, const std::string& how)
       const std::string claim = Claim(finding.what, finding, Where(log.at(finding.lines.back() - 1)));
       std::vector<std::string> events;
       if (!pass.event.empty()) events.push_back(pass.event);
-      for (const std::string& addition : Additions(finding, pass, events)) {
+      for (const std::string& addition : Additions(pass, events)) {
         ASSERT_EQ(truth.count(claim + addition), 1U) << claim + addition << "\n" << how;
       }
     }
   }
-}
-
-// The same log in the form of another: with the prefix of a device, without anything but the message, errors only.
-std::string WithoutColours(std::string text) {
-  for (std::size_t at = 0; (at = text.find("\x1b[")) != std::string::npos;) text.erase(at, text.find('m', at) - at + 1);
-  return text;
-}
-
-using Form = void (*)(const TestLine& line, const host::LogRecord& record, TestLog& log);
-
-void OfDesk(const TestLine& line, const host::LogRecord& /*record*/, TestLog& log) { log.push_back(line); }
-
-void OfDevice(const TestLine& line, const host::LogRecord& record, TestLog& log) {
-  std::string text = record.text;
-  for (std::size_t end = 0; end != std::string::npos; text.erase(0, end + 1)) {
-    end = text.find('\n');
-    log.push_back({"11-22 04:10:00.1 " + std::string(1, record.priority) + "/" + record.tag +
-                       "( 7): " + text.substr(0, end) + "\r",
-                   line.log, line.line});
-    if (end == std::string::npos) break;
-  }
-}
-
-void Bare(const TestLine& line, const host::LogRecord& record, TestLog& log) {
-  const std::string text = WithoutColours(record.text);
-  log.push_back({text.substr(0, text.find('\n')), line.log, line.line});
-}
-
-void ErrorsOnly(const TestLine& line, const host::LogRecord& record, TestLog& log) {
-  if (record.priority == 'E') Bare(line, record, log);
-}
-
-constexpr std::pair<const char*, Form> kForms[] = {
-    {"desk", OfDesk}, {"device", OfDevice}, {"bare", Bare}, {"errors", ErrorsOnly}};
-
-TestLog In(Form form, const TestLog& log) {
-  TestLog other;
-  for (const TestLine& line : log) form(line, host::ParseLogRecord(line.text).value(), other);
-  return other;
 }
 
 TestLog Part(const TestLog& log, std::size_t begin, std::size_t end) {
@@ -176,15 +133,8 @@ TestLine Damaged(TestLine line, std::mt19937& random) {
 class LogStory : public testing::Test {
  protected:
   static void SetUpTestSuite() {
-    const support::TempDir directory;
-    support::OutputOf("KEPT_LOGS='" + directory.path().string() + "' '" INTEGRATION_TESTS "' 2>&1");
-    for (const std::string& name : support::NamesIn(directory.path())) {
-      TestLog log;
-      for (const std::string& line : support::Lines(ReadFile(directory / name))) {
-        log.push_back({line, logs().size(), log.size() + 1});
-      }
-      logs().push_back(log);
-    }
+    const KeptDevices kept;
+    for (const host::Device& device : kept.devices()) logs().push_back(ReadTestLog(device.Log(), logs().size()));
   }
   void SetUp() override {
     if (logs().empty()) GTEST_SKIP() << "no integration case runs here";
@@ -198,24 +148,13 @@ class LogStory : public testing::Test {
   // Every log in every form.
   template <typename Body>
   void ForEachForm(const Body& body) const {
-    for (const auto& [name, form] : kForms) {
+    for (const auto& [name, form] : LogForms()) {
       for (std::size_t i = 0; i < logs().size(); ++i) body(In(form, logs()[i]), truths_[i], name);
     }
   }
 
   std::vector<Claims> truths_;
 };
-
-TEST_F(LogStory, whole_logs_tell_all_that_can_become_of_a_dll) {
-  Claims told;
-  for (const Claims& truth : truths_) {
-    for (const std::string& claim : truth) told.insert(claim.substr(0, claim.find('|')));
-  }
-  for (const What what : {What::kRemoved, What::kStays, What::kExempt, What::kNoDuplicates, What::kRefused,
-                          What::kErased, What::kWritten, What::kRestarted, What::kNotRestarted}) {
-    EXPECT_THAT(told, Contains(NameOf(what)));
-  }
-}
 
 TEST_F(LogStory, no_cut_makes_a_false_claim) {
   ForEachForm([](const TestLog& log, const Claims& truth, const std::string& form) {
@@ -253,7 +192,7 @@ TEST_F(LogStory, no_damage_makes_a_false_claim) {
 
 TEST_F(LogStory, no_mixture_makes_a_false_claim) {
   std::mt19937 random(15);
-  for (const auto& [name, form] : kForms) {
+  for (const auto& [name, form] : LogForms()) {
     for (std::size_t i = 0; i < logs().size() * logs().size(); ++i) {
       const std::size_t one = i / logs().size();
       const std::size_t other = i % logs().size();

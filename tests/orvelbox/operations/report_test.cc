@@ -10,7 +10,7 @@ constexpr const char* kPlatformDll = "/usr/share/dotnet.orvel/framework/X.dll";
 
 Effects WithDll(const std::string& origin, bool there, bool information_file) {
   Effects seen;
-  seen.dlls.push_back({{origin, "/root/a/bin/X.dll", false}, there, information_file});
+  seen.dlls.push_back({{origin, "/root/a/bin/X.dll"}, there, information_file});
   return seen;
 }
 
