@@ -100,6 +100,7 @@ std::vector<TextTable::Row> RowsOf(const WhyQuestion& question, const std::vecto
                                    const CheckedPackage& today) {
   const std::string& root = question.package.root;
   std::vector<TextTable::Row> rows;
+  rows.reserve(removals.size());
   for (const Removal& removal : removals) {
     rows.push_back({FateOf(removal), host::From(root, removal.dll), removal.time, removal.origin, NoteOn(removal)});
   }

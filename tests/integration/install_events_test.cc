@@ -2,7 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -121,7 +123,7 @@ DESK_TEST(InstallEvents, a_dll_in_a_closed_directory_stays) {
   ASSERT_TRUE(support::GiveUpPrivileges());
   const LoadedPlugin plugin;
   EXPECT_EQ(0, Desk::Send(plugin, "INSTALL", "org.pkg"));
-  EXPECT_THAT(desk.LogTexts("Failed to remove " + root + "/A.dll : Permission denied"), SizeIs(1));
+  EXPECT_THAT(desk.LogTexts("Failed to remove " + root + "/A.dll : " + std::strerror(EACCES)), SizeIs(1));
   EXPECT_TRUE(IsThere(root + "/A.dll"));
 }
 
