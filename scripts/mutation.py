@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Measures the unit and hostile tests: changes one thing at a time in plugin/ and util/ and checks whether a test fails.
+"""Measures the tests: changes one thing at a time in the sources and checks whether a test of theirs fails.
 
-Usage: scripts/mutation.py [--only PATH…] [--every N] [--jobs N] [--resume]
+Usage: scripts/mutation.py [--only PATH…] [--every N | --sample N] [--jobs N] [--resume]
 
 Works in copies of the tree below build/mutation. A mutant that does not compile does not count; one that fails a
 test, crashes or exceeds a limit is killed. Survivors are listed in build/mutation/survivors.txt, except those in
@@ -23,12 +23,18 @@ from mutants import ROOT, mutants_of
 WORK = ROOT / "build" / "mutation"
 VERDICTS = WORK / "verdicts.txt"
 EQUIVALENTS = ROOT / "scripts" / "mutation-equivalents.txt"
-SOURCES = ["base", "plugin", "util"]
-TEST_PROGRAMS = ["tests/unit/unit_tests", "tests/hostile/hostile_tests"]  # the second only for what the first lets pass
+# By source folder, the programs that test it. Each program runs only when the ones before it do not fail.
+PLUGIN_TESTS = ["tests/unit/unit_tests", "tests/hostile/hostile_tests"]
+TEST_PROGRAMS = {
+    "base": PLUGIN_TESTS, "plugin": PLUGIN_TESTS, "util": PLUGIN_TESTS,
+    "orvelbox": ["tests/orvelbox/orvelbox_tests", "tests/e2e/e2e_tests"],
+    "platform/host": ["tests/host/host_tests", "tests/e2e/e2e_tests"],
+}
+SOURCES = ["base", "plugin", "util"]  # without --only
 # Enough for several runs of all tests. A mutant in an endless loop exceeds the processor time, whatever else the machine
 # does. One that allocates without end exceeds the memory. One that waits for ever exceeds only the wall-clock time, whose
 # limit is high, because a busy machine must not kill a mutant.
-PROCESSOR_SECONDS, MEMORY_KB, CLOCK_SECONDS = 5, 4_000_000, 300
+PROCESSOR_SECONDS, MEMORY_KB, CLOCK_SECONDS = 20, 4_000_000, 300
 
 
 def files(*paths):
@@ -38,6 +44,15 @@ def files(*paths):
 
 def all_mutants(*paths):
     return [mutant for name in files(*paths) if name.endswith((".cc", ".h")) for mutant in mutants_of(name)]
+
+
+def programs_for(path):
+    """The programs that test a source file, in their order; none for a file outside of the folders."""
+    return next((programs for folder, programs in TEST_PROGRAMS.items() if path.startswith(f"{folder}/")), [])
+
+
+def programs_for_all(mutants):
+    return list(dict.fromkeys(program for mutant in mutants for program in programs_for(mutant.path)))
 
 
 def copy_if_changed(origin, copy):
@@ -50,7 +65,7 @@ def copy_if_changed(origin, copy):
 class Worker:
     """A copy of the tree with a build of the tests."""
 
-    def __init__(self, number):
+    def __init__(self, number, programs):
         self.tree = WORK / f"worker-{number}"
         # By test program and source file, the tests that have killed mutants of that file.
         self.killers = collections.defaultdict(dict)
@@ -62,7 +77,7 @@ class Worker:
                         "-DCMAKE_PROJECT_INCLUDE=scripts/mutation.cmake",
                         "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST"],
                        cwd=self.tree, check=True, stdout=subprocess.DEVNULL)
-        for program in TEST_PROGRAMS:
+        for program in programs:
             if not self.builds(program):
                 sys.exit(f"the tests do not build; see: ninja -C {self.tree}/build {program}")
             passed, failing = self.run_tests(program)
@@ -102,7 +117,7 @@ class Worker:
         text = file.read_text()
         file.write_text(mutant.mutated_text)
         try:
-            for program in TEST_PROGRAMS:
+            for program in programs_for(mutant.path):
                 if not self.builds(program):
                     return "invalid"
                 if not self.tests_pass(program, mutant.path):
@@ -116,7 +131,7 @@ def judge_all(mutants, jobs):
     """Yields each mutant with its verdict, in order."""
     workers = queue.Queue()
     for number in range(jobs if mutants else 0):
-        workers.put(Worker(number))
+        workers.put(Worker(number, programs_for_all(mutants)))
 
     def judge(mutant):
         worker = workers.get()
@@ -186,7 +201,7 @@ def report(mutants, verdicts, known):
 
 def stale_equivalents(mutants, verdicts, known):
     """The faults of the list of equivalents: entries without a mutant, or whose mutant a test kills."""
-    existing = {mutant.title for mutant in all_mutants(*SOURCES)}
+    existing = {mutant.title for mutant in all_mutants(*TEST_PROGRAMS)}
     killed = {mutant.title for mutant in mutants if verdicts[mutant.digest()] != "survived"}
     return [f"{EQUIVALENTS.name}: no such mutant: {title}" for title in sorted(known - existing)] + \
            [f"{EQUIVALENTS.name}: not equivalent: {title}" for title in sorted(known & killed)]
@@ -196,12 +211,16 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--only", nargs="+", default=SOURCES, help="files or directories to mutate")
     parser.add_argument("--every", type=int, default=1, help="take every Nth mutant only")
+    parser.add_argument("--sample", type=int, help="take N mutants at random, always the same ones of the same sources")
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
     parser.add_argument("--resume", action="store_true",
                         help="take over what earlier runs killed or could not compile; judge only the other mutants")
     options = parser.parse_args()
 
-    mutants = all_mutants(*options.only)[::options.every]
+    mutants = [mutant for mutant in all_mutants(*options.only) if programs_for(mutant.path)][::options.every]
+    if options.sample is not None:
+        # In the order of their digests, so that a change of one file leaves the mutants of the others in the sample.
+        mutants = sorted(mutants, key=lambda mutant: mutant.digest())[:options.sample]
     verdicts = verdicts_of(mutants, options.resume, options.jobs)
     known = equivalents()
     share = report(mutants, verdicts, known)
