@@ -64,40 +64,30 @@ TEST(Workers, work_goes_on_at_the_same_time) {
   EXPECT_EQ(ResultsOf(2, 2, meet).size(), 2U);
 }
 
-TEST(Workers, results_that_wait_behind_slow_work_are_few) {
+// How many of `count` packages, with so many DLLs each, two threads begin while the first one takes long.
+std::size_t BegunBehindSlowWork(std::size_t count, std::size_t dlls) {
   std::atomic<std::size_t> begun{0};
-  std::size_t begun_before_the_first = 0;
+  std::size_t begun_meanwhile = 0;
   const auto work = [&](std::size_t number) {
     ++begun;
     if (number == 0) {
       std::this_thread::sleep_for(std::chrono::milliseconds(100));
-      begun_before_the_first = begun;
-    }
-    return std::string();
-  };
-  EXPECT_EQ(ResultsOf(1000, 2, work).size(), 1000U);
-  EXPECT_LE(begun_before_the_first, 8U);
-}
-
-TEST(Workers, no_work_begins_while_large_results_wait) {
-  std::atomic<std::size_t> begun{0};
-  std::size_t begun_before_the_first = 0;
-  const auto work = [&](std::size_t number) {
-    ++begun;
-    if (number == 0) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(100));
-      begun_before_the_first = begun;
+      begun_meanwhile = begun;
     }
     CheckedPackage package;
-    package.dlls.resize(20'000);
+    package.dlls.resize(dlls);
     return package;
   };
   Results results;
   const host::HeldSignals signals;
-  RunOnThreads(20, 2, work, results);
-  EXPECT_EQ(results.names.size(), 20U);
-  EXPECT_EQ(begun_before_the_first, 2U);
+  RunOnThreads(count, 2, work, results);
+  EXPECT_EQ(results.names.size(), count);
+  return begun_meanwhile;
 }
+
+TEST(Workers, results_that_wait_behind_slow_work_are_few) { EXPECT_LE(BegunBehindSlowWork(1000, 0), 8U); }
+
+TEST(Workers, no_work_begins_while_large_results_wait) { EXPECT_EQ(BegunBehindSlowWork(20, 20'000), 2U); }
 
 TEST(Workers, an_interruption_stops_the_work) {
   EXPECT_EXIT(
