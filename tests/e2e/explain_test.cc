@@ -11,13 +11,6 @@ constexpr const char* kOrigin = "/usr/share/dotnet.orvel/framework/Json.dll";
 
 class ExplainE2e : public HookDesk {
  protected:
-  void InstallShop() const {
-    AddPlatformFile("framework/Json.dll");
-    RunExpecting(0, {"install", MakePackage("component", ManifestText("org.example.component", "1", CobaMetadata()),
-                                            {{"shared/res/Part.dll", "c"}})});
-    RunExpecting(0, {"install", MakePackage("shop", ManifestText("org.example.shop", "1"),
-                                            {{"bin/Json.dll", "x"}, {"bin/Part.dll", "y"}})});
-  }
   std::string Written(const std::string& text) const {
     support::WriteFile(dir_ / "tv.log", text);
     return dir_ / "tv.log";

@@ -149,6 +149,14 @@ void HookDesk::SetUp() {
   if (host::AvailableFixedPathsMethod(&reason) == host::FixedPathsMethod::kNone) GTEST_SKIP() << reason;
 }
 
+void HookDesk::InstallShop(std::map<std::string, std::string> files) const {
+  AddPlatformFile("framework/Json.dll");
+  RunExpecting(0, {"install", MakePackage("component", ManifestText("org.example.component", "1", CobaMetadata()),
+                                          {{"shared/res/Part.dll", "c"}})});
+  files.insert({{"bin/Json.dll", "x"}, {"bin/Part.dll", "y"}});
+  RunExpecting(0, {"install", MakePackage("shop", ManifestText("org.example.shop", "1"), files)});
+}
+
 void MachineDesk::SetUp() {
   const std::string obstacle = machine::ObstacleToEmptied(ORVELBOX_PROGRAM);
   if (!obstacle.empty()) GTEST_SKIP() << "no namespace for another machine: " << obstacle;

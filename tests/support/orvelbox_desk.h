@@ -83,6 +83,8 @@ class Desk : public testing::Test {
 class HookDesk : public Desk {
  protected:
   void SetUp() override;
+  // Installs org.example.shop, which duplicates a DLL of the platform and one of a component, with more files.
+  void InstallShop(std::map<std::string, std::string> files = {}) const;
 };
 
 // A test that runs orvelbox in its own namespaces (tests/host/machine.h): skipped with the reason if there are none.
