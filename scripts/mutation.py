@@ -62,6 +62,17 @@ def copy_if_changed(origin, copy):
     shutil.copy(origin, copy)
 
 
+def update_copy(tree):
+    """Makes the tree a copy of the sources, and leaves its build alone."""
+    names = files()
+    for name in names:
+        copy_if_changed(ROOT / name, tree / name)
+    expected = {tree / name for name in names}
+    for path in tree.rglob("*"):
+        if path.relative_to(tree).parts[0] != "build" and path.is_file() and path not in expected:
+            path.unlink()
+
+
 class Worker:
     """A copy of the tree with a build of the tests."""
 
@@ -69,11 +80,10 @@ class Worker:
         self.tree = WORK / f"worker-{number}"
         # By test program and source file, the tests that have killed mutants of that file.
         self.killers = collections.defaultdict(dict)
-        for name in files():
-            copy_if_changed(ROOT / name, self.tree / name)
+        update_copy(self.tree)
         linker = "-fuse-ld=gold" if shutil.which("ld.gold") else ""
         subprocess.run(["cmake", "-S", ".", "-B", "build", "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug",
-                        "-DCMAKE_CXX_FLAGS_DEBUG=-O0", f"-DCMAKE_EXE_LINKER_FLAGS={linker}",
+                        "-DCMAKE_CXX_FLAGS_DEBUG=-O0", f"-DCMAKE_EXE_LINKER_FLAGS={linker}", f"-DCMAKE_SHARED_LINKER_FLAGS={linker}",
                         "-DCMAKE_PROJECT_INCLUDE=scripts/mutation.cmake",
                         "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST"],
                        cwd=self.tree, check=True, stdout=subprocess.DEVNULL)
@@ -221,8 +231,10 @@ def main():
 
     mutants = [mutant for mutant in all_mutants(*options.only) if programs_for(mutant.path)][::options.every]
     if options.sample is not None:
-        # In the order of their digests, so that a change of one file leaves the mutants of the others in the sample.
-        mutants = sorted(mutants, key=lambda mutant: mutant.digest())[:options.sample]
+        # Drawn by their digests, so that a change of one file leaves the mutants of the others in the sample. Judged file
+        # by file, so that what includes a header is built anew once for each of its mutants.
+        drawn = sorted(mutants, key=lambda mutant: mutant.digest())[:options.sample]
+        mutants = sorted(drawn, key=lambda mutant: mutant.path)
     verdicts = verdicts_of(mutants, options.resume, options.jobs)
     known = equivalents()
     share = report(mutants, verdicts, known)
