@@ -49,6 +49,7 @@ Document Parsed(const std::string& text) {
 TEST(TracePicture, boxes_lie_where_the_time_went) {
   const std::string svg = TraceSvg({Sample()});
   EXPECT_NE(Parsed(svg), nullptr) << svg;
+  EXPECT_THAT(svg, HasSubstr("<text class=\"lane\" x=\"10\" y=\"20\">process 7: 4.000 ms</text>"));
   EXPECT_THAT(svg, HasSubstr("<title>outer\nfrom 0.000 ms, 4.000 ms</title>"
                              "<rect class=\"span\" x=\"10\" y=\"30\" width=\"1180\" height=\"18\""));
   EXPECT_THAT(svg, HasSubstr("<rect class=\"span\" x=\"10\" y=\"50\" width=\"590\" height=\"18\""));
