@@ -3,7 +3,7 @@
 #define PLUGIN_LOG_SOURCE_H_
 
 #include "base/log_texts.h"  // IWYU pragma: export
-#include "util/log.h"  // IWYU pragma: export
+#include "util/log.h"        // IWYU pragma: export
 
 inline constexpr LogSource kLogSource{kPluginTag, kPluginUnit};
 

@@ -120,6 +120,10 @@ def statement_mutants(bare):
         yield match.start(2), match.end(2), ";", "dropped statement"
 
 
+def is_parameter(text):
+    return re.fullmatch(r"(?:[\w:<>,]+[&*]* )+\w+(?: = .*)?", text)
+
+
 def argument_mutants(code, bare):
     for match in re.finditer(r"\b([A-Za-z_]\w*)\(", bare):
         if match.group(1) in ("if", "while", "for", "switch", "return", "sizeof"):
@@ -128,6 +132,8 @@ def argument_mutants(code, bare):
         if end is None:
             continue
         spans = arguments(bare, match.end() - 1, end)
+        if re.match(r"[\s\w=]*;", bare[end + 1:]) and all(is_parameter(code[b:e].strip()) for b, e in spans):
+            continue  # a declaration: its parameters' names have no effect
         for (b1, e1), (b2, e2) in zip(spans, spans[1:]):
             first, second = code[b1:e1].strip(), code[b2:e2].strip()
             if first and second and first != second:
