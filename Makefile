@@ -100,8 +100,9 @@ fuzz: packages
 	cmake --build --preset fuzz --parallel $(JOBS) --target fuzzers
 	scripts/fuzz.sh build/fuzz $(FUZZ_SECONDS) $(FUZZERS)
 
-# The pictures in README.md, out of what orvelbox prints.
+# The pictures in README.md and the manual page in docs/, out of what orvelbox prints.
 pictures: build
+	build/release/orvelbox/orvelbox_manual >docs/orvelbox.1
 	scripts/pictures.sh build/release/orvelbox/orvelbox docs
 
 # The Debian packages, in build/package/packages.
