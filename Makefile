@@ -1,6 +1,6 @@
 # The everyday commands. Each first installs missing packages. CMakePresets.json defines the builds.
 .PHONY: build tests test test-heavy test-container test-places test-distributions test-devices demo \
-  bench bench-compare bench-check bench-programs coverage mutation fuzz lint format sanitize valgrind clean packages \
+  bench bench-compare bench-check bench-programs coverage mutation fuzz lint includes format sanitize valgrind clean packages \
   lint-packages package package-test reproducible package-tools pictures
 
 JOBS ?= $(shell nproc)
@@ -67,10 +67,12 @@ coverage: packages
 	cmake --build --preset coverage --parallel $(JOBS) --target unit_tests hostile_tests
 	scripts/coverage.sh build/coverage
 
-# The changes to plugin/ and util/ that the unit and hostile tests detect (about half an hour).
+# The changes to plugin/ and util/ that the unit and hostile tests detect, and a sample of those to the host platform and
+# orvelbox that theirs do (some hours).
 mutation: packages
 	@scripts/install-packages.sh scripts/mutation-packages.txt
 	scripts/mutation.py
+	scripts/mutation.py --resume --only orvelbox platform/host --sample 600 --least 92
 
 # The plug-in's costs compared with minimal programs that do the same work (about ten minutes), and with common tools
 # that find duplicates by name.
@@ -98,8 +100,9 @@ fuzz: packages
 	cmake --build --preset fuzz --parallel $(JOBS) --target fuzzers
 	scripts/fuzz.sh build/fuzz $(FUZZ_SECONDS) $(FUZZERS)
 
-# The pictures in README.md, out of what orvelbox prints.
+# The pictures in README.md and the manual page in docs/, out of what orvelbox prints.
 pictures: build
+	build/release/orvelbox/orvelbox_manual >docs/orvelbox.1
 	scripts/pictures.sh build/release/orvelbox/orvelbox docs
 
 # The Debian packages, in build/package/packages.
@@ -115,6 +118,11 @@ package-test: package
 # Builds them twice in different folders and compares the bytes.
 reproducible: packages package-tools
 	scripts/reproducible.sh $(JOBS)
+
+# Whether the product's headers include what they name, and no more.
+includes: packages
+	@scripts/install-packages.sh scripts/includes-packages.txt
+	scripts/includes.sh
 
 lint: packages lint-packages
 	cmake --preset clang -DORVEL_WERROR=ON

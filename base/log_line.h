@@ -2,7 +2,7 @@
 #ifndef BASE_LOG_LINE_H_
 #define BASE_LOG_LINE_H_
 
-#include "orvel/dlog.h"
+#include "orvel/dlog.h"  // IWYU pragma: export
 
 // Names a source unit in its log lines. Every file that logs has a constant `kLogSource` in scope.
 struct LogSource {

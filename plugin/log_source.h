@@ -2,8 +2,8 @@
 #ifndef PLUGIN_LOG_SOURCE_H_
 #define PLUGIN_LOG_SOURCE_H_
 
-#include "base/log_texts.h"
-#include "util/log.h"
+#include "base/log_texts.h"  // IWYU pragma: export
+#include "util/log.h"        // IWYU pragma: export
 
 inline constexpr LogSource kLogSource{kPluginTag, kPluginUnit};
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "base/log_line.h"
+#include "base/log_line.h"  // IWYU pragma: export
 #include "morvath/export.h"
 
 // Traces a function. As a local variable at its top, the constructor writes the entry line and opens a trace span, and

@@ -8,6 +8,7 @@
 #include <string>
 #include <utility>
 
+#include "orvelbox/assembly/version.h"
 #include "orvelbox/check/listing.h"
 #include "orvelbox/check/result.h"
 #include "orvelbox/package/manifest.h"

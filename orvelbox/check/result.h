@@ -2,11 +2,14 @@
 #ifndef ORVEL_ORVELBOX_CHECK_RESULT_H_
 #define ORVEL_ORVELBOX_CHECK_RESULT_H_
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "orvelbox/assembly/version.h"

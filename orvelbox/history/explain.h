@@ -7,6 +7,7 @@
 
 #include "orvelbox/desk/output.h"
 #include "orvelbox/history/log_facts.h"
+#include "orvelbox/history/log_findings.h"
 
 namespace orvelbox {
 

@@ -4,6 +4,7 @@
 #ifndef ORVEL_ORVELBOX_HISTORY_LOG_FACTS_H_
 #define ORVEL_ORVELBOX_HISTORY_LOG_FACTS_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <map>

@@ -2,6 +2,7 @@
 #ifndef ORVEL_ORVELBOX_HISTORY_LOG_FINDINGS_H_
 #define ORVEL_ORVELBOX_HISTORY_LOG_FINDINGS_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <utility>

@@ -2,6 +2,7 @@
 #ifndef ORVEL_ORVELBOX_HISTORY_LOG_LINES_H_
 #define ORVEL_ORVELBOX_HISTORY_LOG_LINES_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <optional>

@@ -4,8 +4,11 @@
 #ifndef ORVEL_ORVELBOX_HISTORY_PASS_READER_H_
 #define ORVEL_ORVELBOX_HISTORY_PASS_READER_H_
 
+#include <cstddef>
 #include <deque>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "orvelbox/history/log_findings.h"

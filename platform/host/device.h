@@ -8,7 +8,7 @@
 #include <string>
 
 #include "base/fixed_names.h"
-#include "platform/host/device_error.h"
+#include "platform/host/device_error.h"  // IWYU pragma: export
 
 namespace host {
 

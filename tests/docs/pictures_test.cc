@@ -1,4 +1,4 @@
-// The pictures of README.md show what orvelbox prints today.
+// The pictures of README.md and the manual page show what orvelbox prints today.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -33,6 +33,13 @@ TEST(Pictures, show_what_orvelbox_prints) {
   EXPECT_EQ(support::ReadFile(dir / "check.svg"), shown("check.svg")) << way_out;
   EXPECT_EQ(Spans(support::ReadFile(dir / "trace.svg")), Spans(shown("trace.svg"))) << way_out;
   EXPECT_GT(Spans(shown("trace.svg")).size(), 5U);
+}
+
+// In the tree, because a change of what users read belongs into the review of the change.
+TEST(ManualPage, is_the_one_of_this_program) {
+  EXPECT_EQ(support::OutputOf(BUILD_DIRECTORY "/orvelbox/orvelbox_manual"),
+            support::ReadFile(SOURCE_DIRECTORY "/docs/orvelbox.1"))
+      << "make the page anew: make pictures";
 }
 
 }  // namespace

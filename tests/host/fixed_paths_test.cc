@@ -12,6 +12,7 @@
 #include <iostream>
 #include <stdexcept>
 
+#include "platform/host/fixed_paths_methods.h"
 #include "tests/host/frame.h"
 
 namespace host_tests {
@@ -214,6 +215,15 @@ TEST(FixedPathsMethods, root_uses_a_mount_namespace) {
   support::InFreshProcess([] {
     machine::EnterEmptied();  // any user becomes root there
     EXPECT_EQ(FixedPathsMethod::kMountNamespace, host::AvailableFixedPathsMethod(nullptr));
+  });
+}
+
+TEST(FixedPathsMethods, a_refused_namespace_is_named) {
+  support::InFreshProcess([] {
+    machine::RefuseNamespaces();
+    const std::string reason = std::strerror(EPERM);
+    EXPECT_EQ("cannot make a mount namespace: " + reason, ErrorOf([] { host::EnterMountNamespace(false); }));
+    EXPECT_EQ("cannot make a user namespace: " + reason, ErrorOf([] { host::EnterMountNamespace(true); }));
   });
 }
 

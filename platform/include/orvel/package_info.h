@@ -2,7 +2,7 @@
 #ifndef ORVEL_PACKAGE_INFO_H_
 #define ORVEL_PACKAGE_INFO_H_
 
-#include <stdbool.h>
+#include <stdbool.h> /* IWYU pragma: keep */
 
 #ifdef __cplusplus
 extern "C" {

@@ -53,7 +53,8 @@ TEST(CacheVerify, an_entry_of_no_installed_package_is_told) {
 }
 
 TEST(CacheVerify, an_entry_that_is_there_more_than_once_is_told_once) {
-  EXPECT_THAT(KindsIn("[START]/apps/a/x:/apps/b/x:/apps/a/x:/apps/a/x[END]"), ElementsAre("twice /apps/a/x"));
+  EXPECT_THAT(KindsIn("[START]/apps/a/x:/apps/b/x:/apps/a/x[END]"), ElementsAre("twice /apps/a/x"));
+  EXPECT_THAT(KindsIn("[START]/apps/a/x:/apps/a/x:/apps/a/x[END]"), ElementsAre("twice /apps/a/x"));
 }
 
 TEST(CacheVerify, damaged_files_are_looked_at_all_the_same) {
@@ -65,6 +66,28 @@ TEST(CacheVerify, a_root_that_begins_another_is_a_hazard) {
   EXPECT_THAT(FindPrefixHazards({PackageAt("ab", "/apps/ab"), PackageAt("a", "/apps/a"), PackageAt("c", "/c")}),
               ElementsAre(AllOf(Field(&CacheFinding::kind, "prefix"), Field(&CacheFinding::entry, "/apps/a"),
                                 Field(&CacheFinding::text, HasSubstr("orvelbox clean ab")))));
+}
+
+Lines Findings(const CacheText& text) {
+  return DescribeFindings(VerifyCache("TPA.txt", text, kPackages, [](const std::string&) { return false; }));
+}
+
+TEST(CacheVerify, findings_tell_the_way_out) {
+  EXPECT_THAT(Findings(std::nullopt),
+              ElementsAre("/opt/usr/home/owner/share/dotnet/TPA.txt is missing; write [START][END] into a file of that "
+                          "name, then clean each CoBA package with: orvelbox clean PKG"));
+  EXPECT_THAT(Findings("/apps/a/x:/apps/a/x:/z"),
+              ElementsAre("/opt/usr/home/owner/share/dotnet/TPA.txt does not begin with [START] and end with [END]; "
+                          "write [START][END] into it, then clean each CoBA package with: orvelbox clean PKG",
+                          "TPA.txt: /apps/a/x is gone; bring the entries of the package up to date with: orvelbox "
+                          "clean a",
+                          "TPA.txt: /apps/a/x is there more than once; leave one of the entries",
+                          "TPA.txt: /z belongs to no installed package; take the entry out of the file, or install "
+                          "the package again"));
+  EXPECT_THAT(
+      DescribeFindings(FindPrefixHazards({PackageAt("a", "/apps/a"), PackageAt("ab", "/apps/ab")})),
+      ElementsAre("/apps/a (a) begins /apps/ab (ab); what takes the entries of the first out takes those of the "
+                  "second along, so after an uninstall of a, call: orvelbox clean ab"));
 }
 
 TEST(CacheVerify, json_says_whether_anything_was_found) {

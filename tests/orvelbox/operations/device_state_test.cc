@@ -30,5 +30,12 @@ TEST(DeviceState, sees_files_links_directories_and_packages) {
       ElementsAre("+ /opt/usr/empty", "~ /opt/usr/home/owner/share/dotnet/TPA.txt", "+ /opt/usr/link", "+ package a"));
 }
 
+TEST(DeviceState, of_a_device_whose_files_are_gone_is_an_error_that_names_them) {
+  const support::TempDir dir;
+  const host::Device device = host::CreateDevice(dir / "device");
+  fs::remove_all(device.Root());
+  EXPECT_THAT(ErrorOf([&] { StateOf(device); }), StartsWith(device.Root().string() + ": cannot read: "));
+}
+
 }  // namespace
 }  // namespace orvelbox

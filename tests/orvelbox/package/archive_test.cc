@@ -55,6 +55,7 @@ INSTANTIATE_TEST_SUITE_P(
                     BadEntry{"dot_dot_inside", {{"bin/../x", ""}}, "leads out of the package"},
                     BadEntry{"dot_dot_directory", {{"bin/../", ""}}, "leads out of the package"},
                     BadEntry{"backslash", {{"bin/..\\x", ""}}, "holds \"\\\""},
+                    BadEntry{"no_name", {{".", "x"}}, "has no name"},
                     BadEntry{"long_name", {{std::string(256, 'n'), ""}}, "more than 255 bytes"},
                     BadEntry{"link", {{"l", "/etc/passwd", S_IFLNK | 0777}}, "is a link"},
                     BadEntry{"terminal", {{"t", "", S_IFCHR | 0644}}, "is no file and no directory"},

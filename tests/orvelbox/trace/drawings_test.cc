@@ -55,6 +55,20 @@ TEST(TracePicture, boxes_lie_where_the_time_went) {
   EXPECT_THAT(svg, HasSubstr("<rect class=\"span\" x=\"1189\" y=\"50\" width=\"1\" height=\"18\""));
 }
 
+TEST(TracePicture, is_a_whole_document) {
+  const Lane lane{7, 7, {{"a", 0, 2000, 0, true}, {"b", 1000, 2000, 1, false}}};
+  EXPECT_EQ(TraceSvg({lane}), R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 1200 80" width="1200" height="80">
+<style>text{font:11px monospace}text.lane{font:bold 13px sans-serif}</style>
+<rect width="100%" height="100%" fill="white"/>
+<text class="lane" x="10" y="20">process 7: 2.000 ms</text>
+<g><title>a
+from 0.000 ms, 2.000 ms</title><rect class="span" x="10" y="30" width="1180" height="18" fill="#ffd166"/><text x="13" y="44">a</text></g>
+<g><title>b
+from 1.000 ms, 1.000 ms, never ended</title><rect class="span" x="600" y="50" width="590" height="18" fill="#b7e4c7" stroke="#c1121f" stroke-dasharray="3"/><text x="603" y="64">b</text></g>
+</svg>
+)");
+}
+
 TEST(TracePicture, labels_are_cut_between_characters) {
   const Lane lane{7, 7, {{"all", 0, 100, 0, true}, {"aéééé", 0, 3, 1, true}}};
   EXPECT_THAT(TraceSvg({lane}), HasSubstr(">aé</text>"));
@@ -77,7 +91,13 @@ TEST(TracePicture, a_page_brings_everything_along) {
   const std::string page = TraceHtml({Sample()}, "a<b");
   EXPECT_THAT(page, HasSubstr("<title>a&lt;b</title>"));
   EXPECT_THAT(page, HasSubstr(R"("duration":4000,"names":["outer")"));
-  EXPECT_THAT(page, HasSubstr("<td>0.000<td>2.000<td class=\"name\" style=\"padding-left: 1em\">half</tr>"));
+  EXPECT_THAT(page, HasSubstr("<table><caption>process 7</caption><tr><th>begin ms<th>took ms"
+                              "<th class=\"name\">span</tr>\n"
+                              "<tr><td>0.000<td>4.000<td class=\"name\" style=\"padding-left: 0em\">outer</tr>\n"
+                              "<tr><td>0.000<td>2.000<td class=\"name\" style=\"padding-left: 1em\">half</tr>\n"
+                              "<tr><td>3.999<td>0.000<td class=\"name\" style=\"padding-left: 1em\">blink</tr>\n"
+                              "</table>\n"));
+  EXPECT_THAT(page, HasSubstr(R"(["#8ecae6","#ffd166","#b7e4c7","#f4acb7","#cdb4db","#ddb892"])"));
   EXPECT_THAT(page, HasSubstr("content=\"default-src 'none'; "));
   for (const char* reference : {"src=", "href=", "url(", "@import", "fetch(", "XMLHttpRequest", "import("}) {
     EXPECT_THAT(page, Not(HasSubstr(reference)));
