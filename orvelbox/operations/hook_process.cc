@@ -119,10 +119,10 @@ bool Take(std::string_view& line, std::string_view prefix) {
 }
 
 HookResult BegunHook(std::string_view hook_and_package, const std::string& ending) {
-  const std::size_t blank = std::min(hook_and_package.find(' '), hook_and_package.size());
+  const std::size_t blank = hook_and_package.find(' ');
   HookResult result;
   result.hook = hook_and_package.substr(0, blank);
-  result.package_id = hook_and_package.substr(std::min(blank + 1, hook_and_package.size()));
+  result.package_id = hook_and_package.substr(blank + 1);
   result.message = ending;
   return result;
 }

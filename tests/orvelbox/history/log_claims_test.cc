@@ -58,6 +58,12 @@ TEST(LogClaims, reports_of_two_processes_at_once_leave_the_origins_open) {
   EXPECT_THAT(Told(FactsOf(log.lines())), ElementsAre(one, one, std::string("duplicate ") + kTwo + " "));
 }
 
+TEST(LogClaims, a_report_without_its_first_line_leaves_the_origin_open) {
+  ErrorLines log;
+  log.Origin(kLibraryOfTwo).Duplicated(kOne);
+  EXPECT_THAT(Told(FactsOf(log.lines())), ElementsAre(std::string("duplicate ") + kOne + " "));
+}
+
 TEST(LogClaims, a_report_too_many_takes_back_the_origins_before_it) {
   ErrorLines log;
   log.Found().Origin(kLibraryOfTwo).Duplicated(kOne).Found().Origin(kJson).Duplicated("/opt/usr/apps/org.a/Json.dll");
