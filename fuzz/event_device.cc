@@ -154,11 +154,13 @@ int EventDevice::Send(ModelEvent event, ModelManifest manifest, const std::strin
                               PKGMGR_PARSER_PLUGIN_REMOVED,          PKGMGR_PARSER_PLUGIN_UNINSTALL,
                               PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL, PKGMGR_PARSER_PLUGIN_CLEAN,
                               PKGMGR_PARSER_PLUGIN_CLEANUP,          PKGMGR_PARSER_PLUGIN_UNDO};
-  const auto hook = kHooks[static_cast<std::size_t>(event)];
-  const DiscardedErrors discarded;
-  if (manifest == ModelManifest::kNone) return hook(nullptr, id.c_str());
+  const auto call = [&](xmlDoc* document) {
+    const DiscardedErrors discarded;
+    return kHooks[static_cast<std::size_t>(event)](document, id.c_str());
+  };
+  if (manifest == ModelManifest::kNone) return call(nullptr);
   Parsed& parsed = ParsedOf(manifest);
-  const int result = hook(parsed.document.get(), id.c_str());
+  const int result = call(parsed.document.get());
   Require(Dump(parsed.document.get()) == parsed.dump, "an event leaves the manifest as it is");
   return result;
 }
