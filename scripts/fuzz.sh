@@ -44,7 +44,7 @@ for name in "$@"; do
   dictionary=fuzz/dictionaries/$name.dict
   [ -f "$dictionary" ] || dictionary=
   # Whole archives and logs are longer than other inputs.
-  case $name in archive | log_facts) longest=2048 ;; *) longest=512 ;; esac
+  case $name in archive) longest=2048 ;; log_facts) longest=1024 ;; *) longest=512 ;; esac
   "$program" "$limit" -max_len=$longest -timeout=20 -rss_limit_mb=2048 -close_fd_mask=2 \
     ${dictionary:+"-dict=$dictionary"} -artifact_prefix="fuzz/seeds/$name/found-" "$corpus" "fuzz/seeds/$name" \
     2>"$corpus.log" || broken="$broken $name"
