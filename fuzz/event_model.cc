@@ -167,7 +167,7 @@ void EventModel::Add(const std::string& id) {
   std::string assemblies;
   for (const std::string& name : NamesIn(resources)) {
     if (!EndsIn(name, ".dll") || Holds(name, ":") || Holds(name, "[")) continue;
-    assemblies += (assemblies.empty() ? "" : ":") + resources + name;
+    assemblies.append(assemblies.empty() ? "" : ":").append(resources).append(name);
   }
   AddTo(support::kTpaFile, root, assemblies);
   AddTo(support::kCobaFile, root, resources);

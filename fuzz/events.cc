@@ -90,7 +90,7 @@ class Sequence {
 
   void PutFile(fuzz::Input& input) {
     const Texts& directories = AllDirectories();
-    const std::string directory = directories[input.Below(directories.size())];
+    const std::string& directory = directories[input.Below(directories.size())];
     const std::size_t choice = input.Byte();
     const std::string path = directory + kNames[choice % kNames.size()];
     const std::size_t kind = choice / kNames.size() % 8;
