@@ -91,14 +91,15 @@ bench-programs: packages
 	cmake --preset release
 	cmake --build --preset release --parallel $(JOBS) --target bench_programs
 
-# The fuzzers, FUZZ_SECONDS each; FUZZERS selects some of them (fuzz/README.md).
+# The fuzzers, FUZZ_SECONDS or FUZZ_RUNS each; FUZZERS selects some of them (fuzz/README.md).
 FUZZ_SECONDS ?= 60
+FUZZ_RUNS ?=
 FUZZERS ?=
 fuzz: packages
 	@scripts/install-packages.sh scripts/fuzz-packages.txt
 	cmake --preset fuzz
 	cmake --build --preset fuzz --parallel $(JOBS) --target fuzzers
-	scripts/fuzz.sh build/fuzz $(FUZZ_SECONDS) $(FUZZERS)
+	scripts/fuzz.sh build/fuzz $(if $(FUZZ_RUNS),-runs=$(FUZZ_RUNS),-max_total_time=$(FUZZ_SECONDS)) $(FUZZERS)
 
 # The pictures in README.md and the manual page in docs/, out of what orvelbox prints.
 pictures: build

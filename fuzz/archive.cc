@@ -1,16 +1,13 @@
 // The archive reader: for any input, the resulting paths stay inside the package and the limits hold.
 #include "orvelbox/package/archive.h"
 
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "base/unique_fd.h"
 #include "fuzz/input.h"
+#include "fuzz/memory_file.h"
 #include "platform/host/device.h"
 
 namespace {
@@ -91,22 +88,11 @@ class Watch {
   std::uint64_t bytes_ = 0;
 };
 
-// The input as a file, whose name is unique to the process.
-class FileInMemory {
- public:
-  FileInMemory(const std::uint8_t* data, std::size_t size) : file_(memfd_create("archive", MFD_CLOEXEC)) {
-    Require(file_.get() >= 0 && write(file_.get(), data, size) == static_cast<ssize_t>(size), "there is memory");
-  }
-  std::string Path() const { return "/proc/self/fd/" + std::to_string(file_.get()); }
-
- private:
-  UniqueFd file_;
-};
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const FileInMemory file(data, size);
+  const fuzz::MemoryFile file;
+  file.Append({reinterpret_cast<const char*>(data), size});
   const ArchiveLimits limits = SmallLimits();
   try {
     Watch(limits).Read(Archive(file.Path(), limits));

@@ -6,10 +6,10 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <memory>
+#include <utility>
 
+#include "fuzz/input.h"
 #include "fuzz/memory_directory.h"
 #include "platform/host/device.h"
 #include "platform/host/fixed_paths.h"
@@ -26,32 +26,25 @@ extern "C" void sync() noexcept {}
 
 namespace fuzz {
 
-namespace fs = std::filesystem;
-
 namespace {
 
-constexpr const char* kAreas[] = {"/usr/share/dotnet.orvel", "/opt/usr"};
+const std::vector<std::string> kAreas = {"/usr/share/dotnet.orvel", "/opt/usr"};
 
-// Discards standard error during its lifetime: the plug-in prints messages there.
+// Discards what is printed through `stderr` during its lifetime: the plug-in's messages. The sanitizers' still appear.
 class DiscardedErrors {
  public:
-  DiscardedErrors() : original_(dup(STDERR_FILENO)) {
-    std::fflush(stderr);
-    if (FILE* nowhere = std::fopen("/dev/null", "we")) {
-      dup2(fileno(nowhere), STDERR_FILENO);
-      std::fclose(nowhere);
-    }
-  }
-  ~DiscardedErrors() {
-    std::fflush(stderr);
-    dup2(original_, STDERR_FILENO);
-    close(original_);
-  }
+  DiscardedErrors() : original_(std::exchange(stderr, Nowhere())) {}
+  ~DiscardedErrors() { stderr = original_; }
   DiscardedErrors(const DiscardedErrors&) = delete;
   DiscardedErrors& operator=(const DiscardedErrors&) = delete;
 
  private:
-  int original_;
+  static FILE* Nowhere() {
+    static FILE* const nowhere = std::fopen("/dev/null", "we");
+    return nowhere;
+  }
+
+  FILE* original_;
 };
 
 struct FreeDocument {
@@ -73,10 +66,31 @@ std::string TextOf(ModelManifest manifest) {
   }
 }
 
-Document DocumentOf(ModelManifest manifest) {
-  if (manifest == ModelManifest::kNone) return nullptr;
-  const std::string text = "<manifest>" + TextOf(manifest) + "</manifest>";
-  return Document(xmlReadMemory(text.data(), static_cast<int>(text.size()), "manifest", nullptr, 0));
+std::string Dump(xmlDoc* document) {
+  xmlChar* text = nullptr;
+  int size = 0;
+  xmlDocDumpMemory(document, &text, &size);
+  std::string dump(reinterpret_cast<const char*>(text), static_cast<std::size_t>(size));
+  xmlFree(text);
+  return dump;
+}
+
+// A manifest, parsed once for all events.
+struct Parsed {
+  explicit Parsed(ModelManifest manifest) {
+    const std::string text = "<manifest>" + TextOf(manifest) + "</manifest>";
+    document.reset(xmlReadMemory(text.data(), static_cast<int>(text.size()), "manifest", nullptr, 0));
+    dump = Dump(document.get());
+  }
+
+  Document document;
+  std::string dump;
+};
+
+Parsed& ParsedOf(ModelManifest manifest) {
+  static Parsed all[] = {Parsed(ModelManifest::kOther), Parsed(ModelManifest::kSample), Parsed(ModelManifest::kDotnet),
+                         Parsed(ModelManifest::kDotnetCoba)};
+  return all[static_cast<std::size_t>(manifest) - 1];
 }
 
 doubles::Package PackageOf(const ModelPackage& model) {
@@ -85,21 +99,6 @@ doubles::Package PackageOf(const ModelPackage& model) {
   if (model.platform) package.privileges.push_back(support::kPlatformPrivilege);
   if (model.coba) package.applications[0].metadata = {{support::kCobaKey, "true"}};
   return package;
-}
-
-std::string ReadAll(const fs::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-void RemoveFiles() {
-  for (const char* area : kAreas) {
-    std::vector<fs::path> files;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(area)) {
-      if (entry.is_symlink() || !entry.is_directory()) files.push_back(entry.path());
-    }
-    for (const fs::path& file : files) fs::remove(file);
-  }
 }
 
 }  // namespace
@@ -114,22 +113,17 @@ bool EnterDevice() {
     return false;
   }
   static const MemoryDirectory root;
-  for (const char* area : kAreas) fs::create_directories(root.path().string() + area);
+  for (const std::string& area : kAreas) std::filesystem::create_directories(root.path().string() + area);
   host::EnterMountNamespace(method == host::FixedPathsMethod::kUserNamespace);
   host::MountFixedPaths(root.path());
   inside = true;
   return true;
 }
 
+// The tree stays from one device to the next, so that its directories need not be opened again.
 EventDevice::EventDevice(const std::vector<std::string>& directories) {
-  RemoveFiles();
-  static bool made = false;  // no event creates or removes a directory
-  if (!made) {
-    for (const std::string& directory : directories) fs::create_directories(directory);
-  }
-  made = true;
-  for (auto* catalogue : {&coreFX, &orvelFX, &coBA, &appLib}) catalogue->clear();
-  for (auto* flags : {&cacheStateUninstall, &aotStateUpgrade}) flags->clear();
+  static DeviceTree tree(kAreas, directories);
+  tree_ = &tree;
   doubles::Platform& platform = doubles::Reset();
   platform.keeps_journal = false;
   platform.read_write_root = kReadWriteRoot;
@@ -138,16 +132,14 @@ EventDevice::EventDevice(const std::vector<std::string>& directories) {
   };
 }
 
-void EventDevice::Put(const std::string& path, const ModelFile& file) const {
-  Remove(path);
-  if (file.link) {
-    fs::create_symlink(file.content, path);
-  } else {
-    std::ofstream(path, std::ios::binary) << file.content;
-  }
+// What one input allocates is freed with it: otherwise libFuzzer would take each of them for a leak, and give up
+// looking for leaks.
+EventDevice::~EventDevice() {
+  tree_->Clear();
+  for (auto* catalogue : {&coreFX, &orvelFX, &coBA, &appLib}) catalogue->clear();
+  for (auto* flags : {&cacheStateUninstall, &aotStateUpgrade}) flags->clear();
+  doubles::Reset();
 }
-
-void EventDevice::Remove(const std::string& path) const { fs::remove(path); }
 
 void EventDevice::Register(const std::vector<ModelPackage>& packages) const {
   doubles::Current().packages.clear();
@@ -162,23 +154,15 @@ int EventDevice::Send(ModelEvent event, ModelManifest manifest, const std::strin
                               PKGMGR_PARSER_PLUGIN_REMOVED,          PKGMGR_PARSER_PLUGIN_UNINSTALL,
                               PKGMGR_PARSER_PLUGIN_RECOVERUNINSTALL, PKGMGR_PARSER_PLUGIN_CLEAN,
                               PKGMGR_PARSER_PLUGIN_CLEANUP,          PKGMGR_PARSER_PLUGIN_UNDO};
-  const Document document = DocumentOf(manifest);
-  const DiscardedErrors discarded;
-  return kHooks[static_cast<std::size_t>(event)](document.get(), id.c_str());
-}
-
-std::map<std::string, ModelFile> EventDevice::Files() const {
-  std::map<std::string, ModelFile> files;
-  for (const char* area : kAreas) {
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(area)) {
-      if (entry.is_symlink()) {
-        files[entry.path().string()] = {true, fs::read_symlink(entry.path()).string()};
-      } else if (!entry.is_directory()) {
-        files[entry.path().string()] = {false, ReadAll(entry.path())};
-      }
-    }
-  }
-  return files;
+  const auto call = [&](xmlDoc* document) {
+    const DiscardedErrors discarded;
+    return kHooks[static_cast<std::size_t>(event)](document, id.c_str());
+  };
+  if (manifest == ModelManifest::kNone) return call(nullptr);
+  Parsed& parsed = ParsedOf(manifest);
+  const int result = call(parsed.document.get());
+  Require(Dump(parsed.document.get()) == parsed.dump, "an event leaves the manifest as it is");
+  return result;
 }
 
 }  // namespace fuzz

@@ -2,10 +2,10 @@
 #ifndef FUZZ_EVENT_DEVICE_H_
 #define FUZZ_EVENT_DEVICE_H_
 
-#include <map>
 #include <string>
 #include <vector>
 
+#include "fuzz/device_tree.h"
 #include "fuzz/event_model.h"
 
 namespace fuzz {
@@ -18,18 +18,19 @@ class EventDevice {
  public:
   // An empty device with the directories; the plug-in keeps only the state that cannot be reset.
   explicit EventDevice(const std::vector<std::string>& directories);
+  ~EventDevice();
+  EventDevice(const EventDevice&) = delete;
+  EventDevice& operator=(const EventDevice&) = delete;
 
-  void Put(const std::string& path, const ModelFile& file) const;
-  void Remove(const std::string& path) const;
+  DeviceTree& tree() { return *tree_; }
   void Register(const std::vector<ModelPackage>& packages) const;
 
   int Send(ModelEvent event, ModelManifest manifest, const std::string& id);
 
-  // All existing files and links.
-  std::map<std::string, ModelFile> Files() const;
   int restarts() const { return restarts_; }
 
  private:
+  DeviceTree* tree_;
   int restarts_ = 0;
 };
 

@@ -23,8 +23,8 @@ std::string NameOf(const std::string& path) { return path.substr(path.rfind('/')
 
 std::vector<std::string> EventModel::NamesIn(const std::string& directory) const {
   std::vector<std::string> names;
-  for (const auto& [path, file] : files) {
-    if (path == directory + NameOf(path)) names.push_back(NameOf(path));
+  for (auto at = files.lower_bound(directory); at != files.end() && at->first.rfind(directory, 0) == 0; ++at) {
+    if (at->first.find('/', directory.size()) == std::string::npos) names.push_back(at->first.substr(directory.size()));
   }
   return names;
 }
@@ -167,7 +167,7 @@ void EventModel::Add(const std::string& id) {
   std::string assemblies;
   for (const std::string& name : NamesIn(resources)) {
     if (!EndsIn(name, ".dll") || Holds(name, ":") || Holds(name, "[")) continue;
-    assemblies += (assemblies.empty() ? "" : ":") + resources + name;
+    assemblies.append(assemblies.empty() ? "" : ":").append(resources).append(name);
   }
   AddTo(support::kTpaFile, root, assemblies);
   AddTo(support::kCobaFile, root, resources);

@@ -24,6 +24,7 @@ struct ModelPackage {
 };
 
 enum class ModelManifest { kNone, kOther, kSample, kDotnet, kDotnetCoba };
+inline constexpr std::size_t kModelManifests = 5;
 
 enum class ModelEvent { kInstall, kUpgrade, kRemoved, kUninstall, kRecoverUninstall, kClean, kCleanup, kUndo };
 

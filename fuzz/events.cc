@@ -79,18 +79,18 @@ class Sequence {
 
  private:
   void Put(const std::string& path, const ModelFile& file) {
-    device_.Put(path, file);
+    device_.tree().Put(path, file);
     model_.files[path] = file;
   }
 
   void Remove(const std::string& path) {
-    device_.Remove(path);
+    device_.tree().Remove(path);
     model_.files.erase(path);
   }
 
   void PutFile(fuzz::Input& input) {
     const Texts& directories = AllDirectories();
-    const std::string directory = directories[input.Below(directories.size())];
+    const std::string& directory = directories[input.Below(directories.size())];
     const std::size_t choice = input.Byte();
     const std::string path = directory + kNames[choice % kNames.size()];
     const std::size_t kind = choice / kNames.size() % 8;
@@ -120,7 +120,7 @@ class Sequence {
   void SendEvent(fuzz::Input& input) {
     const std::size_t choice = input.Byte();
     const auto event = static_cast<fuzz::ModelEvent>(choice % 8);
-    const auto manifest = static_cast<fuzz::ModelManifest>(input.Below(5));
+    const auto manifest = static_cast<fuzz::ModelManifest>(input.Below(fuzz::kModelManifests));
     const std::string id = choice / 8 % 8 == 7 ? "unknown" : model_.packages[choice / 8 % model_.packages.size()].id;
     const int expected = model_.Send(event, manifest, id);
     fuzz::Require(device_.Send(event, manifest, id) == expected, "an event returns what it should");
@@ -128,8 +128,9 @@ class Sequence {
     Compare();
   }
 
-  void Compare() const {
-    const auto actual = device_.Files();
+  void Compare() {
+    const auto& actual = device_.tree().Files();
+    if (actual == model_.files) return;
     for (const auto& [path, file] : model_.files) {
       const auto found = actual.find(path);
       fuzz::RequireEqual(path, found == actual.end() ? "" : path, "what should be there is there");
@@ -139,6 +140,7 @@ class Sequence {
     for (const auto& [path, file] : actual) {
       fuzz::RequireEqual(model_.files.count(path) == 0 ? "" : path, path, "what should not be there is not there");
     }
+    fuzz::Require(false, "the device is as it should be");
   }
 
   EventDevice device_;

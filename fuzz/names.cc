@@ -79,7 +79,8 @@ void CheckLists(const std::string& paths) {
 void CheckPaths(const std::string& first, const std::string& second) {
   RequireEqual(PlainConcat(first, second), concatPath(first, second), "one slash stands between joined paths");
   RequireEqual(PlainAbsolute(first), getAbsolutePath(first), "a path is made absolute");
-  Require(isDPCDll(first) == (first.find("/d.pc/") != std::string::npos), "a DPC path holds the directory's name");
+  const std::string up_to_nul = first.substr(0, first.find('\0'));
+  Require(isDPCDll(first) == (up_to_nul.find("/d.pc/") != std::string::npos), "a DPC path holds the directory's name");
 }
 
 void CheckAffixes(const std::string& text, const std::string& affix) {

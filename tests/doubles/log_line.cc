@@ -1,6 +1,7 @@
 // The parts of a log line.
 #include "tests/doubles/log_line.h"
 
+#include <array>
 #include <cstdio>
 #include <vector>
 
@@ -33,14 +34,15 @@ std::string MessageOf(const LogLine& line) {
 std::string TextOf(const char* format, va_list arguments) {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
-  va_list measured;
-  va_copy(measured, arguments);
-  const int length = std::vsnprintf(nullptr, 0, format, measured);
-  va_end(measured);
-  std::vector<char> text(static_cast<std::size_t>(length) + 1);
-  std::vsnprintf(text.data(), text.size(), format, arguments);
+  va_list again;
+  va_copy(again, arguments);
+  std::array<char, 512> usual;
+  const auto length = static_cast<std::size_t>(std::vsnprintf(usual.data(), usual.size(), format, arguments));
+  std::vector<char> longer(length < usual.size() ? 0 : length + 1);
+  if (!longer.empty()) std::vsnprintf(longer.data(), longer.size(), format, again);
+  va_end(again);
 #pragma GCC diagnostic pop
-  return text.data();
+  return longer.empty() ? usual.data() : longer.data();
 }
 
 }  // namespace doubles

@@ -48,8 +48,9 @@ bool Platform::TakeNull(const std::string& function) { return nulls_.erase(funct
 
 void Platform::RecordEvent(const Event& event) {
   if (keeps_journal) journal.push_back(event);
+  if (!on_event) return;
   const auto callee = on_event;
-  if (callee) callee(event);
+  callee(event);
 }
 
 void Platform::RecordCall(const std::string& text) { RecordEvent({Event::Kind::kCall, text, {}}); }

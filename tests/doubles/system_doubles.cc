@@ -2,6 +2,7 @@
 #include <cstdarg>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "orvel/aul.h"
 #include "orvel/dlog.h"
@@ -45,8 +46,9 @@ int __dlog_print(int log_id, int priority, const char* tag, const char* format, 
   line.text = doubles::TextOf(format, arguments);
   va_end(arguments);
 
-  Current().RecordEvent({Event::Kind::kLog, "", line});
-  return Current().TakeFailure("__dlog_print").value_or(static_cast<int>(line.text.size()));
+  const auto size = static_cast<int>(line.text.size());
+  Current().RecordEvent({Event::Kind::kLog, "", std::move(line)});
+  return Current().TakeFailure("__dlog_print").value_or(size);
 }
 
 // The name is recorded as passed, not used as a format.

@@ -5,6 +5,7 @@
 #include <zlib.h>
 
 #include <stdexcept>
+#include <utility>
 
 namespace support {
 namespace {
@@ -131,17 +132,19 @@ std::string ZipOf(const std::vector<ZipEntry>& entries) {
   std::vector<Record> records;
   for (const ZipEntry& entry : entries) {
     const auto size = static_cast<std::uint32_t>(entry.content.size());
-    records.push_back({entry, kStored, ChecksumOf(entry.content) + entry.crc_fault, size});
+    Record record{entry, entry.deflated ? kDeflated : kStored, ChecksumOf(entry.content) + entry.crc_fault, size};
+    if (entry.deflated) record.entry.content = Deflated(entry.content);
+    records.push_back(std::move(record));
   }
   return FileOf(records);
 }
 
 std::string ZipOfZeros(const std::string& path, std::size_t size) {
-  const std::string zeros(size, '\0');
   ZipEntry entry;
   entry.path = path;
-  entry.content = Deflated(zeros);
-  return FileOf({{entry, kDeflated, ChecksumOf(zeros), static_cast<std::uint32_t>(size)}});
+  entry.content.assign(size, '\0');
+  entry.deflated = true;
+  return ZipOf({entry});
 }
 
 }  // namespace support
