@@ -101,7 +101,8 @@ TEST_F(MisbehavingPluginE2e, events_end_with_the_first_exception) {
   RunExpecting(0, {"install", Package("b.throw")});
   const Result result = RunPlugin(1, {"events", "install:b.throw", "clean:a"});
   EXPECT_THAT(result.out, HasSubstr("INSTALL b.throw threw an exception: out of cheese"));
-  EXPECT_THAT(result.err, HasSubstr("(1 of the events were not told to the plug-in)\n"));
+  EXPECT_THAT(result.err, HasSubstr("orvelbox: events: failed, INSTALL threw an exception: out of cheese; see: "
+                                    "orvelbox log --priority E (1 of the events were not told to the plug-in)\n"));
 }
 
 // A named pipe, of which both ends stay open.
