@@ -204,6 +204,17 @@ TEST_F(WaitingHookE2e, on_a_terminal_what_takes_longer_than_a_second_says_so_and
   EXPECT_THAT(result.out, HasSubstr("installed a.wait 1"));
 }
 
+TEST_F(WaitingHookE2e, a_test_of_a_package_says_what_takes_long_as_well) {
+  const Terminal terminal;
+  if (!terminal) GTEST_SKIP() << "this machine has no pseudo-terminals";
+  const pid_t test = StartUntilHookRuns({"test", Package("a.wait")}, [&] { terminal.PutAt(STDERR_FILENO); });
+  const std::string duration = "\rtest: 2 s, ";
+  EXPECT_THAT(terminal.ReadUntil(duration), EndsWith(duration));
+  LetHookGoOn();
+  LetHookGoOn();  // the one of the upgrade
+  EXPECT_THAT(WaitFor(test).out, HasSubstr(": lived through without a trace\n"));
+}
+
 TEST_F(WaitingHookE2e, quiet_is_quiet_on_a_terminal_as_well) {
   const Terminal terminal;
   if (!terminal) GTEST_SKIP() << "this machine has no pseudo-terminals";
