@@ -46,14 +46,34 @@ class InstalledTreesTest : public DirectoryTest {
     EXPECT_FALSE(support::IsThere(device_.directory / "pending"));
   }
 
+  void ExpectSound() const { EXPECT_THAT(trees_.Mend(), IsEmpty()); }
+
   host::Device device_;
   InstalledTrees trees_;
 };
 
-TEST_F(InstalledTreesTest, a_sound_device_needs_no_mending) {
+TEST_F(InstalledTreesTest, what_is_done_or_undone_needs_no_mending) {
   Install("1");
-  EXPECT_THAT(trees_.Mend(), IsEmpty());
+  ExpectSound();
+  trees_.Replace(Source("2"), Package("2"), Package("1"));
+  trees_.RestorePrevious(Package("1"));
+  ExpectSound();
   ExpectInPlace("1");
+  trees_.Replace(Source("2"), Package("2"), Package("1"));
+  trees_.KeepUpgrade("a");
+  ExpectSound();
+  ExpectInPlace("2");
+  trees_.BeginRemoval("a");
+  trees_.UndoRemoval();
+  ExpectSound();
+  trees_.BeginRemoval("a");
+  trees_.Remove(Package("2"));
+  ExpectSound();
+  ExpectNothingOfIt();
+  trees_.Add(Source("1"), Package("1"));
+  trees_.UndoAddition(Package("1"));
+  ExpectSound();
+  ExpectNothingOfIt();
 }
 
 TEST_F(InstalledTreesTest, a_tree_on_its_way_in_is_rubbish) {
@@ -211,14 +231,6 @@ TEST_F(InstalledTreesTest, an_addition_that_cannot_be_registered_leaves_nothing)
   fs::remove(device_.Database());
   EXPECT_THROW(trees_.Add(Source("1"), Package("1")), host::DeviceError);
   EXPECT_THAT(support::NamesIn(Installed("")), IsEmpty());
-}
-
-TEST_F(InstalledTreesTest, a_removed_package_leaves_nothing) {
-  Install("1");
-  trees_.BeginRemoval("a");
-  trees_.Remove(Package("1"));
-  EXPECT_THAT(support::NamesIn(Installed("")), IsEmpty());
-  EXPECT_EQ(RegisteredVersion(), "none");
 }
 
 }  // namespace
