@@ -129,7 +129,8 @@ TEST_F(BadInputE2e, an_application_of_another_package_is_named) {
 
 TEST_F(BadInputE2e, files_in_the_way_of_a_package_are_not_overwritten) {
   support::WriteFile(OnDesk("/opt/usr/globalapps/a/precious"), "mine");
-  ExpectRefusal({"install", MakePackage("a", ManifestText("a", "1"))}, {"/globalapps/a: is in the way"});
+  ExpectRefusal({"install", MakePackage("a", ManifestText("a", "1"))},
+                {"/globalapps/a: is in the way, and belongs to no installed package; move it away and try again\n"});
 }
 
 TEST_F(BadInputE2e, a_device_of_a_newer_version_is_left_alone) {

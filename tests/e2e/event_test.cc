@@ -45,7 +45,8 @@ TEST_F(EventE2e, remove_runs_the_install_pass_again_and_keeps_the_package) {
 
 TEST_F(EventE2e, recover_drops_and_adds_the_entries_of_a_component_again) {
   const Result result = RunExpecting(0, {"recover", "c"});
-  EXPECT_THAT(result.out, HasSubstr("RECOVERUNINSTALL returned 0, CLEAN returned 0\n"));
+  EXPECT_THAT(result.out, HasSubstr("recovered c 1 from a failed uninstall; the package stays installed\n"
+                                    "    RECOVERUNINSTALL returned 0, CLEAN returned 0\n"));
   EXPECT_EQ(CacheFile("TPA.txt"), kTpaOfC);
 }
 
@@ -67,7 +68,8 @@ TEST_F(EventE2e, cleanup_drops_the_entries_of_a_package_that_serves_no_others_an
 
 TEST_F(EventE2e, undo_changes_nothing) {
   const auto before = DeviceState();
-  EXPECT_THAT(RunExpecting(0, {"undo", "c"}).out, HasSubstr("    UNDO returned 0\n    TPA.txt  unchanged\n"));
+  EXPECT_THAT(RunExpecting(0, {"undo", "c"}).out,
+              HasSubstr("told the plug-in to undo c 1\n    UNDO returned 0\n    TPA.txt  unchanged\n"));
   EXPECT_EQ(DeviceState(), before);
 }
 

@@ -101,7 +101,8 @@ TEST_F(MisbehavingPluginE2e, events_end_with_the_first_exception) {
   RunExpecting(0, {"install", Package("b.throw")});
   const Result result = RunPlugin(1, {"events", "install:b.throw", "clean:a"});
   EXPECT_THAT(result.out, HasSubstr("INSTALL b.throw threw an exception: out of cheese"));
-  EXPECT_THAT(result.err, HasSubstr("(1 of the events were not told to the plug-in)\n"));
+  EXPECT_THAT(result.err, HasSubstr("orvelbox: events: failed, INSTALL threw an exception: out of cheese; see: "
+                                    "orvelbox log --priority E (1 of the events were not told to the plug-in)\n"));
 }
 
 // A named pipe, of which both ends stay open.
@@ -201,6 +202,17 @@ TEST_F(WaitingHookE2e, on_a_terminal_what_takes_longer_than_a_second_says_so_and
   const Result result = WaitFor(install);
   EXPECT_EQ(result.status, 0);
   EXPECT_THAT(result.out, HasSubstr("installed a.wait 1"));
+}
+
+TEST_F(WaitingHookE2e, a_test_of_a_package_says_what_takes_long_as_well) {
+  const Terminal terminal;
+  if (!terminal) GTEST_SKIP() << "this machine has no pseudo-terminals";
+  const pid_t test = StartUntilHookRuns({"test", Package("a.wait")}, [&] { terminal.PutAt(STDERR_FILENO); });
+  const std::string duration = "\rtest: 2 s, ";
+  EXPECT_THAT(terminal.ReadUntil(duration), EndsWith(duration));
+  LetHookGoOn();
+  LetHookGoOn();  // the one of the upgrade
+  EXPECT_THAT(WaitFor(test).out, HasSubstr(": lived through without a trace\n"));
 }
 
 TEST_F(WaitingHookE2e, quiet_is_quiet_on_a_terminal_as_well) {

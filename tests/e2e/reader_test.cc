@@ -104,6 +104,8 @@ class TerminalE2e : public ReaderE2e {
     if (!terminal_) GTEST_SKIP() << "this machine has no pseudo-terminals";
   }
 
+  const Terminal& terminal() const { return terminal_; }
+
   // The first line of that output.
   std::string OnTerminal(const std::vector<std::string>& arguments) const {
     const pid_t process = Start(arguments, [&] { terminal_.PutAt(STDOUT_FILENO); });
@@ -124,6 +126,15 @@ TEST_F(TerminalE2e, no_color_is_respected) {
   environment_ = {{"NO_COLOR", "1"}};
   Log('E', "TAG", "\x1b[31mred\x1b[0m");
   EXPECT_THAT(OnTerminal({"log"}), AllOf(HasSubstr(" red"), Not(HasSubstr("\x1b"))));
+}
+
+TEST_F(TerminalE2e, a_check_draws_a_bar_and_takes_it_away_at_its_end) {
+  const std::string package = MakePackage("a", ManifestText("a", "1"));
+  const pid_t process = Start({"check", package, package}, [&] { terminal().PutAt(STDERR_FILENO); });
+  const std::string erased = "\r\x1b[K";
+  EXPECT_THAT(terminal().ReadUntil(erased),
+              AllOf(HasSubstr("\rchecking [##"), HasSubstr(" of 2\x1b[K"), EndsWith(erased)));
+  EXPECT_EQ(WaitFor(process).status, 0);
 }
 
 TEST_F(ReaderE2e, a_followed_log_shows_what_comes) {

@@ -1,8 +1,10 @@
 // The package database with several readers and writers, and files that are no database.
+#include <sqlite3.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "platform/host/package_database.h"
 #include "tests/host/frame.h"
 #include "tests/host/store_case.h"
 
@@ -27,7 +29,8 @@ TEST_F(Store, what_is_no_database_is_told) {
 
 TEST_F(Store, an_empty_file_is_no_package_database) {
   WriteFile(file(), "");
-  EXPECT_THAT(ErrorOf([&] { Open(PackageStore::Mode::kReadOnly); }), HasSubstr(": is no package database; restore it"));
+  EXPECT_EQ(file().string() + ": is no package database; restore it, or make a new device with: orvelbox init",
+            ErrorOf([&] { Open(PackageStore::Mode::kReadOnly); }));
 }
 
 TEST_F(Store, a_database_cut_short_is_told) {
@@ -41,9 +44,29 @@ TEST_F(Store, a_database_cut_short_is_told) {
 
 TEST_F(Store, a_missing_database_is_told_and_not_made) {
   fs::remove(file());
-  EXPECT_THAT(ErrorOf([&] { Open(PackageStore::Mode::kReadOnly); }), HasSubstr(": unable to open database file; "));
-  EXPECT_THAT(ErrorOf([&] { Open(PackageStore::Mode::kReadWrite); }), HasSubstr(": unable to open database file; "));
+  for (const auto mode : {PackageStore::Mode::kReadOnly, PackageStore::Mode::kReadWrite}) {
+    EXPECT_EQ(file().string() + ": unable to open database file; check that it exists and who may write there",
+              ErrorOf([&] { Open(mode); }));
+  }
   EXPECT_FALSE(fs::exists(file()));
+}
+
+TEST_F(Store, a_refusal_tells_the_way_out) {
+  const auto refusal_of = [this](int code) {
+    return ErrorOf([&] { host::ThrowRefusal(file(), nullptr, SQLite::Exception("refused", code)); });
+  };
+  const std::string refused = file().string() + ": refused";
+  for (const int code : {SQLITE_BUSY, SQLITE_BUSY_SNAPSHOT, SQLITE_LOCKED}) {
+    EXPECT_EQ(refused + "; another process is using it, try again when it is done", refusal_of(code));
+  }
+  for (const int code : {SQLITE_CANTOPEN, SQLITE_READONLY, SQLITE_PERM}) {
+    EXPECT_EQ(refused + "; check that it exists and who may write there", refusal_of(code));
+  }
+  for (const int code : {SQLITE_NOTADB, SQLITE_CORRUPT}) {
+    EXPECT_EQ(refused + "; restore it, or make a new device with: orvelbox init", refusal_of(code));
+  }
+  EXPECT_EQ(refused + "; free some space and try again", refusal_of(SQLITE_FULL));
+  EXPECT_EQ(refused, refusal_of(SQLITE_MISUSE));
 }
 
 TEST_F(Store, a_reader_cannot_change_anything) {

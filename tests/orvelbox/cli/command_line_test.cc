@@ -81,6 +81,8 @@ TEST_F(CommandLine, a_mistyped_command_is_told_from_what_was_meant) {
   EXPECT_EQ(ComplaintAbout({"ctu", "x"}), "orvelbox: ctu: no such command; did you mean cut?\n");
   EXPECT_EQ(ComplaintAbout({"--device", "d", "wiat"}), "orvelbox: wiat: no such command; did you mean wait?\n");
   EXPECT_EQ(ComplaintAbout({"frob"}), "orvelbox: frob: no such command; see: orvelbox --help\n");
+  EXPECT_EQ(ComplaintAbout({"--", "frob"}), "orvelbox: frob: no such command; see: orvelbox --help\n");
+  EXPECT_EQ(ComplaintAbout({""}), "orvelbox: an empty argument; see: orvelbox --help\n");
 }
 
 TEST_F(CommandLine, a_mistyped_option_is_told_from_what_was_meant) {

@@ -18,6 +18,7 @@ TEST(NearestName, is_few_slips_away) {
 TEST(NearestName, is_the_first_of_equals_and_none_where_all_are_far) {
   EXPECT_EQ(Nearest("a", {"b", "c"}), "b");
   EXPECT_EQ(Nearest("frob", {"install", "show"}), "");
+  EXPECT_EQ(Nearest("ab", {"xa", "bx"}), "") << "half a swap is none";
   EXPECT_EQ(Nearest("", {"b"}), "");
   EXPECT_EQ(Nearest("x", {}), "");
 }

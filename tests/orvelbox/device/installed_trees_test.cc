@@ -46,26 +46,46 @@ class InstalledTreesTest : public DirectoryTest {
     EXPECT_FALSE(support::IsThere(device_.directory / "pending"));
   }
 
+  void ExpectSound() const { EXPECT_THAT(trees_.Mend(), IsEmpty()); }
+
   host::Device device_;
   InstalledTrees trees_;
 };
 
-TEST_F(InstalledTreesTest, a_sound_device_needs_no_mending) {
+TEST_F(InstalledTreesTest, what_is_done_or_undone_needs_no_mending) {
   Install("1");
-  EXPECT_THAT(trees_.Mend(), IsEmpty());
+  ExpectSound();
+  trees_.Replace(Source("2"), Package("2"), Package("1"));
+  trees_.RestorePrevious(Package("1"));
+  ExpectSound();
   ExpectInPlace("1");
+  trees_.Replace(Source("2"), Package("2"), Package("1"));
+  trees_.KeepUpgrade("a");
+  ExpectSound();
+  ExpectInPlace("2");
+  trees_.BeginRemoval("a");
+  trees_.UndoRemoval();
+  ExpectSound();
+  trees_.BeginRemoval("a");
+  trees_.Remove(Package("2"));
+  ExpectSound();
+  ExpectNothingOfIt();
+  trees_.Add(Source("1"), Package("1"));
+  trees_.UndoAddition(Package("1"));
+  ExpectSound();
+  ExpectNothingOfIt();
 }
 
 TEST_F(InstalledTreesTest, a_tree_on_its_way_in_is_rubbish) {
   WriteFile(Installed(".staging/a/version"), "1");
-  EXPECT_THAT(trees_.Mend(), ElementsAre(HasSubstr("mended a: the files that an interrupted command left")));
+  EXPECT_THAT(trees_.Mend(), ElementsAre("mended a: the files that an interrupted command left behind were removed"));
   EXPECT_THAT(support::NamesIn(Installed("")), IsEmpty());
 }
 
 TEST_F(InstalledTreesTest, a_record_without_a_tree_is_forgotten) {
   Install("1");
   fs::remove_all(Installed("a"));
-  EXPECT_THAT(trees_.Mend(), ElementsAre(HasSubstr("mended a: its files are gone")));
+  EXPECT_THAT(trees_.Mend(), ElementsAre("mended a: its files are gone, so it is no longer installed"));
   EXPECT_EQ(RegisteredVersion(), "none");
 }
 
@@ -82,7 +102,8 @@ TEST_F(InstalledTreesTest, an_upgrade_killed_between_its_moves_is_taken_back) {
   WriteFile(Installed(".staging/a/version"), "2");
   fs::create_directory(Installed(".previous"));
   fs::rename(Installed("a"), Installed(".previous/a"));
-  trees_.Mend();
+  EXPECT_THAT(trees_.Mend(),
+              ElementsAre("mended a: an upgrade was interrupted; the version before it is in place again"));
   ExpectInPlace("1");
 }
 
@@ -90,7 +111,8 @@ TEST_F(InstalledTreesTest, an_upgrade_killed_while_hooks_run_is_taken_back) {
   Install("1");
   trees_.Replace(Source("2"), Package("2"), Package("1"));
   EXPECT_EQ(RegisteredVersion(), "2");
-  EXPECT_THAT(trees_.Mend(), ElementsAre(HasSubstr("mended a: an upgrade was interrupted")));
+  EXPECT_THAT(trees_.Mend(),
+              ElementsAre("mended a: an upgrade was interrupted; the version before it is in place again"));
   ExpectInPlace("1");
 }
 
@@ -108,8 +130,7 @@ TEST_F(InstalledTreesTest, an_upgrade_killed_after_it_was_decided_stays) {
   trees_.Replace(Source("2"), Package("2"), Package("1"));
   Journal(device_).Decide();
   WriteFile(CacheFile(), "after the hooks");
-  EXPECT_THAT(trees_.Mend(),
-              ElementsAre(HasSubstr("mended a: an upgrade was interrupted at its end; the new version")));
+  EXPECT_THAT(trees_.Mend(), ElementsAre("mended a: an upgrade was interrupted at its end; the new version stays"));
   ExpectInPlace("2");
   EXPECT_EQ(Cache(), "after the hooks");
 }
@@ -177,8 +198,9 @@ TEST_F(InstalledTreesTest, empty_directories_on_the_way_are_removed_without_a_wo
 
 TEST_F(InstalledTreesTest, a_damaged_note_is_named) {
   WriteFile(device_.directory / "pending/begun", "something a");
-  EXPECT_THAT(ErrorOf([&] { trees_.Mend(); }),
-              HasSubstr((device_.directory / "pending/begun").string() + ": damaged; remove "));
+  const std::string pending = device_.directory / "pending";
+  EXPECT_EQ(ErrorOf([&] { trees_.Mend(); }),
+            pending + "/begun: damaged; remove " + pending + ", and uninstall the package that was worked on last");
 }
 
 TEST_F(InstalledTreesTest, cache_bytes_of_any_kind_are_put_back) {
@@ -209,14 +231,6 @@ TEST_F(InstalledTreesTest, an_addition_that_cannot_be_registered_leaves_nothing)
   fs::remove(device_.Database());
   EXPECT_THROW(trees_.Add(Source("1"), Package("1")), host::DeviceError);
   EXPECT_THAT(support::NamesIn(Installed("")), IsEmpty());
-}
-
-TEST_F(InstalledTreesTest, a_removed_package_leaves_nothing) {
-  Install("1");
-  trees_.BeginRemoval("a");
-  trees_.Remove(Package("1"));
-  EXPECT_THAT(support::NamesIn(Installed("")), IsEmpty());
-  EXPECT_EQ(RegisteredVersion(), "none");
 }
 
 }  // namespace
