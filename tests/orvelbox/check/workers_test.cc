@@ -1,4 +1,4 @@
-// The threads that check packages: order, bounds, interruption.
+// Requests for checks: the threads, with their order, bounds and interruption, and privileges' names.
 #include <unistd.h>
 
 #include <atomic>
@@ -9,6 +9,7 @@
 #include "orvelbox/check/check.h"
 #include "platform/host/child_process.h"
 #include "tests/orvelbox/frame.h"
+#include "tests/support/uris.h"
 
 namespace orvelbox {
 namespace {
@@ -110,6 +111,13 @@ TEST(Workers, an_interruption_stops_the_work) {
         }
       },
       testing::KilledBySignal(SIGTERM), "");
+}
+
+TEST(Privilege, short_names_are_those_at_the_ends_of_the_uris) {
+  EXPECT_EQ(PrivilegeUri("platform"), support::kPlatformPrivilege);
+  EXPECT_EQ(PrivilegeUri("appdebugging"), support::kDebuggingPrivilege);
+  EXPECT_EQ(PrivilegeUri("http://x/y"), "http://x/y");
+  EXPECT_THROW(PrivilegeUri("bogus"), std::invalid_argument);
 }
 
 }  // namespace
