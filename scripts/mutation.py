@@ -34,7 +34,7 @@ SOURCES = ["base", "plugin", "util"]  # without --only
 # Enough for several runs of all tests. A mutant in an endless loop exceeds the processor time, whatever else the machine
 # does. One that allocates without end exceeds the memory. One that waits for ever exceeds only the wall-clock time, whose
 # limit is high, because a busy machine must not kill a mutant.
-PROCESSOR_SECONDS, MEMORY_KB, CLOCK_SECONDS = 20, 4_000_000, 300
+PROCESSOR_SECONDS, MEMORY_KB, CLOCK_SECONDS = 20, 4_000_000, 120
 
 
 def files(*paths):

@@ -58,9 +58,8 @@ std::optional<ByteView> FindMetadata(const ByteView& file) {
   if (magic != kPe32 && magic != kPe32Plus) return std::nullopt;
   const std::uint64_t directories = magic == kPe32 ? kDirectoriesAt : kDirectoriesOfPe32PlusAt;
   if (optional.U32(directories - 4) <= kCliDirectory) return std::nullopt;
-  const std::uint32_t cli = optional.U32(directories + kCliDirectory * 8);
-  if (cli == 0) return std::nullopt;
-  const ByteView header = AtAddress(file, pe, cli);
+  // Of a native file it is zero, an address that no section has.
+  const ByteView header = AtAddress(file, pe, optional.U32(directories + kCliDirectory * 8));
   return AtAddress(file, pe, header.U32(kMetadataPlaceAt)).Part(0, header.U32(kMetadataSizeAt));
 }
 
@@ -156,7 +155,7 @@ std::uint64_t WidthOf(const Column& column, std::uint8_t heap_sizes, const RowCo
   if (column.wide_heap != 0) return (heap_sizes & column.wide_heap) != 0 ? 4 : 2;
   if (column.tables.empty()) return column.bytes;
   const bool narrow = std::all_of(column.tables.begin(), column.tables.end(), [&](char table) {
-    return rows[static_cast<unsigned char>(table)] < 0x10000U >> column.tag_bits;
+    return rows.at(static_cast<unsigned char>(table)) < 0x10000U >> column.tag_bits;
   });
   return narrow ? 2 : 4;
 }

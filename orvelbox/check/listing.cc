@@ -55,7 +55,6 @@ void Listing::ForEachDll(const std::function<void(const std::string& path, unsig
 }
 
 const std::vector<Listing::Entry>* PlacedListing::Find(std::string_view path) const {
-  if (!HasPrefix(path, root_)) return nullptr;
   path.remove_prefix(root_.size());
   while (!path.empty() && path.front() == '/') path.remove_prefix(1);
   while (!path.empty() && path.back() == '/') path.remove_suffix(1);

@@ -61,7 +61,7 @@ class PlacedListing {
     std::size_t next_ = 0;
   };
 
-  // Borrows the listing.
+  // Borrows the listing. Only the root and paths below it can be opened.
   PlacedListing(const Listing& listing, std::string root) : listing_(listing), root_(std::move(root)) {}
 
   Directory Open(const std::string& path) const { return Directory(Find(path)); }

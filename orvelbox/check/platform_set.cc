@@ -11,6 +11,7 @@
 #include "base/affix.h"
 #include "base/fixed_names.h"
 #include "morvath/metadata_utils.h"
+#include "orvelbox/desk/output.h"
 #include "orvelbox/desk/tree.h"
 #include "platform/host/files.h"
 #include "platform/host/paths.h"
@@ -28,7 +29,7 @@ bool IsCobaEntry(const host::MetadataEntry& entry) {
 bool IsPlain(const std::string& path) {
   const bool doubtful = path.find("//") != std::string::npos || path.find("/.") != std::string::npos;
   return path.front() == '/' && path.size() < PATH_MAX && path.find('\0') == std::string::npos &&
-         (!doubtful || fs::path(path).lexically_normal() == path);
+         (!doubtful || fs::path(path).lexically_normal().native() == path);
 }
 
 std::string Above(const std::string& path) { return path.substr(0, path.rfind('/')); }
@@ -46,7 +47,7 @@ std::set<std::string> ReadList(const fs::path& list) {
     if (!line.empty() && line.back() == '\r') line.pop_back();
     if (line.empty() || line.front() == '#') continue;
     if (!IsPlain(line)) {
-      throw host::DeviceError(list.string() + ": line " + std::to_string(number) + " (\"" + line +
+      throw host::DeviceError(list.string() + ": line " + std::to_string(number) + " (\"" + Printable(line) +
                               "\") is no plain absolute path; write one path a line, as find prints them");
     }
     paths.insert(line);

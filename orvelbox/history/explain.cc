@@ -17,29 +17,29 @@ constexpr std::size_t kLinesNamed = 10;
 
 struct Words {
   What what;
-  const char* name;   // in JSON
-  const char* label;  // in front of what there is to say
-  const char* text;   // of findings about which the same is to be said every time
+  const char* name;            // in JSON
+  const char* label;           // in front of what there is to say; null: the name of the cache file
+  const char* text = nullptr;  // of findings about which the same is to be said every time
 };
 
 constexpr Words kWords[] = {
-    {What::kRemoved, "removed", "removed", ""},
-    {What::kStays, "kept", "kept", ""},
-    {What::kRemovalFailed, "removal-failed", "kept", ""},
-    {What::kDuplicate, "duplicate", "duplicate", ""},
-    {What::kExempt, "exempt", "kept", ""},
+    {What::kRemoved, "removed", "removed"},
+    {What::kStays, "kept", "kept"},
+    {What::kRemovalFailed, "removal-failed", "kept"},
+    {What::kDuplicate, "duplicate", "duplicate"},
+    {What::kExempt, "exempt", "kept"},
     {What::kNoDuplicates, "no-duplicates", "nothing", "was removed: no duplicate was found"},
-    {What::kRefused, "refused", "refused", ""},
+    {What::kRefused, "refused", "refused"},
     {What::kNotDotnet, "left-alone", "skipped", "it was not taken for a package with a \"dotnet-\" application"},
     {What::kSample, "sample", "skipped", "an application of the package is a sample (its type holds \"apitest\")"},
     {What::kNoManifest, "no-manifest", "skipped", "the package manager gave no manifest"},
-    {What::kRunAlready, "run-already", "skipped", ""},
-    {What::kErased, "erased", "", ""},
-    {What::kErasing, "erasing", "", ""},
-    {What::kWritten, "written", "", "written"},
+    {What::kRunAlready, "run-already", "skipped"},
+    {What::kErased, "erased", nullptr},
+    {What::kErasing, "erasing", nullptr},
+    {What::kWritten, "written", nullptr, "written"},
     {What::kRestarted, "restarted", "loader", "restarted"},
     {What::kNotRestarted, "not-restarted", "loader", "could not be restarted"},
-    {What::kError, "error", "error", ""},
+    {What::kError, "error", "error"},
 };
 
 const Words& WordsOf(What what) {
@@ -125,13 +125,11 @@ std::string TextOf(const Finding& finding) {
 }
 
 std::string Describe(const Finding& finding, const std::string& package) {
-  const bool of_cache =
-      finding.what == What::kErased || finding.what == What::kErasing || finding.what == What::kWritten;
-  const std::string label = of_cache ? CacheFileIn(finding.path) : WordsOf(finding.what).label;
+  const char* const label = WordsOf(finding.what).label;
   const std::string root = PackageRootIn(finding.path);
   const std::string id = IsAssemblyName(finding.path) && package.empty() ? root.substr(root.rfind('/') + 1) : "";
-  return "    " + Padded(label, kLabelWidth) + " " + (id.empty() ? "" : id + " ") + TextOf(finding) + " (" +
-         LinesNamed(finding.lines) + ")";
+  return "    " + Padded(label == nullptr ? CacheFileIn(finding.path) : label, kLabelWidth) + " " +
+         (id.empty() ? "" : id + " ") + TextOf(finding) + " (" + LinesNamed(finding.lines) + ")";
 }
 
 std::string HooksOf(const Pass& pass) {

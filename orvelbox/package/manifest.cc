@@ -158,8 +158,7 @@ XmlDocument ParseManifest(const std::string& text, const std::string& file) {
   XmlDocument document(xmlCtxtReadMemory(parser.get(), text.data(), static_cast<int>(text.size()), file.c_str(),
                                          nullptr, XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
   if (document) return document;
-  throw host::DeviceError(file + ": not well-formed, " + (first_error.empty() ? "empty" : first_error) +
-                          "; mend the XML and try again");
+  throw host::DeviceError(file + ": not well-formed, " + first_error + "; mend the XML and try again");
 }
 
 Manifest ManifestOf(const std::string& text, const std::string& file) {

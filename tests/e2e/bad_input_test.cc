@@ -46,32 +46,13 @@ TEST_P(BadManifestE2e, is_refused_by_upgrade) {
 
 INSTANTIATE_TEST_SUITE_P(
     manifest, BadManifestE2e,
-    testing::Values(
-        BadManifest{"not_well_formed", "<manifest package=\"a\">\n<ui-application></manifest>",
-                    "not well-formed, line 2"},
-        BadManifest{"empty", "", "not well-formed"},
-        BadManifest{"another_root", "<packages package=\"a\"/>", "its root element is not <manifest>"},
-        BadManifest{"no_package_id", "<manifest version=\"1\"/>", "has no package id"},
-        BadManifest{"empty_package_id", "<manifest package=\"\"/>", "has no package id"},
-        BadManifest{"slash", "<manifest package=\"a/b\"/>", "package id \"a/b\" holds \"/\""},
-        BadManifest{"control_character", "<manifest package=\"a&#9;b\"/>", "package id \"a\\tb\" holds a control"},
-        BadManifest{"high_control_character", "<manifest package=\"a&#x9b;b\"/>", "holds a control character"},
-        BadManifest{"dot", "<manifest package=\".\"/>", "begins with \".\""},
-        BadManifest{"dot_dot", "<manifest package=\"..\"/>", "begins with \".\""},
-        BadManifest{"hidden", "<manifest package=\".staging\"/>", "begins with \".\""},
-        BadManifest{"colon", "<manifest package=\"a:b\"/>", "which structure the cache files"},
-        BadManifest{"too_long", "<manifest package=\"" + std::string(256, 'x') + "\"/>", "longer than 255 bytes"},
-        BadManifest{"no_application_id", "<manifest package=\"a\"><widget-application/></manifest>",
-                    "a <widget-application> has no application id"},
-        BadManifest{
-            "application_id_twice",
-            "<manifest package=\"a\"><ui-application appid=\"x\"/><service-application appid=\"x\"/></manifest>",
-            "application id \"x\" is there twice"},
-        BadManifest{"foreign_main_application", "<manifest package=\"a\" mainapp=\"x\"/>",
-                    "mainapp=\"x\" is none of its applications"},
-        BadManifest{"entities",
-                    "<!DOCTYPE manifest [<!ENTITY e SYSTEM \"file:///etc/passwd\">]><manifest package=\"a\"/>",
-                    "declares entities"}),
+    testing::Values(BadManifest{"not_well_formed", "<manifest package=\"a\">\n<ui-application></manifest>",
+                                "not well-formed, line 2"},
+                    BadManifest{"slash", "<manifest package=\"a/b\"/>", "package id \"a/b\" holds \"/\""},
+                    BadManifest{
+                        "entities",
+                        "<!DOCTYPE manifest [<!ENTITY e SYSTEM \"file:///etc/passwd\">]><manifest package=\"a\"/>",
+                        "declares entities"}),
     [](const auto& parameters) { return parameters.param.name; });
 
 TEST_F(BadInputE2e, a_directory_without_a_manifest_is_no_package) {

@@ -1,6 +1,8 @@
 // Writes the headers and tables of an assembly.
 #include "tests/support/assembly.h"
 
+#include <algorithm>
+
 namespace support {
 namespace {
 
@@ -8,6 +10,7 @@ constexpr std::uint32_t kSectionAddress = 0x2000;
 constexpr std::uint32_t kSectionPlace = 0x200;
 constexpr std::uint32_t kCliHeaderSize = 72;
 constexpr unsigned kAssemblyTable = 0x20;
+constexpr unsigned kExtraData = 0x40;
 
 void Put(std::string& bytes, std::uint64_t value, int count) {
   for (int i = 0; i < count; ++i) bytes += static_cast<char>(value >> (8 * i) & 0xffU);
@@ -22,12 +25,30 @@ std::string TableStream(const std::array<std::uint16_t, 4>& version, const Assem
   Put(stream, 1, 1);
   Put(stream, valid, 8);
   Put(stream, 0, 8);
-  for (const MetadataTable& table : shape.tables) Put(stream, table.rows, 4);
+  const auto behind = std::find_if(shape.tables.begin(), shape.tables.end(),
+                                   [](const MetadataTable& table) { return table.number > kAssemblyTable; });
+  const auto put_counts = [&stream](auto begin, auto end) {
+    for (; begin != end; ++begin) Put(stream, begin->rows, 4);
+  };
+  put_counts(shape.tables.begin(), behind);
   Put(stream, 1, 4);
-  for (const MetadataTable& table : shape.tables) stream.append(std::size_t{table.rows} * table.row_width, '\0');
+  put_counts(behind, shape.tables.end());
+  if ((shape.heap_sizes & kExtraData) != 0) Put(stream, 0, 4);
+  for (auto table = shape.tables.begin(); table != behind; ++table) {
+    stream.append(std::size_t{table->rows} * table->row_width, '\0');
+  }
   Put(stream, 0x8004, 4);  // the hash algorithm
   for (const std::uint16_t number : version) Put(stream, number, 2);
   return stream.append(16, '\0');
+}
+
+void PutSection(std::string& file, std::uint64_t address, std::uint64_t size) {
+  file.append(".text\0\0\0", 8);
+  Put(file, size, 4);
+  Put(file, address, 4);
+  Put(file, size, 4);
+  Put(file, kSectionPlace, 4);
+  file.append(16, '\0');
 }
 
 std::string Metadata(const std::string& table_stream) {
@@ -76,17 +97,17 @@ std::string AssemblyOf(const std::array<std::uint16_t, 4>& version, const Assemb
   Put(file, 0x40, 4);
   file.append("PE\0\0", 4);
   Put(file, 0x14c, 2);
-  Put(file, 1, 2);  // sections
+  Put(file, shape.sections_around ? 3 : 1, 2);
   file.append(12, '\0');
   const std::string optional = OptionalHeader(shape.pe32_plus);
   Put(file, optional.size(), 2);
   Put(file, 0x2102, 2);
   file += optional;
-  file.append(".text\0\0\0", 8);
-  Put(file, section.size(), 4);
-  Put(file, kSectionAddress, 4);
-  Put(file, section.size(), 4);
-  Put(file, kSectionPlace, 4);
+  if (shape.sections_around) {
+    PutSection(file, kSectionAddress - 16, 16);
+    PutSection(file, kSectionAddress * 1000, 16);
+  }
+  PutSection(file, kSectionAddress, section.size());
   file.resize(kSectionPlace, '\0');
   return file + section;
 }

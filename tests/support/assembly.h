@@ -18,8 +18,9 @@ struct MetadataTable {
 
 struct AssemblyShape {
   std::uint8_t heap_sizes = 0;
-  std::vector<MetadataTable> tables = {{0x00, 1, 10}};  // by number; those before the Assembly table
+  std::vector<MetadataTable> tables = {{0x00, 1, 10}};  // by number
   bool pe32_plus = false;
+  bool sections_around = false;  // one that ends where that of the metadata begins, and one above it; both come first
 };
 
 // The content of an assembly with the version.

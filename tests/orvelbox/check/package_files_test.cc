@@ -74,6 +74,33 @@ TEST_F(PackageFilesTest, a_version_is_read_from_an_archive_as_from_a_directory) 
   }
 }
 
+// The header of the metadata stands behind them, so that after it the reader has to go back.
+std::string WithHeaderAtItsEnd(std::string dll) {
+  constexpr std::uint32_t kSection = 0x200;
+  constexpr std::uint32_t kHeaderSize = 72;
+  const auto put = [&dll](std::size_t at, std::size_t number) {
+    for (std::size_t i = 0; i < 4; ++i) dll[at + i] = static_cast<char>(number >> (8 * i) & 0xffU);
+  };
+  const std::string header = dll.substr(kSection, kHeaderSize);
+  dll += std::string(100'000, '\0') + header;
+  put(0x148, dll.size() - kSection);                         // the size of the section
+  put(0x128, 0x2000 + dll.size() - kSection - kHeaderSize);  // the address of the header
+  return dll;
+}
+
+TEST_F(PackageFilesTest, an_archive_is_not_read_backwards) {
+  const std::string near = WithHeaderAtItsEnd(support::AssemblyOf({1, 2, 3, 4}));
+  const std::string far = WithHeaderAtItsEnd(support::AssemblyOf({1, 2, 3, 4}, {0, {{0x00, 2000, 10}}}));
+  WriteFile(dir_ / "far.dll", far);
+  WriteFile(dir_ / "a.opk", support::ZipOf({{"orvel-manifest.xml", "<manifest package=\"a\" version=\"1\"/>"},
+                                            {"far.dll", far},
+                                            {"near.dll", near}}));
+  const Files packed = OpenPackage(dir_ / "a.opk").files;
+  EXPECT_EQ(Told(packed->FactsOf("near.dll")), std::to_string(near.size()) + " 1.2.3.4");
+  EXPECT_EQ(Told(packed->FactsOf("far.dll")), std::to_string(far.size()) + " none");
+  EXPECT_EQ(Told(FilesIn(dir_.path())->FactsOf("far.dll")), std::to_string(far.size()) + " 1.2.3.4");
+}
+
 TEST_F(PackageFilesTest, no_more_than_eight_mebibytes_of_a_dll_are_unpacked) {
   const std::string dll = support::AssemblyOf({1, 2, 3, 4}, {0, {{0x00, 838'900, 10}}});
   WriteFile(dir_ / "a.opk",

@@ -1,13 +1,11 @@
 // The parts of a check: its facts as JSON, its words, its project lines, its SARIF log.
 #include <nlohmann/json.hpp>
 
-#include "orvelbox/check/check.h"
 #include "orvelbox/check/result.h"
 #include "orvelbox/desk/output.h"
 #include "orvelbox/desk/progress.h"
 #include "platform/host/json.h"
 #include "tests/orvelbox/frame.h"
-#include "tests/support/uris.h"
 
 namespace orvelbox {
 namespace {
@@ -52,22 +50,30 @@ Lines Described(const CheckedPackage& package) {
   return lines;
 }
 
+Lines ProjectLines(const CheckedPackage& package) {
+  Lines lines;
+  WriteProjectLines(package, [&](const std::string& line) { lines.push_back(line); });
+  return lines;
+}
+
 TEST(CheckJson, says_everything_in_one_line) {
   CheckedPackage package = Package({NewerDll(), Dll("bin/Own.dll", Verdict::kKept, "")});
   package.dlls[1].reason = "because";
   package.debugging = true;
-  const std::string line = JsonOf(package);
-  EXPECT_THAT(line, Not(HasSubstr("\n")));
-  EXPECT_THAT(line, HasSubstr(R"("duplicates":1)"));
-  EXPECT_THAT(line, HasSubstr(R"("newer_than_origin":true)"));
-  const auto read = host::ParseJson(line);
-  EXPECT_EQ(read["package"], "shop.opk");
-  EXPECT_EQ(read["debugging"], true);
-  EXPECT_EQ(read["dlls"][0]["verdict"], "removed");
-  EXPECT_EQ(read["dlls"][0]["assembly_version"], "2.0.0.0");
-  EXPECT_EQ(read["dlls"][0]["origin_assembly_version"], "1.9.0.0");
-  EXPECT_EQ(read["dlls"][0]["origin_size"], 10);
-  EXPECT_EQ(read["dlls"][1]["reason"], "because");
+  std::string project_lines;
+  for (const std::string& line : ProjectLines(package)) {
+    project_lines += (project_lines.empty() ? "" : ",") + host::AsciiJson(line);
+  }
+  EXPECT_EQ(
+      JsonOf(package),
+      R"({"package":"shop.opk","id":"org.example.shop","version":"1.0","root":"/opt/usr/globalapps/org.example.shop",)"
+      R"("dotnet":true,"debugging":true,"duplicates":1,"dlls":[{"path":"bin/Json.dll","verdict":"removed",)"
+      R"("origin":"/usr/share/dotnet.orvel/framework/Json.dll","size":20,"assembly_version":"2.0.0.0",)"
+      R"("origin_size":10,"origin_assembly_version":"1.9.0.0","newer_than_origin":true},)"
+      R"({"path":"bin/Own.dll","verdict":"kept","reason":"because"}],"project_lines":[)" +
+          project_lines + "]}");
+  package.dlls.clear();
+  EXPECT_THAT(JsonOf(package), testing::EndsWith(R"(,"duplicates":0,"dlls":[]})"));
 }
 
 TEST(CheckJson, a_problem_takes_the_place_of_the_facts) {
@@ -138,26 +144,25 @@ TEST(TextTable, columns_are_as_wide_as_their_characters_and_empty_ones_left_out)
   EXPECT_EQ(table.Line({"x", "", "2"}), "x       2");
 }
 
-Lines ProjectLines(const CheckedPackage& package) {
-  Lines lines;
-  WriteProjectLines(package, [&](const std::string& line) { lines.push_back(line); });
-  return lines;
-}
-
 TEST(ProjectLines, name_each_provided_dll_once_and_escape_it) {
   const CheckedPackage package =
       Package({Dll("bin/A&B.dll", Verdict::kRemoved, std::string(kFramework) + "A&B.dll"),
                Dll("res/A&B.dll", Verdict::kRemoved, std::string(kFramework) + "A&B.dll"),
-               Dll("bin/It's.dll", Verdict::kReportedOnly, "/opt/other/It's.dll"),
-               Dll("bin/a;%(b).dll", Verdict::kRemoved, std::string(kFramework) + "a;%(b).dll"),
+               Dll("bin/X's.dll", Verdict::kReportedOnly, "/opt/other/X's.dll"),
+               Dll("bin/a;%($@*?b).dll", Verdict::kRemoved, std::string(kFramework) + "a;%($@*?b).dll"),
                Dll("bin/Kept.dll", Verdict::kKept, "")});
-  const std::vector<std::string> lines = ProjectLines(package);
-  EXPECT_EQ(
-      std::count(lines.begin(), lines.end(), "  <PackageReference Update=\"A&amp;B\" ExcludeAssets=\"runtime\" />"), 1);
-  EXPECT_THAT(lines, Contains(HasSubstr("'A&amp;B.dll'")));
-  EXPECT_THAT(lines, Contains(HasSubstr("'It%27s.dll'")));
-  EXPECT_THAT(lines, Contains(HasSubstr("Update=\"a%3B%25(b)\"")));
-  EXPECT_THAT(lines, Not(Contains(HasSubstr("Kept"))));
+  const std::string copy = "    <ReferenceCopyLocalPaths Remove=\"@(ReferenceCopyLocalPaths)\"";
+  const std::string named = "        Condition=\"'%(Filename)%(Extension)' == '";
+  EXPECT_THAT(ProjectLines(package),
+              testing::ElementsAreArray(
+                  Lines{"<!-- DLLs that come with a package of their name -->", "<ItemGroup>",
+                        "  <PackageReference Update=\"A&amp;B\" ExcludeAssets=\"runtime\" />",
+                        "  <PackageReference Update=\"X%27s\" ExcludeAssets=\"runtime\" />",
+                        "  <PackageReference Update=\"a%3B%25(%24%40%2A%3Fb)\" ExcludeAssets=\"runtime\" />",
+                        "</ItemGroup>", "<!-- DLLs that come in any other way -->",
+                        "<Target Name=\"LeaveProvidedAssembliesOut\" AfterTargets=\"ResolveAssemblyReferences\">",
+                        "  <ItemGroup>", copy, named + "A&amp;B.dll'\" />", copy, named + "X%27s.dll'\" />", copy,
+                        named + "a%3B%25(%24%40%2A%3Fb).dll'\" />", "  </ItemGroup>", "</Target>"}));
 }
 
 TEST(ProjectLines, a_copy_in_the_package_itself_is_no_matter_of_the_project_file) {
@@ -166,59 +171,77 @@ TEST(ProjectLines, a_copy_in_the_package_itself_is_no_matter_of_the_project_file
   EXPECT_THAT(ProjectLines(package), IsEmpty());
 }
 
-std::string ToSarif(const std::vector<CheckedPackage>& packages) {
-  std::string text;
-  SarifLog log([&](const std::string& line) { text += line; });
-  for (const CheckedPackage& package : packages) log.Add(package);
-  log.End();
-  return text;
+constexpr const char* kSarifBegin =
+    R"({"$schema":"https://json.schemastore.org/sarif-2.1.0.json","version":"2.1.0","runs":[{"tool":{"driver":)"
+    R"({"name":"orvelbox check","rules":[{"id":"duplicate-removed","shortDescription":{"text":"A DLL of the package )"
+    R"(is provided already; the install removes it."},"help":{"text":"Keep the DLL out of the package; orvelbox check )"
+    R"(prints the lines for the project file. Guide: )" ORVEL_GUIDE_URL R"("}},{"id":"duplicate-reported",)"
+    R"("shortDescription":{"text":"A DLL of the package is provided in the read-write area; the install reports it )"
+    R"(and keeps it."},"help":{"text":"Keep the DLL out of the package; orvelbox check prints the lines for the )"
+    R"(project file. Guide: )" ORVEL_GUIDE_URL R"("}}]}},"results":[)";
+
+std::string SarifResult(const std::string& rule, const std::string& level, const std::string& message,
+                        const std::string& dll) {
+  return R"({"ruleId":")" + rule + R"(","level":")" + level + R"(","message":{"text":")" + message +
+         R"("},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"shop.opk"}},"logicalLocations":)"
+         R"([{"fullyQualifiedName":"org.example.shop/)" +
+         dll + R"(","kind":"resource"}]}]})";
 }
 
-TEST(CheckSarif, keeps_no_result_until_the_end) {
-  std::vector<std::string> lines;
-  SarifLog log([&](const std::string& line) { lines.push_back(line); });
-  for (std::size_t packages = 1; packages <= 3; ++packages) {
-    log.Add(Package({NewerDll()}));
-    ASSERT_EQ(lines.size(), 1 + packages);
-    EXPECT_THAT(lines.back(), HasSubstr("bin/Json.dll (2.0.0.0) duplicates"));
+std::string SarifNotification(const std::string& text, const std::string& uri) {
+  return R"({"level":"error","message":{"text":")" + text +
+         R"("},"locations":[{"physicalLocation":{"artifactLocation":{"uri":")" + uri + R"("}}}]})";
+}
+
+// What was said after each package, and after the end.
+class SaidSarif {
+ public:
+  std::string After(const CheckedPackage& package) {
+    log_.Add(package);
+    return std::exchange(said_, "");
   }
+  std::string AfterEnd() {
+    log_.End();
+    return said_;
+  }
+
+ private:
+  std::string said_;
+  SarifLog log_{[this](const std::string& line) { said_ += line; }};
+};
+
+TEST(CheckSarif, has_a_result_per_duplicate_and_keeps_none_until_the_end) {
+  SaidSarif sarif;
+  const std::string removed =
+      SarifResult("duplicate-removed", "warning", MessageAbout(Package({}), NewerDll()), "bin/Json.dll");
+  const CheckedDll reported = Dll("bin/X.dll", Verdict::kReportedOnly, "/opt/x/X.dll");
+  EXPECT_EQ(sarif.After(Package({NewerDll(), Dll("bin/Own.dll", Verdict::kKept, "")})), kSarifBegin + removed);
+  EXPECT_EQ(sarif.After(Package({reported})),
+            "," + SarifResult("duplicate-reported", "note", MessageAbout(Package({}), reported), "bin/X.dll"));
+  CheckedPackage debugged = Package({reported});
+  debugged.debugging = true;
+  EXPECT_EQ(sarif.After(debugged),
+            "," + SarifResult("duplicate-reported", "error", MessageAbout(debugged, reported), "bin/X.dll"));
+  EXPECT_EQ(sarif.AfterEnd(), R"(],"invocations":[{"executionSuccessful":true,"toolExecutionNotifications":[]}]}]})");
 }
 
-TEST(CheckSarif, has_a_result_per_duplicate_and_a_notification_per_unreadable_package) {
+TEST(CheckSarif, has_a_notification_per_unreadable_package) {
+  SaidSarif sarif;
   CheckedPackage unreadable;
   unreadable.name = "b c.opk";
   unreadable.problem = "damaged";
-  CheckedPackage debugged = Package({Dll("bin/X.dll", Verdict::kReportedOnly, "/opt/x/X.dll")});
-  debugged.debugging = true;
-  const auto log =
-      host::ParseJson(ToSarif({Package({NewerDll(), Dll("bin/Own.dll", Verdict::kKept, "")}), unreadable, debugged}));
-  EXPECT_EQ(log["version"], "2.1.0");
-  const auto& run = log["runs"][0];
-  ASSERT_EQ(run["results"].size(), 2U);
-  const auto& result = run["results"][0];
-  EXPECT_EQ(result["ruleId"], run["tool"]["driver"]["rules"][0]["id"]);
-  EXPECT_EQ(result["level"], "warning");
-  EXPECT_THAT(result["message"]["text"].get<std::string>(), HasSubstr("bin/Json.dll (2.0.0.0) duplicates"));
-  EXPECT_EQ(result["locations"][0]["physicalLocation"]["artifactLocation"]["uri"], "shop.opk");
-  EXPECT_EQ(run["results"][1]["ruleId"], run["tool"]["driver"]["rules"][1]["id"]);
-  EXPECT_EQ(run["results"][1]["level"], "error");
-  const auto& invocation = run["invocations"][0];
-  EXPECT_EQ(invocation["executionSuccessful"], false);
-  EXPECT_EQ(invocation["toolExecutionNotifications"][0]["locations"][0]["physicalLocation"]["artifactLocation"]["uri"],
-            "b%20c.opk");
+  EXPECT_EQ(sarif.After(unreadable), kSarifBegin);
+  unreadable.name = "/d-._~/\xc3\xa9";
+  EXPECT_EQ(sarif.After(unreadable), "");
+  EXPECT_EQ(sarif.AfterEnd(), R"(],"invocations":[{"executionSuccessful":false,"toolExecutionNotifications":[)" +
+                                  SarifNotification("damaged", "b%20c.opk") + "," +
+                                  SarifNotification("damaged", "file:///d-._~/%C3%A9") + "]}]}]}");
 }
 
 TEST(ProgressBar, fills_up) {
   EXPECT_EQ(ProgressBar("checking", 0, 4), "checking [" + std::string(30, ' ') + "] 0 of 4");
   EXPECT_EQ(ProgressBar("checking", 2, 4), "checking [" + std::string(15, '#') + std::string(15, ' ') + "] 2 of 4");
   EXPECT_EQ(ProgressBar("checking", 4, 4), "checking [" + std::string(30, '#') + "] 4 of 4");
-}
-
-TEST(Privilege, short_names_are_those_at_the_ends_of_the_uris) {
-  EXPECT_EQ(PrivilegeUri("platform"), support::kPlatformPrivilege);
-  EXPECT_EQ(PrivilegeUri("appdebugging"), support::kDebuggingPrivilege);
-  EXPECT_EQ(PrivilegeUri("http://x/y"), "http://x/y");
-  EXPECT_THROW(PrivilegeUri("bogus"), std::invalid_argument);
 }
 
 }  // namespace

@@ -41,31 +41,47 @@ struct BadEntry {
 class BadArchive : public testing::TestWithParam<BadEntry> {};
 
 TEST_P(BadArchive, is_refused_and_the_entry_named) {
-  const std::string problem = ProblemOf(ZipOf(GetParam().entries));
-  EXPECT_THAT(problem, StartsWith("a.opk: entry \"" + GetParam().entries.back().path + "\""));
-  EXPECT_THAT(problem, HasSubstr(GetParam().complaint));
-  EXPECT_THAT(problem, HasSubstr("; ")) << "the way out";
+  EXPECT_EQ(ProblemOf(ZipOf(GetParam().entries)),
+            "a.opk: entry \"" + GetParam().entries.back().path + "\"" + GetParam().complaint);
 }
+
+constexpr const char* kLeadsOut = " leads out of the package (\"..\"); pack it with plain paths";
+constexpr const char* kNoName = " has no name; pack the archive anew";
+constexpr const char* kSpecial = " is no file and no directory; take it out of the archive";
+constexpr const char* kTwice = " is there twice; pack the archive anew";
+constexpr const char* kTwoKinds = " is told to be a file and a directory at once; pack the archive anew";
 
 INSTANTIATE_TEST_SUITE_P(
     entry, BadArchive,
-    testing::Values(BadEntry{"absolute", {{"/etc/passwd", ""}}, "absolute path"},
-                    BadEntry{"leads_out", {{"../x", ""}}, "leads out of the package"},
-                    BadEntry{"leads_out_later", {{"bin/../../x", ""}}, "leads out of the package"},
-                    BadEntry{"dot_dot_inside", {{"bin/../x", ""}}, "leads out of the package"},
-                    BadEntry{"dot_dot_directory", {{"bin/../", ""}}, "leads out of the package"},
-                    BadEntry{"backslash", {{"bin/..\\x", ""}}, "holds \"\\\""},
-                    BadEntry{"no_name", {{".", "x"}}, "has no name"},
-                    BadEntry{"long_name", {{std::string(256, 'n'), ""}}, "more than 255 bytes"},
-                    BadEntry{"link", {{"l", "/etc/passwd", S_IFLNK | 0777}}, "is a link"},
-                    BadEntry{"terminal", {{"t", "", S_IFCHR | 0644}}, "is no file and no directory"},
-                    BadEntry{"device", {{"d", "", S_IFBLK | 0644}}, "is no file and no directory"},
-                    BadEntry{"encrypted", {{"e", std::string(20, 'x'), 0, 1}}, "is encrypted"},
-                    BadEntry{"twice", {{"A.dll", "1"}, {"./A.dll", "2"}}, "is there twice"},
-                    BadEntry{"file_then_directory", {{"bin", "1"}, {"bin/", ""}}, "is there twice"},
-                    BadEntry{"directory_then_file", {{"bin/A.dll", "1"}, {"bin", ""}}, "is there twice"},
-                    BadEntry{"below_a_file", {{"bin", "1"}, {"bin/A.dll", ""}}, "lies in \"bin\", which is a file"},
-                    BadEntry{"damaged", {{"A.dll", "content", 0, 0, 1}}, "damaged"}),
+    testing::Values(
+        BadEntry{
+            "absolute", {{"/etc/passwd", ""}}, " has an absolute path; pack it with paths relative to the package"},
+        BadEntry{"leads_out", {{"../x", ""}}, kLeadsOut}, BadEntry{"leads_out_later", {{"bin/../../x", ""}}, kLeadsOut},
+        BadEntry{"dot_dot_inside", {{"bin/../x", ""}}, kLeadsOut},
+        BadEntry{"dot_dot_directory", {{"bin/../", ""}}, kLeadsOut},
+        BadEntry{"backslash", {{"bin/..\\x", ""}}, " holds \"\\\"; pack it with \"/\" between the names"},
+        BadEntry{"no_name", {{".", "x"}}, kNoName}, BadEntry{"no_path", {{"", "x"}}, kNoName},
+        BadEntry{"long_name",
+                 {{std::string(255, 'n'), ""}, {std::string(256, 'n'), ""}},
+                 " holds a name of more than 255 bytes; choose a shorter one"},
+        BadEntry{"link", {{"l", "/etc/passwd", S_IFLNK | 0777}}, " is a link; pack the file itself in its place"},
+        BadEntry{"terminal", {{"t", "", S_IFCHR | 0644}}, kSpecial},
+        BadEntry{"device", {{"d", "", S_IFBLK | 0644}}, kSpecial},
+        BadEntry{"directory_as_file", {{"d", "", S_IFDIR | 0755}}, kTwoKinds},
+        BadEntry{"file_as_directory", {{"f/", "", S_IFREG | 0644}}, kTwoKinds},
+        BadEntry{"directory_with_content", {{"full/", "content"}}, kTwoKinds},
+        BadEntry{"encrypted", {{"e", std::string(20, 'x'), 0, 1}}, " is encrypted; pack it without a password"},
+        BadEntry{"encrypted_strongly", {{"e", "x", 0, 0x40}}, " is encrypted; pack it without a password"},
+        BadEntry{"encrypted_directory", {{"e", "x", 0, 0x2000}}, " is encrypted; pack it without a password"},
+        BadEntry{"twice", {{"A.dll", "1"}, {"./A.dll", "2"}}, kTwice},
+        BadEntry{"file_then_directory", {{"bin", "1"}, {"bin/", ""}}, kTwice},
+        BadEntry{"directory_then_file", {{"bin/A.dll", "1"}, {"bin", ""}}, kTwice},
+        BadEntry{"below_a_file",
+                 {{"a/bin", "1"}, {"a/bin/b/A.dll", ""}},
+                 " lies in \"a/bin\", which is a file; pack the archive anew"},
+        BadEntry{"damaged",
+                 {{"A.dll", "content", 0, 0, 1}},
+                 ": no zip archive, cut off or damaged (its checksum is wrong); make it anew, or fetch it again"}),
     [](const auto& parameters) { return parameters.param.name; });
 
 // A file is described twice: in the archive's directory and before its content. Here the header before the content is
@@ -82,19 +98,21 @@ class ContradictingArchive : public testing::TestWithParam<Contradiction> {};
 TEST_P(ContradictingArchive, is_refused_and_the_entry_named) {
   std::string zip = ZipOf({{"A.dll", "content"}});
   zip[GetParam().at] = GetParam().byte;
-  EXPECT_THAT(ProblemOf(zip), AllOf(testing::StartsWith("a.opk: entry \"A.dll\""), HasSubstr(GetParam().complaint)));
+  EXPECT_EQ(ProblemOf(zip), "a.opk: entry \"A.dll\": no zip archive, cut off or damaged (its " + GetParam().complaint +
+                                "); make it anew, or fetch it again");
 }
 
-INSTANTIATE_TEST_SUITE_P(header, ContradictingArchive,
-                         testing::Values(Contradiction{"signature", 0, 'X', "not where it should be"},
-                                         Contradiction{"encrypted", 6, 1, "different kinds of content"},
-                                         Contradiction{"method", 8, 8, "different kinds of content"},
-                                         Contradiction{"checksum", 14, 0, "different checksums"},
-                                         Contradiction{"packed_size", 18, 6, "different sizes"},
-                                         Contradiction{"size", 22, 8, "different sizes"},
-                                         Contradiction{"name", 30, 'B', "different names"},
-                                         Contradiction{"length_of_name", 26, 4, "different names"}),
-                         [](const auto& parameters) { return parameters.param.name; });
+INSTANTIATE_TEST_SUITE_P(
+    header, ContradictingArchive,
+    testing::Values(Contradiction{"signature", 0, 'X', "header is not where it should be"},
+                    Contradiction{"encrypted", 6, 1, "own header and the directory tell different kinds of content"},
+                    Contradiction{"method", 8, 8, "own header and the directory tell different kinds of content"},
+                    Contradiction{"checksum", 14, 0, "own header and the directory tell different checksums"},
+                    Contradiction{"packed_size", 18, 6, "own header and the directory tell different sizes"},
+                    Contradiction{"size", 22, 8, "own header and the directory tell different sizes"},
+                    Contradiction{"name", 30, 'B', "own header and the directory tell different names"},
+                    Contradiction{"length_of_name", 26, 4, "own header and the directory tell different names"}),
+    [](const auto& parameters) { return parameters.param.name; });
 
 TEST(Archive, entries_that_share_bytes_are_refused) {
   std::string zip = ZipOf({{"A.dll", ZipOf({{"B.dll", "b"}})}, {"B.dll", "b"}});
@@ -102,15 +120,9 @@ TEST(Archive, entries_that_share_bytes_are_refused) {
   EXPECT_THAT(ProblemOf(zip), HasSubstr("entry \"A.dll\": no zip archive, cut off or damaged (it reaches into"));
 }
 
-TEST(Archive, a_path_is_a_file_or_a_directory) {
-  for (const support::ZipEntry& entry :
-       {support::ZipEntry{"d", "", S_IFDIR | 0755}, {"f/", "", S_IFREG | 0644}, {"full/", "content"}}) {
-    EXPECT_THAT(ProblemOf(ZipOf({entry})), HasSubstr("a file and a directory at once"));
-  }
-}
-
 TEST(Archive, a_path_with_a_nul_is_refused) {
-  EXPECT_THAT(ProblemOf(ZipOf({{std::string("A\0.dll", 6), ""}})), HasSubstr("holds a NUL"));
+  EXPECT_EQ(ProblemOf(ZipOf({{std::string("A\0.dll", 6), ""}})),
+            "a.opk: entry \"A\" holds a NUL in its path; pack the archive anew");
 }
 
 TEST(Archive, numbers_may_be_told_in_64_bits) {
@@ -145,7 +157,8 @@ TEST(Archive, entries_with_one_path_count_each) {
 TEST(Archive, another_way_of_compressing_is_refused) {
   std::string zip = ZipOf({{"A.dll", "content"}});
   zip[zip.find("PK\x01\x02") + 10] = 12;
-  EXPECT_THAT(ProblemOf(zip), HasSubstr("in another way than by deflate"));
+  EXPECT_EQ(ProblemOf(zip),
+            "a.opk: entry \"A.dll\" is compressed in another way than by deflate; pack it with zip's own settings");
 }
 
 TEST(Archive, any_damaged_byte_is_survived) {
