@@ -211,8 +211,8 @@ Lines UnknownOf(const std::string& log, const LogFacts& facts) {
                       " said: damaged, or without the lines that belong to them");
   }
   if (facts.unread_from > 0) {
-    unknown.push_back("what follows from line " + std::to_string(facts.unread_from) +
-                      " on: the log holds more than can be told at once; cut it into pieces");
+    unknown.push_back("what follows from line " + std::to_string(facts.unread_from) + " on: " + kMoreThanCanBeTold +
+                      "; cut it into pieces");
   }
   return unknown;
 }

@@ -17,6 +17,9 @@
 
 namespace orvelbox {
 
+// Said where `unread_from` is set.
+inline constexpr const char* kMoreThanCanBeTold = "the log holds more than can be told at once";
+
 struct LogFacts {
   std::vector<Pass> passes;         // by their first lines
   LineNumber lines = 0;             // that were read

@@ -87,7 +87,8 @@ TEST_F(BadInputE2e, a_package_that_holds_the_device_is_refused) {
 TEST_F(BadInputE2e, an_installed_package_is_not_installed_again) {
   Register("a", "a.main");
   const std::string package = MakePackage("a", ManifestText("a", "2"));
-  ExpectRefusal({"install", package}, {package + "/orvel-manifest.xml: package a is installed already; use upgrade"});
+  ExpectRefusal({"install", package},
+                {package + "/orvel-manifest.xml: package a is installed already; use upgrade, or uninstall it\n"});
 }
 
 TEST_F(BadInputE2e, a_package_that_is_not_installed_is_not_upgraded) {

@@ -1,6 +1,7 @@
 // Plug-ins that crash, throw, end the process or damage files; and orvelbox killed while one runs.
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -160,6 +161,15 @@ TEST_F(WaitingHookE2e, a_second_process_is_told_of_the_first_one) {
   EXPECT_EQ(WaitFor(first).status, 0);
   EXPECT_THAT(second.err, HasSubstr(": in use by another orvelbox (process " + std::to_string(first) + "); wait for"));
   EXPECT_EQ(RunExpecting(0, {"list"}).out, "a.wait  1  /opt/usr/globalapps/a.wait\n");
+}
+
+TEST_F(MisbehavingPluginE2e, a_lock_file_with_a_text_of_its_own_names_no_process) {
+  support::WriteFile(device_.LockFile(), "12X");
+  const UniqueFd lock(open(device_.LockFile().c_str(), O_RDWR | O_CLOEXEC));
+  ASSERT_EQ(flock(lock.get(), LOCK_EX), 0);
+  EXPECT_EQ(RunExpecting(1, {"clean", "a"}).err, "orvelbox: " + device_.directory.string() +
+                                                     ": in use by another orvelbox; wait for it, or use another device "
+                                                     "with --device\n");
 }
 
 TEST_F(WaitingHookE2e, the_version_before_is_put_back_after_a_killed_upgrade) {

@@ -57,6 +57,7 @@ TEST_F(WhyE2e, what_changed_since_is_noted) {
 TEST_F(WhyE2e, json_holds_the_same) {
   InstallShop();
   const auto json = host::ParseJson(RunExpecting(0, {"why", "--json", "org.example.shop"}).out);
+  EXPECT_FALSE(json.contains("unread_from"));
   ASSERT_EQ(json["dlls"].size(), 2U);
   EXPECT_EQ(json["dlls"][0]["path"], "bin/Json.dll");
   EXPECT_EQ(json["dlls"][0]["fate"], "removed");
