@@ -3,7 +3,6 @@
 
 #include <fcntl.h>
 #include <signal.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -13,7 +12,6 @@
 #include <iostream>
 #include <stdexcept>
 
-#include "platform/host/child_process.h"
 #include "platform/host/fixed_paths_methods.h"
 #include "tests/host/frame.h"
 
@@ -105,25 +103,6 @@ TEST_F(FixedPaths, an_exception_becomes_one_line_and_exit_status_1) {
   EXPECT_FALSE(outcome.signalled);
   EXPECT_EQ(1, outcome.code);
   EXPECT_THAT(errors, testing::EndsWith("orvelbox: no luck\n"));
-}
-
-TEST_F(FixedPaths, an_exception_without_words_is_told_as_such) {
-  const auto errors = support::StandardErrorOf([&] {
-    host::RunWithFixedPaths(root(), []() -> int { throw 7; });
-    host::RunWithFixedPaths(root(), []() -> int { throw std::runtime_error(""); });
-  });
-  EXPECT_THAT(errors, testing::EndsWith("orvelbox: unknown error\norvelbox: unknown error\n"));
-}
-
-TEST_F(FixedPaths, a_child_that_cannot_be_started_is_told) {
-  support::InFreshProcess([&] {
-    const rlimit no_more{0, 0};
-    ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &no_more));
-    EXPECT_EQ("cannot make a pipe: " + std::string(std::strerror(EMFILE)), ErrorOf([] {
-                host::RunChild(
-                    host::HeldSignals(), [] {}, [] { return 0; });
-              }));
-  });
 }
 
 TEST_F(FixedPaths, output_is_neither_lost_nor_doubled) {

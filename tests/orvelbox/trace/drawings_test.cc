@@ -74,6 +74,16 @@ TEST(TracePicture, labels_are_cut_between_characters) {
   EXPECT_THAT(TraceSvg({lane}), HasSubstr(">aé</text>"));
 }
 
+TEST(TracePicture, labels_have_three_letters_at_least_and_stay_in_their_boxes) {
+  const auto draws = [](std::int64_t pixels) {
+    return TraceSvg({{7, 7, {{"all", 0, 1180, 0, true}, {"abcdef", 0, pixels, 1, true}}}});
+  };
+  EXPECT_THAT(draws(26), Not(HasSubstr("\">ab")));
+  EXPECT_THAT(draws(27), HasSubstr(">abc</text>"));
+  EXPECT_THAT(draws(33), HasSubstr(">abc</text>"));
+  EXPECT_THAT(draws(34), HasSubstr(">abcd</text>"));
+}
+
 TEST(TracePicture, lanes_lie_one_below_the_other) {
   const std::string svg = TraceSvg({Sample(), Sample()});
   EXPECT_THAT(svg, HasSubstr("viewBox=\"0 0 1200 150\""));
