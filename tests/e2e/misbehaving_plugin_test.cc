@@ -13,6 +13,7 @@
 #include "base/unique_fd.h"
 #include "tests/e2e/terminal.h"
 #include "tests/support/orvelbox_desk.h"
+#include "tests/support/zip.h"
 
 namespace e2e {
 namespace {
@@ -217,9 +218,11 @@ TEST_F(WaitingHookE2e, on_a_terminal_what_takes_longer_than_a_second_says_so_and
 TEST_F(WaitingHookE2e, a_test_of_a_package_says_what_takes_long_as_well) {
   const Terminal terminal;
   if (!terminal) GTEST_SKIP() << "this machine has no pseudo-terminals";
-  const pid_t test = StartUntilHookRuns({"test", Package("a.wait")}, [&] { terminal.PutAt(STDERR_FILENO); });
-  const std::string duration = "\rtest: 2 s, ";
-  EXPECT_THAT(terminal.ReadUntil(duration), EndsWith(duration));
+  const std::string archive = dir_ / "a.opk";
+  support::WriteFile(archive, support::ZipOf({{"orvel-manifest.xml", ManifestText("a.wait", "1")}, {"A.dll", "a"}}));
+  const pid_t test = StartUntilHookRuns({"test", archive}, [&] { terminal.PutAt(STDERR_FILENO); });
+  const std::string line = "\rtest: 2 s, files written: 2\x1b[K";
+  EXPECT_THAT(terminal.ReadUntil(line), EndsWith(line));
   LetHookGoOn();
   LetHookGoOn();  // the one of the upgrade
   EXPECT_THAT(WaitFor(test).out, HasSubstr(": lived through without a trace\n"));
