@@ -102,7 +102,7 @@ TEST(LogPriority, has_a_letter) {
   EXPECT_EQ('D', host::PriorityLetter(DLOG_DEBUG));
   EXPECT_EQ('I', host::PriorityLetter(DLOG_INFO));
   EXPECT_EQ('E', host::PriorityLetter(DLOG_ERROR));
-  EXPECT_EQ('?', host::PriorityLetter(5));
+  for (const int other : {-1, 0, 1, 2, 5, 7, 8, 1000}) EXPECT_EQ('?', host::PriorityLetter(other)) << other;
 }
 
 TEST(LogLibrary, a_message_becomes_a_record_of_the_device) {
