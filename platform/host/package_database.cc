@@ -125,7 +125,7 @@ std::unique_ptr<SQLite::Database> OpenPackageDatabase(const std::filesystem::pat
     database = std::make_unique<SQLite::Database>(name, how, kPatienceMilliseconds);
   };
   try {
-    if ((flags & SQLite::OPEN_READWRITE) != 0) AlignPermissions(file);
+    AlignPermissions(file);
     open(file, flags);
     if ((flags & SQLite::OPEN_READONLY) != 0 && IsOnlyReadableAsImmutable(*database, file)) {
       open(ImmutableUri(file), SQLite::OPEN_READONLY | SQLite::OPEN_URI);

@@ -169,6 +169,24 @@ TEST_F(InPlace, what_a_killed_run_left_is_removed_by_the_next) {
   });
 }
 
+TEST_F(InPlace, what_a_killed_run_left_since_the_check_is_removed_with_the_turn) {
+  OnMachine([this] {
+    LeaveLinksBehind();
+    const UniqueFd turn = host::LockFixedPaths();
+    ExpectNothingMade();
+  });
+}
+
+TEST_F(InPlace, nothing_is_made_that_cannot_be_noted) {
+  OnMachine([this] {
+    const UniqueFd turn = host::LockFixedPaths();
+    support::MakeFileWritesFail();
+    EXPECT_THAT(ErrorOf([&] { host::InPlaceLinks(turn, root()); }),
+                testing::StartsWith("/run/lock/orvelbox-in-place: cannot write: "));
+    ExpectNothingMade();
+  });
+}
+
 TEST_F(InPlace, leftovers_that_were_replaced_since_are_not_removed) {
   OnMachine([this] {
     LeaveLinksBehind();

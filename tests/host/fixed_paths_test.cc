@@ -227,6 +227,18 @@ TEST(FixedPathsMethods, a_refused_namespace_is_named) {
   });
 }
 
+TEST(FixedPathsMethods, namespaces_without_mounts_are_of_no_use) {
+  const std::string obstacle = OrdinaryUsersObstacle();
+  if (!obstacle.empty()) GTEST_SKIP() << obstacle;
+  support::InFreshProcess([] {
+    machine::RefuseMounts();
+    machine::BecomeOrdinaryUser();
+    std::string reason;
+    EXPECT_EQ(FixedPathsMethod::kNone, host::AvailableFixedPathsMethod(&reason));
+    EXPECT_THAT(reason, HasSubstr("(cannot detach the mounts: " + std::string(std::strerror(EPERM)) + ")"));
+  });
+}
+
 TEST(FixedPathsMethods, an_ordinary_user_without_namespaces_is_told_what_to_do) {
   support::InFreshProcess([] {
     machine::RefuseNamespaces();

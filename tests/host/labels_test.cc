@@ -83,6 +83,15 @@ TEST_F(Labels, the_security_attribute_comes_first_and_is_not_hidden_by_the_other
   });
 }
 
+TEST_F(Labels, an_empty_security_attribute_is_a_label) {
+  if (setxattr(file().c_str(), "security.SMACK64", "", 0, 0) != 0) {
+    GTEST_SKIP() << "this user may not set security.SMACK64";
+  }
+  ASSERT_EQ(0, setxattr(file().c_str(), "user.SMACK64", "second", 6, 0));
+  errno = ENODATA;
+  EXPECT_EQ("", Read(file()));
+}
+
 TEST_F(Labels, a_link_and_its_file_have_labels_of_their_own) {
   ASSERT_EQ(0, Set(link(), "of-the-file"));
   EXPECT_EQ("of-the-file", Read(file()));

@@ -82,6 +82,7 @@ TEST(LoaderRecord, tells_what_was_loaded_and_counts_the_starts) {
   host::RecordLoaderStart(device.device(), {{}, {}, "broken"});
   const auto record = host::ParseJson(ReadFile(device.device().LoaderRecord()));
   EXPECT_EQ(json({{"TPA", json::array()}, {"CoBA", json::array()}, {"starts", 2}, {"error", "broken"}}), record);
+  EXPECT_EQ(host::JsonText(record, 2) + "\n", ReadFile(device.device().LoaderRecord()));
 }
 
 TEST(LoaderRecord, paths_need_not_be_utf8) {

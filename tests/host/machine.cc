@@ -113,6 +113,27 @@ void BecomeOrdinaryUser() {
   Check(setgroups(0, nullptr) == 0 && setgid(kNobody) == 0 && setuid(kNobody) == 0, "become nobody");
 }
 
+namespace {
+
+// Runs every system call of this process and its children through `program`, for good.
+void FilterCalls(sock_filter* program, std::size_t length) {
+  const sock_fprog filter{static_cast<unsigned short>(length), program};
+  Check(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0, "give up new privileges");
+  Check(prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0, "refuse system calls");
+}
+
+}  // namespace
+
+void RefuseMounts() {
+  sock_filter program[] = {
+      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_mount, 1, 0),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EPERM),
+  };
+  FilterCalls(program, std::size(program));
+}
+
 void RefuseNamespaces() {
   constexpr auto kFlagsOfClone = offsetof(seccomp_data, args);  // the lower half on a little-endian machine
   // The jumps count the instructions to skip, up to one of the three results at the end.
@@ -131,9 +152,7 @@ void RefuseNamespaces() {
       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EPERM),
       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSYS),  // callers then use clone, whose flags can be examined
   };
-  const sock_fprog filter{sizeof program / sizeof *program, program};
-  Check(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0, "give up new privileges");
-  Check(prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0, "refuse namespaces");
+  FilterCalls(program, std::size(program));
 }
 
 }  // namespace machine

@@ -24,6 +24,9 @@ void BecomeOrdinaryUser();
 // rights. Throws std::runtime_error.
 void RefuseNamespaces();
 
+// The same for mounts alone.
+void RefuseMounts();
+
 }  // namespace machine
 
 #endif

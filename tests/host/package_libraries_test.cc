@@ -117,7 +117,7 @@ TEST_F(PackageLibraries, the_first_metadata_entry_of_a_key_counts) {
   EXPECT_EQ(0, pkgmgrinfo_appinfo_get_metadata_value(handle, "mark", &text));
   EXPECT_STREQ("first", text);
   EXPECT_LT(pkgmgrinfo_appinfo_get_metadata_value(handle, "Mark", &text), 0);
-  EXPECT_LT(pkgmgrinfo_appinfo_get_metadata_value(handle, nullptr, &text), 0);
+  EXPECT_EQ(-1, pkgmgrinfo_appinfo_get_metadata_value(handle, nullptr, &text));
   pkgmgrinfo_appinfo_destroy_appinfo(handle);
 }
 
