@@ -93,6 +93,47 @@ TEST(ImperfectLogs, a_process_that_begins_in_the_middle_may_be_another_one) {
   EXPECT_FALSE(whole[0].tangled || whole[1].tangled);
 }
 
+TEST(ImperfectLogs, what_hangs_on_order_is_left_open_in_a_tangled_pass) {
+  const std::string tpa = std::string(kCacheDirectory) + "TPA.txt";
+  ToldLog log("7");
+  log.Enter("CLEAN").Enter("removedPkgFromTPACacheFile").Say("f", "36", "erase: a: from cache file: " + tpa);
+  log.Say("f", "0", "Save File : " + tpa).Say("f", "0", "Saved");
+  EXPECT_THAT(Told(FactsOf(log.lines())), ElementsAre("erased " + tpa + " a", "written " + tpa + " "));
+  const Lines other = ToldLog("8").Say("f", "36", "text").lines();
+  EXPECT_THAT(Told(FactsOf(Joined(log.lines(), other))), ElementsAre("erasing " + tpa + " a"));
+  ToldLog reports("7");
+  reports.Say("f", "31", "### Duplicated DLL found ###").Say("f", "31", std::string("Origin : ") + kOrigin);
+  reports.Say("f", "31", std::string("Duplicated : ") + kDll).Say("f", "31", "Duplicated : /a/B.dll");
+  const LogFacts facts = FactsOf(Joined(reports.lines(), other));
+  EXPECT_TRUE(facts.passes.at(0).tangled);
+  ASSERT_THAT(facts.passes[0].findings, SizeIs(2));
+  EXPECT_THAT(facts.passes[0].findings[0].lines, ElementsAre(3U));
+}
+
+// Is a log read whole of which so much is kept? `hook`: it begins with one, so that this and the pass have their
+// weight.
+bool IsReadWhole(bool hook, std::size_t weight) {
+  constexpr std::size_t kOfCharacter = 3;
+  FactReader reader;
+  if (hook) reader.Read(ToldLog().Enter("INSTALL").lines()[0]);
+  weight -= hook ? 1000 : 500;
+  const auto say = [&](std::size_t length) {
+    reader.Read("morvath: f(1) > \x1b[31m" + std::string(length, 'x') + "\x1b[0m");
+    weight -= sizeof(Finding) + kOfCharacter * length;
+  };
+  while (weight > 20'000'000) say(5'000'000);
+  for (int i = 0; i < 2 && (weight - sizeof(Finding)) % kOfCharacter != 0; ++i) say(0);
+  say((weight - sizeof(Finding)) / kOfCharacter);
+  EXPECT_EQ(weight, 0U);
+  return reader.Take().unread_from == 0;
+}
+
+TEST(ImperfectLogs, no_more_is_kept_than_64_mebibytes) {
+  constexpr std::size_t kMost = std::size_t{64} << 20;
+  EXPECT_TRUE(IsReadWhole(true, kMost));
+  EXPECT_FALSE(IsReadWhole(false, kMost + 1));
+}
+
 TEST(ImperfectLogs, twenty_unclear_lines_are_listed_and_the_others_counted) {
   const LogFacts facts = FactsOf(Lines(21, kDamaged));
   EXPECT_THAT(facts.unclear, SizeIs(20));
