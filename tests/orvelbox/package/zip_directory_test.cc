@@ -41,6 +41,8 @@ std::string WithComment(const std::string& comment) {
 
 TEST(ZipEnd, an_archive_may_be_empty_or_have_a_comment) {
   EXPECT_EQ(ProblemOf(ZipOf({})), "no error");
+  EXPECT_EQ(ProblemOf(ZipOf({}) + "x"), Damaged("its end has no directory of entries"));
+  EXPECT_EQ(ProblemOf("PK\5\6"), Damaged("its end has no directory of entries"));
   for (const std::string& comment :
        {std::string("PK\5\6"), "PK\5\6" + std::string(30, 'x'), std::string(0xffff, 'x')}) {
     EXPECT_THAT(Read(WithComment(comment)), ElementsAre(Pair("A.dll", "content")));
