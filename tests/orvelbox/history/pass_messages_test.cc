@@ -141,6 +141,7 @@ TEST(PassMessages, a_search_that_found_nothing_is_told) {
     return Told(log);
   };
   EXPECT_THAT(searched(""), ElementsAre("no-duplicates   3 5 6"));
+  EXPECT_THAT(Told(InstallLog().Exit("gac").Exit("INSTALL")), IsEmpty()) << "no search was begun";
   EXPECT_THAT(searched("text"), ElementsAre("no-duplicates   3 6 7"));
   EXPECT_THAT(searched("### Duplicated DLL found ###"), IsEmpty());
   EXPECT_THAT(searched(std::string("Origin : ") + kJson), IsEmpty());
