@@ -2,6 +2,7 @@
 
 #include "orvelbox/history/why.h"
 #include "tests/orvelbox/frame.h"
+#include "tests/orvelbox/history/told_log.h"
 #include "tests/support/removal_texts.h"
 
 namespace orvelbox {
@@ -127,6 +128,79 @@ TEST(Why, json_holds_every_fact) {
             R"({"path":"4","fate":"there","origin":null,"reason":"no catalogue holds its name"}]})");
   EXPECT_EQ(WhyJson(Question(), {{}, 8}, today),
             R"({"id":"org.a","version":"1","root":"/opt/usr/apps/a","dlls":[],"unread_from":8})");
+}
+
+class RemovalsTest : public DirectoryTest {
+ protected:
+  void WriteInformation(const std::string& dll, const std::string& origin) const {
+    WriteFile(device_.OnDesk(dll + "_deleted"), support::InformationText(origin, dll));
+  }
+  // The removals, each as "DLL ORIGIN" and what is true of it.
+  Lines Known(const std::string& path = "") const {
+    Lines lines;
+    for (const Removal& removal : RemovalsFor(device_, Question(path)).all) {
+      lines.push_back(removal.dll + " " + removal.origin + " " + removal.time + (removal.removed ? " removed" : "") +
+                      (removal.stays ? " stays" : "") + (removal.information_file ? " file" : "") +
+                      (removal.origin_there ? " there" : ""));
+    }
+    return lines;
+  }
+
+  const host::Device device_ = host::CreateDevice(dir_ / "device");
+};
+
+TEST_F(RemovalsTest, information_files_tell_of_removals) {
+  const std::string root = kRoot;
+  WriteFile(device_.OnDesk("/p/A.dll"));
+  WriteInformation(root + "/A.dll", "/p/A.dll");
+  WriteInformation(root + "/lib/B.dll", "/p/B.dll");
+  WriteInformation("/opt/usr/apps/ab/C.dll", "/p/C.dll");
+  WriteFile(device_.OnDesk(root + "/D.dll_deleted"), "text");
+  WriteInformation(root + "/E.dll", "/" + std::string(65536, 'x'));
+  fs::create_symlink("A.dll_deleted", device_.OnDesk(root + "/F.dll_deleted"));
+  EXPECT_THAT(Known(),
+              ElementsAre(root + "/A.dll /p/A.dll  removed file there", root + "/lib/B.dll /p/B.dll  removed file"));
+  EXPECT_THAT(Known(root + "/lib"), ElementsAre(root + "/lib/B.dll /p/B.dll  removed file"));
+}
+
+TEST_F(RemovalsTest, the_log_adds_what_became_of_duplicates) {
+  const std::string root = kRoot;
+  ToldLog log("7");
+  log.Enter("INSTALL").Enter("gac").Duplicate("/q/A.dll", root + "/A.dll").Duplicate("/q/B.dll", root + "/B.dll");
+  log.Duplicate("/q/C.dll", root + "/C.dll", true).Duplicate("/q/D.dll", root + "/D.dll");
+  log.Exit("gac").Exit("INSTALL");
+  log.Enter("INSTALL").Enter("gac").Duplicate("/q/E.dll", "/opt/usr/apps/b/E.dll").Exit("gac").Exit("INSTALL");
+  std::string text;
+  for (const std::string& line : log.lines()) text += line + "\n";
+  WriteFile(device_.Log(), text);
+  WriteInformation(root + "/A.dll", "/p/A.dll");
+  WriteInformation(root + "/B.dll", "/q/B.dll");
+  WriteFile(device_.OnDesk(root + "/C.dll"));
+  WriteFile(device_.OnDesk(root + "/D.dll"));
+  const std::string time = "2026-11-21T08:00:00.123Z";
+  EXPECT_THAT(Known(),
+              ElementsAre(root + "/A.dll /p/A.dll  removed file", root + "/B.dll /q/B.dll " + time + " removed file",
+                          root + "/C.dll /q/C.dll " + time + " stays", root + "/D.dll /q/D.dll " + time));
+}
+
+TEST_F(RemovalsTest, a_question_is_about_a_package_or_a_path_in_it) {
+  host::PackageStore store(device_.Database(), host::PackageStore::Mode::kReadWrite);
+  store.Put(Question().package);
+  const auto asked = [&](const std::string& text) {
+    const WhyQuestion question = ReadQuestion(device_, store, text);
+    return question.package.id + " " + question.path;
+  };
+  const std::string root = kRoot;
+  for (const std::string& text : {std::string("org.a"), root, root + "/", device_.OnDesk(root).string()}) {
+    EXPECT_EQ(asked(text), "org.a ") << text;
+  }
+  for (const std::string path : {"/bin/A.dll", "/bin/A.dll_deleted", "/lib/../bin//A.dll", "/bin/A.dll/"}) {
+    EXPECT_EQ(asked(root + path), "org.a " + root + "/bin/A.dll");
+    EXPECT_EQ(asked(device_.OnDesk(root).string() + path), "org.a " + root + "/bin/A.dll");
+  }
+  EXPECT_EQ(ErrorOf([&] { asked("org.b"); }), "org.b: not installed; see what is with: orvelbox list");
+  EXPECT_EQ(ErrorOf([&] { asked(root + "b/A.dll"); }),
+            root + "b/A.dll: belongs to no installed package; see what is with: orvelbox list");
 }
 
 }  // namespace

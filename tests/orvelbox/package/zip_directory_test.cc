@@ -52,7 +52,7 @@ TEST(ZipEnd, an_archive_may_be_empty_or_have_a_comment) {
 
 TEST(ZipEnd, an_archive_in_several_parts_is_refused) {
   const std::string zip = Plain();
-  for (const std::size_t at : {4U, 6U, 8U, 10U}) {
+  for (std::size_t at = 4; at < 12; ++at) {
     EXPECT_EQ(ProblemOf(WithByte(zip, zip.size() - kEndSize + at, 2)), Damaged("it is one of several parts")) << at;
   }
 }
@@ -90,6 +90,10 @@ TEST(ZipEntries, a_64_bit_number_needs_eight_bytes) {
   const std::string zip = Wide();
   EXPECT_EQ(ProblemOf(WithByte(zip, EntryIn(zip) + kEntrySize + kName + 2, 23)), Damaged("a 64-bit number is missing"));
   EXPECT_EQ(ProblemOf(WithByte(zip, 30 + kName + 2, 15)), Damaged("a 64-bit number is missing"));
+  std::string none = WithByte(zip, EntryIn(zip) + kEntrySize + kName + 2, 0);
+  none[EntryIn(zip) + 30] = 4;   // the length of the extra field: only its header
+  none[EntryIn(zip) + 32] = 24;  // that of the comment: the rest
+  EXPECT_EQ(ProblemOf(none), Damaged("a 64-bit number is missing"));
 }
 
 TEST(ZipEntries, a_mode_counts_only_where_it_was_written_on_unix) {
