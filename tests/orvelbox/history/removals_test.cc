@@ -157,7 +157,8 @@ TEST_F(RemovalsTest, information_files_tell_of_removals) {
   WriteInformation("/opt/usr/apps/ab/C.dll", "/p/C.dll");
   WriteFile(device_.OnDesk(root + "/D.dll_deleted"), "text");
   WriteInformation(root + "/E.dll", "/" + std::string(65536, 'x'));
-  fs::create_symlink("A.dll_deleted", device_.OnDesk(root + "/F.dll_deleted"));
+  WriteFile(device_.OnDesk(root + "/text"), support::InformationText("/p/F.dll", root + "/F.dll"));
+  fs::create_symlink("text", device_.OnDesk(root + "/F.dll_deleted"));
   EXPECT_THAT(Known(),
               ElementsAre(root + "/A.dll /p/A.dll  removed file there", root + "/lib/B.dll /p/B.dll  removed file"));
   EXPECT_THAT(Known(root + "/lib"), ElementsAre(root + "/lib/B.dll /p/B.dll  removed file"));
