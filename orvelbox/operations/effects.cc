@@ -66,6 +66,7 @@ Effects EffectsOf(const HookSettings& settings, const std::function<void(const H
   Effects seen;
   seen.hooks = RunHooks(settings, calls);
   seen.log = ReadLogFrom(device, log_size);
+  if (seen.log.unread_from > 0) seen.log.errors.emplace_back("the log holds more than can be told at once");
   seen.dlls = FatesOf(device, seen.log.duplicates);
   seen.tpa = Compare(tpa, ReadCache(device, kTpaFile));
   seen.coba = Compare(coba, ReadCache(device, kCobaFile));

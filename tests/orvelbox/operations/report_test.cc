@@ -56,13 +56,11 @@ TEST(Report, the_log_adds_why_nothing_was_done_and_what_failed) {
   seen.log.not_inhouse = true;
   seen.log.restart_failed = true;
   seen.log.errors = {"lstat error.", "another"};
-  seen.log.unread_from = 7;
   const std::string skipped =
       "    skipped  the plug-in did not take it for a package with an application of a \"dotnet-\" type";
-  EXPECT_THAT(DescribeEffects(seen, ""),
-              ElementsAre(skipped, "    TPA.txt  unchanged", "    CoBA.txt unchanged",
-                          "    loader   restart failed: see the log", "    error    lstat error.",
-                          "    error    another", "    error    the log holds more than can be told at once"));
+  EXPECT_THAT(DescribeEffects(seen, ""), ElementsAre(skipped, "    TPA.txt  unchanged", "    CoBA.txt unchanged",
+                                                     "    loader   restart failed: see the log",
+                                                     "    error    lstat error.", "    error    another"));
   seen.loader_error = "gone";
   EXPECT_THAT(DescribeEffects(seen, ""), Contains("    loader   restart failed: gone"));
 }
