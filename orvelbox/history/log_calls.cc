@@ -52,10 +52,9 @@ std::string_view ShortName(std::string_view function) {
 
 std::string FunctionIn(std::string_view label) {
   const std::size_t signature = label.find(") ");
-  if (!HasPrefix(label, std::string(kPluginUnit) + "(") || signature == std::string_view::npos) return "";
   const std::size_t end = label.find('(', signature);
+  if (!HasPrefix(label, std::string(kPluginUnit) + "(") || end == std::string_view::npos) return "";
   const std::size_t begin = label.rfind(' ', end);
-  if (end == std::string_view::npos || begin == std::string_view::npos) return "";
   return std::string(ShortName(label.substr(begin + 1, end - begin - 1)));
 }
 

@@ -10,8 +10,8 @@
 namespace orvelbox {
 
 struct LogFilter {
-  std::string tag;      // empty: every tag
-  char priority = 'D';  // this priority (D, I, E) and those above it
+  std::string tag;  // empty: every tag
+  char priority;    // this priority (D, I, E) and those above it
 };
 bool Passes(const LogFilter& filter, const host::LogRecord& record);
 
@@ -21,9 +21,9 @@ std::string ShowRecord(const host::LogRecord& record, bool colour);
 
 struct LogView {
   LogFilter filter;
-  bool follow = false;
-  bool colour = false;
-  bool json = false;  // one JSON object a record, its text as it was logged, colour sequences included
+  bool follow;
+  bool colour;
+  bool json;  // one JSON object a record, its text as it was logged, colour sequences included
 };
 
 // Shows the log on standard output; with `follow` it goes on with every record that comes, until it is interrupted

@@ -113,9 +113,9 @@ void PassReader::Begin(LineNumber line, bool begun) {
   weight_ += kWeightOfPass;
 }
 
-// A pass is about one package. Where neither its begin nor its end is known, it may be several.
+// A pass is about one package. Where no hook was entered, it may be several.
 void PassReader::NamePackage() {
-  if (pass_.hooks.empty() && !pass_.ended) return;
+  if (pass_.hooks.empty()) return;
   for (const Finding& finding : pass_.findings) {
     const std::string package = PackageOf(finding);
     if (package.empty()) continue;
@@ -130,7 +130,6 @@ void PassReader::Close() {
   over_.push_back(std::exchange(pass_, {}));
   frames_.clear();
   comparisons_.clear();
-  step_ = Step::kNone;
   search_line_ = 0;
   open_ = false;
 }

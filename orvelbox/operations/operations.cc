@@ -36,8 +36,8 @@ std::string Holder(int descriptor) {
 // On a full disk the holder's id cannot be written; the lock still works.
 void NameHolder(int descriptor) {
   const std::string digits = std::to_string(getpid());
-  if (ftruncate(descriptor, 0) != 0) return;
-  [[maybe_unused]] const ssize_t written = pwrite(descriptor, digits.data(), digits.size(), 0);
+  [[maybe_unused]] const bool named =
+      ftruncate(descriptor, 0) == 0 && pwrite(descriptor, digits.data(), digits.size(), 0) >= 0;
 }
 
 // Locks the device until the descriptor is closed.

@@ -10,6 +10,7 @@
 namespace orvelbox {
 namespace {
 
+constexpr std::string_view kEndBegins = "PK\5\6";
 constexpr std::size_t kEndSize = 22;
 constexpr std::size_t kLongestComment = 0xffff;
 constexpr std::size_t kEnd64Size = 56;
@@ -34,14 +35,12 @@ struct Directory {
 std::uint64_t FindEnd(ByteSource& file, std::uint64_t size) {
   const std::uint64_t length = std::min<std::uint64_t>(size, kEndSize + kLongestComment);
   const std::string_view tail = file.Read(size - length, static_cast<std::size_t>(length));
-  for (std::size_t at = tail.rfind("PK\5\6"); at != std::string_view::npos && at != 0;
-       at = tail.rfind("PK\5\6", at - 1)) {
+  for (std::size_t at = tail.rfind(kEndBegins); at != std::string_view::npos;
+       at = at == 0 ? std::string_view::npos : tail.rfind(kEndBegins, at - 1)) {
     const std::size_t left = tail.size() - at;
     if (left >= kEndSize && U16(tail, at + 20) == left - kEndSize) return size - length + at;
   }
-  const bool begins = HasPrefix(tail, "PK\5\6") && tail.size() >= kEndSize && U16(tail, 20) == tail.size() - kEndSize;
-  if (!begins) throw ZipProblem("its end has no directory of entries");
-  return size - length;
+  throw ZipProblem("its end has no directory of entries");
 }
 
 Directory ReadEnd(ByteSource& file, std::uint64_t end) {

@@ -85,6 +85,26 @@ TEST_F(PlatformSetTest, a_package_has_its_place_where_it_is_installed_or_in_the_
   EXPECT_EQ(RootOnDevice(set, "b"), "/opt/usr/globalapps/b");
 }
 
+TEST_F(PlatformSetTest, a_device_provides_its_platform_its_components_and_where_packages_are) {
+  const host::Device device = host::CreateDevice(dir_ / "device");
+  WriteFile(device.OnDesk(kPlatform + "/framework/F.dll"));
+  WriteFile(device.OnDesk("/opt/c/shared/res/C.dll"));
+  host::PackageStore store(device.Database(), host::PackageStore::Mode::kReadWrite);
+  host::Package package;
+  for (const std::string id : {"a", "c"}) {
+    package.id = id;
+    package.root = "/opt/" + id;
+    package.applications = {{id + ".main", "", "", "", {{support::kCobaKey, id == "c" ? "true" : "false"}}}};
+    store.Put(package);
+  }
+  const PlatformSet set = SetOfDevice(device);
+  EXPECT_THAT(DllsIn(set.assemblies), ElementsAre("framework/F.dll"));
+  EXPECT_EQ(RootOnDevice(set, "a"), "/opt/a");
+  EXPECT_THAT(set.coba, ElementsAre(Pair("c", testing::_)));
+  EXPECT_EQ(set.coba.at("c").id + " " + set.coba.at("c").root, "c /opt/c");
+  EXPECT_THAT(DllsIn(set.coba.at("c").files), ElementsAre("shared/res/C.dll"));
+}
+
 TEST_F(PlatformSetTest, a_component_is_a_package_of_which_an_application_says_so) {
   host::Package package;
   package.applications.resize(2);

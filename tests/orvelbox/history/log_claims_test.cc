@@ -72,6 +72,13 @@ TEST(LogClaims, a_report_too_many_takes_back_the_origins_before_it) {
   EXPECT_THAT(Told(FactsOf(log.lines())), Contains(std::string("duplicate ") + kOne + " "));
 }
 
+TEST(LogClaims, a_report_without_its_first_line_leaves_those_before_it) {
+  ErrorLines log;
+  log.Found().Origin(kLibraryOfTwo).Duplicated(kOne).Origin(kJson).Duplicated(kTwo);
+  EXPECT_THAT(Told(FactsOf(log.lines())), ElementsAre(std::string("duplicate ") + kOne + " " + kLibraryOfTwo,
+                                                      std::string("duplicate ") + kTwo + " "));
+}
+
 TEST(LogClaims, a_line_about_the_read_write_area_may_have_been_dropped) {
   ToldLog log;
   log.Enter("INSTALL").Enter("gac").Duplicate(kLibraryOfOne, kOne).Exit("gac").Exit("INSTALL");

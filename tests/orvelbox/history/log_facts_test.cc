@@ -62,6 +62,8 @@ TEST(LogMessages, other_lines_are_foreign_and_broken_ones_of_ours_damaged) {
   for (const std::string line : {"", "just a text", "a (b): c > d", "f(7) > text", "\xff\xfe", "unit: f(x) > y"}) {
     EXPECT_EQ(ReadLogLine(line).kind, Kind::kForeign) << line;
   }
+  const std::string_view word = "aa7) > text";
+  EXPECT_EQ(ReadLogLine(word.substr(2)).kind, Kind::kForeign) << "what stands before a line is none of it";
   for (const std::string line : {"morvath: gac(7", "morvath: gac(7) > \x1b[36mcut", "E/QUARNEL: \xff"}) {
     EXPECT_EQ(ReadLogLine(line).kind, Kind::kDamaged) << line;
   }

@@ -20,7 +20,8 @@ TEST_F(ManifestFile, everything_written_is_read) {
       "<ui-application appid='one' exec='One.dll' type='dotnet'><metadata key='k' "
       "value='v'/><metadata/></ui-application>"
       "<widget-application appid='two'/>"
-      "<privileges><privilege> a\n</privilege><privilege/><privilege>b</privilege><privilege>a</privilege></privileges>"
+      "<privileges><privilege> \t&#13;a\n&#13;\t "
+      "</privilege><privilege/><privilege>b</privilege><privilege>a</privilege></privileges>"
       "</manifest>");
   EXPECT_EQ(package.id, "p");
   EXPECT_EQ(package.version, "1.2");
