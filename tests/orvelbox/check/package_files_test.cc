@@ -1,6 +1,9 @@
 // The files of packages in directories and in archives: links, sizes and versions.
 #include "orvelbox/check/package_files.h"
 
+#include <cerrno>
+#include <cstring>
+
 #include "tests/orvelbox/frame.h"
 #include "tests/support/assembly.h"
 #include "tests/support/zip.h"
@@ -52,7 +55,8 @@ TEST_F(PackageFilesTest, what_is_not_there_has_no_facts_and_what_is_no_assembly_
   EXPECT_EQ(Told(files->FactsOf("A.dll")), "4 none");
   EXPECT_EQ(Told(files->FactsOf("B.dll")), "none none");
   EXPECT_EQ(FilesIn(dir_ / "nowhere")->listing().dlls(), 0U);
-  EXPECT_THAT(ErrorOf([&] { FilesIn(dir_ / "A.dll"); }), HasSubstr("A.dll/: cannot read: Not a directory"));
+  EXPECT_THAT(ErrorOf([&] { FilesIn(dir_ / "A.dll"); }),
+              HasSubstr(std::string("A.dll/: cannot read: ") + std::strerror(ENOTDIR)));
 }
 
 // The rows in front of the version keep it away from the headers.
