@@ -29,8 +29,8 @@ struct LoaderState {
 LoaderState ReadLoaderState(const host::Device& device) {
   LoaderState state;
   if (!IsThere(device.LoaderRecord())) return state;
+  // Nothing is found in what is no object.
   const host::Json json = host::ParseJson(host::ReadFile(device.LoaderRecord()));
-  if (!json.is_object()) return state;
   const auto starts = json.find("starts");
   if (starts != json.end() && starts->is_number_integer()) state.starts = starts->get<long>();
   const auto error = json.find("error");
