@@ -96,6 +96,19 @@ TEST(ZipEntries, a_64_bit_number_needs_eight_bytes) {
   EXPECT_EQ(ProblemOf(none), Damaged("a 64-bit number is missing"));
 }
 
+TEST(ZipEntries, only_the_numbers_that_did_not_fit_are_in_the_64_bit_field) {
+  std::string zip = Wide();
+  const std::size_t entry = EntryIn(zip);
+  for (const std::size_t size_at : {20U, 24U}) zip.replace(entry + size_at, 4, std::string("\x07\0\0\0", 4));
+  zip.replace(entry + kEntrySize + kName + 4, 8, std::string(8, '\0'));  // where the entry's own header is
+  EXPECT_THAT(Read(zip), ElementsAre(Pair("A.dll", "content")));
+}
+
+TEST(ZipEntries, a_field_of_another_kind_holds_none_of_the_numbers) {
+  const std::string zip = Wide();
+  EXPECT_THAT(ProblemOf(WithByte(zip, EntryIn(zip) + kEntrySize + kName, 2)), HasSubstr("makes the package larger"));
+}
+
 TEST(ZipEntries, a_mode_counts_only_where_it_was_written_on_unix) {
   const std::string zip = ZipOf({{"A.dll", "content", S_IFLNK | 0777}});
   EXPECT_THAT(ProblemOf(zip), HasSubstr("is a link"));
