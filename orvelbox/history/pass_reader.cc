@@ -194,12 +194,11 @@ void PassReader::Pop(const std::string& function) {
 
 void PassReader::StepInto(const std::string& function) {
   if (function == kPrivilege) search_line_ = line_;
-  if (function == kRemove) search_line_ = 0;
   if (function == kRestart) step_ = Step::kRestarting;
   if (function == kRemove && before_ == Step::kCompared) step_ = Step::kRemoving;
   steps_.push_back(line_);
   // Nothing but a comparison leads to a removal.
-  if (function == kRemove && step_ == Step::kNone && frames_.size() > 1) Tangle();
+  if (function == kRemove && step_ == Step::kNone) Tangle();
 }
 
 void PassReader::StepOut(const std::string& function) {
