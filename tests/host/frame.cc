@@ -3,6 +3,8 @@
 
 #include <sys/stat.h>
 
+#include "platform/host/fixed_paths.h"
+
 namespace host_tests {
 
 void MachineTest::SetUp() {
@@ -15,6 +17,20 @@ void MachineTest::OnEmptiedMachine(const std::function<void()>& body) {
     machine::EnterEmptied();
     body();
   });
+}
+
+std::string OrdinaryUsersObstacle() {
+  const support::TempDir directory;
+  const fs::path file = directory / "obstacle";
+  WriteFile(file, "");
+  fs::permissions(file, fs::perms::all);
+  support::InFreshProcess([&] {
+    machine::BecomeOrdinaryUser();
+    std::string reason;
+    host::AvailableFixedPathsMethod(&reason);
+    WriteFile(file, reason);
+  });
+  return ReadFile(file);
 }
 
 void LayOutRoot(const fs::path& root) {

@@ -52,6 +52,9 @@ class MachineTest : public DirectoryTest {
   const fs::path& root() const { return directory(); }
 };
 
+// Why an ordinary user cannot have the fixed paths here; nothing when it is possible.
+std::string OrdinaryUsersObstacle();
+
 // Creates a root with one file in each directory for a fixed path, which all users may read, and expects those files
 // at the fixed paths.
 void LayOutRoot(const fs::path& root);

@@ -1,7 +1,6 @@
 // Logs with damaged, doubled, continued and endless lines, and what is concluded about cache files.
 
 #include "base/fixed_names.h"
-#include "orvelbox/history/explain.h"
 #include "tests/orvelbox/frame.h"
 #include "tests/orvelbox/history/told_log.h"
 
@@ -13,23 +12,6 @@ using testing::SizeIs;
 constexpr const char* kOrigin = "/usr/share/dotnet.orvel/d.pc/A.dll";
 constexpr const char* kDll = "/opt/usr/apps/org.a/A.dll";
 constexpr const char* kDamaged = "morvath: gac(7";
-
-LogFacts FactsOf(const Lines& lines) {
-  FactReader reader;
-  for (const std::string& line : lines) reader.Read(line);
-  return reader.Take();
-}
-
-// The findings in order, each as "NAME PATH ORIGIN".
-Lines Told(const LogFacts& facts) {
-  Lines told;
-  for (const Pass& pass : facts.passes) {
-    for (const Finding& finding : pass.findings) {
-      told.push_back(std::string(NameOf(finding.what)) + " " + finding.path + " " + finding.origin);
-    }
-  }
-  return told;
-}
 
 Lines Joined(Lines lines, const Lines& more) {
   lines.insert(lines.end(), more.begin(), more.end());

@@ -13,23 +13,6 @@ constexpr const char* kTwo = "/opt/usr/globalapps/org.two/bin/Own.dll";
 constexpr const char* kLibraryOfOne = "/opt/usr/globalapps/org.one/lib/Own.dll";
 constexpr const char* kLibraryOfTwo = "/opt/usr/globalapps/org.two/lib/Own.dll";
 
-LogFacts FactsOf(const Lines& lines) {
-  FactReader reader;
-  for (const std::string& line : lines) reader.Read(line);
-  return reader.Take();
-}
-
-// The findings in order, each as "NAME PATH ORIGIN".
-Lines Told(const LogFacts& facts) {
-  Lines told;
-  for (const Pass& pass : facts.passes) {
-    for (const Finding& finding : pass.findings) {
-      told.push_back(std::string(NameOf(finding.what)) + " " + finding.path + " " + finding.origin);
-    }
-  }
-  return told;
-}
-
 std::string StoryOf(const Lines& lines) {
   std::string story;
   for (const std::string& line : DescribeStory("LOG", FactsOf(lines))) story += line + "\n";

@@ -13,11 +13,7 @@ constexpr const char* kJson = "/usr/share/dotnet.orvel/framework/Json.dll";
 constexpr const char* kDll = "/opt/usr/apps/org.a/bin/Json.dll";
 constexpr const char* kOtherDll = "/opt/usr/apps/org.b/bin/Json.dll";
 
-LogFacts FactsOf(const ToldLog& log) {
-  FactReader reader;
-  for (const std::string& line : log.lines()) reader.Read(line);
-  return reader.Take();
-}
+LogFacts FactsOf(const ToldLog& log) { return orvelbox::FactsOf(log.lines()); }
 
 // The only pass.
 Pass PassOf(const ToldLog& log) {

@@ -1,10 +1,12 @@
-// Lines as the plug-in logs them, for tests of those who read them.
+// Lines as the plug-in logs them, and what is read of them, for tests of those who read them.
 #ifndef TESTS_ORVELBOX_HISTORY_TOLD_LOG_H_
 #define TESTS_ORVELBOX_HISTORY_TOLD_LOG_H_
 
 #include <string>
 
 #include "orvelbox/desk/output.h"
+#include "orvelbox/history/explain.h"
+#include "orvelbox/history/log_facts.h"
 
 namespace orvelbox {
 
@@ -54,6 +56,23 @@ class ToldLog {
   std::string process_;
   Lines lines_;
 };
+
+inline LogFacts FactsOf(const Lines& lines) {
+  FactReader reader;
+  for (const std::string& line : lines) reader.Read(line);
+  return reader.Take();
+}
+
+// The findings in order, each as "NAME PATH ORIGIN".
+inline Lines Told(const LogFacts& facts) {
+  Lines told;
+  for (const Pass& pass : facts.passes) {
+    for (const Finding& finding : pass.findings) {
+      told.push_back(std::string(NameOf(finding.what)) + " " + finding.path + " " + finding.origin);
+    }
+  }
+  return told;
+}
 
 }  // namespace orvelbox
 
