@@ -101,13 +101,10 @@ class Worker:
     def run_tests(self, program, names=("*",)):
         """Whether these tests pass, and the first that failed (None when the program did not report one)."""
         environment = dict(os.environ, GTEST_BRIEF="1", GTEST_FAIL_FAST="1", GTEST_FILTER=":".join(names))
-        limited = f'ulimit -t {PROCESSOR_SECONDS} && ulimit -v {MEMORY_KB} && exec "$0"'
-        try:
-            result = subprocess.run(["sh", "-c", limited, f"./{program}"], cwd=self.tree / "build", env=environment,
-                                    timeout=CLOCK_SECONDS, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                                    stderr=subprocess.DEVNULL)
-        except subprocess.TimeoutExpired:
-            return False, None
+        # `timeout` kills the program together with the processes that it started.
+        limited = f'ulimit -t {PROCESSOR_SECONDS} && ulimit -v {MEMORY_KB} && exec timeout -s KILL {CLOCK_SECONDS} "$0"'
+        result = subprocess.run(["sh", "-c", limited, f"./{program}"], cwd=self.tree / "build", env=environment,
+                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
         failure = re.search(rb"\[  FAILED  \] ([\w.]+)", result.stdout)
         return result.returncode == 0, failure and failure.group(1).decode()
 
