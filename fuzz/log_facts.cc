@@ -42,11 +42,13 @@ Texts PlainLines(const std::string& log) {
   return lines;
 }
 
+// Also without those that only the removal of others makes.
 std::string WithoutColours(std::string text) {
   for (std::size_t at = text.find("\x1b["); at != std::string::npos; at = text.find("\x1b[", at)) {
     const std::size_t end = text.find_first_not_of("0123456789;", at + 2);
     if (end != std::string::npos && text[end] == 'm') {
       text.erase(at, end + 1 - at);
+      at = 0;
     } else {
       ++at;
     }
