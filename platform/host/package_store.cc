@@ -70,31 +70,43 @@ void InsertPackage(const Database& database, const Package& package) {
   }
 }
 
-// Calls `take` for every row that `sql` returns for `id`.
-template <typename Take>
-void ForEachRow(const Database& database, const char* sql, const std::string& id, const Take& take) {
-  Statement row(database, sql);
-  row.bind(1, id);
-  while (row.executeStep()) take(row);
-}
+// Reads whole packages, each of whose statements SQLite compiles only once.
+class PackageReader {
+ public:
+  explicit PackageReader(const Database& database)
+      : applications_(database,
+                      "SELECT id, kind, type, exec FROM applications WHERE package_id = ?1 ORDER BY position"),
+        metadata_(database, "SELECT key, value FROM metadata WHERE app_id = ?1 ORDER BY position"),
+        privileges_(database, "SELECT name FROM privileges WHERE package_id = ?1 ORDER BY position") {}
 
-// The package in a row (id, version, type, root, main_app_id).
-Package ReadPackage(const Database& database, Statement& own) {
-  Package package{Text(own, 0), Text(own, 1), Text(own, 2), Text(own, 3), Text(own, 4), {}, {}};
-  ForEachRow(database, "SELECT id, kind, type, exec FROM applications WHERE package_id = ?1 ORDER BY position",
-             package.id, [&](Statement& row) {
-               package.applications.push_back({Text(row, 0), Text(row, 1), Text(row, 2), Text(row, 3), {}});
-             });
-  for (auto& application : package.applications) {
-    ForEachRow(database, "SELECT key, value FROM metadata WHERE app_id = ?1 ORDER BY position", application.id,
-               [&](Statement& row) {
-                 application.metadata.push_back({Text(row, 0), Text(row, 1)});
-               });
+  // The package in a row (id, version, type, root, main_app_id).
+  Package Read(Statement& own) {
+    Package package{Text(own, 0), Text(own, 1), Text(own, 2), Text(own, 3), Text(own, 4), {}, {}};
+    ForEachRow(applications_, package.id, [&](Statement& row) {
+      package.applications.push_back({Text(row, 0), Text(row, 1), Text(row, 2), Text(row, 3), {}});
+    });
+    for (auto& application : package.applications) {
+      ForEachRow(metadata_, application.id, [&](Statement& row) {
+        application.metadata.push_back({Text(row, 0), Text(row, 1)});
+      });
+    }
+    ForEachRow(privileges_, package.id, [&](Statement& row) { package.privileges.push_back(Text(row, 0)); });
+    return package;
   }
-  ForEachRow(database, "SELECT name FROM privileges WHERE package_id = ?1 ORDER BY position", package.id,
-             [&](Statement& row) { package.privileges.push_back(Text(row, 0)); });
-  return package;
-}
+
+ private:
+  // Calls `take` for every row that the statement returns for `id`.
+  template <typename Take>
+  static void ForEachRow(Statement& row, const std::string& id, const Take& take) {
+    row.reset();
+    row.bind(1, id);
+    while (row.executeStep()) take(row);
+  }
+
+  Statement applications_;
+  Statement metadata_;
+  Statement privileges_;
+};
 
 std::string FilterQuery(size_t entries) {
   std::string sql = "SELECT package_id, id FROM applications WHERE TRUE";
@@ -136,8 +148,9 @@ std::vector<Package> PackageStore::Select(const std::string& condition, const st
   const Transaction one_state(*database_);
   Statement row(*database_, "SELECT id, version, type, root, main_app_id FROM packages WHERE " + condition);
   row.bind(1, id);
+  PackageReader reader(*database_);
   std::vector<Package> packages;
-  while (row.executeStep()) packages.push_back(ReadPackage(*database_, row));
+  while (row.executeStep()) packages.push_back(reader.Read(row));
   return packages;
 } catch (const SQLite::Exception& refusal) {
   ThrowRefusal(file_, database_.get(), refusal);
