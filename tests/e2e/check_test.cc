@@ -234,8 +234,7 @@ TEST_F(CheckE2e, a_hangup_that_is_ignored_interrupts_nothing) {
 }
 
 TEST_F(CheckE2e, wrong_usage_ends_with_2) {
-  for (const std::vector<std::string>& arguments :
-       {std::vector<std::string>{"check"}, {"check", "--format", "xml", "p"}, {"check", "--jobs", "0", "p"}}) {
+  for (const std::vector<std::string>& arguments : {std::vector<std::string>{"check"}, {"check", "--jobs", "0", "p"}}) {
     const Result result = RunExpecting(2, arguments);
     EXPECT_EQ(result.out, "");
     EXPECT_THAT(result.err, StartsWith("orvelbox: "));

@@ -57,12 +57,6 @@ int Occurrences(const std::string& text, const std::string& part) {
   return count;
 }
 
-std::string Joined(const std::vector<std::string>& words) {
-  std::string text;
-  for (const std::string& word : words) text += " " + word;
-  return text;
-}
-
 // Begins and ends the trouble in turns, at random moments.
 class Troublemaker {
  public:
@@ -159,7 +153,7 @@ void LoadDesk::Judge(const Slot& slot, const e2e::Result& result, const Trouble&
   const bool failed_cleanly = result.status != 0 && result.status <= 2 && result.err.rfind("orvelbox: ", 0) == 0;
   const bool hindered = slot.killed || trouble.strictness == Strictness::kPluginHindered;
   EXPECT_TRUE(as_usual || (hindered && failed_cleanly))
-      << "orvelbox" << Joined(slot.command.arguments) << " ended with " << result.status << ":\n"
+      << testing::PrintToString(slot.command.arguments) << " ended with " << result.status << ":\n"
       << result.out << result.err;
   if (!slot.command.changes) return;
   if (result.status == 0) ++counts_.changes;
@@ -182,7 +176,7 @@ void LoadDesk::Advance(Slot& slot, const Trouble& trouble) {
 }
 
 void LoadDesk::AbandonHanging(Slot& slot) const {
-  ADD_FAILURE() << "does not end: orvelbox" << Joined(slot.command.arguments);
+  ADD_FAILURE() << "does not end: " << testing::PrintToString(slot.command.arguments);
   kill(-slot.process, SIGKILL);
   WaitFor(slot.process);
   slot.process = 0;
@@ -222,7 +216,7 @@ void LoadDesk::RunRound(unsigned seed, Clock::time_point end, const Trouble& tro
   trouble.end();
 }
 
-Counts LoadDesk::RunRounds(const Trouble& trouble) {
+void LoadDesk::RunRounds(const Trouble& trouble) {
   const std::chrono::seconds duration(NumberFromEnvironment("ORVEL_LOAD_SECONDS").value_or(kDefaultSeconds));
   const std::optional<unsigned> given_seed = NumberFromEnvironment("ORVEL_LOAD_SEED");
   std::random_device new_seed;
@@ -243,7 +237,9 @@ Counts LoadDesk::RunRounds(const Trouble& trouble) {
   std::cout << counts_.commands << " commands, " << counts_.changes << " changes, " << counts_.refused
             << " refused as in use, " << counts_.failed << " failed, " << counts_.killed << " kills, " << counts_.mended
             << " repairs, " << counts_.troubles << " troubles" << std::endl;
-  return counts_;
+  EXPECT_GT(counts_.changes, 0);
+  EXPECT_TRUE(!trouble.kills || (counts_.refused > 0 && counts_.killed > 0 && counts_.mended > 0));
+  EXPECT_TRUE(!trouble.begin || (counts_.failed > 0 && counts_.troubles > 0));
 }
 
 }  // namespace load

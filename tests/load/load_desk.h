@@ -38,7 +38,6 @@ struct Trouble {
   Strictness strictness = Strictness::kComplete;
 };
 
-// How much happened; a run without changes and trouble proves nothing.
 struct Counts {
   int commands = 0;
   int changes = 0;  // that succeeded
@@ -56,8 +55,8 @@ class LoadDesk : public e2e::HookDesk {
   void MakeKnownFiles() { known_ = MakeKnownPackages(dir_.path() / "known"); }
   // Replaces the device by a new one; calls `prepare` while its directory is empty.
   void OnNewDevice(const std::function<void()>& prepare);
-  // Runs all rounds and prints the counts.
-  Counts RunRounds(const Trouble& trouble);
+  // Runs all rounds and prints the counts. A run without changes or trouble fails, because it proves nothing.
+  void RunRounds(const Trouble& trouble);
 
   KnownPackages known_;
 
