@@ -51,7 +51,13 @@ void PutSection(std::string& file, std::uint64_t address, std::uint64_t size) {
   file.append(16, '\0');
 }
 
-std::string Metadata(const std::string& table_stream) {
+// With zeros at its end, up to a multiple of four.
+std::string StreamName(std::string name) {
+  name.resize((name.size() + 4) / 4 * 4, '\0');
+  return name;
+}
+
+std::string Metadata(const std::string& table_stream, const std::string& other_stream) {
   std::string metadata = "BSJB";
   Put(metadata, 0x10001, 4);
   Put(metadata, 0, 4);
@@ -61,10 +67,10 @@ std::string Metadata(const std::string& table_stream) {
   Put(metadata, 2, 2);  // streams
   Put(metadata, 0, 4);
   Put(metadata, 0, 4);
-  metadata.append("#Strings\0\0\0\0", 12);
+  metadata += StreamName(other_stream);
   Put(metadata, metadata.size() + 12, 4);
   Put(metadata, table_stream.size(), 4);
-  metadata.append("#~\0\0", 4);
+  metadata += StreamName("#~");
   return metadata + table_stream;
 }
 
@@ -83,7 +89,7 @@ std::string OptionalHeader(bool pe32_plus) {
 }  // namespace
 
 std::string AssemblyOf(const std::array<std::uint16_t, 4>& version, const AssemblyShape& shape) {
-  const std::string metadata = Metadata(TableStream(version, shape));
+  const std::string metadata = Metadata(TableStream(version, shape), shape.other_stream);
   std::string section;
   Put(section, kCliHeaderSize, 4);
   Put(section, 0x50002, 4);

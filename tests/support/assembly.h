@@ -20,6 +20,7 @@ struct AssemblyShape {
   std::uint8_t heap_sizes = 0;
   std::vector<MetadataTable> tables = {{0x00, 1, 10}};  // by number
   bool pe32_plus = false;
+  std::string other_stream = "#Strings";  // comes first
   bool sections_around = false;  // one that ends where that of the metadata begins, and one above it; both come first
 };
 

@@ -82,7 +82,8 @@ class ShapeOfAssembly : public testing::TestWithParam<Shape> {};
 
 TEST_P(ShapeOfAssembly, does_not_hide_the_version) { EXPECT_EQ(VersionOf(GetParam().shape), "13.0.3.27908"); }
 
-// The widths are those of ECMA-335, partition II, 22 and 24.2.6.
+// The widths are those of ECMA-335, partition II, 22 and 24.2.6; names of streams have 31 characters at the most
+// (24.2.2).
 INSTANTIATE_TEST_SUITE_P(
     tables, ShapeOfAssembly,
     testing::Values(
@@ -90,6 +91,7 @@ INSTANTIATE_TEST_SUITE_P(
         Shape{"wide_guids", {0x02, {{0x00, 1, 16}, {0x01, 3, 6}}}},
         Shape{"wide_blobs", {0x04, {{0x00, 1, 10}, {0x04, 5, 8}, {0x11, 2, 4}}}},
         Shape{"extra_data", {0x40, {{0x00, 1, 10}}}}, Shape{"the_last_table", {0, {{0x00, 1, 10}, {0x3f, 1, 1}}}},
+        Shape{"a_stream_with_the_longest_name", {0, {{0x00, 1, 10}}, false, "#" + std::string(30, 'x')}},
         Shape{"every_table",
               {0, {{0x00, 1, 10}, {0x01, 1, 6}, {0x02, 1, 14}, {0x03, 1, 2}, {0x04, 1, 6}, {0x05, 1, 2}, {0x06, 1, 14},
                    {0x07, 1, 2},  {0x08, 1, 6}, {0x09, 1, 4},  {0x0a, 1, 6}, {0x0b, 1, 6}, {0x0c, 1, 6}, {0x0d, 1, 4},
