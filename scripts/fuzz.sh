@@ -12,7 +12,7 @@ fi
 
 # Freed memory is kept for far longer than one execution anyway, and an input that shows an error can be run again by
 # hand, which prints whole stacks. Both cost half of the time.
-export ASAN_OPTIONS="quarantine_size_mb=8:malloc_context_size=2:${ASAN_OPTIONS:-}"
+export ASAN_OPTIONS="quarantine_size_mb=8:malloc_context_size=0:${ASAN_OPTIONS:-}"
 
 count() { find "$1" -type f | wc -l; }
 
