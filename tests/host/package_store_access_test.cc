@@ -12,13 +12,15 @@ namespace host_tests {
 namespace {
 
 TEST_F(Store, a_newer_schema_is_refused_and_left_alone) {
-  Sql("PRAGMA user_version = 2");
+  Sql("PRAGMA journal_mode = DELETE; PRAGMA user_version = 2");
+  const std::string before = ReadFile(file());
   for (const auto mode : {PackageStore::Mode::kReadOnly, PackageStore::Mode::kReadWrite, PackageStore::Mode::kCreate}) {
     EXPECT_EQ(file().string() +
                   ": made by a newer orvelbox (schema 2, this one reads 1); use that version, or another device with "
                   "--device",
               ErrorOf([&] { Open(mode); }));
   }
+  EXPECT_TRUE(before == ReadFile(file()));
 }
 
 TEST_F(Store, what_is_no_database_is_told) {

@@ -43,6 +43,7 @@ TEST_F(FileBytesTest, what_lies_beyond_the_end_is_none) {
 
 TEST_F(FileBytesTest, a_file_that_cannot_be_read_is_an_error) {
   EXPECT_THROW(FileBytes(-1, 4).Read(0, 1), std::system_error);
+  EXPECT_EQ(FileBytes(-1, 4).Read(0, 0), "") << "nothing is read for nothing";
 }
 
 }  // namespace
