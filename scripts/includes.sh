@@ -4,8 +4,9 @@
 set -eu
 
 if [ $# -eq 0 ]; then
-  git ls-files --cached --others --exclude-standard 'base/*.h' 'plugin/*.h' 'util/*.h' 'include/*.h' \
-    'quarnel_util/*.h' 'platform/*.h' 'orvelbox/*.h' | xargs -n 1 -P "$(nproc)" "$0"
+  headers=$(git ls-files --cached --others --exclude-standard 'base/*.h' 'plugin/*.h' 'util/*.h' 'include/*.h' \
+    'quarnel_util/*.h' 'platform/*.h' 'orvelbox/*.h')
+  printf '%s\n' "$headers" | xargs -n 1 -P "$(nproc)" "$0"
   exit
 fi
 
