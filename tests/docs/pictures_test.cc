@@ -11,6 +11,8 @@
 namespace docs {
 namespace {
 
+using support::Quoted;
+
 // The names of the spans in a drawn trace, without the lines of the sources, which move. Times differ in every run.
 std::vector<std::string> Spans(const std::string& svg) {
   std::vector<std::string> names;
@@ -25,8 +27,8 @@ TEST(Pictures, show_what_orvelbox_prints) {
   std::string reason;
   if (host::AvailableFixedPathsMethod(&reason) == host::FixedPathsMethod::kNone) GTEST_SKIP() << reason;
   const support::TempDir dir;
-  const std::string output = support::OutputOf(
-      SOURCE_DIRECTORY "/scripts/pictures.sh " BUILD_DIRECTORY "/orvelbox/orvelbox '" + dir.path().string() + "'");
+  const std::string output = support::OutputOf(Quoted(SOURCE_DIRECTORY "/scripts/pictures.sh") + " " +
+                                               Quoted(BUILD_DIRECTORY "/orvelbox/orvelbox") + " " + Quoted(dir.path()));
   EXPECT_THAT(output, testing::Not(testing::HasSubstr("ended with"))) << output;
   const auto shown = [](const std::string& name) { return support::ReadFile(SOURCE_DIRECTORY "/docs/" + name); };
   const char* const way_out = "make the pictures anew: make pictures";
@@ -35,9 +37,9 @@ TEST(Pictures, show_what_orvelbox_prints) {
   EXPECT_GT(Spans(shown("trace.svg")).size(), 5U);
 }
 
-// In the tree, because a change of what users read belongs into the review of the change.
+// In the tree, because a change of what users read belongs in the review of the change.
 TEST(ManualPage, is_the_one_of_this_program) {
-  EXPECT_EQ(support::OutputOf(BUILD_DIRECTORY "/orvelbox/orvelbox_manual"),
+  EXPECT_EQ(support::OutputOf(Quoted(BUILD_DIRECTORY "/orvelbox/orvelbox_manual")),
             support::ReadFile(SOURCE_DIRECTORY "/docs/orvelbox.1"))
       << "make the page anew: make pictures";
 }
