@@ -16,12 +16,6 @@ constexpr const char* kOwnJson = "/opt/usr/globalapps/org.example.shop/bin/Json.
 constexpr const char* kPart = "/opt/usr/globalapps/org.example.component/shared/res/Part.dll";
 constexpr const char* kOwnPart = "/opt/usr/globalapps/org.example.shop/bin/Part.dll";
 
-LogFacts FactsOf(const Lines& lines) {
-  FactReader reader;
-  for (const std::string& line : lines) reader.Read(line);
-  return reader.Take();
-}
-
 Lines Only(const Lines& lines, const std::string& part) {
   Lines some;
   for (const std::string& line : lines) {
