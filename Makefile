@@ -1,7 +1,7 @@
 # The everyday commands. Each first installs missing packages. CMakePresets.json defines the builds.
 .PHONY: build tests test test-heavy test-container test-places test-distributions test-devices demo \
-  bench bench-compare bench-check bench-programs coverage mutation fuzz lint includes format sanitize valgrind clean packages \
-  lint-packages package package-test reproducible package-tools pictures
+  bench bench-compare bench-check bench-programs coverage mutation fuzz lint includes format sanitize valgrind clean \
+  packages lint-packages package package-test reproducible package-tools pictures
 
 JOBS ?= $(shell nproc)
 

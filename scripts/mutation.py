@@ -83,7 +83,8 @@ class Worker:
         update_copy(self.tree)
         linker = "-fuse-ld=gold" if shutil.which("ld.gold") else ""
         subprocess.run(["cmake", "-S", ".", "-B", "build", "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug",
-                        "-DCMAKE_CXX_FLAGS_DEBUG=-O0", f"-DCMAKE_EXE_LINKER_FLAGS={linker}", f"-DCMAKE_SHARED_LINKER_FLAGS={linker}",
+                        "-DCMAKE_CXX_FLAGS_DEBUG=-O0", f"-DCMAKE_EXE_LINKER_FLAGS={linker}",
+                        f"-DCMAKE_SHARED_LINKER_FLAGS={linker}",
                         "-DCMAKE_PROJECT_INCLUDE=scripts/mutation.cmake",
                         "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST"],
                        cwd=self.tree, check=True, stdout=subprocess.DEVNULL)
