@@ -82,7 +82,7 @@ bool IsOnlyReadableAsImmutable(SQLite::Database& database, const std::filesystem
 }
 
 // SQLite creates the files beside a database with the database's permissions. If these were restricted for a while, the
-// files still are, and nobody could write the database any more.
+// files still are, and nobody could write the database any more, nor read what is in its log.
 void AlignPermissions(const std::filesystem::path& file) {
   if (access(file.c_str(), W_OK) != 0) return;
   std::error_code ignored;

@@ -111,8 +111,13 @@ TEST_F(Store, a_database_that_was_read_only_for_a_while_can_be_written_again) {
     ASSERT_EQ(0, chmod(own.c_str(), 0644));
     PackageStore(own, PackageStore::Mode::kReadWrite).Put(SamplePackage("q"));
     EXPECT_TRUE(PackageStore(own, PackageStore::Mode::kReadOnly).Find("q"));
-    for (const char* beside : {"-wal", "-shm"}) ASSERT_EQ(0, chmod((own.native() + beside).c_str(), 0200)) << beside;
-    PackageStore(own, PackageStore::Mode::kReadWrite).Put(SamplePackage("r"));
+    const auto restrict_files_beside = [&] {
+      for (const char* beside : {"-wal", "-shm"}) ASSERT_EQ(0, chmod((own.native() + beside).c_str(), 0200)) << beside;
+    };
+    restrict_files_beside();
+    PackageStore writer(own, PackageStore::Mode::kReadWrite);
+    writer.Put(SamplePackage("r"));
+    restrict_files_beside();
     EXPECT_TRUE(PackageStore(own, PackageStore::Mode::kReadOnly).Find("r"));
   });
 }
