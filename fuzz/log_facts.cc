@@ -1,6 +1,6 @@
 // The reader of logs: any text is read, the same way however it comes, and nothing is told that does not stand on the
-// lines that are named for it. The first byte says in which pieces the log grows, and whether long lines are cut off; the
-// rest is the log.
+// lines that are named for it. The first byte says in which pieces the log grows, and whether long lines are cut off;
+// the rest is the log.
 #include "orvelbox/history/log_facts.h"
 
 #include <algorithm>

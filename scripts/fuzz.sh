@@ -10,8 +10,8 @@ if [ $# -eq 0 ]; then
   for directory in fuzz/seeds/*; do set -- "$@" "${directory##*/}"; done
 fi
 
-# Less freed memory is kept, which is still enough for many executions, and no stacks: an input that shows an error can be
-# run again by hand, which prints them. The two would take half of the time.
+# Less freed memory is kept, which is still enough for many executions, and no stacks: an input that shows an error can
+# be run again by hand, which prints them. The two would take half of the time.
 export ASAN_OPTIONS="quarantine_size_mb=8:malloc_context_size=0:${ASAN_OPTIONS:-}"
 
 count() { find "$1" -type f | wc -l; }
