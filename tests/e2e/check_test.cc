@@ -214,22 +214,22 @@ TEST_F(CheckE2e, bad_sources_are_named_with_the_way_out) {
 
 TEST_F(CheckE2e, an_answer_that_cannot_be_written_is_no_answer) {
   AddPlatformFile("framework/Json.dll");
-  const std::string check = "{ " ORVELBOX_PROGRAM " --device '" + device_.directory.string() + "' check ";
+  const std::string check = "{ " ORVELBOX_PROGRAM " --device " + support::Quoted(device_.directory) + " check ";
+  const std::string package = support::Quoted(Shop({{"Json.dll", ""}}));
   for (const std::string format : {"table", "json", "sarif", "msbuild"}) {
-    EXPECT_EQ(
-        support::OutputOf(check + "--format " + format + " '" + Shop({{"Json.dll", ""}}) + "' >/dev/full; echo $?; }"),
-        "orvelbox: standard output cannot be written\n2\n")
+    EXPECT_EQ(support::OutputOf(check + "--format " + format + " " + package + " >/dev/full; echo $?; }"),
+              "orvelbox: standard output cannot be written\n2\n")
         << format;
   }
 }
 
 TEST_F(CheckE2e, a_hangup_that_is_ignored_interrupts_nothing) {
-  const std::string package = Shop({});
   ASSERT_EQ(mkfifo((dir_ / "tv.txt").c_str(), 0600), 0);
   // The list comes from a pipe, so that the signal is there before the check begins.
-  const std::string check = "(trap '' HUP; exec " ORVELBOX_PROGRAM " check --platform '" + (dir_ / "tv.txt") + "' '" +
-                            package + "') & sleep 0.2; kill -HUP $!; echo '" + kPlatform + "framework/Json.dll' >'" +
-                            (dir_ / "tv.txt") + "'; wait $!";
+  const std::string check = "list=" + support::Quoted(dir_ / "tv.txt") +
+                            "; (trap '' HUP; exec " ORVELBOX_PROGRAM " check --platform \"$list\" " +
+                            support::Quoted(Shop({})) + ") & sleep 0.2; " + "kill -HUP $!; echo " + kPlatform +
+                            "framework/Json.dll >\"$list\"; wait $!";
   EXPECT_THAT(support::OutputOf(check), AllOf(HasSubstr(": no DLLs"), Not(HasSubstr("interrupted"))));
 }
 

@@ -156,7 +156,8 @@ void MakeLongPath(const fs::path& root, std::size_t length) {
   fs::create_directories(root);
   fs::current_path(root);
   while (reached < length) {
-    const std::string name(std::min<std::size_t>(length - reached - 1, 250), 'd');
+    const std::size_t left = length - reached - 1;
+    const std::string name(left <= 250 ? left : std::min<std::size_t>(left - 2, 250), 'd');  // never leaves only a "/"
     fs::create_directory(name);
     fs::current_path(name);
     reached += name.size() + 1;
