@@ -35,7 +35,7 @@ int Call(const Session& session, const std::vector<RawEvent>& events) {
   if (effects.hooks.Succeeded()) return kDone;
   const std::size_t uncalled = events.size() - effects.hooks.results.size();
   Complain("events: failed, " + ReasonOfFailure(effects) +
-           (uncalled == 0 ? "" : " (" + std::to_string(uncalled) + " of the events were not told to the plug-in)"));
+           (uncalled == 0 ? "" : " (" + Counted(uncalled, "event was", "events were") + " not told to the plug-in)"));
   return kFailed;
 }
 

@@ -94,7 +94,7 @@ TEST_F(MisbehavingPluginE2e, events_end_with_the_first_crash) {
   RunExpecting(0, {"install", Package("b.crash")});
   const Result result = RunPlugin(1, {"events", "clean:a", "install:b.crash", "clean:a", "clean:b.crash"});
   EXPECT_THAT(result.out, HasSubstr("CLEAN a returned 0\nINSTALL b.crash was killed by signal 11"));
-  EXPECT_THAT(result.err, HasSubstr("(2 of the events were not told to the plug-in)\n"));
+  EXPECT_THAT(result.err, HasSubstr("(2 events were not told to the plug-in)\n"));
 }
 
 TEST_F(MisbehavingPluginE2e, events_end_with_the_first_exception) {
@@ -103,7 +103,7 @@ TEST_F(MisbehavingPluginE2e, events_end_with_the_first_exception) {
   const Result result = RunPlugin(1, {"events", "install:b.throw", "clean:a"});
   EXPECT_THAT(result.out, HasSubstr("INSTALL b.throw threw an exception: out of cheese"));
   EXPECT_THAT(result.err, HasSubstr("orvelbox: events: failed, INSTALL threw an exception: out of cheese; see: "
-                                    "orvelbox log --priority E (1 of the events were not told to the plug-in)\n"));
+                                    "orvelbox log --priority E (1 event was not told to the plug-in)\n"));
 }
 
 // A named pipe, of which both ends stay open.
