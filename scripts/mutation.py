@@ -14,6 +14,7 @@ import os
 import queue
 import re
 import shutil
+import signal
 import subprocess
 import sys
 from pathlib import Path
@@ -34,7 +35,7 @@ SOURCES = ["base", "plugin", "util"]  # without --only
 # Enough for several runs of all tests. A mutant in an endless loop exceeds the processor time, whatever else the machine
 # does. One that allocates without end exceeds the memory. One that waits for ever exceeds only the wall-clock time, whose
 # limit is high, because a busy machine must not kill a mutant.
-PROCESSOR_SECONDS, MEMORY_KB, CLOCK_SECONDS = 20, 4_000_000, 120
+PROCESSOR_SECONDS, MEMORY_KB, CLOCK_SECONDS = 20, 4_000_000, 300
 
 
 def files(*paths):
@@ -106,6 +107,8 @@ class Worker:
         limited = f'ulimit -t {PROCESSOR_SECONDS} && ulimit -v {MEMORY_KB} && exec timeout -s KILL {CLOCK_SECONDS} "$0"'
         result = subprocess.run(["sh", "-c", limited, f"./{program}"], cwd=self.tree / "build", env=environment,
                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        if result.returncode == -signal.SIGKILL:
+            print(f"{program} was stopped after {CLOCK_SECONDS} s", flush=True)
         failure = re.search(rb"\[  FAILED  \] ([\w.]+)", result.stdout)
         return result.returncode == 0, failure and failure.group(1).decode()
 
