@@ -196,7 +196,9 @@ Lines UnknownOf(const Pass& pass) {
 Lines UnknownOf(const std::string& log, const LogFacts& facts) {
   Lines unknown;
   if (facts.passes.empty()) {
-    unknown.push_back("anything at all: " + log + " holds no line of the plug-in that could be read");
+    unknown.push_back(
+        "anything at all: " + log +
+        " holds no line of the plug-in that could be read; give a log as plain text, unpacked, with a message a line");
   }
   const auto nameless = [](const Pass& pass) { return pass.package.empty() && !pass.tangled && !pass.hooks.empty(); };
   if (std::any_of(facts.passes.begin(), facts.passes.end(), nameless)) {

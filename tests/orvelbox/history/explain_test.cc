@@ -171,8 +171,10 @@ TEST(StoryWords, a_pass_that_broke_off_before_its_install_is_told) {
 }
 
 TEST(StoryWords, what_of_the_log_is_unknown_is_told) {
-  EXPECT_THAT(StoryOf({}),
-              ElementsAre("unknown   anything at all: a.log holds no line of the plug-in that could be read"));
+  EXPECT_THAT(
+      StoryOf({}),
+      ElementsAre("unknown   anything at all: a.log holds no line of the plug-in that could be read; give a log as "
+                  "plain text, unpacked, with a message a line"));
   LogFacts facts = FactsOf(WholePass());
   EXPECT_THAT(UnknownOf("a.log", facts), IsEmpty());
   facts.passes[0].package.clear();
