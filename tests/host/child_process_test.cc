@@ -48,9 +48,9 @@ TEST(ChildProcess, that_somebody_else_waited_for_is_told) {
     // With SIGCHLD ignored, the kernel itself takes the status of a child that ends.
     std::thread other([&] {
       char told = 0;
-      ASSERT_EQ(1, read(begun[0], &told, 1));
+      EXPECT_EQ(1, read(begun[0], &told, 1));
       signal(SIGCHLD, SIG_IGN);
-      ASSERT_EQ(1, write(on[1], "!", 1));
+      EXPECT_EQ(1, write(on[1], "!", 1));
     });
     const auto body = [&] { return write(begun[1], "!", 1) == 1 && read(on[0], &byte, 1) == 1 ? 0 : 1; };
     EXPECT_EQ("cannot wait for the child process: " + std::string(std::strerror(ECHILD)), ErrorOf([&] {
