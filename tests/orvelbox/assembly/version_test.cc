@@ -62,6 +62,7 @@ TEST(AssemblyVersion, every_header_must_be_that_of_an_assembly) {
   EXPECT_EQ(VersionWith("MX", 0), "none");
   EXPECT_EQ(VersionWith("PX", 0x40), "none");
   EXPECT_EQ(VersionWith("\x0c\x01", kOptionalHeaderAt), "none");
+  EXPECT_EQ(VersionWith("\x0c\x02", kOptionalHeaderAt, true), "none");
   EXPECT_EQ(VersionWith("\x0f", kOptionalHeaderAt + 92), "13.0.3.27908") << "number of directories";
   EXPECT_EQ(VersionWith("\x0e", kOptionalHeaderAt + 92), "none");
   EXPECT_EQ(VersionWith("\x0f", kOptionalHeaderAt + 108, true), "13.0.3.27908");
