@@ -166,6 +166,20 @@ TEST(PassMessages, a_function_that_is_not_called_there_tangles_the_pass) {
   EXPECT_TRUE(PassOf(ToldLog().Enter("gac")).tangled);
 }
 
+TEST(PassMessages, the_end_of_a_function_that_is_not_the_innermost_tangles_the_pass) {
+  EXPECT_FALSE(PassOf(ToldLog().Enter("INSTALL").Enter("gac").Exit("gac").Exit("INSTALL")).tangled);
+  EXPECT_TRUE(PassOf(ToldLog().Enter("INSTALL").Enter("gac").Exit("INSTALL")).tangled);
+  EXPECT_TRUE(PassOf(ToldLog().Enter("INSTALL").Exit("gac").Exit("INSTALL")).tangled);
+}
+
+TEST(PassMessages, functions_of_others_say_nothing_of_the_pass) {
+  InstallLog log;
+  log.Say("FunctionEntryExitTracker", "90", " +DotNETLog:other(38) int gac(const char*)", "log");
+  log.Exit("gac").Exit("INSTALL");
+  EXPECT_FALSE(PassOf(log).tangled);
+  EXPECT_EQ(FactsOf(log).unclear_lines, 0U);
+}
+
 TEST(PassMessages, the_read_write_line_and_a_failure_are_told_where_no_removal_is_known) {
   ToldLog bare;
   bare.Say("removeFileAndLeaveInformationFile", "31", "Origin file is in RW area. so doesn't remove duplicate file");
