@@ -148,10 +148,8 @@ void PassReader::Enter(const std::string& function) {
     frames_.back().has_called = true;
   }
   frames_.push_back({function});
-  if (frames_.size() > kMostFrames) {
-    Tangle();
-    frames_.erase(frames_.begin());
-  }
+  // The end of the one that is dropped will tangle the pass.
+  if (frames_.size() > kMostFrames) frames_.erase(frames_.begin());
   StepInto(function);
 }
 
