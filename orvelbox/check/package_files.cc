@@ -38,7 +38,9 @@ struct CloseDirectory {
 unsigned char TypeOf(const dirent& entry, const std::string& path) {
   struct stat status {};
   unsigned char type = entry.d_type;
-  if (type == DT_UNKNOWN && lstat(path.c_str(), &status) == 0) type = IFTODT(status.st_mode);
+  if (type == DT_UNKNOWN && lstat(path.c_str(), &status) == 0) {
+    type = static_cast<unsigned char>(IFTODT(status.st_mode));
+  }
   if (type != DT_LNK) return type;
   const bool counts = stat(path.c_str(), &status) == 0 && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
   return counts ? DT_LNK : DT_FIFO;
