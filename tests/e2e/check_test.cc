@@ -214,12 +214,11 @@ TEST_F(CheckE2e, bad_sources_are_named_with_the_way_out) {
 
 TEST_F(CheckE2e, an_answer_that_cannot_be_written_is_no_answer) {
   AddPlatformFile("framework/Json.dll");
-  const std::string check = "{ " ORVELBOX_PROGRAM " --device " + support::Quoted(device_.directory) + " check ";
-  const std::string package = support::Quoted(Shop({{"Json.dll", ""}}));
+  const std::string check = "{ " ORVELBOX_PROGRAM " --device " + support::Quoted(device_.directory) + " check " +
+                            support::Quoted(Shop({{"Json.dll", ""}})) + " --format ";
   for (const std::string format : {"table", "json", "sarif", "msbuild"}) {
-    EXPECT_EQ(support::OutputOf(check + "--format " + format + " " + package + " >/dev/full; echo $?; }"),
-              "orvelbox: standard output cannot be written\n2\n")
-        << format;
+    EXPECT_EQ(format + ": " + support::OutputOf(check + format + " >/dev/full; echo $?; }"),
+              format + ": orvelbox: standard output cannot be written\n2\n");
   }
 }
 
@@ -228,13 +227,14 @@ TEST_F(CheckE2e, a_hangup_that_is_ignored_interrupts_nothing) {
   // The list comes from a pipe, so that the signal is there before the check begins.
   const std::string check = "list=" + support::Quoted(dir_ / "tv.txt") +
                             "; (trap '' HUP; exec " ORVELBOX_PROGRAM " check --platform \"$list\" " +
-                            support::Quoted(Shop({})) + ") & sleep 0.2; " + "kill -HUP $!; echo " + kPlatform +
+                            support::Quoted(Shop({})) + ") & sleep 0.2; kill -HUP $!; echo " + kPlatform +
                             "framework/Json.dll >\"$list\"; wait $!";
   EXPECT_THAT(support::OutputOf(check), AllOf(HasSubstr(": no DLLs"), Not(HasSubstr("interrupted"))));
 }
 
 TEST_F(CheckE2e, wrong_usage_ends_with_2) {
-  for (const std::vector<std::string>& arguments : {std::vector<std::string>{"check"}, {"check", "--jobs", "0", "p"}}) {
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"check"}, {"check", "--format", "xml", "p"}, {"check", "--jobs", "0", "p"}}) {
     const Result result = RunExpecting(2, arguments);
     EXPECT_EQ(result.out, "");
     EXPECT_THAT(result.err, StartsWith("orvelbox: "));
