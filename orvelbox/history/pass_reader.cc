@@ -148,8 +148,10 @@ void PassReader::Enter(const std::string& function) {
     frames_.back().has_called = true;
   }
   frames_.push_back({function});
-  // The end of the one that is dropped will tangle the pass.
-  if (frames_.size() > kMostFrames) frames_.erase(frames_.begin());
+  if (frames_.size() > kMostFrames) {
+    Tangle();
+    frames_.erase(frames_.begin());
+  }
   StepInto(function);
 }
 

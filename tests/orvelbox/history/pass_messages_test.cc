@@ -172,6 +172,15 @@ TEST(PassMessages, the_end_of_a_function_that_is_not_the_innermost_tangles_the_p
   EXPECT_TRUE(PassOf(ToldLog().Enter("INSTALL").Exit("gac").Exit("INSTALL")).tangled);
 }
 
+TEST(PassMessages, more_than_64_functions_at_a_time_tangle_the_pass) {
+  ToldLog log;
+  log.Enter("INSTALL");
+  for (int i = 1; i < 64; ++i) log.Enter("other");
+  EXPECT_FALSE(PassOf(log).tangled);
+  log.Enter("other");
+  EXPECT_TRUE(PassOf(log).tangled);
+}
+
 TEST(PassMessages, functions_of_others_say_nothing_of_the_pass) {
   InstallLog log;
   log.Say("FunctionEntryExitTracker", "90", " +DotNETLog:other(38) int gac(const char*)", "log");
